@@ -1,0 +1,10 @@
+// clock_win.h - the system's two clocks.
+#pragma once
+#include "base/clock.h"
+
+// [any] GetTickCount64 and GetSystemTimeAsFileTime; about 16 ms and 1 ms fine.
+class SystemClock : public Clock {
+  public:
+    std::uint64_t tickMs() const override;
+    double unixSeconds() const override;
+};

@@ -1,0 +1,25 @@
+// data_files.h - the files that plugin and worker exchange, as whole texts. The glue opens real ones; tests use a map.
+// Paths are narrow (the system code page). No call throws for a file that is missing, locked or read-only.
+#pragma once
+#include <string>
+#include <string_view>
+
+class DataFiles {
+  public:
+    virtual ~DataFiles() = default;
+
+    // [any] All bytes of the file. False if it cannot be opened; bytes is then empty. A file that is just being
+    // replaced by the other process is tried three times within the call.
+    virtual bool read(const std::string& path, std::string& bytes) = 0;
+
+    // [any] Writes path + ".tmp" and moves it over path, so that a reader sees the old text or the new, never half.
+    // False if the temporary file cannot be written or moved: path then keeps its old text.
+    virtual bool replace(const std::string& path, std::string_view bytes) = 0;
+};
+
+// Joins with one backslash, also when folder already ends in one; an empty folder gives the bare name.
+inline std::string joinPath(std::string_view folder, std::string_view name) {
+    std::string path(folder);
+    if (!path.empty()) path += '\\';
+    return path += name;
+}
