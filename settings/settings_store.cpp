@@ -1,0 +1,77 @@
+#include "settings/settings_store.h"
+#include <cmath>
+#include "settings/settings_text.h"
+
+namespace {
+
+constexpr const char* kSettingsFile = "settings.ini";
+
+// The new live record, and what it was made into; DSP states start afresh when one of the five switches changed.
+Settings replaceLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
+    Settings record;
+    bool switchesChanged = false;
+    {
+        MutexLock lock(store.mutex);
+        const auto before = audioFlagsOf(store.live);
+        change(store.live);
+        switchesChanged = audioFlagsOf(store.live) != before;
+        record = store.live;
+    }
+    if (switchesChanged) store.DspGeneration.fetch_add(1);
+    return record;
+}
+
+}  // namespace
+
+std::uint32_t audioFlagsOf(const Settings& settings) {
+    std::uint32_t flags = 0;
+    if (settings.master) flags |= kAudioMaster;
+    if (settings.distort_self) flags |= kAudioDistortSelf;
+    if (settings.distort_others) flags |= kAudioDistortOthers;
+    if (settings.nrSelf) flags |= kAudioNrSelf;
+    if (settings.equalize) flags |= kAudioEqualize;
+    return flags;
+}
+
+float transmitGainOf(const Settings& settings) {
+    return static_cast<float>(std::pow(10.0, static_cast<double>(settings.transmit_gain) / 20.0));
+}
+
+Settings copySettings(SettingsStore& store) {
+    MutexLock lock(store.mutex);
+    return store.live;
+}
+
+void setSettingsFolders(SettingsStore& store, const std::string& dataFolder, const std::string& moduleFolder) {
+    MutexLock lock(store.fileMutex);
+    store.dataFolder = dataFolder;
+    store.moduleFolder = moduleFolder;
+}
+
+void loadSettings(SettingsStore& store) {
+    MutexLock fileLock(store.fileMutex);
+    std::string text;
+    bool found = store.files.read(joinPath(store.dataFolder, kSettingsFile), text);
+    if (!found && !store.moduleFolder.empty())
+        found = store.files.read(joinPath(store.moduleFolder, kSettingsFile), text);
+    const Settings loaded = found ? readSettingsText(text) : Settings{};
+    MutexLock lock(store.mutex);
+    store.live = loaded;
+}
+
+void saveSettings(SettingsStore& store, const Settings& record) {
+    updateSettings(store, [&](Settings& live) { live = record; });
+}
+
+void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& change) {
+    MutexLock fileLock(store.fileMutex);
+    const Settings record = replaceLive(store, change);
+    store.files.replace(joinPath(store.dataFolder, kSettingsFile), writeSettingsText(record));
+    applySettings(store);
+}
+
+void applySettings(SettingsStore& store) {
+    const Settings settings = copySettings(store);
+    store.AudioFlags = audioFlagsOf(settings);
+    store.TransmitGain = transmitGainOf(settings);
+}

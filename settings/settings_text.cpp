@@ -1,0 +1,188 @@
+#include "settings/settings_text.h"
+#include <algorithm>
+#include <iterator>
+#include <utility>
+#include "base/number_text.h"
+
+namespace {
+
+// What a flag's value has to be to count as the other one. The rules differ from key to key; files in the field
+// rely on each as it stands.
+enum class FlagRule {
+    OffByWord,   // "0" and "false" are off, anything else is on
+    OffByDigit,  // "0" is off, anything else is on ("false" too)
+    OnByWord,    // "1" and "true" are on, anything else is off
+    OnByDigit,   // "1" is on, anything else is off ("true" too)
+};
+
+bool readFlag(FlagRule rule, std::string_view value) {
+    switch (rule) {
+        case FlagRule::OffByWord:
+            return value != "0" && value != "false";
+        case FlagRule::OffByDigit:
+            return value != "0";
+        case FlagRule::OnByWord:
+            return value == "1" || value == "true";
+        case FlagRule::OnByDigit:
+            break;
+    }
+    return value == "1";
+}
+
+struct Range {
+    double min;
+    double max;
+};
+
+constexpr Range kAnyPixel{-2147483648.0, 2147483647.0};
+
+// One line of the file: exactly one of the field pointers is set.
+struct SettingRow {
+    std::string_view key;
+    bool Settings::*flag = nullptr;
+    std::int32_t Settings::*whole = nullptr;
+    float Settings::*real = nullptr;
+    std::string Settings::*text = nullptr;
+    FlagRule rule = FlagRule::OffByWord;  // flags
+    Range range{};                        // whole and real numbers
+    bool isChoice = false;                // a whole number of two values: range.max if it says so, else range.min
+    std::string_view prefix{};            // stands before a choice's number ("COM1", "COM2")
+    std::string_view insteadOfEmpty{};    // texts
+};
+
+constexpr SettingRow flagRow(std::string_view key, FlagRule rule, bool Settings::*field) {
+    SettingRow row{key};
+    row.flag = field;
+    row.rule = rule;
+    return row;
+}
+constexpr SettingRow wholeRow(std::string_view key, std::int32_t Settings::*field, Range range) {
+    SettingRow row{key};
+    row.whole = field;
+    row.range = range;
+    return row;
+}
+constexpr SettingRow choiceRow(std::string_view key, std::int32_t Settings::*field, Range range,
+                               std::string_view prefix) {
+    SettingRow row = wholeRow(key, field, range);
+    row.isChoice = true;
+    row.prefix = prefix;
+    return row;
+}
+constexpr SettingRow realRow(std::string_view key, float Settings::*field, Range range) {
+    SettingRow row{key};
+    row.real = field;
+    row.range = range;
+    return row;
+}
+constexpr SettingRow textRow(std::string_view key, std::string Settings::*field, std::string_view insteadOfEmpty) {
+    SettingRow row{key};
+    row.text = field;
+    row.insteadOfEmpty = insteadOfEmpty;
+    return row;
+}
+
+using S = Settings;
+constexpr Range kFraction{0, 1};
+constexpr Range kBinding{0, 7};
+
+// Every key, in the order written. A key's writer, its reader's rule and its range stand in its row.
+// clang-format off
+constexpr SettingRow kRows[] = {
+    flagRow  ("master",         FlagRule::OffByWord,  &S::master),
+    flagRow  ("nrSelf",         FlagRule::OnByWord,   &S::nrSelf),
+    flagRow  ("enabled",        FlagRule::OffByWord,  &S::enabled),
+    choiceRow("radio",          &S::radio,            {1, 2}, "COM"),
+    flagRow  ("follow_volume",  FlagRule::OffByWord,  &S::follow_volume),
+    realRow  ("volume_min",     &S::volume_min,       kFraction),
+    realRow  ("volume_max",     &S::volume_max,       kFraction),
+    flagRow  ("distort_self",   FlagRule::OffByWord,  &S::distort_self),
+    flagRow  ("distort_others", FlagRule::OffByWord,  &S::distort_others),
+    flagRow  ("tail_self",      FlagRule::OffByWord,  &S::tail_self),
+    flagRow  ("tail_others",    FlagRule::OffByWord,  &S::tail_others),
+    textRow  ("python",         &S::python,           "pythonw.exe"),
+    textRow  ("language",       &S::language,         "auto"),
+    choiceRow("target",         &S::target,           {0, 1}, ""),
+    wholeRow ("theme",          &S::theme,            {0, 2}),
+    realRow  ("panel_scale",    &S::panel_scale,      {50, 200}),
+    realRow  ("opacity",        &S::opacity,          {30, 100}),
+    realRow  ("receive_volume", &S::receive_volume,   {0, 100}),
+    realRow  ("transmit_gain",  &S::transmit_gain,    {0, 18}),
+    flagRow  ("panel_visible",  FlagRule::OffByDigit, &S::panel_visible),
+    flagRow  ("pin",            FlagRule::OnByDigit,  &S::pin),
+    flagRow  ("equalize",       FlagRule::OnByDigit,  &S::equalize),
+    wholeRow ("panel_x",        &S::panel_x,          kAnyPixel),
+    wholeRow ("panel_y",        &S::panel_y,          kAnyPixel),
+    flagRow  ("radio_lamps",    FlagRule::OffByDigit, &S::radio_lamps),
+    flagRow  ("text_alert",     FlagRule::OffByDigit, &S::text_alert),
+    flagRow  ("text_auto_open", FlagRule::OffByDigit, &S::text_auto_open),
+    realRow  ("text_scale",     &S::text_scale,       {12, 22}),
+    wholeRow ("bind_A",         &S::bind_A,           kBinding),
+    wholeRow ("bind_B",         &S::bind_B,           kBinding),
+    wholeRow ("bind_C",         &S::bind_C,           kBinding),
+    wholeRow ("bind_D",         &S::bind_D,           kBinding),
+    wholeRow ("bind_E",         &S::bind_E,           kBinding),
+};
+// clang-format on
+static_assert(std::size(kRows) == 33);
+
+// A number below the range or not a number at all gives the lower bound.
+double clampToRange(double value, Range range) {
+    if (!(value >= range.min)) return range.min;
+    return std::min(value, range.max);
+}
+
+std::int32_t readWhole(const SettingRow& row, std::string_view value) {
+    if (!row.isChoice) return static_cast<std::int32_t>(clampToRange(leadingInt(value), row.range));
+    const auto upper = std::string(row.prefix) + formatGeneral(row.range.max);
+    return static_cast<std::int32_t>(value == upper ? row.range.max : row.range.min);
+}
+
+void readValue(const SettingRow& row, std::string_view value, Settings& settings) {
+    if (row.flag) settings.*row.flag = readFlag(row.rule, value);
+    if (row.whole) settings.*row.whole = readWhole(row, value);
+    if (row.real) settings.*row.real = static_cast<float>(clampToRange(leadingDouble(value), row.range));
+    if (row.text) settings.*row.text = value.empty() ? row.insteadOfEmpty : value;
+}
+
+std::string writeValue(const SettingRow& row, const Settings& settings) {
+    if (row.flag) return settings.*row.flag ? "1" : "0";
+    if (row.whole) return std::string(row.prefix) + std::to_string(settings.*row.whole);
+    if (row.real) return formatGeneral(settings.*row.real);
+    return settings.*row.text;
+}
+
+void readLine(std::string_view line, Settings& settings) {
+    if (line.empty() || line.front() == '[') return;
+    const auto equals = line.find('=');
+    if (equals == std::string_view::npos) return;
+    const auto key = line.substr(0, equals);
+    auto value = line.substr(equals + 1);
+    value = value.substr(0, value.find_last_not_of("\r\n ") + 1);  // npos + 1 is 0: nothing but blanks
+    const auto* row = std::find_if(std::begin(kRows), std::end(kRows), [&](const auto& r) { return r.key == key; });
+    if (row != std::end(kRows)) readValue(*row, value, settings);
+}
+
+}  // namespace
+
+std::string writeSettingsText(const Settings& settings) {
+    std::string text = "[Hopline]\r\n";
+    for (const auto& row : kRows) {
+        text += row.key;
+        text += '=';
+        text += writeValue(row, settings);
+        text += "\r\n";
+    }
+    return text;
+}
+
+Settings readSettingsText(std::string_view text) {
+    Settings settings;
+    while (!text.empty()) {
+        const auto end = std::min(text.find('\n'), text.size());
+        readLine(text.substr(0, end), settings);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    if (settings.volume_min > settings.volume_max) std::swap(settings.volume_min, settings.volume_max);
+    return settings;
+}
