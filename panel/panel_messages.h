@@ -1,0 +1,12 @@
+// panel_messages.h - what other threads may post to the radio panel's window (class "CorvalisRadioPanel").
+// The UI thread carries each out as if the pilot had turned the knob; nothing is answered to the sender.
+#pragma once
+
+inline constexpr unsigned kPanelFirstMessage = 0x8000 + 1;  // WM_APP + 1
+
+// wParam: com (1, 2) | slot (0 active, 1 standby) << 8 | whole megahertz (0, 1) << 16; lParam: steps, signed.
+inline constexpr unsigned kPanelStepMessage = kPanelFirstMessage;
+// wParam: com (1, 2); lParam: panel volume 0..100 percent, 80 is unity.
+inline constexpr unsigned kPanelVolumeMessage = kPanelFirstMessage + 1;
+// wParam: com (1, 2).
+inline constexpr unsigned kPanelSwapMessage = kPanelFirstMessage + 2;

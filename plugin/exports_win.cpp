@@ -1,0 +1,130 @@
+// exports_win.cpp - the functions the host calls, one or two lines each. Their names stand in corvalis.def; nothing
+// thrown leaves them.
+#include <cstdlib>
+#include <cstring>
+#include "plugin/host_events.h"
+#include "plugin/identity.h"
+#include "plugin/lifecycle_win.h"
+#include "plugin/menu_win.h"
+
+PluginState gPlugin;
+
+namespace {
+
+// Runs body; whatever it throws (memory, for the most part) ends here, and the host goes on.
+template <class Body>
+void guarded(Body body) noexcept {
+    try {
+        body();
+    } catch (...) {
+        if (gPlugin.host.logMessage)
+            gPlugin.host.logMessage("Corvalis: an event could not be handled", kLogInformation, kLogChannel, 0);
+    }
+}
+
+char* copyText(const char* text) {
+    const std::size_t size = std::strlen(text) + 1;
+    auto* copy = static_cast<char*>(std::malloc(size));
+    if (copy) std::memcpy(copy, text, size);
+    return copy;
+}
+
+}  // namespace
+
+extern "C" {
+
+const char* ts3plugin_name() {
+    return kPluginName;
+}
+const char* ts3plugin_version() {
+    return kPluginVersion;
+}
+int ts3plugin_apiVersion() {
+    return kHostApiVersion;
+}
+const char* ts3plugin_author() {
+    return kPluginAuthor;
+}
+const char* ts3plugin_description() {
+    return kPluginDescription;
+}
+int ts3plugin_offersConfigure() {
+    return 1;
+}  // in a new thread of the host's
+int ts3plugin_requestAutoload() {
+    return 1;
+}
+void ts3plugin_freeMemory(void* memory) {
+    std::free(memory);
+}
+
+void ts3plugin_setFunctionPointers(HostFunctionTable table) {
+    gPlugin.hostTable = table;
+    gPlugin.host = resolveHostFunctions(table);
+}
+
+void ts3plugin_registerPluginID(const char* id) {
+    if (!id) return;
+    std::free(gPlugin.pluginId);
+    gPlugin.pluginId = copyText(id);
+}
+
+int ts3plugin_init() {
+    guarded([] { startPlugin(gPlugin); });
+    return 0;
+}
+
+void ts3plugin_shutdown() {
+    guarded([] { stopPlugin(gPlugin); });
+}
+
+void ts3plugin_initMenus(PluginMenuItem*** menuItems, char** /*menuIcon*/) {
+    guarded([=] { *menuItems = buildMenu(gPlugin); });
+}
+
+void ts3plugin_onMenuItemEvent(std::uint64_t /*schid*/, int /*type*/, int menuItemId, std::uint64_t /*selected*/) {
+    guarded([=] { chooseMenuEntry(gPlugin, menuItemId); });
+}
+
+void ts3plugin_currentServerConnectionChanged(std::uint64_t schid) {
+    guarded([=] { serverConnectionChanged(gPlugin.currentServer, gPlugin.talk, schid, gPlugin.clock.tickMs()); });
+}
+
+void ts3plugin_onConnectStatusChangeEvent(std::uint64_t schid, int newStatus, unsigned /*error*/) {
+    guarded(
+        [=] { connectStatusChanged(gPlugin.currentServer, gPlugin.talk, schid, newStatus, gPlugin.clock.tickMs()); });
+}
+
+int ts3plugin_onServerErrorEvent(std::uint64_t /*schid*/, const char* /*message*/, unsigned error,
+                                 const char* returnCode, const char* /*extra*/) {
+    return onServerError(gPlugin.moves, returnCode, static_cast<std::int32_t>(error)) ? 1 : 0;
+}
+
+void ts3plugin_onClientMoveEvent(std::uint64_t schid, std::uint16_t clientId, std::uint64_t /*oldChannel*/,
+                                 std::uint64_t newChannel, int /*visibility*/, const char* /*message*/) {
+    guarded([=] { clientMoved(gPlugin.talk, schid, clientId, newChannel, gPlugin.clock.tickMs()); });
+}
+
+void ts3plugin_onTalkStatusChangeEvent(std::uint64_t schid, int status, int /*whisper*/, std::uint16_t clientId) {
+    guarded([=] { talkChanged(gPlugin.talk, schid, clientId, status == 1, gPlugin.clock.tickMs()); });
+}
+
+// Voices, text messages and the settings dialog pass the plugin by as yet.
+void ts3plugin_onEditCapturedVoiceDataEvent(std::uint64_t, short*, int, int, int*) {}
+void ts3plugin_onEditPlaybackVoiceDataEvent(std::uint64_t, std::uint16_t, short*, int, int) {}
+int ts3plugin_onTextMessageEvent(std::uint64_t, std::uint16_t, std::uint16_t, std::uint16_t, const char*, const char*,
+                                 const char*, int) {
+    return 0;
+}
+void ts3plugin_configure(void* /*handle*/, void* /*parentWidget*/) {}
+
+}  // extern "C"
+
+// Runs under the loader lock: only remembers which module this is.
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/) {
+    if (reason == DLL_PROCESS_ATTACH) {
+        gPlugin.module = module;
+        DisableThreadLibraryCalls(module);
+    }
+    return TRUE;
+}

@@ -1,0 +1,21 @@
+// host_events.h - what the host's connection events change in the rooms.
+// [host] All of them; the current server is one atomic that every thread reads.
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include "audio/talk_tracker.h"
+
+inline constexpr int kStatusDisconnected = 0;  // connect status of the host
+
+// The user turned to another server tab; 0 means none is connected.
+void serverConnectionChanged(std::atomic<std::uint64_t>& currentServer, TalkTracker& talk, std::uint64_t schid,
+                             std::uint64_t nowMs);
+
+// A connection changed its status. Only a disconnect matters: nobody talks any more, and the current server is none if
+// it was that one.
+void connectStatusChanged(std::atomic<std::uint64_t>& currentServer, TalkTracker& talk, std::uint64_t schid,
+                          int newStatus, std::uint64_t nowMs);
+
+// A client went to another channel; to channel 0 means that it left the server.
+void clientMoved(TalkTracker& talk, std::uint64_t schid, std::uint16_t clientId, std::uint64_t newChannel,
+                 std::uint64_t nowMs);

@@ -1,0 +1,122 @@
+#include "plugin/lifecycle_win.h"
+#include <cstdlib>
+#include <system_error>
+#include "audio/tones.h"
+#include "base/code_page_win.h"
+#include "base/log_line.h"
+#include "panel/ui_thread_win.h"
+#include "plugin/identity.h"
+#include "settings/data_folder_win.h"
+#include "settings/language.h"
+
+namespace {
+
+void findFolders(PluginState& plugin) {
+    plugin.dataFolder = findDataFolder();
+    createDataFolder(plugin.dataFolder);
+    plugin.moduleFolder = findModuleFolder();
+    setSettingsFolders(plugin.settings, plugin.dataFolder, plugin.moduleFolder);
+}
+
+void writeSounds(PluginState& plugin) {
+    plugin.tailTonePath = joinPath(plugin.dataFolder, kTailFile);
+    plugin.files.replace(plugin.tailTonePath, wavFileOf(synthesizeTail()));
+    plugin.files.replace(joinPath(plugin.dataFolder, kAlertFile), wavFileOf(synthesizeAlert()));
+}
+
+void askHost(PluginState& plugin) {
+    if (plugin.host.getCurrentServerConnectionHandlerID)
+        plugin.currentServer = plugin.host.getCurrentServerConnectionHandlerID();
+    plugin.moves.moveReturnCode.clear();
+    if (!plugin.host.createReturnCode || !plugin.pluginId) return;
+    char code[256] = {};
+    plugin.host.createReturnCode(plugin.pluginId, code, sizeof code);
+    code[sizeof code - 1] = '\0';
+    plugin.moves.moveReturnCode = code;
+}
+
+void logLoaded(const PluginState& plugin) {
+    const auto tail = plugin.tailTonePath.empty() ? std::string("(none)") : utf8FromNarrow(plugin.tailTonePath);
+    logToHost(plugin.host, "Corvalis loaded: version=" + std::string(kPluginVersion) +
+                               " dll=" + utf8FromNarrow(joinPath(plugin.moduleFolder, kDllName)) +
+                               " dataDir=" + utf8FromNarrow(plugin.dataFolder) + " tailTone=" + tail);
+}
+
+void runPollThread(PluginState& plugin) {
+    TailPlayer tails{plugin.host, plugin.settings, plugin.clock, utf8FromNarrow(plugin.tailTonePath), {}};
+    PollRooms rooms{plugin.host,          plugin.files,    plugin.clock, plugin.dataFolder, GetCurrentProcessId(),
+                    plugin.currentServer, plugin.settings, plugin.sim,   plugin.commands,   plugin.moves,
+                    plugin.talk,          tails,           plugin.bridge};
+    PollMemory memory;
+    while (!plugin.stopPolling) {
+        try {
+            pollOnce(memory, rooms);
+        } catch (const std::bad_alloc&) {
+            // A telemetry file larger than memory: this pass is lost, the next one looks again.
+        }
+        Sleep(kPollPeriodMs);
+    }
+    finishPolling(plugin.bridge);
+}
+
+template <class Body>
+void startThread(PluginState& plugin, ThreadSlot& slot, const char* name, Body body) {
+    try {
+        slot.start(std::move(body));
+    } catch (const std::system_error& error) {
+        logToHost(plugin.host, "Corvalis cannot start its " + std::string(name) + " thread (error " +
+                                   std::to_string(error.code().value()) + "); going on without it");
+    }
+}
+
+void startPollThread(PluginState& plugin) {
+    plugin.stopPolling = false;
+    startThread(plugin, plugin.pollThread, "poll", [&plugin] { runPollThread(plugin); });
+}
+
+void stopPollThread(PluginState& plugin) {
+    plugin.stopPolling = true;
+    plugin.pollThread.join();
+}
+
+void startUiThread(PluginState& plugin) {
+    if (plugin.uiThread.isRunning()) return;
+    plugin.stopUi = false;
+    startThread(plugin, plugin.uiThread, "UI", [&plugin] {
+        runUiThread({plugin.module, plugin.clock, plugin.settings, plugin.sim, plugin.commands, plugin.stopUi,
+                     plugin.panelWindow});
+    });
+}
+
+void stopUiThread(PluginState& plugin) {
+    plugin.stopUi = true;
+    if (const HWND panel = plugin.panelWindow) PostMessageW(panel, WM_CLOSE, kCloseByShutdown, 0);
+    plugin.uiThread.join();
+}
+
+}  // namespace
+
+void startPlugin(PluginState& plugin) {
+    stopPollThread(plugin);  // a second start: its folders and host handles are about to change
+    findFolders(plugin);
+    loadSettings(plugin.settings);
+    writeSounds(plugin);
+    const Settings settings = copySettings(plugin.settings);
+    plugin.languageIndex = chooseLanguage(settings.language, GetUserDefaultUILanguage());
+    askHost(plugin);
+    logLoaded(plugin);
+    applySettings(plugin.settings);
+    startWorker(plugin.worker, plugin.host, plugin.moduleFolder, plugin.dataFolder, settings.python);
+    startPollThread(plugin);
+    startUiThread(plugin);
+    plugin.running = true;
+}
+
+void stopPlugin(PluginState& plugin) {
+    plugin.running = false;
+    stopUiThread(plugin);
+    stopPollThread(plugin);
+    stopWorker(plugin.worker);
+    std::free(plugin.pluginId);
+    plugin.pluginId = nullptr;
+}

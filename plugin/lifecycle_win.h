@@ -1,0 +1,11 @@
+// lifecycle_win.h - start-up and shut-down of the plugin, in their fixed orders.
+#pragma once
+#include "plugin/plugin_state.h"
+
+// [host] Folders, settings, sounds, language, host handles, log line, worker, poll thread, UI thread. What fails is
+// logged or skipped; the plugin goes on with less. A start without a shutdown before it replaces the poll thread and
+// keeps the UI thread.
+void startPlugin(PluginState& plugin);
+
+// [host] UI thread, poll thread, worker, plugin id. Always ends; harmless without a start.
+void stopPlugin(PluginState& plugin);

@@ -1,0 +1,81 @@
+// plugin_state.h - everything that lives from the DLL's load to its unload. It only composes the rooms' own records:
+// a function that needs two of them takes two arguments.
+#pragma once
+#include <windows.h>
+#include <atomic>
+#include <string>
+#include <thread>
+#include "audio/talk_tracker.h"
+#include "base/clock_win.h"
+#include "base/data_files_win.h"
+#include "bridge/command_queue.h"
+#include "bridge/poll_loop.h"
+#include "bridge/sim_state.h"
+#include "bridge/worker_process_win.h"
+#include "channels/follow_frequency.h"
+#include "plugin/host_table.h"
+#include "settings/settings_store.h"
+
+// A joinable thread or none. Unlike std::thread it may be destroyed running: when a process ends without shutdown,
+// its threads are gone by the time our globals are.
+class ThreadSlot {
+  public:
+    ThreadSlot() = default;
+    ~ThreadSlot() {
+        if (thread_.joinable()) thread_.detach();
+    }
+    ThreadSlot(const ThreadSlot&) = delete;
+    ThreadSlot& operator=(const ThreadSlot&) = delete;
+
+    bool isRunning() const { return thread_.joinable(); }
+    // Throws std::system_error when the system has no thread left. Only while not running.
+    template <class Body>
+    void start(Body body) {
+        thread_ = std::thread(std::move(body));
+    }
+    void join() {
+        if (thread_.joinable()) thread_.join();
+    }
+
+  private:
+    std::thread thread_;
+};
+
+struct PluginState {
+    HINSTANCE module = nullptr;  // our DLL, set at load
+
+    // Host binding. [host] fills it before init; read-only while threads run.
+    HostFunctionTable hostTable;
+    HostFunctions host;
+    char* pluginId = nullptr;                     // malloc'ed copy, null until registered
+    std::atomic<std::uint64_t> currentServer{0};  // [host] stores, [any] loads; 0 not connected
+
+    // Paths: narrow, set by init before the threads start.
+    std::string dataFolder;
+    std::string moduleFolder;
+    std::string tailTonePath;  // also when the sound could not be written
+
+    std::atomic<std::int32_t> languageIndex{2};  // settings/language.h; [host] stores, [any] loads
+    std::atomic<bool> running{false};            // between init and shutdown; [host] stores, [any] loads
+
+    // The rooms.
+    WindowsDataFiles files;
+    SystemClock clock;
+    SettingsStore settings{files};
+    SharedSimState sim;
+    CommandQueue commands;
+    MoveTracker moves;
+    TalkTracker talk;
+    BridgeOutputs bridge;
+    WorkerProcess worker;
+
+    // Threads: [host] starts and joins them.
+    ThreadSlot uiThread;
+    ThreadSlot pollThread;
+    std::atomic<bool> stopUi{false};
+    std::atomic<bool> stopPolling{false};
+    std::atomic<HWND> panelWindow{nullptr};  // [ui] publishes
+};
+
+// The one instance of the process.
+extern PluginState gPlugin;
