@@ -1,0 +1,20 @@
+// worker_command_fuzz.cpp - command.json and telemetry.json as the worker reads them, from any bytes.
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include "worker/command_text.h"
+#include "worker/telemetry_text.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    lastAckId(text);
+    const auto command = parseCommandText(text);
+    if (!command) return 0;
+    // What is taken must be usable: a known radio, finite numbers, an id that a telemetry file carries unchanged.
+    TelemetryRecord record;
+    record.ack.id = command->id;
+    const bool usable = command->write.radio < 2 && std::isfinite(command->write.value) &&
+                        std::isfinite(command->created) && lastAckId(telemetryText(record, 0.0)) == command->id;
+    if (!usable) std::abort();
+    return 0;
+}

@@ -1,0 +1,164 @@
+#include "worker/command_handler.h"
+#include <gtest/gtest.h>
+#include "tests/unit/worker/worker_fakes.h"
+
+namespace {
+
+struct CommandHandling : testing::Test {
+    ManualClock clock;
+    MemoryLogFile logFile;
+    WorkerLog log{logFile, clock};
+    ManualLink link;
+    CommandHandler handler{link, log};
+
+    void send(std::size_t radio, RadioSlot slot, double value, std::uint64_t nowMs = 1000) {
+        handler.accept({"1-2", {radio, slot, value}, 0.0}, nowMs);
+    }
+};
+
+}  // namespace
+
+TEST_F(CommandHandling, AcknowledgesOnlyOnceTheValueIsReadBack) {
+    send(0, kSlotStandby, 118005);
+    EXPECT_TRUE(handler.isPending());
+    EXPECT_EQ(handler.ack(), CommandAck{});
+    handler.pass(1100);
+    EXPECT_TRUE(handler.isPending());
+    link.sim.radios[0].standbyKHz = 118005;
+    handler.pass(1145);
+    EXPECT_FALSE(handler.isPending());
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", true, "COM1 standby 118.005"}));
+    EXPECT_TRUE(logFile.has("command 1-2 (COM1 standby 118.005) done after 145 ms: COM1 standby 118.005"));
+}
+
+TEST_F(CommandHandling, NamesWhatWasWrittenInPlainEnglish) {
+    const struct {
+        std::size_t radio;
+        RadioSlot slot;
+        double value;
+        ComRadio after;
+        const char* message;
+    } rows[] = {
+        {0, kSlotActive, 118105, {118105, 121500, 1, 0.5, {}}, "COM1 active 118.105"},
+        {1, kSlotStandby, 121975, {122800, 121975, 1, 0.5, {}}, "COM2 standby 121.975"},
+        {1, kSlotVolume, 0.6, {122800, 121500, 1, 0.598, {}}, "COM2 volume 60 %"},
+        {1, kSlotVolume, 0.0, {122800, 121500, 1, 0.0, {}}, "COM2 volume 0 %"},
+        {0, kSlotSwap, 0.0, {121500, 122800, 1, 0.5, {}}, "COM1 swapped to 121.500"},
+    };
+    for (const auto& row : rows) {
+        link = ManualLink();
+        send(row.radio, row.slot, row.value);
+        handler.pass(1000);
+        EXPECT_TRUE(handler.isPending()) << row.message;
+        link.sim.radios[row.radio] = row.after;
+        handler.pass(1001);
+        EXPECT_EQ(handler.ack(), (CommandAck{"1-2", true, row.message}));
+        ASSERT_EQ(link.writes.size(), 1u);
+        EXPECT_EQ(link.writes[0].radio, row.radio);
+        EXPECT_EQ(link.writes[0].slot, row.slot);
+        EXPECT_DOUBLE_EQ(link.writes[0].value, row.value);
+    }
+}
+
+TEST_F(CommandHandling, TheOtherRadioOrSlotIsNoReadBack) {
+    send(0, kSlotStandby, 118005);
+    link.sim.radios[1].standbyKHz = 118005;
+    link.sim.radios[0].activeKHz = 118005;
+    handler.pass(1100);
+    EXPECT_TRUE(handler.isPending());
+}
+
+TEST_F(CommandHandling, AVolumeHalfAPercentOffIsNotReadBackYet) {
+    send(0, kSlotVolume, 0.6);
+    link.sim.radios[0].volume = 0.594;
+    handler.pass(1100);
+    EXPECT_TRUE(handler.isPending());
+}
+
+TEST_F(CommandHandling, GivesUpOnTheReadBackAfterItsLimit) {
+    send(1, kSlotVolume, 0.6);
+    handler.pass(1000 + kReadbackLimitMs - 1);
+    EXPECT_TRUE(handler.isPending());
+    handler.pass(1000 + kReadbackLimitMs);
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM2 volume not accepted by this aircraft"}));
+    EXPECT_TRUE(logFile.has("failed after 1500 ms: COM2 volume not accepted"));
+}
+
+TEST_F(CommandHandling, RefusesAnUnwritableSlotAtOnce) {
+    const struct {
+        RadioSlot slot;
+        const char* message;
+    } rows[] = {
+        {kSlotActive, "COM1 active not accepted by this aircraft"},
+        {kSlotStandby, "COM1 standby not accepted by this aircraft"},
+        {kSlotVolume, "COM1 volume not accepted by this aircraft"},
+        {kSlotSwap, "COM1 swap not accepted by this aircraft"},
+    };
+    for (const auto& row : rows) {
+        link = ManualLink();
+        link.sim.radios[0].writable[row.slot] = false;
+        send(0, row.slot, row.slot == kSlotVolume ? 0.5 : 118005);
+        EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, row.message}));
+        EXPECT_TRUE(link.writes.empty());
+    }
+}
+
+TEST_F(CommandHandling, AWriteTheLinkDoesNotTakeIsNotAccepted) {
+    link.takesWrites = false;
+    send(0, kSlotSwap, 0.0);
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM1 swap not accepted by this aircraft"}));
+}
+
+TEST_F(CommandHandling, SaysThatTheLinkIsLostBeforeAndDuringTheWrite) {
+    link.sim.ok = false;
+    link.sim.status = "simulator link lost";
+    send(0, kSlotStandby, 118005);
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM1 standby not written: simulator link lost"}));
+    EXPECT_TRUE(link.writes.empty());
+
+    link.sim.ok = true;
+    send(1, kSlotSwap, 0.0);
+    ASSERT_TRUE(handler.isPending());
+    link.sim.ok = false;
+    handler.pass(1025);
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM2 swap not written: simulator link lost"}));
+}
+
+TEST_F(CommandHandling, RefusesValuesNoRadioCouldShow) {
+    link.sim.radios[1].spacing = 0;
+    const struct {
+        std::size_t radio;
+        RadioSlot slot;
+        double value;
+        const char* message;
+    } rows[] = {
+        {0, kSlotStandby, 118020, "COM1 standby 118.020 is not a channel of this radio"},
+        {1, kSlotStandby, 118005, "COM2 standby 118.005 is not a channel of this radio"},
+        {0, kSlotActive, 117995, "COM1 active 117.995 is not a channel of this radio"},
+        {0, kSlotActive, 136995, "COM1 active 136.995 is not a channel of this radio"},
+        {0, kSlotActive, 118000.5, "COM1 active 118.001 is not a channel of this radio"},
+        {0, kSlotActive, 0, "COM1 active 0.000 is not a channel of this radio"},
+        {0, kSlotActive, 1e300, "COM1 active 1e+297 is not a channel of this radio"},
+        {0, kSlotVolume, 1.5, "COM1 volume 150 % is out of range"},
+        {0, kSlotVolume, -0.1, "COM1 volume -10 % is out of range"},
+        {0, kSlotVolume, 1e300, "COM1 volume 1e+302 % is out of range"},
+    };
+    for (const auto& row : rows) {
+        send(row.radio, row.slot, row.value);
+        EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, row.message}));
+    }
+    EXPECT_TRUE(link.writes.empty());
+}
+
+TEST_F(CommandHandling, ARadioOfUnknownGridTakesNoFrequency) {
+    link.sim.radios[0].spacing = -1;
+    send(0, kSlotActive, 118000);
+    EXPECT_EQ(handler.ack().message, "COM1 active 118.000 is not a channel of this radio");
+}
+
+TEST_F(CommandHandling, AValueThatStandsAlreadyIsDoneOnTheNextPass) {
+    send(0, kSlotActive, 122800);
+    EXPECT_TRUE(handler.isPending());
+    handler.pass(1025);
+    EXPECT_TRUE(handler.ack().ok);
+}

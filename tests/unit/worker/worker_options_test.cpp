@@ -1,0 +1,114 @@
+#include "worker/worker_options.h"
+#include <gtest/gtest.h>
+
+namespace {
+
+const std::vector<std::string> kPluginArguments = {"--data-dir", "C:\\Users\\a b\\Corvalis", "--watch-pid", "4242"};
+
+WorkerOptions parsed(const std::vector<std::string>& arguments) {
+    WorkerOptions options;
+    std::string error;
+    EXPECT_TRUE(parseArguments(arguments, options, error)) << error;
+    return options;
+}
+
+std::string errorOf(const std::vector<std::string>& arguments) {
+    WorkerOptions options;
+    std::string error;
+    EXPECT_FALSE(parseArguments(arguments, options, error));
+    return error;
+}
+
+}  // namespace
+
+TEST(WorkerArguments, ReadsWhatThePluginPasses) {
+    const auto options = parsed(kPluginArguments);
+    EXPECT_EQ(options.dataDir, "C:\\Users\\a b\\Corvalis");
+    EXPECT_EQ(options.watchPid, 4242u);
+    EXPECT_FALSE(options.link);
+    EXPECT_EQ(options.script, "");
+}
+
+TEST(WorkerArguments, ReadsSimulateWithAndWithoutAScript) {
+    const auto bare = parsed({"--simulate", "--data-dir", "C:\\d"});
+    EXPECT_EQ(bare.link, LinkKind::Simulate);
+    EXPECT_EQ(bare.script, "");
+    EXPECT_EQ(bare.dataDir, "C:\\d");
+    const auto last = parsed({"--data-dir", "C:\\d", "--simulate"});
+    EXPECT_EQ(last.link, LinkKind::Simulate);
+    const auto scripted = parsed({"--data-dir", "C:\\d", "--simulate", "flight.txt"});
+    EXPECT_EQ(scripted.script, "flight.txt");
+}
+
+TEST(WorkerArguments, NamesWhatItDoesNotUnderstand) {
+    const std::string pid = "--watch-pid needs a process id, not ";
+    EXPECT_EQ(errorOf({}), "--data-dir is missing");
+    EXPECT_EQ(errorOf({"--data-dir"}), "--data-dir needs a value");
+    EXPECT_EQ(errorOf({"--data-dir", "--watch-pid", "1"}), "--data-dir needs a value");
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--watch-pid"}), "--watch-pid needs a value");
+    for (const std::string bad : {"0", "-1", "12x", "4294967296", "", "0x10", " 1"}) {
+        EXPECT_EQ(errorOf({"--data-dir", "d", "--watch-pid", bad}), pid + bad);
+    }
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--verbose"}), "unknown argument --verbose");
+    EXPECT_EQ(errorOf({"--data-dir", "d", "stray"}), "unknown argument stray");
+}
+
+TEST(WorkerArguments, KeepsTheDataFolderOfABadLineForTheLog) {
+    WorkerOptions options;
+    std::string error;
+    EXPECT_FALSE(parseArguments({"--bogus", "--data-dir", "C:\\d"}, options, error));
+    EXPECT_EQ(options.dataDir, "C:\\d");
+}
+
+TEST(WorkerIni, FillsWhatTheCommandLineLeftOpen) {
+    auto options = parsed(kPluginArguments);
+    const auto remarks =
+        applyIni("\xEF\xBB\xBF; worker\r\n# more\r\n[worker]\r\n link = simulate \r\nscript=flights\\a.txt", options);
+    EXPECT_TRUE(remarks.empty());
+    EXPECT_EQ(options.link, LinkKind::Simulate);
+    EXPECT_EQ(options.script, "C:\\Users\\a b\\Corvalis\\flights\\a.txt");
+}
+
+TEST(WorkerIni, TheCommandLineWins) {
+    auto options = parsed({"--data-dir", "C:\\d", "--simulate", "mine.txt"});
+    applyIni("link=auto\nscript=other.txt\n", options);
+    EXPECT_EQ(options.link, LinkKind::Simulate);
+    EXPECT_EQ(options.script, "mine.txt");
+}
+
+TEST(WorkerIni, LeavesAnAbsoluteOrQuotedPathAlone) {
+    for (const std::string path : {"D:\\x.txt", "\\\\server\\share\\x.txt", "\\x.txt", "/x.txt"}) {
+        auto options = parsed(kPluginArguments);
+        applyIni("script=\"" + path + "\"\n", options);
+        EXPECT_EQ(options.script, path);
+    }
+}
+
+TEST(WorkerIni, RemarksOnEveryLineItIgnores) {
+    auto options = parsed(kPluginArguments);
+    const auto remarks = applyIni("speed=3\n\nlink=maybe\nscript\nlink=simulate\nlink=auto\n", options);
+    const std::vector<std::string> expected = {
+        "worker.ini line 1 ignored: it has an unknown key",
+        "worker.ini line 3 ignored: it needs auto or simulate",
+        "worker.ini line 4 ignored: it has no =",
+    };
+    EXPECT_EQ(remarks, expected);
+    EXPECT_EQ(options.link, LinkKind::Auto);  // the last one counts
+}
+
+TEST(WorkerIni, SurvivesTheHugeAndTheDamaged) {
+    auto options = parsed(kPluginArguments);
+    EXPECT_EQ(applyIni("link=simulate\n" + std::string(kMaxIniBytes, 'x'), options).size(), 1u);
+    EXPECT_FALSE(options.link);
+    EXPECT_EQ(applyIni(std::string(1000, '\n') + std::string(3000, '='), options).size(), 1u);
+    std::string many;
+    for (int i = 0; i < 100; i++) many += "x\n";
+    EXPECT_EQ(applyIni(many, options).size(), 20u);
+
+    const std::string whole = "link=simulate\nscript=a.txt\n";
+    for (std::size_t length = 0; length < whole.size(); length++) {
+        auto cut = parsed(kPluginArguments);
+        applyIni(whole.substr(0, length), cut);
+        EXPECT_EQ(cut.link.has_value(), length >= 13) << length;
+    }
+}

@@ -1,0 +1,94 @@
+#include "worker/command_handler.h"
+#include <cassert>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+std::string successMessage(const RadioWrite& write, const ComRadio& radio) {
+    const auto title = slotTitle(write.radio, write.slot);
+    switch (write.slot) {
+        case kSlotActive:
+            return title + ' ' + mhzText(radio.activeKHz);
+        case kSlotStandby:
+            return title + ' ' + mhzText(radio.standbyKHz);
+        case kSlotVolume:
+            return title + ' ' + percentText(radio.volume);
+        case kSlotSwap:
+            return radioName(write.radio) + " swapped to " + mhzText(radio.activeKHz);
+    }
+    return title;
+}
+
+std::string notAccepted(const RadioWrite& write) {
+    return slotTitle(write.radio, write.slot) + " not accepted by this aircraft";
+}
+
+std::string notWritten(const RadioWrite& write, const std::string& status) {
+    return slotTitle(write.radio, write.slot) + " not written: " + status;
+}
+
+// For the log: "COM1 standby 121.500".
+std::string describeWrite(const RadioWrite& write) {
+    const auto title = slotTitle(write.radio, write.slot);
+    if (write.slot == kSlotSwap) return title;
+    return title + ' ' + (write.slot == kSlotVolume ? percentText(write.value) : mhzText(write.value));
+}
+
+}  // namespace
+
+void CommandHandler::accept(CommandRequest command, std::uint64_t nowMs) {
+    assert(!isPending());
+    before_ = link_.snapshot().radios[command.write.radio];
+    acceptedMs_ = nowMs;
+    command_ = std::move(command);
+    auto reason = objection(command_->write);
+    if (reason.empty() && !link_.write(command_->write, nowMs)) reason = notAccepted(command_->write);
+    if (!reason.empty()) acknowledge(false, std::move(reason), nowMs);
+}
+
+void CommandHandler::pass(std::uint64_t nowMs) {
+    if (!command_) return;
+    const auto& write = command_->write;
+    const auto& sim = link_.snapshot();
+    const auto& radio = sim.radios[write.radio];
+    if (!sim.ok) return acknowledge(false, notWritten(write, sim.status), nowMs);
+    if (isVisible(radio)) return acknowledge(true, successMessage(write, radio), nowMs);
+    if (nowMs - acceptedMs_ >= kReadbackLimitMs) acknowledge(false, notAccepted(write), nowMs);
+}
+
+// Why the write is not even tried; empty if nothing speaks against it.
+std::string CommandHandler::objection(const RadioWrite& write) const {
+    const auto& sim = link_.snapshot();
+    if (!sim.ok) return notWritten(write, sim.status);
+    const bool isVolume = write.slot == kSlotVolume;
+    if (isVolume && !(write.value >= 0.0 && write.value <= 1.0)) return describeWrite(write) + " is out of range";
+    const bool isFrequency = write.slot == kSlotActive || write.slot == kSlotStandby;
+    if (isFrequency && !isChannelOf(sim, write.radio, write.value)) {
+        return describeWrite(write) + " is not a channel of this radio";
+    }
+    const bool writable = sim.radios[write.radio].writable[write.slot];
+    return writable ? std::string() : notAccepted(write);
+}
+
+bool CommandHandler::isVisible(const ComRadio& radio) const {
+    const double value = command_->write.value;
+    switch (command_->write.slot) {
+        case kSlotActive:
+            return radio.activeKHz == value;
+        case kSlotStandby:
+            return radio.standbyKHz == value;
+        case kSlotVolume:
+            return std::abs(radio.volume - value) <= kVolumeTolerance;
+        case kSlotSwap:
+            return radio.activeKHz == before_.standbyKHz && radio.standbyKHz == before_.activeKHz;
+    }
+    return false;
+}
+
+void CommandHandler::acknowledge(bool ok, std::string message, std::uint64_t nowMs) {
+    log_.line("command " + command_->id + " (" + describeWrite(command_->write) + ") " + (ok ? "done" : "failed") +
+              " after " + std::to_string(nowMs - acceptedMs_) + " ms: " + message);
+    ack_ = {command_->id, ok, std::move(message)};
+    command_.reset();
+}

@@ -1,0 +1,46 @@
+// command_handler.h - carries out one command at a time: judges the value, writes, waits for the read-back, and only
+// then acknowledges. An acknowledgement that says yes means that the simulator has shown the new value.
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <string>
+#include "worker/command_text.h"
+#include "worker/sim_link.h"
+#include "worker/worker_log.h"
+
+inline constexpr std::uint64_t kReadbackLimitMs = 1500;  // the plugin itself waits 4500 ms
+inline constexpr double kVolumeTolerance = 0.005;        // half a percent: simulators keep volume in coarse steps
+
+struct CommandAck {
+    std::string id;  // empty: none yet
+    bool ok = false;
+    std::string message;
+    bool operator==(const CommandAck&) const = default;
+};
+
+class CommandHandler {
+  public:
+    CommandHandler(SimLink& link, WorkerLog& log) : link_(link), log_(log) {}
+
+    // Between acceptance and acknowledgement.
+    bool isPending() const { return command_.has_value(); }
+    const CommandAck& ack() const { return ack_; }
+
+    // Only while nothing is pending. A command that cannot be written is acknowledged before this returns.
+    void accept(CommandRequest command, std::uint64_t nowMs);
+
+    // Looks for the read-back in the link's latest snapshot.
+    void pass(std::uint64_t nowMs);
+
+  private:
+    std::string objection(const RadioWrite& write) const;
+    bool isVisible(const ComRadio& radio) const;
+    void acknowledge(bool ok, std::string message, std::uint64_t nowMs);
+
+    SimLink& link_;
+    WorkerLog& log_;
+    std::optional<CommandRequest> command_;
+    ComRadio before_;  // the radio when the command was accepted: a swap is judged against it
+    std::uint64_t acceptedMs_ = 0;
+    CommandAck ack_;
+};

@@ -1,0 +1,41 @@
+// command_inbox.h - watches command.json and hands out each command once, while somebody still waits for it.
+// Refusals go to the log only: the plugin has given up long before, an acknowledgement would confuse its next command.
+#pragma once
+#include <optional>
+#include <string>
+#include <utility>
+#include "base/data_files.h"
+#include "worker/command_text.h"
+#include "worker/worker_folder.h"
+#include "worker/worker_log.h"
+
+inline constexpr double kMaxCommandAgeSeconds = 10.0;  // older, or as far in the future: not carried out
+inline constexpr std::uint64_t kCommandLookMs = 500;   // an unchanged stamp is looked behind this often
+
+class CommandInbox {
+  public:
+    CommandInbox(std::string path, DataFiles& files, WorkerFolder& folder, WorkerLog& log)
+        : path_(std::move(path)), files_(files), folder_(folder), log_(log) {}
+
+    // A command with this id has been handled, perhaps by an earlier worker.
+    void markHandled(std::string id) { handledId_ = std::move(id); }
+
+    // The command that has arrived since the last call, if it is to be carried out; it then counts as handled.
+    std::optional<CommandRequest> next(std::uint64_t nowMs, double unixSeconds);
+
+  private:
+    bool readNewText(std::uint64_t nowMs);
+    bool isRefused(const CommandRequest& command, double unixSeconds);
+    void logProblem(const std::string& problem);
+
+    std::string path_;
+    DataFiles& files_;
+    WorkerFolder& folder_;
+    WorkerLog& log_;
+    FileStamp stamp_;           // as of the last reading
+    std::uint64_t lookMs_ = 0;  // tick of the last reading
+    std::string text_;          // last text read: the same text again is no news
+    std::string handledId_;
+    std::string refusedId_;
+    bool problemLogged_ = false;  // until a well-formed command comes
+};

@@ -1,0 +1,103 @@
+// hopline_worker: hopline_worker.exe --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT]]
+// Exit codes: 0 the watched process or the data folder is gone, 1 unexpected failure (in the log), 2 bad command line,
+// 3 another worker serves the folder.
+#include <exception>
+#include "base/data_files_win.h"
+#include "worker/make_link.h"
+#include "worker/system_win.h"
+#include "worker/worker_loop.h"
+#include "worker/worker_options.h"
+
+// Keeps the C runtime from expanding * and ? in our arguments: a path means itself.
+extern "C" {
+extern int _dowildcard;
+int _dowildcard = 0;
+}
+
+namespace {
+
+enum ExitCode { kEnded = 0, kFailed = 1, kBadArguments = 2, kSecondWorker = 3 };
+
+std::string describeOptions(const WorkerOptions& options) {
+    std::string text = "data folder " + options.dataDir;
+    text += options.watchPid ? ", watching process " + std::to_string(options.watchPid) : ", watching no process";
+    if (options.link.value_or(LinkKind::Auto) == LinkKind::Auto) return text + ", link auto";
+    return text + ", link simulate, script " + (options.script.empty() ? "none" : options.script);
+}
+
+void readIni(WorkerOptions& options, DataFiles& files, WorkerFolder& folder, WorkerLog& log) {
+    const auto path = joinPath(options.dataDir, "worker.ini");
+    const auto stamp = folder.stamp(path);
+    if (!stamp.exists) return;
+    std::string text;
+    if (stamp.bytes > kMaxIniBytes || !files.read(path, text))
+        return log.line("worker.ini cannot be used: unreadable or larger than 64 KB");
+    for (const auto& remark : applyIni(text, options)) log.line(remark);
+}
+
+int runLoop(WorkerLoop& loop, HANDLE watched, const Clock& clock, WorkerLog& log) {
+    WorkerSleep sleep(watched);
+    while (true) {
+        const auto result = loop.pass(clock.tickMs(), clock.unixSeconds());
+        if (result.folderGone) {
+            log.line("ending: the data folder is gone");
+            return kEnded;
+        }
+        if (sleep.sleep(result.waitMs)) {
+            log.line("ending: the watched process has ended");
+            return kEnded;
+        }
+    }
+}
+
+int serve(WorkerOptions options, WorkerLog& log, const Clock& clock) {
+    OwnedHandle watched;
+    if (options.watchPid) {
+        watched.reset(OpenProcess(SYNCHRONIZE, FALSE, options.watchPid));
+        if (!watched) {
+            log.line("ending: process " + std::to_string(options.watchPid) + " cannot be opened (error " +
+                     std::to_string(GetLastError()) + "), so it is gone");
+            return kEnded;
+        }
+    }
+    const auto claim = claimFolder(options.dataDir);
+    if (!claim) {
+        log.line("ending: another worker already serves " + options.dataDir);
+        return kSecondWorker;
+    }
+    WindowsDataFiles files;
+    WindowsFolder folder;
+    readIni(options, files, folder, log);
+    log.line(describeOptions(options));
+    const auto link = makeLink(options, files, folder, log, clock.tickMs());
+    WorkerLoop loop(options.dataDir, files, folder, *link, log);
+    return runLoop(loop, watched.get(), clock, log);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);  // nobody sees a box
+    WorkerOptions options;
+    std::string error;
+    const bool understood = parseArguments({argv + 1, argv + argc}, options, error);
+    options.dataDir = options.dataDir.empty() ? "" : fullPath(options.dataDir);
+    options.script = options.script.empty() ? "" : fullPath(options.script);
+    if (options.dataDir.empty() || !WindowsFolder().folderExists(options.dataDir)) return kBadArguments;
+    leaveCurrentDirectory();
+
+    const FineClock clock;
+    WindowsLogFile file(options.dataDir);
+    WorkerLog log(file, clock);
+    log.line("hopline_worker " CORVALIS_VERSION " started, process " + std::to_string(GetCurrentProcessId()));
+    if (!understood) {
+        log.line("ending: bad command line: " + error);
+        return kBadArguments;
+    }
+    try {
+        return serve(std::move(options), log, clock);
+    } catch (const std::exception& failure) {
+        log.line(std::string("ending: unexpected failure: ") + failure.what());
+        return kFailed;
+    }
+}

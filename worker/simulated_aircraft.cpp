@@ -1,0 +1,154 @@
+#include "worker/simulated_aircraft.h"
+#include <algorithm>
+#include <utility>
+#include "bridge/frequency_grid.h"
+
+namespace {
+
+constexpr std::array<bool, kSlotCount> kAllSlots = {true, true, true, true};
+constexpr std::size_t kMaxPendingWrites = 64;  // the worker sends one at a time; a flood is refused, not stored
+
+}  // namespace
+
+SimulatedAircraft::SimulatedAircraft(FlightScript script, std::uint64_t startMs)
+    : script_(std::move(script)), startMs_(startMs) {
+    radios_[0].values = {122800, 121500, kSpacing833, 1.0, kAllSlots};
+    radios_[1].values = {121500, 118000, kSpacing25, 1.0, kAllSlots};
+    snapshot_ = describe();
+}
+
+void SimulatedAircraft::poll(std::uint64_t nowMs) {
+    if (!linkUp_ && nowMs >= linkBackMs_) linkUp_ = true;
+    applyDueWrites(nowMs);
+    playScript(nowMs);
+    snapshot_ = describe();
+}
+
+// At most one repeat in a poll: after a long sleep of the machine the script goes on from now, it does not catch up.
+void SimulatedAircraft::playScript(std::uint64_t nowMs) {
+    while (nextStep_ < script_.steps.size() && nowMs >= startMs_ + script_.steps[nextStep_].atMs) {
+        const auto& step = script_.steps[nextStep_++];
+        if (step.action == ScriptAction::Repeat) {
+            startMs_ = nowMs;
+            nextStep_ = 0;
+            firstRound_ = false;
+            return;
+        }
+        play(step, nowMs);
+    }
+}
+
+void SimulatedAircraft::play(const ScriptStep& step, std::uint64_t nowMs) {
+    auto& radio = radios_[step.radio];
+    const bool on = step.value != 0.0;
+    switch (step.action) {
+        case ScriptAction::Tune:
+            return tune(step);
+        case ScriptAction::Swap:
+            return std::swap(radio.values.activeKHz, radio.values.standbyKHz);
+        case ScriptAction::Volume:
+            radio.values.volume = step.value;
+            return;
+        case ScriptAction::Power:
+            radio.powered = on;
+            return;
+        case ScriptAction::Spacing:
+            return setSpacing(radio, static_cast<std::int32_t>(step.value));
+        case ScriptAction::Writable:
+            radio.values.writable[step.slot] = on;
+            return;
+        case ScriptAction::Obey:
+            radio.obeys[step.slot] = on;
+            return;
+        case ScriptAction::Readback:
+            readbackMs_ = static_cast<std::uint64_t>(step.value);
+            return;
+        case ScriptAction::Drop:
+            linkUp_ = false;
+            linkBackMs_ = nowMs + static_cast<std::uint64_t>(step.value);
+            pending_.clear();
+            return;
+        case ScriptAction::End:
+        case ScriptAction::Repeat:
+            return;
+    }
+}
+
+void SimulatedAircraft::tune(const ScriptStep& step) {
+    auto& values = radios_[step.radio].values;
+    const auto khz = static_cast<std::int32_t>(step.value);
+    if (isOnGrid(khz, values.spacing)) {
+        (step.slot == kSlotActive ? values.activeKHz : values.standbyKHz) = khz;
+    } else if (firstRound_) {
+        notes_.push_back("script line " + std::to_string(step.line) + " skipped: " + mhzText(khz) +
+                         " is not a channel of " + radioName(step.radio) + " at its spacing");
+    }
+}
+
+// A radio turned to the 25 kHz grid falls back to the 25 kHz channel at or below.
+void SimulatedAircraft::setSpacing(Radio& radio, std::int32_t spacing) {
+    radio.values.spacing = spacing;
+    if (spacing != kSpacing25) return;
+    radio.values.activeKHz -= radio.values.activeKHz % 25;
+    radio.values.standbyKHz -= radio.values.standbyKHz % 25;
+}
+
+bool SimulatedAircraft::write(const RadioWrite& write, std::uint64_t nowMs) {
+    if (!linkUp_ || !snapshot_.radios[write.radio].writable[write.slot] || pending_.size() >= kMaxPendingWrites)
+        return false;
+    const bool valid =
+        write.slot == kSlotSwap || (write.slot == kSlotVolume ? write.value >= 0.0 && write.value <= 1.0
+                                                              : isChannelOf(snapshot_, write.radio, write.value));
+    if (!valid) return false;
+    if (radios_[write.radio].obeys[write.slot]) pending_.push_back({write, nowMs + readbackMs_});
+    return true;
+}
+
+void SimulatedAircraft::applyDueWrites(std::uint64_t nowMs) {
+    for (const auto& pending : pending_) {
+        if (nowMs >= pending.dueMs) apply(pending.write);
+    }
+    std::erase_if(pending_, [&](const PendingWrite& pending) { return nowMs >= pending.dueMs; });
+}
+
+// What changed since the write was sent decides: a radio without power, or turned to another grid, lets it fall.
+void SimulatedAircraft::apply(const RadioWrite& write) {
+    auto& radio = radios_[write.radio];
+    if (!radio.powered) return;
+    switch (write.slot) {
+        case kSlotVolume:
+            radio.values.volume = write.value;
+            return;
+        case kSlotSwap:
+            return std::swap(radio.values.activeKHz, radio.values.standbyKHz);
+        case kSlotActive:
+        case kSlotStandby: {
+            const auto khz = static_cast<std::int32_t>(write.value);
+            if (!isOnGrid(khz, radio.values.spacing)) return;
+            (write.slot == kSlotActive ? radio.values.activeKHz : radio.values.standbyKHz) = khz;
+        }
+    }
+}
+
+SimSnapshot SimulatedAircraft::describe() const {
+    SimSnapshot sim;
+    sim.ok = linkUp_;
+    sim.status = statusText();
+    if (!linkUp_) return sim;
+    const bool all25 = std::all_of(radios_.begin(), radios_.end(),
+                                   [](const Radio& radio) { return radio.values.spacing == kSpacing25; });
+    sim.rangeMaxKHz = all25 ? kBandMax25KHz : kBandMaxKHz;
+    for (std::size_t i = 0; i < kRadioCount; i++) {
+        sim.radios[i] = radios_[i].values;
+        if (!radios_[i].powered) sim.radios[i].writable = {};
+    }
+    return sim;
+}
+
+std::string SimulatedAircraft::statusText() const {
+    if (!linkUp_) return "simulator link lost";
+    if (!radios_[0].powered && !radios_[1].powered) return "COM1 and COM2 unpowered";
+    if (!radios_[0].powered) return "COM1 unpowered";
+    if (!radios_[1].powered) return "COM2 unpowered";
+    return "built-in aircraft";
+}

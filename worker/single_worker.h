@@ -1,0 +1,8 @@
+// single_worker.h - the name that keeps two workers off the same data folder within one session.
+#pragma once
+#include <string>
+#include <string_view>
+
+// Name of the mutex for the folder: "Local\CorvalisWorker-" and 16 hexadecimal digits. canonicalPath is the folder's
+// full final path; ASCII case and a trailing backslash make no difference.
+std::string workerMutexName(std::string_view canonicalPath);

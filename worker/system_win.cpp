@@ -1,0 +1,131 @@
+#include "worker/system_win.h"
+#include <chrono>
+#include <vector>
+#include "base/data_files.h"
+#include "worker/single_worker.h"
+
+namespace {
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD kHighResolution = 2;  // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION
+constexpr DWORD kClaimWaitMs = 500;
+
+std::uint64_t joined(DWORD high, DWORD low) {
+    return (static_cast<std::uint64_t>(high) << 32) | low;
+}
+
+// CreateFile's answer as an owner; null if it failed.
+OwnedHandle ownFile(HANDLE file) {
+    return OwnedHandle(file == INVALID_HANDLE_VALUE ? nullptr : file);
+}
+
+std::wstring finalPath(const std::string& folder) {
+    const auto handle =
+        ownFile(CreateFileA(folder.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    std::wstring path(MAX_PATH, L'\0');
+    while (handle) {
+        const DWORD length = GetFinalPathNameByHandleW(handle.get(), path.data(), static_cast<DWORD>(path.size()), 0);
+        if (length == 0) break;
+        const bool fits = length < path.size();
+        path.resize(length);
+        if (fits) return path;
+    }
+    return {};
+}
+
+// Links and short names resolved, lower case, UTF-8. Without a final path the name as given has to do.
+std::string canonicalPath(const std::string& folder) {
+    auto wide = finalPath(folder);
+    if (wide.empty()) return folder;
+    CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
+    std::string utf8(wide.size() * 3, '\0');
+    const int length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), utf8.data(),
+                                           static_cast<int>(utf8.size()), nullptr, nullptr);
+    utf8.resize(static_cast<std::size_t>(length));
+    return utf8;
+}
+
+}  // namespace
+
+std::uint64_t FineClock::tickMs() const {
+    const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
+}
+
+bool WindowsFolder::folderExists(const std::string& path) {
+    const DWORD attributes = GetFileAttributesA(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES) return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const DWORD error = GetLastError();
+    return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+}
+
+FileStamp WindowsFolder::stamp(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    FileStamp stamp;
+    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data)) return stamp;
+    stamp.exists = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    stamp.bytes = joined(data.nFileSizeHigh, data.nFileSizeLow);
+    stamp.written = joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime);
+    return stamp;
+}
+
+WindowsLogFile::WindowsLogFile(const std::string& dataDir)
+    : path_(joinPath(dataDir, "hopline_worker.log")), oldPath_(joinPath(dataDir, "hopline_worker.old.log")) {}
+
+std::uint64_t WindowsLogFile::bytes() {
+    const auto stamp = WindowsFolder().stamp(path_);
+    return stamp.exists ? stamp.bytes : 0;
+}
+
+bool WindowsLogFile::append(std::string_view line) {
+    const auto file = ownFile(
+        CreateFileA(path_.c_str(), FILE_APPEND_DATA, kShareAll, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD written = 0;
+    return file && WriteFile(file.get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr) &&
+           written == line.size();
+}
+
+bool WindowsLogFile::rotate() {
+    return MoveFileExA(path_.c_str(), oldPath_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+WorkerSleep::WorkerSleep(HANDLE watched)
+    : watched_(watched), timer_(CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS)) {}
+
+bool WorkerSleep::sleep(std::uint64_t ms) {
+    LARGE_INTEGER due;
+    due.QuadPart = -static_cast<LONGLONG>(ms) * 10000;  // 100 ns, negative: from now
+    const bool timed = timer_ && SetWaitableTimer(timer_.get(), &due, 0, nullptr, nullptr, FALSE);
+    HANDLE handles[2];
+    DWORD count = 0;
+    if (watched_) handles[count++] = watched_;
+    if (timed) handles[count++] = timer_.get();
+    const auto timeout = static_cast<DWORD>(timed ? ms + 100 : ms);  // 100 ms: should the timer ever fail to ring
+    const DWORD result = count > 0 ? WaitForMultipleObjects(count, handles, FALSE, timeout) : WAIT_FAILED;
+    if (result == WAIT_FAILED) Sleep(static_cast<DWORD>(ms));
+    return watched_ && result == WAIT_OBJECT_0;
+}
+
+std::string fullPath(const std::string& path) {
+    const DWORD needed = GetFullPathNameA(path.c_str(), 0, nullptr, nullptr);
+    std::string full(needed, '\0');
+    const DWORD length = needed > 0 ? GetFullPathNameA(path.c_str(), needed, full.data(), nullptr) : 0;
+    if (length == 0 || length >= needed) return path;
+    full.resize(length);
+    return full;
+}
+
+OwnedHandle claimFolder(const std::string& dataDir) {
+    const auto name = workerMutexName(canonicalPath(dataDir));
+    OwnedHandle mutex(CreateMutexA(nullptr, FALSE, name.c_str()));
+    if (!mutex) return nullptr;
+    const DWORD result = WaitForSingleObject(mutex.get(), kClaimWaitMs);
+    const bool ours = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+    return ours ? std::move(mutex) : nullptr;
+}
+
+void leaveCurrentDirectory() {
+    char folder[MAX_PATH];
+    const UINT length = GetWindowsDirectoryA(folder, MAX_PATH);
+    if (length > 0 && length < MAX_PATH) SetCurrentDirectoryA(folder);
+}

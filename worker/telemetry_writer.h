@@ -1,0 +1,40 @@
+// telemetry_writer.h - when telemetry.json is written. The rhythm goes by ticks, the stamp by the wall clock, so that a
+// clock set back changes the stamp and nothing else.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <utility>
+#include "base/data_files.h"
+#include "worker/telemetry_text.h"
+#include "worker/worker_log.h"
+
+inline constexpr std::uint64_t kMinWriteGapMs = 51;  // ticks are cut to whole ms: 51 apart is never under 50 ms
+inline constexpr std::uint64_t kLastingFailureMs = 1000;
+inline constexpr std::uint64_t kMaxWriteGapMs = 450;  // 500 ms at the latest: room for one pass and a slow disk
+
+class TelemetryWriter {
+  public:
+    TelemetryWriter(std::string path, DataFiles& files, WorkerLog& log)
+        : path_(std::move(path)), files_(files), log_(log) {}
+
+    // Writes the record if it has changed, or if the last writing is long enough ago. A failed writing is tried again
+    // 51 ms later; one that reader and writer get in each other's way is ordinary, so the log hears of a lasting
+    // failure only, once.
+    void pass(const TelemetryRecord& record, std::uint64_t nowMs, double unixSeconds);
+
+    // How long until the next writing is due, from nowMs; 0 = now.
+    std::uint64_t msUntilDue(const TelemetryRecord& record, std::uint64_t nowMs) const;
+
+  private:
+    void logOutcome(bool failedBefore, std::uint64_t nowMs);
+
+    std::string path_;
+    DataFiles& files_;
+    WorkerLog& log_;
+    TelemetryRecord written_;
+    bool tried_ = false;      // false: never yet, due at once
+    bool succeeded_ = false;  // the last try
+    bool failureLogged_ = false;
+    std::uint64_t triedMs_ = 0;
+    std::uint64_t failingSinceMs_ = 0;  // tick of the first failure since a success
+};

@@ -1,0 +1,60 @@
+#include "worker/worker_loop.h"
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr std::uint64_t kMaxTelemetryBytes = 65'536;  // ours has about a thousand
+
+std::string handledBefore(const std::string& path, DataFiles& files, WorkerFolder& folder) {
+    const auto stamp = folder.stamp(path);
+    std::string text;
+    if (!stamp.exists || stamp.bytes > kMaxTelemetryBytes || !files.read(path, text)) return {};
+    return lastAckId(text);
+}
+
+}  // namespace
+
+WorkerLoop::WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolder& folder, SimLink& link,
+                       WorkerLog& log)
+    : dataDir_(dataDir),
+      folder_(folder),
+      link_(link),
+      log_(log),
+      inbox_(joinPath(dataDir, "command.json"), files, folder, log),
+      handler_(link, log),
+      writer_(joinPath(dataDir, "telemetry.json"), files, log) {
+    inbox_.markHandled(handledBefore(joinPath(dataDir, "telemetry.json"), files, folder));
+}
+
+PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
+    PassResult result;
+    result.folderGone = isFolderGone(nowMs);
+    if (result.folderGone) return result;
+    link_.poll(nowMs);
+    logLink();
+    handler_.pass(nowMs);
+    if (!handler_.isPending()) {
+        if (auto command = inbox_.next(nowMs, unixSeconds)) handler_.accept(std::move(*command), nowMs);
+    }
+    const TelemetryRecord record{link_.snapshot(), handler_.isPending(), handler_.ack()};
+    writer_.pass(record, nowMs, unixSeconds);
+    result.waitMs = std::clamp<std::uint64_t>(writer_.msUntilDue(record, nowMs), 1, kPassMs);
+    return result;
+}
+
+bool WorkerLoop::isFolderGone(std::uint64_t nowMs) {
+    if (folderCheckedMs_ != 0 && nowMs - folderCheckedMs_ < kFolderCheckMs) return false;
+    folderCheckedMs_ = nowMs;
+    return !folder_.folderExists(dataDir_);
+}
+
+void WorkerLoop::logLink() {
+    for (const auto& note : link_.takeNotes()) log_.line(note);
+    const auto& sim = link_.snapshot();
+    if (linkLogged_ && sim.ok == loggedOk_ && sim.status == loggedStatus_) return;
+    linkLogged_ = true;
+    loggedOk_ = sim.ok;
+    loggedStatus_ = sim.status;
+    log_.line(std::string(sim.ok ? "link up: " : "link down: ") + sim.status);
+}

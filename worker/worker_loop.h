@@ -1,0 +1,39 @@
+// worker_loop.h - one pass of the worker: the link, the command, the telemetry. Whoever runs it sleeps in between.
+#pragma once
+#include <cstdint>
+#include <string>
+#include "worker/command_handler.h"
+#include "worker/command_inbox.h"
+#include "worker/telemetry_writer.h"
+
+inline constexpr std::uint64_t kPassMs = 25;          // command.json is looked at this often
+inline constexpr std::uint64_t kFolderCheckMs = 400;  // the folder's disappearance shows within 500 ms
+
+struct PassResult {
+    bool folderGone = false;   // the worker has nothing left to do
+    std::uint64_t waitMs = 1;  // 1..kPassMs until the next pass
+};
+
+class WorkerLoop {
+  public:
+    // Everything handed in outlives the loop. The last acknowledged id in an existing telemetry.json counts as handled.
+    WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolder& folder, SimLink& link, WorkerLog& log);
+
+    PassResult pass(std::uint64_t nowMs, double unixSeconds);
+
+  private:
+    bool isFolderGone(std::uint64_t nowMs);
+    void logLink();
+
+    std::string dataDir_;
+    WorkerFolder& folder_;
+    SimLink& link_;
+    WorkerLog& log_;
+    CommandInbox inbox_;
+    CommandHandler handler_;
+    TelemetryWriter writer_;
+    std::uint64_t folderCheckedMs_ = 0;
+    bool linkLogged_ = false;
+    bool loggedOk_ = false;
+    std::string loggedStatus_;
+};

@@ -1,0 +1,108 @@
+#include "worker/worker_options.h"
+#include <algorithm>
+#include <charconv>
+#include <utility>
+#include "base/data_files.h"
+
+namespace {
+
+constexpr std::size_t kMaxRemarks = 20;
+
+bool isOption(const std::string& argument) {
+    return argument.starts_with("--");
+}
+
+bool parsePid(const std::string& text, std::uint32_t& pid) {
+    std::uint32_t number = 0;
+    const auto* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc{} || stop != end || number == 0) return false;
+    pid = number;
+    return true;
+}
+
+std::string_view trim(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r";
+    const auto start = text.find_first_not_of(kBlanks);
+    return start == std::string_view::npos ? std::string_view{}
+                                           : text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
+}
+
+std::string_view unquoted(std::string_view text) {
+    const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+    return quoted ? text.substr(1, text.size() - 2) : text;
+}
+
+// Reads the line into file, the options as the file alone would have them. Returns what is wrong with it, or nothing.
+std::string readIniLine(std::string_view line, WorkerOptions& file) {
+    const auto equals = line.find('=');
+    if (equals == std::string_view::npos) return "has no =";
+    const auto key = trim(line.substr(0, equals));
+    const auto value = unquoted(trim(line.substr(equals + 1)));
+    if (key == "script") {
+        file.script = value;
+        return {};
+    }
+    if (key != "link") return "has an unknown key";
+    if (value != "auto" && value != "simulate") return "needs auto or simulate";
+    file.link = value == "auto" ? LinkKind::Auto : LinkKind::Simulate;
+    return {};
+}
+
+bool isIgnoredLine(std::string_view line) {
+    return line.empty() || line.front() == '#' || line.front() == ';' || (line.front() == '[' && line.back() == ']');
+}
+
+}  // namespace
+
+bool parseArguments(const std::vector<std::string>& arguments, WorkerOptions& options, std::string& error) {
+    error.clear();
+    const auto complain = [&](std::string reason) {
+        if (error.empty()) error = std::move(reason);
+    };
+    for (std::size_t i = 0; i < arguments.size(); i++) {
+        const auto& name = arguments[i];
+        const bool hasValue = i + 1 < arguments.size() && !isOption(arguments[i + 1]);
+        if (name == "--simulate") {
+            options.link = LinkKind::Simulate;
+            if (hasValue) options.script = arguments[++i];
+        } else if (name == "--data-dir" || name == "--watch-pid") {
+            if (!hasValue) {
+                complain(name + " needs a value");
+            } else if (name == "--data-dir") {
+                options.dataDir = arguments[++i];
+            } else if (!parsePid(arguments[++i], options.watchPid)) {
+                complain("--watch-pid needs a process id, not " + arguments[i]);
+            }
+        } else {
+            complain("unknown argument " + name);
+        }
+    }
+    if (options.dataDir.empty()) complain("--data-dir is missing");
+    return error.empty();
+}
+
+std::vector<std::string> applyIni(std::string_view text, WorkerOptions& options) {
+    std::vector<std::string> remarks;
+    if (text.size() > kMaxIniBytes) return {"worker.ini ignored: larger than 64 KB"};
+    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+    WorkerOptions file;
+    for (int number = 1; !text.empty(); number++) {
+        const auto end = std::min(text.find('\n'), text.size());
+        const auto line = trim(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (isIgnoredLine(line)) continue;
+        const auto reason = readIniLine(line, file);
+        if (reason.empty() || remarks.size() == kMaxRemarks) continue;
+        remarks.push_back("worker.ini line " + std::to_string(number) + " ignored: it " + reason);
+    }
+    if (!options.link) options.link = file.link;
+    if (options.script.empty() && !file.script.empty()) {
+        options.script = isAbsolutePath(file.script) ? file.script : joinPath(options.dataDir, file.script);
+    }
+    return remarks;
+}
+
+bool isAbsolutePath(std::string_view path) {
+    return path.starts_with('\\') || path.starts_with('/') || (path.size() > 1 && path[1] == ':');
+}

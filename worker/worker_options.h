@@ -1,0 +1,30 @@
+// worker_options.h - what the worker is told to do: its command line first, worker.ini for what that leaves open.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+inline constexpr std::size_t kMaxIniBytes = 65'536;  // a larger worker.ini is ignored
+
+enum class LinkKind { Auto, Simulate };
+
+struct WorkerOptions {
+    std::string dataDir;           // --data-dir
+    std::uint32_t watchPid = 0;    // --watch-pid; 0 = watch nobody
+    std::optional<LinkKind> link;  // --simulate or link=; none = auto
+    std::string script;            // --simulate SCRIPT or script=; empty = no script
+};
+
+// The arguments behind the program's name: --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT]]. False with the
+// reason in error; what was understood, the data folder above all, is in options even then.
+bool parseArguments(const std::vector<std::string>& arguments, WorkerOptions& options, std::string& error);
+
+// Fills from the text of worker.ini what the command line left open: link=auto|simulate and script=PATH, a relative
+// path counting from the data folder. Returns a remark for each line that was ignored, at most 20.
+std::vector<std::string> applyIni(std::string_view text, WorkerOptions& options);
+
+// True for C:\..., \\server\..., \... and /...
+bool isAbsolutePath(std::string_view path);
