@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# run.sh [--fast] - installs what is missing, builds, and flies a circuit: the real plugin in the stand-in voice client
+# under Wine, its real worker with the built-in aircraft. Leaves everything worth keeping in out/.
+# Ends with 0 only if the whole circuit went as it should. --fast flies a short one (under 30 s once built).
+set -euo pipefail
+cd "$(dirname "$0")"
+
+fast=()
+for option in "$@"; do
+    case "$option" in
+        --fast) fast=(--fast) ;;
+        *) echo "usage: ./run.sh [--fast]" >&2; exit 2 ;;
+    esac
+done
+
+tools/packages.sh build wine
+[ -f build/windows/build.ninja ] || cmake --preset windows
+cmake --build build/windows --target corvalis_win64 hopline_worker circuit
+
+rm -rf out
+mkdir -p out
+packaging/make_package.sh build/windows/bin out/corvalis-1.3.0.ts3_plugin
+
+. tools/wine.sh
+start_wine
+echo
+echo "Flying the circuit"
+result=0
+wine build/windows/bin/circuit.exe out "${fast[@]}" 2>&1 | tr -d '\r' | tee out/timeline.txt || result=$?
+
+# What the flight left behind, without the temporary profile around it.
+data=out/appdata/Corvalis
+for file in "$data"/*.wav "$data"/*.log "$data"/circuit.txt; do
+    [ ! -e "$file" ] || cp "$file" out/
+done
+for sound in radio_tail text_alert; do
+    [ ! -e "out/$sound.wav" ] || sox "out/$sound.wav" -n spectrogram -o "out/$sound.png" -t "$sound.wav" || result=1
+done
+rm -rf out/appdata
+
+echo
+if [ "$result" -eq 0 ]; then
+    echo "out/ holds the package, the timeline, the logs, the flight script, and both sounds with their spectrograms."
+else
+    echo "The circuit did NOT go as it should; see out/timeline.txt and the logs beside it." >&2
+fi
+exit "$result"

@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# packages.sh GROUP... - installs what is missing of Debian's packages for the groups named (build, wine, test).
+# Does nothing, and asks no package server, on a machine that has them all.
+set -euo pipefail
+
+build_packages=(
+    ca-certificates cmake ninja-build git python3-minimal
+    g++ clang g++-mingw-w64-x86-64-posix
+    googletest libbenchmark-dev nlohmann-json3-dev
+)
+wine_packages=(wine wine64 xvfb xauth sox)
+test_packages=(libclang-rt-14-dev)
+
+wanted=()
+for group in "$@"; do
+    case "$group" in
+        build) wanted+=("${build_packages[@]}") ;;
+        wine) wanted+=("${wine_packages[@]}") ;;
+        test) wanted+=("${test_packages[@]}") ;;
+        *) echo "packages.sh: unknown group $group" >&2; exit 2 ;;
+    esac
+done
+
+missing=()
+for package in "${wanted[@]}"; do
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "Install these as root first: ${missing[*]}" >&2; exit 1; }
+    as_root=(sudo)
+fi
+echo "Installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
