@@ -17,8 +17,11 @@ bool takeSign(std::string_view& text) {
     return negative;
 }
 
-bool isHexPrefix(std::string_view text) {
-    return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+// "0x" with a hexadecimal digit behind it, before or after a point. Anything else ("0xg", "0xinf") is the 0 before x.
+bool isHexNumber(std::string_view text) {
+    if (text.size() < 3 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X')) return false;
+    const auto digit = text.find_first_not_of('.', 2);
+    return digit <= 3 && text.substr(digit).find_first_of("0123456789abcdefABCDEF") == 0;
 }
 
 // from_chars leaves the value alone when it is out of range; strtod says infinity or zero. The sign of the decimal
@@ -52,13 +55,12 @@ bool parseDoublePrefix(std::string_view text, double& value) {
     if (text.empty() || text[0] == '-' || text[0] == '+') return false;
 
     double magnitude = 0.0;
-    if (isHexPrefix(text)) {
+    if (isHexNumber(text)) {
         const auto digits = text.substr(2);
         const auto [end, error] =
             std::from_chars(digits.data(), digits.data() + digits.size(), magnitude, std::chars_format::hex);
         const std::string_view number(digits.data(), static_cast<std::size_t>(end - digits.data()));
         if (error == std::errc::result_out_of_range) magnitude = outOfRangeValue(number, true);
-        if (error == std::errc::invalid_argument || digits[0] == '-') magnitude = 0.0;  // "0xg" reads as the 0 before x
     } else {
         const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), magnitude);
         if (error == std::errc::invalid_argument) return false;

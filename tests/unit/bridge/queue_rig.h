@@ -1,0 +1,62 @@
+// queue_rig.h - the command queue with its rooms, driven by hand: enqueue and process at chosen ticks.
+#pragma once
+#include <gtest/gtest.h>
+#include "tests/unit/bridge/rig.h"
+
+// Does something the moment a file is written: what another thread might do just then.
+class InterruptedFiles : public MemoryFiles {
+  public:
+    bool replace(const std::string& path, std::string_view bytes) override {
+        const auto meanwhile = std::exchange(whileWriting, {});
+        if (meanwhile) meanwhile();
+        return MemoryFiles::replace(path, bytes);
+    }
+    std::function<void()> whileWriting;  // once
+};
+
+class QueueTest : public testing::Test {
+  protected:
+    QueueTest() { setState(sim, connectedState()); }
+
+    bool add(std::int32_t com, std::int32_t slot, double value, float localVolume = -1.0f) {
+        return enqueue(queue, sim, com, slot, value, localVolume, clock.tickMs());
+    }
+    void step(std::int32_t com, std::int32_t slot, bool wholeMegahertz, std::int32_t steps) {
+        stepFrequency(queue, sim, com, slot, wholeMegahertz, steps, clock.tickMs());
+    }
+    void process() { processCommands(queue, sim, settings, {files, clock, kHostProcess, kFolder}); }
+    void processAfter(std::uint64_t ms) {
+        clock.advance(ms);
+        process();
+    }
+    // The worker has handled the command last written.
+    void acknowledge(bool ok) {
+        MutexLock lock(sim.mutex);
+        sim.state.ackId = lastWrittenId();
+        sim.state.ackOk = ok;
+    }
+    std::string lastWrittenId() {
+        const std::string text = written();
+        const auto start = text.find(R"("id":")") + 6;
+        return text.substr(start, text.find('"', start) - start);
+    }
+    std::string written() { return files.text(pathOf(kCommandFile)); }
+    int writes() const { return files.replaces; }
+    void connect(bool connected) {
+        MutexLock lock(sim.mutex);
+        sim.state.connected = connected;
+    }
+    std::string status() { return copySimState(sim).statusText; }
+    std::size_t size() { return commandsOf(queue).size(); }
+    Command only() {
+        const auto commands = commandsOf(queue);
+        EXPECT_EQ(commands.size(), 1U);
+        return commands.empty() ? Command{} : commands.front();
+    }
+
+    ManualClock clock;
+    InterruptedFiles files;
+    SettingsStore settings{files};
+    SharedSimState sim;
+    CommandQueue queue;
+};
