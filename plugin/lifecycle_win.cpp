@@ -27,6 +27,8 @@ void writeSounds(PluginState& plugin) {
 void askHost(PluginState& plugin) {
     if (plugin.host.getCurrentServerConnectionHandlerID)
         plugin.currentServer = plugin.host.getCurrentServerConnectionHandlerID();
+    // A move asked for before an earlier shutdown cannot be answered under the new return code.
+    plugin.moves.pendingChannel = 0;
     plugin.moves.moveReturnCode.clear();
     if (!plugin.host.createReturnCode || !plugin.pluginId) return;
     char code[256] = {};

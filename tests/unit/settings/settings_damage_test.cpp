@@ -126,10 +126,11 @@ TEST(SettingsDamage, AFileCutAnywhereKeepsTheValuesOfItsWholeLines) {
             const std::size_t nextEnd = i + 1 < full.size() ? end + 2 + full[i + 1].size() : end;
             // A maximum cut down to 0 changes places with the minimum before it.
             const bool mayBeSwapped = full[i] == "volume_min=0.25" && length > end + 2 && length < nextEnd;
-            if (end <= length && !mayBeSwapped)
+            if (end <= length && !mayBeSwapped) {
                 EXPECT_EQ(lines[i], full[i]) << length;
-            else if (start >= length)
+            } else if (start >= length) {
                 EXPECT_EQ(lines[i], defaults[i]) << length;
+            }
             start = end + 2;
         }
     }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <thread>
 #include "plugin/host_events.h"
+#include "settings/settings_text.h"
 #include "tests/unit/bridge/rig.h"
 
 namespace {
@@ -279,6 +280,33 @@ TEST_F(RoomsTest, NoChangeOfTheSettingsIsLostAndTheFileEndsWithTheNewest) {
     EXPECT_EQ(copySettings(next), live);
     EXPECT_EQ(settings.AudioFlags, audioFlagsOf(live));
     EXPECT_EQ(settings.TransmitGain, transmitGainOf(live));
+}
+
+TEST(SettingsOrder, TheFileIsWrittenInTheOrderOfTheChanges) {
+    // Panel coordinates only grow, so an older record written late has a smaller sum than the one before it.
+    class OrderedFiles : public MemoryFiles {
+      public:
+        bool replace(const std::string& path, std::string_view bytes) override {
+            for (int i = 0; i < 20; i++) std::this_thread::yield();  // a slow disk
+            const Settings written = readSettingsText(bytes);
+            const std::int32_t sum = written.panel_x + written.panel_y;
+            if (newest_.exchange(sum) >= sum) late++;
+            return MemoryFiles::replace(path, bytes);
+        }
+        std::atomic<int> late{0};
+
+      private:
+        std::atomic<std::int32_t> newest_{0};
+    };
+    OrderedFiles files;
+    SettingsStore settings(files);
+    std::thread first([&] {
+        for (int i = 0; i < kTurns; i++) updateSettings(settings, [](Settings& live) { live.panel_x++; });
+    });
+    for (int i = 0; i < kTurns; i++) updateSettings(settings, [](Settings& live) { live.panel_y++; });
+    first.join();
+    EXPECT_EQ(files.late, 0);
+    EXPECT_EQ(files.replaces, 2 * kTurns);
 }
 
 // A host event takes its time, is held up, and enters after the poll loop has noted a later start.

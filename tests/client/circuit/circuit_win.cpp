@@ -1,0 +1,240 @@
+// circuit_win.cpp - the demonstration: the real plugin in the stand-in voice client, its real worker with the built-in
+// aircraft, flown once round the circuit. Prints a timeline; exits with 1 if anything did not go as it should.
+//   circuit OUT_FOLDER [--fast]      OUT_FOLDER holds %APPDATA% of the flight and the client's log
+#include <windows.h>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include "base/clock_win.h"
+#include "base/number_text.h"
+#include "panel/panel_messages.h"
+#include "tests/client/circuit/flight_plan.h"
+#include "tests/client/circuit/flight_watch_win.h"
+#include "tests/client/test_machine_win.h"
+
+namespace {
+
+constexpr std::uint64_t kStillMs = 350;      // a frequency is followed no sooner
+constexpr std::uint64_t kClockGrainMs = 16;  // of the tick counter on Windows
+
+struct Flight {
+    HostModel& host;
+    FlightWatch& watch;
+    std::uint64_t legStartMs = 0;
+};
+
+bool waitTuned(Flight& f, std::int32_t frequencyKHz) {
+    const bool tuned = f.watch.until([&] { return f.watch.telemetry().radios[0].active == frequencyKHz; }, 25'000);
+    if (!tuned) f.watch.check(false, "COM1 active never became " + megahertzText(frequencyKHz));
+    return tuned;
+}
+
+bool isIn(const Flight& f, std::uint64_t channel) {
+    return f.host.ownChannel(kCircuitServer) == channel;
+}
+
+bool waitRequest(Flight& f, std::uint64_t channel, std::uint64_t sinceMs, std::uint64_t deadlineMs) {
+    return f.watch.until(
+        [&] {
+            const auto requests = f.watch.requestsSince(sinceMs);
+            return !requests.empty() && requests.back().channelId == channel;
+        },
+        deadlineMs);
+}
+
+// Tuned, still for 350 ms, requested, confirmed.
+void expectFollowed(Flight& f, std::int32_t frequencyKHz, std::uint64_t channel) {
+    if (!waitTuned(f, frequencyKHz)) return;
+    const std::uint64_t tunedMs = f.watch.tunedAtMs();
+    const bool requested = waitRequest(f, channel, tunedMs, 4'000);
+    const bool confirmed = requested && f.watch.until([&] { return isIn(f, channel); }, 4'000);
+    f.watch.check(confirmed, "followed " + megahertzText(frequencyKHz) + " into \"" + channelTitle(channel) + '"');
+    if (!requested) return;
+    const auto requests = f.watch.requestsSince(f.legStartMs);
+    f.watch.check(requests.size() == 1, "asked once");
+    const std::uint64_t waitedMs = requests.back().atMs - tunedMs;
+    f.watch.check(waitedMs + kClockGrainMs >= kStillMs,
+                  "asked after " + std::to_string(waitedMs) + " ms of standing still");
+}
+
+void flyApron(Flight& f) {
+    if (!waitTuned(f, 121700)) return;
+    f.watch.watchFor(600);
+    f.watch.check(f.watch.requestsSince(f.legStartMs).empty() && isIn(f, kGroundChannel), "stayed: nothing to ask for");
+}
+
+bool talk(Flight& f, std::uint16_t client, std::uint64_t ms) {
+    const auto before = f.host.playedSounds().size();
+    f.host.setTalking(kCircuitServer, client, true);
+    f.watch.watchFor(ms);
+    f.host.setTalking(kCircuitServer, client, false);
+    return f.watch.until([&] { return f.host.playedSounds().size() > before; }, 300);
+}
+
+void flyDeparture(Flight& f) {
+    if (!waitTuned(f, 124350)) return;
+    if (!waitRequest(f, kDepartureChannel, f.legStartMs, 4'000)) {
+        f.watch.check(false, "departure was not asked for");
+        return;
+    }
+    f.watch.watchFor(400);
+    f.watch.check(!isIn(f, kDepartureChannel), "refused with a code");
+    f.host.setMoveRule(kDepartureChannel, MoveRule{});
+    f.watch.check(f.watch.until([&] { return isIn(f, kDepartureChannel); }, 6'000), "asked again and let in");
+    const auto requests = f.watch.requestsSince(f.legStartMs);
+    f.watch.check(requests.size() == 2 && requests[1].atMs - requests[0].atMs >= 2'000, "no sooner than 2 s later");
+}
+
+void flyCompany(Flight& f) {
+    if (!waitTuned(f, 131500)) return;
+    const bool asked = waitRequest(f, kCompanyChannel, f.legStartMs, 4'000);
+    f.watch.check(asked, "asked for the company channel, which never answers");
+    if (!asked || !waitTuned(f, 118275)) return;
+    const std::uint64_t askedMs = f.watch.requestsSince(f.legStartMs).front().atMs;
+    f.watch.check(f.watch.until([&] { return isIn(f, kApproachChannel); }, 8'000), "went on to approach");
+    const auto requests = f.watch.requestsSince(f.legStartMs);
+    const bool oneAtATime = requests.back().atMs - askedMs >= 5'000;
+    f.watch.check(oneAtATime, "not confirmed: given up after 5 s, one move at a time");
+}
+
+void post(unsigned message, std::uint64_t wParam, std::int64_t lParam) {
+    auto* panel = static_cast<HWND>(findOwnWindow(L"CorvalisRadioPanel"));
+    PostMessageW(panel, message, wParam, lParam);
+}
+
+// Posts one turn of the radio and waits for the worker's answer to it.
+bool answered(Flight& f, unsigned message, std::uint64_t wParam, std::int64_t lParam) {
+    const std::string before = f.watch.telemetry().ackId;
+    post(message, wParam, lParam);
+    return f.watch.until([&] { return f.watch.telemetry().ackId != before; }, 4'000);
+}
+
+void flyNobody(Flight& f) {
+    if (!waitTuned(f, 133330)) return;
+    const auto channel = f.host.ownChannel(kCircuitServer);
+    f.watch.say("pilot       turns COM2's volume to 40 and talks");
+    const std::string before = f.watch.telemetry().ackId;
+    post(kPanelVolumeMessage, 2, 40);
+    f.watch.check(talk(f, kPilotClient, 250), "squelch tail after the own transmission");
+    f.watch.watchFor(360);  // tails keep 350 ms apart
+    f.watch.check(talk(f, kControllerClient, 250), "squelch tail after the controller's");
+    f.watch.watchFor(360);
+    f.watch.check(!talk(f, kControllerClient, 60), "none after a click of the key");
+    const bool told = f.watch.until([&] { return f.watch.telemetry().ackId != before; }, 4'000);
+    f.watch.check(told && !f.watch.telemetry().ackOk, "the dead volume knob was reported");
+    const bool stayed = f.watch.requestsSince(f.legStartMs).empty() && isIn(f, channel);
+    f.watch.check(stayed, "stayed: no channel carries 133.330");
+}
+
+void flyRadio(Flight& f) {
+    f.watch.say("pilot       turns COM1's small knob four clicks on standby");
+    const bool tuned = answered(f, kPanelStepMessage, 1U | 1U << 8U, 4) && f.watch.telemetry().ackOk;
+    const auto standby = f.watch.telemetry().radios[0].standby;
+    f.watch.check(tuned && standby == 122800,
+                  "standby is " + megahertzText(standby) + " as the aircraft reads it back");
+    f.watch.say("pilot       swaps");
+    const bool swapped = answered(f, kPanelSwapMessage, 1, 0) && f.watch.telemetry().ackOk;
+    f.watch.check(swapped, "swap acknowledged");
+    expectFollowed(f, 122800, kUnicomChannel);  // not 122.8, 1122.800, 122.8005, nor the later of two that match
+}
+
+void flyLinkLoss(Flight& f) {
+    f.watch.check(f.watch.until([&] { return !f.watch.telemetry().ok; }, 15'000), "the worker reports the loss");
+    const bool isBack =
+        f.watch.until([&] { return f.watch.telemetry().ok && f.watch.telemetry().radios[0].active; }, 5'000);
+    f.watch.check(isBack, "and the return");
+    f.watch.check(isIn(f, kApproachChannel), "still in the channel");
+}
+
+void flyLeg(Flight& f, LegId id) {
+    switch (id) {
+        case LegId::kAtis:
+            return expectFollowed(f, 127850, kAtisChannel);
+        case LegId::kDelivery:
+            return expectFollowed(f, 121600, kDeliveryChannel);
+        case LegId::kTaxi:
+            return expectFollowed(f, 121900, kGroundChannel);
+        case LegId::kApron:
+            return flyApron(f);
+        case LegId::kTower:
+            return expectFollowed(f, 118105, kTowerChannel);
+        case LegId::kNobody:
+            return flyNobody(f);
+        case LegId::kRadio:
+            return flyRadio(f);
+        case LegId::kDeparture:
+            return flyDeparture(f);
+        case LegId::kCompany:
+            return flyCompany(f);
+        case LegId::kLinkLoss:
+            return flyLinkLoss(f);
+    }
+}
+
+void flyLegs(Flight& f, bool isShort, std::uint64_t workerStartMs) {
+    double plannedSeconds = 0.0;
+    for (const Leg& leg : circuitLegs(isShort)) {
+        f.watch.say(std::string("--- ") + leg.title);
+        f.legStartMs = systemTickMs();
+        flyLeg(f, leg.id);
+        plannedSeconds += leg.seconds(isShort);
+        const auto endMs = workerStartMs + static_cast<std::uint64_t>(plannedSeconds * 1000.0);
+        // Stays on the frequency for the rest of the leg, a moment less: the next one begins on time.
+        if (systemTickMs() + 50 < endMs) f.watch.watchFor(endMs - systemTickMs() - 50);
+    }
+}
+
+void writeClientLog(const HostModel& host, const std::filesystem::path& file) {
+    std::ofstream log(file, std::ios::binary);
+    for (const auto& line : host.logLines()) log << line << '\n';
+}
+
+int reportEnd(const HostModel& host, FlightWatch& watch) {
+    for (const auto& problem : host.problems()) watch.check(false, "rule of the host broken: " + problem);
+    for (const auto& leak : host.leaks()) watch.check(false, "not given back to the host: " + leak);
+    std::printf("\n%s: %d of %d checks passed\n", watch.failures() == 0 ? "Circuit flown" : "Circuit FAILED",
+                watch.checks() - watch.failures(), watch.checks());
+    return watch.failures() == 0 ? 0 : 1;
+}
+
+int fly(const std::filesystem::path& out, bool isShort) {
+    const auto appData = std::filesystem::absolute(out) / "appdata";
+    const auto dataFolder = appData / "Corvalis";
+    std::filesystem::create_directories(dataFolder);
+    writeFile(dataFolder / "circuit.txt", circuitScript(isShort));
+    writeFile(dataFolder / "worker.ini", "link=simulate\nscript=circuit.txt\n");
+    const EnvironmentValue environment(L"APPDATA", appData.wstring());
+
+    const SystemClock clock;
+    HostModel host(clock);
+    layOutServer(host);
+    PluginLibrary plugin;
+    if (!plugin.load(programFolder() / "corvalis_win64.dll")) {
+        std::printf("The plugin does not load: %s\n", plugin.error().c_str());
+        return 1;
+    }
+    plugin.exports().setFunctionPointers(host.table());
+    plugin.exports().registerPluginID("circuit");
+    const std::uint64_t startMs = systemTickMs();
+    plugin.exports().init();
+    FlightWatch watch(host, plugin, dataFolder, startMs);
+    watch.say("client      plugin started in " + std::to_string(systemTickMs() - startMs) + " ms");
+    Flight flight{host, watch};
+    flyLegs(flight, isShort, systemTickMs());
+    watch.say("--- Shutting down");
+    plugin.exports().shutdown();
+    plugin.unload();
+    writeClientLog(host, out / "client.log");
+    return reportEnd(host, watch);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    SetConsoleOutputCP(CP_UTF8);
+    if (argc < 2) {
+        std::printf("usage: circuit OUT_FOLDER [--fast]\n");
+        return 2;
+    }
+    return fly(argv[1], argc > 2 && std::strcmp(argv[2], "--fast") == 0);
+}

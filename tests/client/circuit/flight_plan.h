@@ -1,0 +1,51 @@
+// flight_plan.h - the demonstration's circuit: the voice server as real ones are laid out, and the legs that the
+// built-in aircraft flies, as one script for the worker.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+#include "tests/client/host_model.h"
+
+// What stands on the server; the names are those of kChannels.
+enum CircuitChannel : std::uint64_t {
+    kLobbyChannel = 2,
+    kAtisChannel = 4,
+    kDeliveryChannel = 5,
+    kGroundChannel = 6,
+    kTowerChannel = 7,
+    kDepartureChannel = 8,
+    kApproachChannel = 9,
+    kUnicomChannel = 14,
+    kCompanyChannel = 16,
+};
+inline constexpr std::uint64_t kCircuitServer = 1;
+inline constexpr std::uint16_t kPilotClient = 7;
+inline constexpr std::uint16_t kControllerClient = 11;
+
+// The server's tree, the pilot and a controller in it, and how each channel answers a move.
+void layOutServer(HostModel& host);
+std::string channelTitle(std::uint64_t channelId);
+
+enum class LegId { kAtis, kDelivery, kTaxi, kApron, kTower, kNobody, kRadio, kDeparture, kCompany, kLinkLoss };
+
+// A leg of the circuit; its actions are timed from the leg's start.
+struct LegAction {
+    double seconds;
+    const char* action;  // as docs/file-formats.md lists the script's actions
+};
+struct Leg {
+    LegId id;  // which check the watcher makes (circuit_win.cpp)
+    const char* title;
+    double shortSeconds;  // as quick as the plugin's own waiting times allow; 0: not part of the short flight
+    double fullSeconds;   // as a pilot would fly it
+    std::vector<LegAction> actions;
+
+    double seconds(bool isShort) const { return isShort ? shortSeconds : fullSeconds; }
+};
+
+// In the order flown. A move counts as confirmed when the plugin looks again 2 s after asking, so a leg that moves the
+// pilot lasts at least 2.4 s.
+std::vector<Leg> circuitLegs(bool isShort);
+
+// The whole flight as a script for the built-in aircraft, counted from the worker's start.
+std::string circuitScript(bool isShort);

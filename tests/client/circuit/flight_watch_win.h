@@ -1,0 +1,54 @@
+// flight_watch_win.h - watches the demonstration from outside: what the worker writes, what the plugin asks of the
+// host, what the host answers; prints each as it happens and keeps it for the checks.
+// [host] Main thread only, as the host's callbacks are.
+#pragma once
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+#include "bridge/telemetry.h"
+#include "tests/client/host_model.h"
+#include "tests/client/plugin_library_win.h"
+
+class FlightWatch {
+  public:
+    FlightWatch(HostModel& host, const PluginLibrary& plugin, std::filesystem::path dataFolder, std::uint64_t startMs);
+
+    // Delivers the host's events, reads the telemetry and prints what is new, until condition holds. False after
+    // deadlineMs without it.
+    bool until(const std::function<bool()>& condition, std::uint64_t deadlineMs);
+    void watchFor(std::uint64_t ms);
+
+    // A line of the timeline, and one that counts: a failed check makes the flight fail.
+    void say(const std::string& text);
+    void check(bool ok, const std::string& text);
+    int failures() const { return failures_; }
+    int checks() const { return checks_; }
+
+    const Telemetry& telemetry() const { return telemetry_; }
+    // When the worker first reported the present COM1 active frequency: tick ms, no later than the plugin saw it.
+    std::uint64_t tunedAtMs() const { return tunedAtMs_; }
+    // Requests to be moved since the given tick.
+    std::vector<HostCall> requestsSince(std::uint64_t tickMs) const;
+
+  private:
+    void pump();
+    void deliverEvents();
+    void readTelemetryFile();
+    void noteRadio(const Telemetry& before);
+    void printCalls();
+
+    HostModel& host_;
+    const PluginLibrary& plugin_;
+    const std::filesystem::path telemetryFile_;
+    const std::uint64_t startMs_;
+    Telemetry telemetry_;
+    std::uint64_t tunedAtMs_ = 0;
+    std::size_t printedCalls_ = 0;
+    int failures_ = 0;
+    int checks_ = 0;
+};
+
+// 122800 as "122.800".
+std::string megahertzText(std::int32_t frequencyKHz);

@@ -1,0 +1,190 @@
+#include <windows.h>
+#include <atomic>
+#include <thread>
+#include "tests/client/client_session_win.h"
+
+namespace {
+
+// Holds a file open so that nobody else may open it.
+class LockedFile {
+  public:
+    explicit LockedFile(const std::filesystem::path& file)
+        : handle_(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+    ~LockedFile() { release(); }
+    LockedFile(const LockedFile&) = delete;
+    LockedFile& operator=(const LockedFile&) = delete;
+
+    bool isHeld() const { return handle_ != INVALID_HANDLE_VALUE; }
+    void release() {
+        if (isHeld()) CloseHandle(handle_);
+        handle_ = INVALID_HANDLE_VALUE;
+    }
+
+  private:
+    HANDLE handle_;
+};
+
+}  // namespace
+
+class FileTrouble : public PluginTest {
+  protected:
+    std::filesystem::path telemetryFile() const { return session.dataFolder / "telemetry.json"; }
+    // The file stands there for a while, nothing comes of it; then a good one is followed.
+    void expectIgnoredThenRecovered(const std::string& bytes) {
+        std::filesystem::create_directories(session.dataFolder);
+        ASSERT_TRUE(writeFile(telemetryFile(), bytes));
+        ASSERT_TRUE(session.start());
+        ASSERT_TRUE(session.waitTicks(600));
+        EXPECT_TRUE(host.callsOf("getChannelList").empty());
+        session.tune(1, 122800);
+        EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
+    }
+};
+
+TEST_F(FileTrouble, AnEmptyTelemetryIsIgnored) {
+    expectIgnoredThenRecovered("");
+}
+TEST_F(FileTrouble, ABinaryTelemetryIsIgnored) {
+    std::string bytes;
+    for (int i = 0; i < 100'000; i++) bytes += static_cast<char>(i * 31 + (i >> 8));
+    expectIgnoredThenRecovered(bytes);
+}
+TEST_F(FileTrouble, ATelemetryOfQuotesAndColonsIsIgnored) {
+    std::string bytes;
+    for (int i = 0; i < 50'000; i++) bytes += "\":\"updated";
+    expectIgnoredThenRecovered(bytes);
+}
+TEST_F(FileTrouble, ATornTelemetryIsIgnored) {
+    session.telemetry.radios[0].activeKhz = 122800;
+    const std::string whole = telemetryText(session.telemetry, session.clock.unixSeconds());
+    expectIgnoredThenRecovered(whole.substr(0, whole.find("com1_active") + 14));
+}
+
+TEST_F(FileTrouble, AHundredMegabytesOfTelemetryAreLivedThrough) {
+    session.telemetry.radios[0].activeKhz = 119000;
+    session.publish();
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
+    session.stopPublishing();
+    ASSERT_TRUE(replaceFile(telemetryFile(), std::string(100'000'000, 'x')));
+    ASSERT_TRUE(session.waitPasses(3));
+    session.tune(1, 122800);
+    EXPECT_TRUE(session.waitForCalls("requestClientMove", 1, 20'000));
+}
+
+TEST_F(FileTrouble, AFolderInThePlaceOfTheTelemetryIsLivedWith) {
+    std::filesystem::create_directories(telemetryFile());
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitPasses(5));
+    std::filesystem::remove(telemetryFile());
+    session.tune(1, 122800);
+    EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
+}
+
+TEST_F(FileTrouble, ALockedTelemetryIsReadOnceItIsFree) {
+    session.telemetry.radios[0].activeKhz = 122800;
+    std::filesystem::create_directories(session.dataFolder);
+    ASSERT_TRUE(writeFile(telemetryFile(), telemetryText(session.telemetry, session.clock.unixSeconds())));
+    LockedFile lock(telemetryFile());
+    ASSERT_TRUE(lock.isHeld());
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitTicks(600));
+    EXPECT_TRUE(host.callsOf("getChannelList").empty());
+    lock.release();
+    session.publish();
+    EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
+}
+
+TEST_F(FileTrouble, ATelemetryLockedForAMomentDoesNotRestartTheStandstill) {
+    session.tune(1, 119000);
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
+    const std::uint64_t tunedAt = session.tune(1, 122800);
+    session.stopPublishing();  // the locker has the file
+    std::atomic<bool> isLocking{true};
+    std::thread locker([&] {  // a virus scanner: 2 ms of every 4
+        while (isLocking) {
+            {
+                const LockedFile lock(telemetryFile());
+                Sleep(2);
+            }
+            Sleep(2);
+        }
+    });
+    const bool requested = session.waitForCalls("requestClientMove", 1, 2500);
+    isLocking = false;
+    locker.join();
+    ASSERT_TRUE(requested);
+    EXPECT_LT(host.callsOf("requestClientMove")[0].atMs - tunedAt, 1500u);
+}
+
+TEST_F(FileTrouble, TelemetryWrittenWithoutAPauseIsFollowed) {
+    session.tune(1, 119000);
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
+    const std::uint64_t tunedAt = session.tune(1, 122800);
+    ASSERT_TRUE(session.waitUntil([&] {
+        session.publish();  // every few milliseconds
+        return !host.callsOf("requestClientMove").empty();
+    }));
+    EXPECT_LT(host.callsOf("requestClientMove")[0].atMs - tunedAt, 2000u);
+}
+
+TEST_F(FileTrouble, AFileInThePlaceOfTheDataFolderIsLivedWith) {
+    ASSERT_TRUE(writeFile(session.dataFolder, "in the way"));
+    ASSERT_TRUE(session.start());
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+    ASSERT_TRUE(session.waitPasses(5));
+    session.stop();
+    EXPECT_EQ(readFile(session.dataFolder), "in the way");
+}
+
+TEST_F(FileTrouble, ADataFolderThatVanishesAndComesBackIsLivedWith) {
+    session.tune(1, 119000);
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
+    session.stopPublishing();
+    ASSERT_TRUE(waitFor([&] {
+        std::error_code error;
+        std::filesystem::remove_all(session.dataFolder, error);
+        return !std::filesystem::exists(session.dataFolder);
+    }));
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+    ASSERT_TRUE(session.waitPasses(5));
+    session.tune(1, 122800);
+    EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
+}
+
+TEST_F(FileTrouble, ReadOnlySettingsAreReadAndASaveThatFailsIsLivedWith) {
+    ASSERT_TRUE(session.writeSettings("theme=2\r\n"));
+    const std::filesystem::path file = session.dataFolder / "settings.ini";
+    ASSERT_TRUE(SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY));
+    ASSERT_TRUE(session.start());
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+    ASSERT_TRUE(session.waitPasses(2));
+    session.stop();
+    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_NE(session.settings().find("theme=2\r\n"), std::string::npos);  // the old text or a whole new one
+}
+
+TEST_F(FileTrouble, LockedSettingsAreNotTornByASave) {
+    ASSERT_TRUE(session.writeSettings("theme=2\r\n"));
+    ASSERT_TRUE(session.start());
+    LockedFile lock(session.dataFolder / "settings.ini");
+    ASSERT_TRUE(lock.isHeld());
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+    lock.release();
+    EXPECT_EQ(session.settings(), "theme=2\r\n");
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+    EXPECT_NE(session.settings().find("\r\ntheme=2\r\n"), std::string::npos);
+}
+
+TEST_F(FileTrouble, BinarySettingsAreSkippedLineByLine) {
+    std::string bytes = "theme=1\r\n";
+    for (int i = 0; i < 10'000; i++) bytes += static_cast<char>(i * 31 + (i >> 8));
+    ASSERT_TRUE(session.writeSettings(bytes + "\nopacity=77\n"));
+    ASSERT_TRUE(session.start());
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+    EXPECT_NE(session.settings().find("\r\ntheme=1\r\n"), std::string::npos);
+    EXPECT_NE(session.settings().find("\r\nopacity=77\r\n"), std::string::npos);
+}

@@ -1,0 +1,181 @@
+#include <windows.h>
+#include <clocale>
+#include "tests/client/client_session_win.h"
+
+class Lifecycle : public PluginTest {
+  protected:
+    // The plugin does its work: a tuned frequency becomes a request.
+    ::testing::AssertionResult follows(std::int32_t khz, std::uint64_t channel) {
+        const std::size_t before = host.callsOf("requestClientMove").size();
+        session.tune(1, khz);
+        if (!session.waitForCalls("requestClientMove", before + 1)) return ::testing::AssertionFailure() << "no move";
+        const std::uint64_t requested = host.callsOf("requestClientMove")[before].channelId;
+        if (requested != channel) return ::testing::AssertionFailure() << "moved to " << requested;
+        return ::testing::AssertionSuccess();
+    }
+};
+
+TEST_F(Lifecycle, WorksAgainAfterShutdownAndInit) {
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(follows(122800, kTower122800));
+    ASSERT_TRUE(session.waitForArrival(kTower122800));
+    session.stop();
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(follows(121500, kGround121500));
+}
+
+TEST_F(Lifecycle, WorksAgainAfterUnloadAndLoad) {
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(follows(122800, kTower122800));
+    session.stop();
+    session.plugin.unload();
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(follows(121500, kGround121500));
+}
+
+TEST_F(Lifecycle, ShutdownWithoutInitIsHarmless) {
+    ASSERT_TRUE(session.load());
+    session.plugin.exports().shutdown();
+    session.plugin.exports().shutdown();
+    session.plugin.exports().registerPluginID(kPluginId);
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(follows(122800, kTower122800));
+}
+
+TEST_F(Lifecycle, ShutdownTwiceIsHarmless) {
+    ASSERT_TRUE(session.start());
+    session.stop();
+    session.plugin.exports().shutdown();
+    EXPECT_TRUE(session.start());
+}
+
+TEST_F(Lifecycle, ShutdownRightAfterInitEnds) {
+    for (int i = 0; i < 10; i++) {
+        ASSERT_TRUE(session.start());
+        session.stop();
+    }
+}
+
+TEST_F(Lifecycle, InitTwiceReplacesThePollThreadAndKeepsTheRest) {
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitPasses(2));
+    const int threads = threadCount();
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(session.waitUntil([&] { return threadCount() == threads; }, 3000)) << threadCount() - threads;
+    host.forgetCalls();
+    ASSERT_TRUE(session.waitPasses(10));
+    EXPECT_TRUE(follows(122800, kTower122800));
+    std::vector<std::uint64_t> pollThreads;
+    for (const HostCall& call : host.callsOf("getClientSelfVariableAsInt")) {
+        if (pollThreads.empty() || pollThreads.back() != call.threadId) pollThreads.push_back(call.threadId);
+    }
+    EXPECT_EQ(pollThreads.size(), 1u);
+}
+
+TEST_F(Lifecycle, NoHostFunctionIsCalledAfterShutdown) {
+    ASSERT_TRUE(session.start());
+    session.publish();
+    ASSERT_TRUE(session.waitPasses(2));
+    session.stop();
+    const std::size_t calls = host.calls().size();
+    session.plugin.exports().onTalkStatusChangeEvent(kSchid, 1, 0, kOtherClient);
+    session.plugin.exports().onTalkStatusChangeEvent(kSchid, 0, 0, kOtherClient);
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 4, 0);
+    EXPECT_FALSE(waitFor([&] { return host.calls().size() > calls; }, 300));
+}
+
+TEST_F(Lifecycle, ThreadsAndWindowsAreGoneAfterShutdown) {
+    ASSERT_TRUE(session.start());  // once before: what the system itself starts in a process is there now
+    ASSERT_TRUE(session.waitPasses(2));
+    session.stop();
+    waitFor([] { return false; }, 300);
+    const int threads = threadCount();
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitPasses(2));
+    EXPECT_GT(threadCount(), threads);
+    session.stop();
+    EXPECT_TRUE(waitFor([&] { return threadCount() <= threads; }, 2000)) << threadCount() - threads;
+    EXPECT_EQ(findOwnWindow(L"CorvalisRadioPanel"), nullptr);
+}
+
+TEST_F(Lifecycle, HandlesDoNotGrowFromStartToStart) {
+    ASSERT_TRUE(session.copyWorker("fake_worker.exe"));
+    const auto cycle = [&] {
+        ASSERT_TRUE(session.start());
+        ASSERT_TRUE(session.waitPasses(2));
+        session.stop();
+    };
+    for (int i = 0; i < 3; i++) cycle();
+    const int handles = handleCount();
+    ASSERT_GT(handles, 0);
+    for (int i = 0; i < 10; i++) cycle();
+    EXPECT_TRUE(waitFor([&] { return handleCount() <= handles + 3; }, 2000)) << handleCount() - handles;
+}
+
+TEST_F(Lifecycle, TheDllLeavesTheProcessWhenUnloaded) {
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitPasses(2));
+    session.stop();
+    session.plugin.unload();
+    EXPECT_EQ(GetModuleHandleW(L"corvalis_win64.dll"), nullptr);
+    std::error_code error;
+    EXPECT_TRUE(std::filesystem::remove(session.dll, error)) << error.message();
+}
+
+TEST_F(Lifecycle, UnloadedWithoutShutdownBeforeInitIsHarmless) {
+    ASSERT_TRUE(session.load());
+    session.plugin.unload();
+    EXPECT_EQ(GetModuleHandleW(L"corvalis_win64.dll"), nullptr);
+}
+
+TEST_F(Lifecycle, AHostThatLeavesWithoutShutdownEndsAtOnce) {
+    std::filesystem::copy_file(programFolder() / "corvalis_win64.dll", session.dll);
+    const auto ready = session.machine.path / "ready.txt";
+    const std::uint32_t hostId = startHost(L"--leave-host", session.dll, ready);
+    ASSERT_NE(hostId, 0u);
+    ASSERT_TRUE(waitFor([&] { return readFile(ready) == "ready"; }));
+    EXPECT_TRUE(waitFor([&] { return !isProcessRunning(hostId); }, 3000));
+    killProcess(hostId);
+}
+
+TEST_F(Lifecycle, ProcessWideStateStaysAsTheHostSetIt) {
+    const std::string locale = std::setlocale(LC_ALL, nullptr);
+    const auto folder = std::filesystem::current_path();
+    const UINT errorMode = GetErrorMode();
+    const DWORD priority = GetPriorityClass(GetCurrentProcess());
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(follows(122800, kTower122800));
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+    session.stop();
+    EXPECT_EQ(std::setlocale(LC_ALL, nullptr), locale);
+    EXPECT_EQ(std::filesystem::current_path(), folder);
+    EXPECT_EQ(GetErrorMode(), errorMode);
+    EXPECT_EQ(GetPriorityClass(GetCurrentProcess()), priority);
+}
+
+TEST_F(Lifecycle, APluginIdIsCopied) {
+    ASSERT_TRUE(session.load());
+    std::string id = "short-lived";
+    session.plugin.exports().registerPluginID(id.c_str());
+    id.assign("overwritten");
+    ASSERT_TRUE(session.start());
+    ASSERT_EQ(host.callsOf("createReturnCode").size(), 1u);
+    EXPECT_EQ(host.callsOf("createReturnCode")[0].text, "short-lived");
+}
+
+TEST_F(Lifecycle, ANullPluginIdLeavesTheOneBefore) {
+    ASSERT_TRUE(session.load());
+    session.plugin.exports().registerPluginID(nullptr);
+    ASSERT_TRUE(session.start());
+    ASSERT_EQ(host.callsOf("createReturnCode").size(), 1u);
+    EXPECT_EQ(host.callsOf("createReturnCode")[0].text, kPluginId);
+}
+
+TEST_F(Lifecycle, AVeryLongPluginIdIsKeptWhole) {
+    ASSERT_TRUE(session.load());
+    const std::string id(20'000, 'i');
+    session.plugin.exports().registerPluginID(id.c_str());
+    ASSERT_TRUE(session.start());
+    ASSERT_EQ(host.callsOf("createReturnCode").size(), 1u);
+    EXPECT_EQ(host.callsOf("createReturnCode")[0].text, id);
+}

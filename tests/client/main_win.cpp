@@ -1,0 +1,47 @@
+// client_tests: the tests, and on request a voice client process of its own that a test can kill.
+//   client_tests --play-host DLL READYFILE    loads and starts the plugin, writes READYFILE, waits to be killed
+//   client_tests --leave-host DLL READYFILE   the same, but its main returns at once, with the plugin still running
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <cstdio>
+#include <string_view>
+#include "base/clock_win.h"
+#include "tests/client/host_model.h"
+#include "tests/client/plugin_library_win.h"
+#include "tests/client/test_machine_win.h"
+
+namespace {
+
+int playHost(const char* dll, const char* readyFile, bool leaves) {
+    static const SystemClock clock;
+    static HostModel host(clock);                       // static: there until the process is gone,
+    static PluginLibrary& plugin = *new PluginLibrary;  // and the DLL is not unloaded before
+    if (!plugin.load(dll)) return 1;
+    plugin.exports().setFunctionPointers(host.table());
+    plugin.exports().registerPluginID("played-host");
+    plugin.exports().init();
+    if (!replaceFile(readyFile, "ready")) return 1;
+    if (leaves) return 0;
+    waitFor([] { return false; }, 60'000);  // a forgotten one ends by itself
+    plugin.exports().shutdown();
+    return 0;
+}
+
+// A crash ends the program with a word; a debugger's window, as Wine opens one, would wait for somebody to close it.
+LONG WINAPI onCrash(EXCEPTION_POINTERS* crash) {
+    const EXCEPTION_RECORD& record = *crash->ExceptionRecord;
+    std::printf("crashed: exception %08lx at %p\n", record.ExceptionCode, record.ExceptionAddress);
+    std::fflush(stdout);
+    TerminateProcess(GetCurrentProcess(), 3);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    SetUnhandledExceptionFilter(onCrash);
+    const std::string_view role = argc == 4 ? argv[1] : "";
+    if (role == "--play-host" || role == "--leave-host") return playHost(argv[2], argv[3], role == "--leave-host");
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,172 @@
+#include "tests/client/client_session_win.h"
+
+namespace {
+
+constexpr std::uint64_t kLookEveryMs = 2000;  // an unconfirmed move is examined at this pace
+constexpr std::uint64_t kGiveUpMs = 5000;     // an unanswered move is given up after this
+
+}  // namespace
+
+class Moves : public PluginTest {
+  protected:
+    // Starts with the radio on 122.800, the channel answering by the rule, and waits for the first request.
+    void requestMove(const MoveRule& rule) {
+        host.setMoveRule(kTower122800, rule);
+        session.telemetry.radios[0].activeKhz = 122800;
+        session.publish();
+        ASSERT_TRUE(session.start());
+        ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
+    }
+    std::vector<HostCall> requests() const { return host.callsOf("requestClientMove"); }
+    std::size_t looks() const { return host.callsOf("getChannelList").size(); }
+    int answerTo(const char* returnCode, unsigned error = 768) const {
+        return session.plugin.exports().onServerErrorEvent(kSchid, "message", error, returnCode, "extra");
+    }
+};
+
+TEST_F(Moves, AConfirmedOneIsNotRequestedAgain) {
+    MoveRule rule;
+    rule.delayMs = 200;
+    requestMove(rule);
+    ASSERT_TRUE(session.waitUntil([&] { return host.ownChannel(kSchid) == kTower122800; }));
+    EXPECT_EQ(session.eventAnswers, std::vector<int>{1});  // the success report is ours too
+    const std::size_t before = looks();
+    ASSERT_TRUE(session.waitForCalls("getChannelList", before + 2));
+    EXPECT_EQ(requests().size(), 1u);
+}
+
+TEST_F(Moves, OneRefusedAtOnceIsRequestedAgainTwoSecondsLater) {
+    MoveRule rule;
+    rule.answer = MoveAnswer::kRefuseAtOnce;
+    requestMove(rule);
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 2));
+    EXPECT_GE(requests()[1].atMs - requests()[0].atMs, kLookEveryMs);
+    EXPECT_LT(requests()[1].atMs - requests()[0].atMs, kLookEveryMs + 1000);
+    EXPECT_TRUE(session.eventAnswers.empty());
+}
+
+TEST_F(Moves, OneRefusedByAnEventIsClaimedAndRequestedAgain) {
+    MoveRule rule;
+    rule.answer = MoveAnswer::kRefuseLater;
+    rule.delayMs = 100;
+    requestMove(rule);
+    ASSERT_TRUE(session.waitUntil([&] { return !session.eventAnswers.empty(); }));
+    EXPECT_EQ(session.eventAnswers[0], 1);
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 2));
+    // One look finds the refusal, the next one asks again.
+    EXPECT_GE(requests()[1].atMs - requests()[0].atMs, 2 * kLookEveryMs);
+    EXPECT_LT(requests()[1].atMs - requests()[0].atMs, 2 * kLookEveryMs + 1000);
+}
+
+TEST_F(Moves, OneNeverAnsweredIsRequestedAgainAfterFiveSeconds) {
+    MoveRule rule;
+    rule.answer = MoveAnswer::kSilence;
+    requestMove(rule);
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 2, 12'000));
+    EXPECT_GE(requests()[1].atMs - requests()[0].atMs, kGiveUpMs);
+    EXPECT_LT(requests()[1].atMs - requests()[0].atMs, kGiveUpMs + 2 * kLookEveryMs);
+}
+
+TEST_F(Moves, NoSecondOneIsRequestedWhileOneIsOutstanding) {
+    MoveRule rule;
+    rule.answer = MoveAnswer::kSilence;
+    requestMove(rule);
+    const std::size_t before = looks();
+    session.tune(1, 121500);
+    ASSERT_TRUE(session.waitForCalls("getChannelList", before + 2));
+    EXPECT_EQ(requests().size(), 1u);
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 2, 12'000));
+    EXPECT_EQ(requests()[1].channelId, kGround121500);
+    EXPECT_GE(requests()[1].atMs - requests()[0].atMs, kGiveUpMs);
+}
+
+TEST_F(Moves, TheTargetIsTakenUpOnceTheOutstandingOneWasRefused) {
+    MoveRule rule;
+    rule.answer = MoveAnswer::kRefuseLater;
+    rule.delayMs = 600;
+    requestMove(rule);
+    session.tune(1, 121500);
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 2));
+    EXPECT_EQ(requests()[1].channelId, kGround121500);
+    ASSERT_TRUE(session.waitUntil([&] { return host.ownChannel(kSchid) == kGround121500; }));
+}
+
+TEST_F(Moves, OnlyErrorsWithThePluginsReturnCodeAreClaimed) {
+    ASSERT_TRUE(session.start());
+    EXPECT_EQ(answerTo("rc-corvalis-test-id-1"), 1);
+    EXPECT_EQ(answerTo("rc-corvalis-test-id-1", 0), 1);
+    EXPECT_EQ(answerTo("rc-corvalis-test-id-2"), 0);
+    EXPECT_EQ(answerTo("rc-corvalis-test-id-"), 0);
+    EXPECT_EQ(answerTo("rc-corvalis-test-id-11"), 0);
+    EXPECT_EQ(answerTo("RC-corvalis-test-id-1"), 0);
+    EXPECT_EQ(answerTo(""), 0);
+    EXPECT_EQ(answerTo(nullptr), 0);
+    EXPECT_EQ(session.plugin.exports().onServerErrorEvent(kSchid, nullptr, 1, "rc-corvalis-test-id-1", nullptr), 1);
+}
+
+TEST_F(Moves, ErrorsOfOthersDoNotEndAnOutstandingOne) {
+    MoveRule rule;
+    rule.answer = MoveAnswer::kSilence;
+    requestMove(rule);
+    EXPECT_EQ(answerTo("somebody else's"), 0);
+    EXPECT_EQ(answerTo(nullptr), 0);
+    const std::size_t before = looks();
+    ASSERT_TRUE(session.waitForCalls("getChannelList", before + 2));
+    EXPECT_EQ(requests().size(), 1u);
+}
+
+TEST_F(Moves, CarryAReturnCodeMadeAnewAtEachStart) {
+    requestMove(MoveRule());
+    ASSERT_TRUE(session.waitForArrival(kTower122800));
+    session.stop();
+    EXPECT_EQ(requests()[0].returnCode, "rc-corvalis-test-id-1");
+    host.moveByHand(kSchid, kOwnClient, kLobby);
+    session.pump();
+    session.plugin.exports().registerPluginID(kPluginId);  // shutdown gave it back
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 2));
+    EXPECT_EQ(requests()[1].returnCode, "rc-corvalis-test-id-2");
+    EXPECT_EQ(answerTo("rc-corvalis-test-id-1"), 0);
+    EXPECT_EQ(answerTo("rc-corvalis-test-id-2"), 1);
+}
+
+TEST_F(Moves, CarryNoReturnCodeWithoutAPluginId) {
+    ASSERT_TRUE(session.load());
+    session.plugin.unload();
+    ASSERT_TRUE(session.plugin.load(session.dll)) << session.plugin.error();
+    session.plugin.exports().setFunctionPointers(host.table());
+    session.plugin.exports().registerPluginID(nullptr);
+    requestMove(MoveRule());
+    EXPECT_TRUE(host.callsOf("createReturnCode").empty());
+    EXPECT_EQ(requests()[0].returnCode, std::nullopt);
+    EXPECT_EQ(answerTo(""), 0);
+    EXPECT_EQ(answerTo(nullptr), 0);
+}
+
+TEST_F(Moves, CarryTheReturnCodeOfTheIdRegisteredLast) {
+    ASSERT_TRUE(session.load());
+    session.plugin.exports().registerPluginID("the second one");
+    requestMove(MoveRule());
+    EXPECT_EQ(requests()[0].returnCode, "rc-the second one-1");
+    EXPECT_EQ(answerTo("rc-the second one-1"), 1);
+}
+
+TEST_F(Moves, SurviveAReturnCodeThatFillsTheWholeBuffer) {
+    const std::string longCode(400, 'r');
+    host.setReturnCodeText(longCode);
+    requestMove(MoveRule());
+    ASSERT_TRUE(requests()[0].returnCode.has_value());
+    const std::string code = *requests()[0].returnCode;
+    EXPECT_LE(code.size(), 256u);
+    EXPECT_GE(code.size(), 255u);
+    EXPECT_EQ(code, longCode.substr(0, code.size()));
+}
+
+TEST_F(Moves, OfOthersAreNoConcernOfOurs) {
+    host.addChannel(kSchid, {400, "Elsewhere"});
+    ASSERT_TRUE(session.start());
+    host.moveByHand(kSchid, kOtherClient, 400);
+    host.moveByHand(kSchid, kOtherClient, 0);
+    ASSERT_TRUE(session.waitPasses(2));
+    EXPECT_TRUE(requests().empty());
+}

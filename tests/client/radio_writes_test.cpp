@@ -1,0 +1,248 @@
+#include <windows.h>
+#include "panel/panel_messages.h"
+#include "tests/client/client_session_win.h"
+
+namespace {
+
+constexpr int kActive = 0;
+constexpr int kStandby = 1;
+
+// The text of a string or number value in a one-line JSON object.
+std::string jsonValue(const std::string& json, const std::string& key) {
+    const std::size_t at = json.find("\"" + key + "\":");
+    if (at == std::string::npos) return "";
+    const std::size_t start = at + key.size() + 3;
+    const bool isText = json[start] == '"';
+    const std::size_t from = isText ? start + 1 : start;
+    return json.substr(from, json.find_first_of(isText ? "\"" : ",}", from) - from);
+}
+
+}  // namespace
+
+class RadioWrites : public PluginTest {
+  protected:
+    void fly() {
+        session.telemetry.radios[0].activeKhz = 119000;
+        session.telemetry.radios[0].standbyKhz = 121500;
+        session.telemetry.radios[1].activeKhz = 120000;
+        session.telemetry.radios[1].standbyKhz = 121975;
+        session.telemetry.radios[1].spacing = 0;
+        session.publish();
+        ASSERT_TRUE(session.start());
+        ASSERT_TRUE(session.waitForCalls("getChannelList", 1));  // connected to the simulator
+        ASSERT_TRUE(session.waitUntil([&] { return panel() != nullptr; }));
+    }
+    HWND panel() const { return static_cast<HWND>(findOwnWindow(L"CorvalisRadioPanel")); }
+    void post(unsigned message, WPARAM wParam, LPARAM lParam) {
+        ASSERT_TRUE(PostMessageW(panel(), message, wParam, lParam));
+    }
+    void step(int com, int slot, bool wholeMegahertz, int steps) {
+        post(kPanelStepMessage, static_cast<WPARAM>(com | slot << 8 | (wholeMegahertz ? 1 : 0) << 16), steps);
+    }
+    // Waits for a command other than the last one seen; empty if none comes.
+    std::string nextCommand(std::uint64_t deadlineMs = 5000) {
+        std::string command;
+        session.waitUntil(
+            [&] {
+                command = readFile(session.dataFolder / "command.json");
+                return !command.empty() && jsonValue(command, "id") != lastId_;
+            },
+            deadlineMs);
+        if (command.empty() || jsonValue(command, "id") == lastId_) return "";
+        lastId_ = jsonValue(command, "id");
+        return command;
+    }
+    void acknowledge(bool ok) {
+        session.telemetry.ackId = lastId_;
+        session.telemetry.ackOk = ok;
+        session.telemetry.ackMessage = ok ? "done" : "not accepted";
+        session.publish();
+    }
+
+  private:
+    std::string lastId_;
+};
+
+TEST_F(RadioWrites, AStepBecomesOneCommandOfThisForm) {
+    fly();
+    step(1, kStandby, false, 1);
+    const std::string command = nextCommand();
+    const std::string id = jsonValue(command, "id");
+    const std::string created = jsonValue(command, "created");
+    EXPECT_EQ(command,
+              "{\"id\":\"" + id + "\",\"com\":1,\"slot\":\"standby\",\"target\":121505,\"created\":" + created + "}");
+    EXPECT_EQ(id.rfind(std::to_string(GetCurrentProcessId()) + "-", 0), 0u) << id;
+    EXPECT_FALSE(std::filesystem::exists(session.dataFolder / "command.json.tmp"));
+}
+
+TEST_F(RadioWrites, CreatedIsTheTimeOfWriting) {
+    fly();
+    step(1, kStandby, false, 1);
+    const double created = std::stod(jsonValue(nextCommand(), "created"));
+    // Six digits of a time in seconds say it to the nearest ten thousand; more digits say more.
+    EXPECT_NEAR(created, session.clock.unixSeconds(), 5001.0);
+}
+
+TEST_F(RadioWrites, StepsGoAlongTheGridAndWrapInsideTheMegahertz) {
+    fly();
+    step(2, kStandby, false, 1);
+    EXPECT_EQ(jsonValue(nextCommand(), "target"), "121000");
+    acknowledge(true);
+    step(2, kActive, true, 2);
+    const std::string command = nextCommand();
+    EXPECT_EQ(jsonValue(command, "target"), "122000");
+    EXPECT_EQ(jsonValue(command, "slot"), "active");
+    EXPECT_EQ(jsonValue(command, "com"), "2");
+}
+
+TEST_F(RadioWrites, RapidStepsBecomeOneCommandWithTheLastValue) {
+    fly();
+    for (int i = 0; i < 3; i++) step(1, kStandby, false, 1);
+    EXPECT_EQ(jsonValue(nextCommand(), "target"), "121515");
+    acknowledge(true);
+    EXPECT_EQ(nextCommand(800), "");
+}
+
+TEST_F(RadioWrites, SwapAndVolumeAreWritten) {
+    fly();
+    post(kPanelSwapMessage, 2, 0);
+    const std::string swap = nextCommand();
+    EXPECT_EQ(jsonValue(swap, "slot"), "swap");
+    EXPECT_EQ(jsonValue(swap, "com"), "2");
+    EXPECT_EQ(jsonValue(swap, "target"), "0");
+    acknowledge(true);
+    post(kPanelVolumeMessage, 1, 40);
+    const std::string volume = nextCommand();
+    EXPECT_EQ(jsonValue(volume, "slot"), "volume");
+    EXPECT_EQ(jsonValue(volume, "com"), "1");
+    EXPECT_EQ(jsonValue(volume, "target"), "0.5");  // 80 is unity
+}
+
+TEST_F(RadioWrites, TwoSwapsAreTwoCommandsOneAfterTheOther) {
+    fly();
+    post(kPanelSwapMessage, 1, 0);
+    post(kPanelSwapMessage, 1, 0);
+    ASSERT_NE(nextCommand(), "");
+    EXPECT_EQ(nextCommand(800), "");  // the first is not acknowledged yet
+    acknowledge(true);
+    EXPECT_NE(nextCommand(), "");
+}
+
+TEST_F(RadioWrites, ARefusalDropsWhatWaitsForTheSameSlot) {
+    fly();
+    post(kPanelSwapMessage, 1, 0);
+    ASSERT_NE(nextCommand(), "");
+    post(kPanelSwapMessage, 1, 0);
+    post(kPanelSwapMessage, 1, 0);
+    ASSERT_TRUE(session.waitPasses(3));
+    acknowledge(false);
+    EXPECT_EQ(nextCommand(800), "");
+}
+
+TEST_F(RadioWrites, AreForgottenWhenNobodyAnswers) {
+    fly();
+    post(kPanelSwapMessage, 1, 0);
+    ASSERT_NE(nextCommand(), "");
+    step(2, kStandby, false, 1);
+    EXPECT_EQ(nextCommand(5200), "");  // the queue is emptied after 4.5 s
+    step(1, kStandby, false, 1);
+    EXPECT_EQ(jsonValue(nextCommand(), "slot"), "standby");
+}
+
+TEST_F(RadioWrites, OfASlotThatCannotBeWrittenDoNotLeave) {
+    session.telemetry.radios[0].writable = false;
+    fly();
+    step(1, kStandby, false, 1);
+    post(kPanelSwapMessage, 1, 0);
+    post(kPanelVolumeMessage, 1, 50);
+    EXPECT_EQ(nextCommand(1000), "");
+    step(2, kStandby, false, 1);
+    EXPECT_EQ(jsonValue(nextCommand(), "com"), "2");
+}
+
+TEST_F(RadioWrites, HoldChannelFollowingWhileUnderWay) {
+    fly();
+    step(1, kActive, true, 3);
+    const std::string command = nextCommand();
+    EXPECT_EQ(jsonValue(command, "target"), "122000");
+    session.tune(1, 122800);  // half-way, as it were
+    ASSERT_TRUE(session.waitTicks(900));
+    EXPECT_TRUE(host.callsOf("requestClientMove").empty());
+    const std::uint64_t before = session.clock.tickMs();
+    acknowledge(true);
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
+    EXPECT_GE(host.callsOf("requestClientMove")[0].atMs - before, 350u);
+}
+
+TEST_F(RadioWrites, AnAcknowledgedVolumeBecomesTheReceiveVolumeOfTheSettings) {
+    fly();
+    post(kPanelVolumeMessage, 1, 95);
+    const std::string command = nextCommand();
+    EXPECT_EQ(jsonValue(command, "target"), "1");
+    acknowledge(true);
+    EXPECT_TRUE(session.waitUntil(
+        [&] { return session.settings().find("\r\nreceive_volume=95\r\n") != std::string::npos; }, 3000));
+}
+
+TEST_F(RadioWrites, ALockedCommandFileCostsThatCommandOnly) {
+    fly();
+    ASSERT_TRUE(writeFile(session.dataFolder / "command.json", ""));
+    const HANDLE lock = CreateFileW((session.dataFolder / "command.json").c_str(), GENERIC_READ, 0, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+    post(kPanelSwapMessage, 1, 0);
+    EXPECT_TRUE(session.waitTicks(500));
+    CloseHandle(lock);
+    EXPECT_EQ(nextCommand(500), "");
+    post(kPanelSwapMessage, 2, 0);
+    EXPECT_EQ(jsonValue(nextCommand(), "com"), "2");
+}
+
+// With the real worker flying its built-in aircraft.
+class RealWorker : public PluginTest {
+  protected:
+    void fly(const std::string& script) {
+        std::filesystem::create_directories(session.dataFolder);
+        ASSERT_TRUE(writeFile(session.dataFolder / "flight.txt", script));
+        ASSERT_TRUE(writeFile(session.dataFolder / "worker.ini", "link=simulate\nscript=flight.txt\n"));
+        ASSERT_TRUE(session.copyWorker("hopline_worker.exe"));
+        ASSERT_TRUE(session.start());
+    }
+    std::string telemetryValue(const char* key) const {
+        std::string text = readFile(session.dataFolder / "telemetry.json");
+        std::erase_if(text, [](char c) { return c == ' ' || c == '\n' || c == '\r'; });
+        return jsonValue(text, key);
+    }
+    void TearDown() override {
+        if (HasFailure()) std::cout << readFile(session.dataFolder / "hopline_worker.log");
+        PluginTest::TearDown();
+    }
+};
+
+TEST_F(RealWorker, TunesTheAircraftByScriptAndTheUserFollows) {
+    fly("0 tune COM1 active 119.000\n1 tune COM1 active 122.800\n4.5 tune COM1 active 121.500\n");
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
+    EXPECT_EQ(host.callsOf("requestClientMove")[0].channelId, kTower122800);
+    ASSERT_TRUE(session.waitUntil([&] { return host.ownChannel(kSchid) == kGround121500; }));
+    EXPECT_TRUE(host.logLines()[1] == "SimConnect worker started");
+}
+
+TEST_F(RealWorker, CarriesOutATuningClickAndTheUserFollows) {
+    fly("0 tune COM1 active 121.800\n");
+    ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
+    ASSERT_TRUE(session.waitUntil([] { return findOwnWindow(L"CorvalisRadioPanel") != nullptr; }));
+    PostMessageW(static_cast<HWND>(findOwnWindow(L"CorvalisRadioPanel")), kPanelStepMessage, 1 | 1 << 16, 1);
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
+    EXPECT_EQ(host.callsOf("requestClientMove")[0].channelId, kTower122800);
+    EXPECT_EQ(telemetryValue("com1_active"), "122800");
+    EXPECT_EQ(telemetryValue("ack_ok"), "true");
+    EXPECT_EQ(telemetryValue("ack_message"), "COM1active122.800");  // its blanks are taken out here
+}
+
+TEST_F(RealWorker, LeavesNoProcessBehind) {
+    fly("");
+    ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
+    session.stop();
+    const std::string before = readFile(session.dataFolder / "telemetry.json");
+    EXPECT_FALSE(waitFor([&] { return readFile(session.dataFolder / "telemetry.json") != before; }, 1200));
+}
