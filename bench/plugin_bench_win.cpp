@@ -1,6 +1,7 @@
-// plugin_bench_win.cpp - what the real DLL costs its host: how long init keeps the host's main thread, and the processor
-// time of a poll pass with unchanged telemetry, beside a thread that only sleeps as long.
+// plugin_bench_win.cpp - what the real DLL costs its host: how long init keeps the host's main thread, and the
+// processor time of a poll pass with unchanged telemetry, beside a thread that only sleeps as long.
 //   plugin_bench      (under Wine: wine build/windows/bin/plugin_bench.exe)
+#include <windows.h>
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -13,7 +14,6 @@
 #include "tests/client/host_model.h"
 #include "tests/client/plugin_library_win.h"
 #include "tests/client/test_machine_win.h"
-#include <windows.h>
 
 namespace {
 

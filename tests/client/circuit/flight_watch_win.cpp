@@ -76,9 +76,10 @@ void FlightWatch::noteRadio(const Telemetry& before) {
         // The file's own time stamp, on the tick's scale: the plugin cannot have seen it earlier.
         const double ageSeconds = SystemClock().unixSeconds() - telemetry_.updated;
         tunedAtMs_ = systemTickMs() - static_cast<std::uint64_t>(ageSeconds > 0 ? ageSeconds * 1000.0 : 0.0);
-        say("aircraft    COM1 active " + megahertzText(now.active));
+        if (now.active != 0) say("aircraft    COM1 active " + megahertzText(now.active));
     }
-    if (now.standby != before.radios[0].standby) say("aircraft    COM1 standby " + megahertzText(now.standby));
+    if (now.standby != before.radios[0].standby && now.standby != 0)
+        say("aircraft    COM1 standby " + megahertzText(now.standby));
 }
 
 void FlightWatch::printCalls() {
