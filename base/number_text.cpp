@@ -27,22 +27,26 @@ bool isHexNumber(std::string_view text) {
 // from_chars leaves the value alone when it is out of range; strtod says infinity or zero. The sign of the decimal
 // exponent tells which: a number too large has its first digit left of the point once the exponent is applied.
 double outOfRangeValue(std::string_view number, bool hex) {
-    long exponent = 0;
+    // Far beyond any exponent that counts, and far from where adding the mantissa's length would overflow.
+    constexpr std::int64_t kHugeExponent = std::numeric_limits<std::int64_t>::max() / 4;
+    std::int64_t exponent = 0;
     const auto mark = number.find_first_of(hex ? "pP" : "eE");
     if (mark != std::string_view::npos) {
         auto digits = number.substr(mark + 1);
         const bool negative = takeSign(digits);
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
         (void)end;
-        if (error == std::errc::result_out_of_range) exponent = std::numeric_limits<long>::max() / 4;
+        if (error == std::errc::result_out_of_range) exponent = kHugeExponent;
+        exponent = std::min(exponent, kHugeExponent);
         if (negative) exponent = -exponent;
     }
     const auto mantissa = number.substr(0, mark);
     const auto point = std::min(mantissa.find('.'), mantissa.size());
     const auto first = mantissa.find_first_not_of("0.");
     if (first == std::string_view::npos) return 0.0;
-    const long perDigit = hex ? 4 : 1;
-    const long scale = exponent + perDigit * (static_cast<long>(point) - static_cast<long>(first));
+    const std::int64_t perDigit = hex ? 4 : 1;
+    const std::int64_t scale =
+        exponent + perDigit * (static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first));
     return scale > 0 ? std::numeric_limits<double>::infinity() : 0.0;
 }
 
