@@ -4,6 +4,8 @@
 export WINEPREFIX="${CORVALIS_WINEPREFIX:-$PWD/build/windows/wineprefix}"
 export WINEDEBUG=-all
 export WINEARCH=win64
+# Wine names files in the locale's character set: without UTF-8 nobody called Jürgen could log in.
+export LC_ALL=C.UTF-8
 # Wine would offer to download these.
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
 
