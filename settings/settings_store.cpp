@@ -6,19 +6,16 @@ namespace {
 
 constexpr const char* kSettingsFile = "settings.ini";
 
-// The new live record, and what it was made into; DSP states start afresh when one of the five switches changed.
-Settings replaceLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
-    Settings record;
-    bool switchesChanged = false;
-    {
-        MutexLock lock(store.mutex);
-        const auto before = audioFlagsOf(store.live);
-        change(store.live);
-        switchesChanged = audioFlagsOf(store.live) != before;
-        record = store.live;
-    }
-    if (switchesChanged) store.DspGeneration.fetch_add(1);
-    return record;
+struct Change {
+    Settings record;  // the live record afterwards
+    bool switches;    // one of the five voice switches is another
+};
+
+Change changeLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
+    MutexLock lock(store.mutex);
+    const auto before = audioFlagsOf(store.live);
+    change(store.live);
+    return {store.live, audioFlagsOf(store.live) != before};
 }
 
 }  // namespace
@@ -65,9 +62,11 @@ void saveSettings(SettingsStore& store, const Settings& record) {
 
 void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& change) {
     MutexLock fileLock(store.fileMutex);
-    const Settings record = replaceLive(store, change);
-    store.files.replace(joinPath(store.dataFolder, kSettingsFile), writeSettingsText(record));
+    const Change changed = changeLive(store, change);
+    store.files.replace(joinPath(store.dataFolder, kSettingsFile), writeSettingsText(changed.record));
     applySettings(store);
+    // After the switches are published: a voice that sees the new generation starts afresh under them, not before.
+    if (changed.switches) store.DspGeneration.fetch_add(1);
 }
 
 void applySettings(SettingsStore& store) {

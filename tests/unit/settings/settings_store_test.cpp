@@ -189,6 +189,15 @@ TEST_F(SettingsStoreTest, CountsAGenerationForAChangeOfEachVoiceSwitch) {
     }
 }
 
+TEST_F(SettingsStoreTest, CountsTheGenerationOnlyOnceTheNewSwitchesArePublished) {
+    std::uint32_t generationBefore = 99;
+    files.onReplace = [&](std::string_view) { generationBefore = store.DspGeneration; };
+    updateSettings(store, [](Settings& live) { live.equalize = true; });
+    EXPECT_EQ(generationBefore, 0u);
+    EXPECT_EQ(store.DspGeneration, 1u);
+    EXPECT_NE(store.AudioFlags & kAudioEqualize, 0u);
+}
+
 TEST_F(SettingsStoreTest, CountsOneGenerationForSeveralSwitchesChangedTogether) {
     Settings s;
     s.master = s.distort_self = s.distort_others = false;
