@@ -2,12 +2,19 @@
 // thrown leaves them.
 #include <cstdlib>
 #include <cstring>
+#include "audio/voice_threads_win.h"
 #include "plugin/host_events.h"
 #include "plugin/identity.h"
 #include "plugin/lifecycle_win.h"
 #include "plugin/menu_win.h"
 
 PluginState gPlugin;
+
+// Of the C++ library, which is ours alone and unloaded with us: gives back the 70 KB it keeps for exceptions without
+// memory. No header declares it; nothing may throw after it.
+namespace __gnu_cxx {
+void __freeres();
+}
 
 namespace {
 
@@ -109,9 +116,18 @@ void ts3plugin_onTalkStatusChangeEvent(std::uint64_t schid, int status, int /*wh
     guarded([=] { talkChanged(gPlugin.talk, schid, clientId, status == 1, gPlugin.clock.tickMs()); });
 }
 
-// Voices, text messages and the settings dialog pass the plugin by as yet.
-void ts3plugin_onEditCapturedVoiceDataEvent(std::uint64_t, short*, int, int, int*) {}
-void ts3plugin_onEditPlaybackVoiceDataEvent(std::uint64_t, std::uint16_t, short*, int, int) {}
+void ts3plugin_onEditCapturedVoiceDataEvent(std::uint64_t /*schid*/, short* samples, int sampleCount, int channels,
+                                            int* edited) {
+    editCapturedVoiceHere(loadVoiceControls(gPlugin.settings, gPlugin.bridge), samples, sampleCount, channels, edited);
+}
+
+void ts3plugin_onEditPlaybackVoiceDataEvent(std::uint64_t schid, std::uint16_t clientId, short* samples,
+                                            int sampleCount, int channels) {
+    editPlaybackVoiceHere(loadVoiceControls(gPlugin.settings, gPlugin.bridge), speakerKey(schid, clientId), samples,
+                          sampleCount, channels);
+}
+
+// Text messages and the settings dialog pass the plugin by as yet.
 int ts3plugin_onTextMessageEvent(std::uint64_t, std::uint16_t, std::uint16_t, std::uint16_t, const char*, const char*,
                                  const char*, int) {
     return 0;
@@ -120,11 +136,17 @@ void ts3plugin_configure(void* /*handle*/, void* /*parentWidget*/) {}
 
 }  // extern "C"
 
-// Runs under the loader lock: only remembers which module this is.
-BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/) {
+// Runs under the loader lock: remembers which module this is, and takes and gives back the slot of the audio threads.
+// When the process ends (processEnds) its other threads and the heap may be in any state: nothing is freed.
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
     if (reason == DLL_PROCESS_ATTACH) {
         gPlugin.module = module;
         DisableThreadLibraryCalls(module);
+        openVoiceThreads();
+    }
+    if (reason == DLL_PROCESS_DETACH && !processEnds) {
+        closeVoiceThreads();
+        __gnu_cxx::__freeres();
     }
     return TRUE;
 }

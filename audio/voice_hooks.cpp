@@ -1,0 +1,141 @@
+#include "audio/voice_hooks.h"
+#include <emmintrin.h>
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+#include "audio/voice_gain.h"
+#include "bridge/capture_mode.h"
+
+namespace {
+
+constexpr double kSampleRateHz = 48000.0;
+constexpr int kSpeechLevel = 300;  // -41 dB of full scale: above it the noise reduction hears the speaker
+
+// The processor's floating-point rules while a block is edited: denormals are zero (the decay of silent filters would
+// take a hundred times as long), rounding to nearest and no traps, whatever the host has set. Puts the host's back.
+class FloatRules {
+  public:
+    FloatRules() : hosts_(_mm_getcsr()) { _mm_setcsr(kMaskedToNearest | kFlushToZero | kDenormalsAreZero); }
+    ~FloatRules() { _mm_setcsr(hosts_); }
+    FloatRules(const FloatRules&) = delete;
+    FloatRules& operator=(const FloatRules&) = delete;
+
+  private:
+    static constexpr unsigned kMaskedToNearest = 0x1F80, kFlushToZero = 0x8000, kDenormalsAreZero = 0x0040;
+    const unsigned hosts_;
+};
+
+bool has(const VoiceControls& controls, AudioFlag flag) {
+    return (controls.audioFlags & flag) != 0;
+}
+
+int slotsOf(int channels) {
+    return std::clamp(channels, 1, 2);
+}
+
+// One slot's values, each stride-th of those from samples on, up to end. Between the denoiser's frames they go in runs.
+void denoiseSlot(SpectralDenoiser& denoiser, short* samples, const short* end, int stride) {
+    const auto isSpeech = [](short x) { return std::abs(int{x}) > kSpeechLevel; };
+    float in[kDenoiserHop], out[kDenoiserHop];
+    std::uint8_t speech[kDenoiserHop];
+    auto left = static_cast<int>((end - samples + stride - 1) / stride);
+    while (left > 0) {
+        const int run = std::min(left, samplesBeforeFrame(denoiser));
+        for (int i = 0; i < run; i++) {
+            in[i] = samples[i * stride];
+            speech[i] = isSpeech(samples[i * stride]);
+        }
+        takeRun(denoiser, in, out, run);
+        trackSpeech(denoiser, speech, run);
+        for (int i = 0; i < run; i++) samples[i * stride] = truncateToSample(out[i]);
+        left -= run;
+        if (left == 0) return;
+        samples += run * stride;
+        *samples = truncateToSample(denoiseSample(denoiser, *samples, isSpeech(*samples)));
+        if (--left > 0) samples += stride;
+    }
+}
+
+// The slots know nothing of each other, so the second may follow when the first is done.
+void denoiseBlock(RadioEffectState& effect, short* samples, int sampleCount, int slots) {
+    for (int slot = 0; slot < std::min(slots, sampleCount); slot++)
+        denoiseSlot(effect.channels[static_cast<std::size_t>(slot)].denoiser, samples + slot, samples + sampleCount,
+                    slots);
+}
+
+// Null when there is no memory for another speaker.
+SpeakerState* findSpeaker(PlaybackVoices& voices, SpeakerKey speaker) {
+    auto& speakers = voices.speakers;
+    if (speakers.size() > kMaxHeardSpeakers) speakers.clear();
+    try {
+        return &speakers.try_emplace(speaker).first->second;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void refresh(CapturedVoice& voice, std::uint32_t generation) {
+    if (voice.stamp == generation) return;
+    voice.effect = {};
+    voice.stamp = generation;
+}
+
+void refresh(SpeakerState& speaker, std::uint32_t generation) {
+    if (speaker.stamp == generation) return;
+    speaker.effect = {};
+    speaker.equalizerGain = 1.0f;
+    speaker.stamp = generation;
+}
+
+// The level is that of the processed voice: the equalizer comes after the radio.
+void equalize(SpeakerState& speaker, bool isOn, const short* samples, int sampleCount, int channels) {
+    if (!isOn) {
+        speaker.equalizerGain = 1.0f;
+        return;
+    }
+    const double seconds = sampleCount / (slotsOf(channels) * kSampleRateHz);
+    speaker.equalizerGain = followLevel(speaker.equalizerGain, blockRms(samples, sampleCount), seconds);
+}
+
+}  // namespace
+
+VoiceControls loadVoiceControls(const SettingsStore& settings, const BridgeOutputs& bridge) {
+    VoiceControls controls;
+    controls.dspGeneration = settings.DspGeneration;
+    controls.audioFlags = settings.AudioFlags;
+    controls.transmitGain = settings.TransmitGain;
+    controls.receiveGain = bridge.ReceiveGain;
+    controls.captureMode = bridge.CaptureMode;
+    return controls;
+}
+
+bool isVoiceEdited(const VoiceControls& controls, const short* samples, int sampleCount) {
+    return has(controls, kAudioMaster) && samples && sampleCount >= 1;
+}
+
+void editCapturedVoice(CapturedVoice& voice, const VoiceControls& controls, short* samples, int sampleCount,
+                       int channels, int* edited) {
+    if (!isVoiceEdited(controls, samples, sampleCount) || controls.captureMode == kCaptureUntouched) return;
+    const FloatRules rules;
+    refresh(voice, controls.dspGeneration);
+    const bool denoise = has(controls, kAudioNrSelf);
+    if (has(controls, kAudioDistortSelf))
+        applyRadioEffect(samples, sampleCount, channels, voice.effect, false, denoise);
+    else if (denoise)
+        denoiseBlock(voice.effect, samples, sampleCount, slotsOf(channels));
+    if (controls.transmitGain != 1.0f) applyGain(samples, sampleCount, controls.transmitGain);
+    if (controls.captureMode == kCaptureEdited && edited) *edited = 1;
+}
+
+void editPlaybackVoice(PlaybackVoices& voices, const VoiceControls& controls, SpeakerKey speakerKey, short* samples,
+                       int sampleCount, int channels) {
+    if (!isVoiceEdited(controls, samples, sampleCount)) return;
+    SpeakerState* const speaker = findSpeaker(voices, speakerKey);
+    if (!speaker) return;
+    const FloatRules rules;
+    refresh(*speaker, controls.dspGeneration);
+    if (has(controls, kAudioDistortOthers))
+        applyRadioEffect(samples, sampleCount, channels, speaker->effect, true, false);
+    equalize(*speaker, has(controls, kAudioEqualize), samples, sampleCount, channels);
+    applyGain(samples, sampleCount, controls.receiveGain * speaker->equalizerGain);
+}

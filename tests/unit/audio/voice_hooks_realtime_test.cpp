@@ -1,0 +1,210 @@
+// What the hooks must not do on an audio thread: allocate, lock, call the system. The watchers stand in the way of the
+// C library's functions, so they are there only where no sanitizer has taken that place.
+#include <gtest/gtest.h>
+#include <vector>
+#include "audio/voice_hooks.h"
+#include "bridge/capture_mode.h"
+#include "tests/unit/audio/voice_blocks.h"
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define CORVALIS_SANITIZED
+#endif
+#endif
+
+#if defined(__linux__) && !defined(CORVALIS_SANITIZED)
+#include <dlfcn.h>
+#include <pthread.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+
+namespace {
+
+enum class Watch {
+    kOff,
+    kAbort,   // an allocation, a release or a lock ends the process
+    kRefuse,  // there is no memory
+};
+thread_local Watch gWatch = Watch::kOff;
+
+void forbid() {
+    if (gWatch == Watch::kAbort) std::abort();
+}
+bool isRefused() {
+    forbid();
+    return gWatch == Watch::kRefuse;
+}
+
+class Watched {
+  public:
+    explicit Watched(Watch watch) { gWatch = watch; }
+    ~Watched() { gWatch = Watch::kOff; }
+};
+
+}  // namespace
+
+// In place of the C library's, for all of this program.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* memory);
+
+void* malloc(std::size_t size) {
+    return isRefused() ? nullptr : __libc_malloc(size);
+}
+void* calloc(std::size_t count, std::size_t size) {
+    return isRefused() ? nullptr : __libc_calloc(count, size);
+}
+void* realloc(void* memory, std::size_t size) {
+    return isRefused() ? nullptr : __libc_realloc(memory, size);
+}
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    return isRefused() ? nullptr : __libc_memalign(alignment, size);
+}
+void free(void* memory) {
+    forbid();
+    __libc_free(memory);
+}
+int pthread_mutex_lock(pthread_mutex_t* mutex) {
+    static const auto real = reinterpret_cast<int (*)(pthread_mutex_t*)>(dlsym(RTLD_NEXT, "pthread_mutex_lock"));
+    forbid();
+    return real(mutex);
+}
+int pthread_rwlock_wrlock(pthread_rwlock_t* lock) {
+    static const auto real = reinterpret_cast<int (*)(pthread_rwlock_t*)>(dlsym(RTLD_NEXT, "pthread_rwlock_wrlock"));
+    forbid();
+    return real(lock);
+}
+int pthread_rwlock_rdlock(pthread_rwlock_t* lock) {
+    static const auto real = reinterpret_cast<int (*)(pthread_rwlock_t*)>(dlsym(RTLD_NEXT, "pthread_rwlock_rdlock"));
+    forbid();
+    return real(lock);
+}
+}
+
+namespace {
+
+// A thread's hooks with everything they will edit, made beforehand.
+struct AudioThreadModel {
+    AudioThreadModel() {
+        VoiceBlocks source(21);
+        for (int i = 0; i < 40; i++) blocks.push_back(source.takeAny());
+    }
+    // Every switch, mode and channel count over 16 speakers, with a new generation now and then.
+    void run(int rounds) {
+        for (int i = 0; i < rounds; i++) {
+            VoiceControls controls;
+            controls.audioFlags = static_cast<std::uint32_t>(i * 7) % 32 | kAudioMaster;
+            controls.captureMode = i % 3;
+            controls.transmitGain = i % 2 ? 2.0f : 1.0f;
+            controls.receiveGain = 0.75f;
+            controls.dspGeneration = static_cast<std::uint32_t>(i / 50);
+            std::vector<short>& block = blocks[static_cast<std::size_t>(i) % blocks.size()];
+            const int n = static_cast<int>(block.size());
+            int edited = 0;
+            editCapturedVoice(captured, controls, block.data(), n, 1 + i % 2, &edited);
+            editPlaybackVoice(playback, controls, speakerKey(1, static_cast<std::uint16_t>(i % 16)), block.data(), n,
+                              1 + i % 3);
+        }
+    }
+
+    CapturedVoice captured;
+    PlaybackVoices playback;
+    std::vector<std::vector<short>> blocks;
+};
+
+// Runs body in a child process that may do nothing but end; how it ended, as waitpid tells. -1: no such mode here.
+template <class Body>
+int runWithoutSystem(Body body) {
+    constexpr int kNoMode = 99;
+    const pid_t child = fork();
+    if (child == 0) {
+        if (prctl(PR_SET_SECCOMP, 1 /* SECCOMP_MODE_STRICT */) != 0) _exit(kNoMode);
+        body();
+        syscall(SYS_exit, 0);  // the one way out that the mode allows
+    }
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == kNoMode ? -1 : status;
+}
+
+}  // namespace
+
+TEST(VoiceHooksRealtime, AllocateReleaseAndLockNothingOnceWarm) {
+    AudioThreadModel thread;
+    thread.run(100);
+    const Watched watched(Watch::kAbort);
+    thread.run(3000);
+}
+
+TEST(VoiceHooksRealtimeDeathTest, WatcherEndsAnAllocationAReleaseAndALock) {
+    static void* memory = std::malloc(8);
+    static pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    const auto watching = [](void (*body)()) {
+        const Watched watched(Watch::kAbort);
+        body();
+    };
+    EXPECT_EXIT(watching([] { memory = ::operator new(100); }), ::testing::KilledBySignal(SIGABRT), "");
+    EXPECT_EXIT(watching([] { std::free(memory); }), ::testing::KilledBySignal(SIGABRT), "");
+    EXPECT_EXIT(watching([] { pthread_mutex_lock(&mutex); }), ::testing::KilledBySignal(SIGABRT), "");
+    AudioThreadModel thread;  // a new speaker does allocate
+    EXPECT_EXIT(
+        {
+            const Watched watched(Watch::kAbort);
+            thread.run(1);
+        },
+        ::testing::KilledBySignal(SIGABRT), "");
+}
+
+TEST(VoiceHooksRealtime, CallTheSystemForNothingOnceWarm) {
+    AudioThreadModel thread;
+    thread.run(100);
+    const int status = runWithoutSystem([&] { thread.run(600); });
+    if (status == -1) GTEST_SKIP() << "this kernel offers no seccomp strict mode";
+    EXPECT_EQ(status, 0) << "the child was killed by signal " << WTERMSIG(status);
+    EXPECT_EQ(runWithoutSystem([] { syscall(SYS_getpid); }), SIGKILL);  // the mode does stop calls
+}
+
+TEST(VoiceHooksRealtime, LeaveANewSpeakersBlockAsItCameWithoutMemory) {
+    AudioThreadModel thread;
+    VoiceControls controls;
+    controls.audioFlags = 31;
+    std::vector<short> block(960, 5000);
+    const std::vector<short> before = block;
+    {
+        const Watched watched(Watch::kRefuse);
+        editPlaybackVoice(thread.playback, controls, 1, block.data(), 960, 1);
+    }
+    EXPECT_EQ(block, before);
+    EXPECT_TRUE(thread.playback.speakers.empty());
+    editPlaybackVoice(thread.playback, controls, 1, block.data(), 960, 1);  // there is some again
+    EXPECT_NE(block, before);
+}
+
+TEST(VoiceHooksRealtime, GoOnWithKnownSpeakersWithoutMemory) {
+    AudioThreadModel refused, plenty;
+    refused.run(64);
+    plenty.run(64);
+    {
+        const Watched watched(Watch::kRefuse);
+        refused.run(500);
+    }
+    plenty.run(500);
+    EXPECT_EQ(refused.blocks, plenty.blocks);
+}
+
+#else
+
+TEST(VoiceHooksRealtime, IsWatchedInTheNativeBuildOnly) {
+    GTEST_SKIP() << "a sanitizer, or another system's C library, stands where the watchers of allocations would";
+}
+
+#endif
