@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # run.sh [--fast] - installs what is missing, builds, and flies a circuit: the real plugin in the stand-in voice client
-# under Wine, its real worker with the built-in aircraft. Leaves everything worth keeping in out/.
-# Ends with 0 only if the whole circuit went as it should. --fast flies a short one (under 30 s once built).
+# under Wine, its real worker with the built-in aircraft; then runs a voice through the radio. Leaves everything worth
+# keeping in out/. Ends with 0 only if all went as it should. --fast flies a short circuit and leaves the voice out
+# (under 30 s once built).
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -38,10 +39,18 @@ for sound in radio_tail text_alert; do
 done
 rm -rf out/appdata
 
+if [ ${#fast[@]} -eq 0 ]; then
+    echo
+    echo "A voice through the radio, received and as sent with noise reduction"
+    tools/audition tools/voice/clip.wav out/voice_received.wav --received || result=1
+    tools/audition tools/voice/clip.wav out/voice_own.wav --own --nr || result=1
+fi
+
 echo
 if [ "$result" -eq 0 ]; then
-    echo "out/ holds the package, the timeline, the logs, the flight script, and both sounds with their spectrograms."
+    echo "out/ holds the package, the timeline, the logs, the flight script, and both sounds with their spectrograms;"
+    [ ${#fast[@]} -gt 0 ] || echo "voice_*.wav and .png are the voice as others hear it."
 else
-    echo "The circuit did NOT go as it should; see out/timeline.txt and the logs beside it." >&2
+    echo "Not all went as it should; see out/timeline.txt and the logs beside it." >&2
 fi
 exit "$result"

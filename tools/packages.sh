@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
-# packages.sh GROUP... - installs what is missing of Debian's packages for the groups named (build, wine, test).
+# packages.sh GROUP... - installs what is missing of Debian's packages for the groups named (build, wine, voice, test).
 # Does nothing, and asks no package server, on a machine that has them all.
 set -euo pipefail
 
 build_packages=(
     ca-certificates cmake ninja-build git python3-minimal
     g++ clang g++-mingw-w64-x86-64-posix
-    googletest libbenchmark-dev nlohmann-json3-dev
+    googletest libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev
 )
 wine_packages=(wine wine64 xvfb xauth sox)
+voice_packages=(libsndfile1-dev pkg-config sox python3-matplotlib python3-numpy)
 test_packages=(libclang-rt-14-dev)
 
 wanted=()
@@ -16,6 +17,7 @@ for group in "$@"; do
     case "$group" in
         build) wanted+=("${build_packages[@]}") ;;
         wine) wanted+=("${wine_packages[@]}") ;;
+        voice) wanted+=("${voice_packages[@]}") ;;
         test) wanted+=("${test_packages[@]}") ;;
         *) echo "packages.sh: unknown group $group" >&2; exit 2 ;;
     esac
