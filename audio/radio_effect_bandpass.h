@@ -19,14 +19,26 @@
 
 inline constexpr int kBandPassSkew = 7;
 
+// Every lane to its right neighbour, the last to the first.
+inline __m128 rotate(__m128 lanes) {
+    return _mm_shuffle_ps(lanes, lanes, _MM_SHUFFLE(2, 1, 0, 3));
+}
+
 struct BandPass {
     __m128 highPassIn;
     __m128 highPassOut;
     __m128 lowPass;
+    __m128 highPassPassed;  // highPassOut and lowPass rotated: what each stage hands to the next
+    __m128 lowPassPassed;
 };
 
+inline BandPass makeBandPass(__m128 highPassIn, __m128 highPassOut, __m128 lowPass) {
+    return {highPassIn, highPassOut, lowPass, rotate(highPassOut), rotate(lowPass)};
+}
+
 inline BandPass loadBandPass(const RadioChannel& c) {
-    return {_mm_loadu_ps(c.highPassIn.data()), _mm_loadu_ps(c.highPassOut.data()), _mm_loadu_ps(c.lowPass.data())};
+    return makeBandPass(_mm_loadu_ps(c.highPassIn.data()), _mm_loadu_ps(c.highPassOut.data()),
+                        _mm_loadu_ps(c.lowPass.data()));
 }
 
 inline void storeBandPass(const BandPass& b, RadioChannel& c) {
@@ -35,28 +47,22 @@ inline void storeBandPass(const BandPass& b, RadioChannel& c) {
     _mm_storeu_ps(c.lowPass.data(), b.lowPass);
 }
 
-// Every lane to its right neighbour, the last to the first.
-inline __m128 rotate(__m128 lanes) {
-    return _mm_shuffle_ps(lanes, lanes, _MM_SHUFFLE(2, 1, 0, 3));
-}
-
 // One step of all eight stages: x goes into the first.
 inline BandPass stepBandPass(const BandPass& b, float x) {
-    const __m128 passedOn = rotate(b.highPassOut);
-    const __m128 highPassIn = _mm_move_ss(passedOn, _mm_set_ss(x));
-    const __m128 lowPassIn = _mm_move_ss(rotate(b.lowPass), passedOn);
+    const __m128 highPassIn = _mm_move_ss(b.highPassPassed, _mm_set_ss(x));
+    const __m128 lowPassIn = _mm_move_ss(b.lowPassPassed, b.highPassPassed);
     // 330 Hz: 1 / (1 + 2 pi 330/48000)
     const __m128 highPassOut =
         _mm_add_ps(_mm_sub_ps(highPassIn, b.highPassIn), _mm_mul_ps(_mm_set1_ps(0.9585918f), b.highPassOut));
     // 2800 Hz: 1 - e^(-2 pi 2800/48000)
     const __m128 lowPass =
         _mm_add_ps(b.lowPass, _mm_mul_ps(_mm_sub_ps(lowPassIn, b.lowPass), _mm_set1_ps(0.30685714f)));
-    return {highPassIn, highPassOut, lowPass};
+    return makeBandPass(highPassIn, highPassOut, lowPass);
 }
 
-// The last low-pass stage's output.
-inline float outputOf(const BandPass& b) {
-    return _mm_cvtss_f32(rotate(b.lowPass));
+// The last low-pass stage's output, in lane 0.
+inline __m128 outputOf(const BandPass& b) {
+    return b.lowPassPassed;
 }
 
 // All ones in lane k if 0 <= first - k < n.
@@ -71,6 +77,7 @@ inline BandPass stepBandPassEdge(const BandPass& b, const float* x, int t, int n
     const BandPass next = stepBandPass(b, t < n ? x[t] : 0.0f);
     const __m128 highPass = lanesWithin(t, n);
     const __m128 lowPass = lanesWithin(t - 4, n);
-    return {selectLanes(highPass, next.highPassIn, b.highPassIn),
-            selectLanes(highPass, next.highPassOut, b.highPassOut), selectLanes(lowPass, next.lowPass, b.lowPass)};
+    return makeBandPass(selectLanes(highPass, next.highPassIn, b.highPassIn),
+                        selectLanes(highPass, next.highPassOut, b.highPassOut),
+                        selectLanes(lowPass, next.lowPass, b.lowPass));
 }

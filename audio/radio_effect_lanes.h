@@ -22,12 +22,11 @@ inline void storeFlags(__m128 mask, std::uint8_t* flags) {
 
 // 6.25 : 1 above 2600; below, up to 1.4 of make-up while the squelch is open. Above 2600 the ratio is below 1, so the
 // make-up's limit never touches it; where the level is 0 the ratio is infinite and not taken.
-inline __m128 compressorGain(__m128 level, __m128 gate, __m128 threshold) {
+inline __m128 compressorGain(__m128 level, __m128 gate, __m128 shutBelow) {
     const __m128 knee = _mm_set1_ps(2600.0f);
     const __m128 above = _mm_max_ps(_mm_sub_ps(level, knee), _mm_setzero_ps());
     const __m128 ratio = _mm_div_ps(_mm_add_ps(_mm_mul_ps(above, _mm_set1_ps(0.16f)), knee), level);
-    const __m128 makeUp = _mm_and_ps(_mm_cmpgt_ps(gate, _mm_set1_ps(0.5f)),
-                                     _mm_cmpgt_ps(level, _mm_mul_ps(_mm_set1_ps(0.55f), threshold)));
+    const __m128 makeUp = _mm_and_ps(_mm_cmpgt_ps(gate, _mm_set1_ps(0.5f)), _mm_cmpgt_ps(level, shutBelow));
     const __m128 taken = _mm_or_ps(_mm_cmpgt_ps(level, knee), makeUp);
     const __m128 gain = selectLanes(taken, _mm_min_ps(ratio, _mm_set1_ps(1.4f)), _mm_set1_ps(1.0f));
     return _mm_mul_ps(gain, _mm_set1_ps(0.72f));

@@ -27,6 +27,7 @@ struct Arrays {
     alignas(16) float peakForward[kArray];       // forward terms of the peaking cut
     alignas(16) float voice[kArray];             // filtered voice
     alignas(16) float followers[2 * kArray];     // negated noise floor, level
+    alignas(16) float shutBelow[kArray];         // the squelch shuts below this magnitude
     alignas(16) float target[kArray];            // pull on the gate
     alignas(16) float rise[kArray];
     alignas(16) float fall[kArray];
@@ -130,22 +131,25 @@ class Recurrences {
 
     const Chain& chain() const { return s_; }
 
-    // x is read kBandPassSkew ahead; the last steps of a run have nothing left to read.
-    void filterAt(int i) {
-        s_.band = stepBandPass(s_.band, x_[i + kBandPassSkew]);
-        a_.peakIn[kBefore + i] = resonate(s_.resonator, outputOf(s_.band));
-    }
+    // The last steps of a run have nothing left to read.
     void filterEdgeAt(int i) {
         s_.band = stepBandPassEdge(s_.band, x_, i + kBandPassSkew, n_);
-        a_.peakIn[kBefore + i] = resonate(s_.resonator, outputOf(s_.band));
+        a_.peakIn[kBefore + i] = resonate(s_.resonator, _mm_cvtss_f32(outputOf(s_.band)));
     }
     void followAt(int i) {
         const float voice = cutPeak(s_.peak, a_.peakForward[i]);
-        follow(s_.followers, voice);
-        a_.voice[i] = voice;
-        _mm_storel_pi(reinterpret_cast<__m64*>(a_.followers + 2 * i), s_.followers.lanes);
-        if (noise_ != nullptr) a_.hiss[i] = filterHiss(s_.hiss, noise_[i] - noise_[i - 1]);
+        followVoice(i, _mm_set1_ps(voice));
     }
+    // Both of the above, at two places of the run and inside it; x is read kBandPassSkew ahead.
+    void filterAndFollowAt(int i, int behind, TwinPoles& poles) {
+        s_.band = stepBandPass(s_.band, x_[i + kBandPassSkew]);
+        const __m128 x = outputOf(s_.band);
+        const __m128 y = runPoles(poles, _mm_unpacklo_ps(x, _mm_load_ss(a_.peakForward + behind)));
+        _mm_store_ss(a_.peakIn + kBefore + i, _mm_add_ss(x, _mm_mul_ss(_mm_set_ss(1.1f), y)));
+        followVoice(behind, _mm_shuffle_ps(y, y, _MM_SHUFFLE(1, 1, 1, 1)));
+    }
+    TwinPoles pair() const { return pairPoles(s_.resonator, s_.peak); }
+    void part(const TwinPoles& poles) { partPoles(poles, s_.resonator, s_.peak); }
     void gateAt(int i) {
         s_.gate = pullGate(s_.gate, a_.target[i], a_.rise[i], a_.fall[i]);
         runBurst(s_.burst, s_.burstArmed, s_.gate);
@@ -159,6 +163,13 @@ class Recurrences {
     }
 
   private:
+    void followVoice(int i, __m128 voice) {
+        follow(s_.followers, voice);
+        _mm_store_ss(a_.voice + i, voice);
+        _mm_storel_pi(reinterpret_cast<__m64*>(a_.followers + 2 * i), s_.followers.lanes);
+        if (noise_ != nullptr) a_.hiss[i] = filterHiss(s_.hiss, noise_[i] - noise_[i - 1]);
+    }
+
     Chain s_;
     const float* const x_;
     const float* const noise_;
@@ -169,12 +180,13 @@ class Recurrences {
 // A step in the middle of a run: all four in one loop.
 void stepTogether(Chain& chain, const float* x, const float* noise, int n, const Stages& stages, Arrays& a) {
     Recurrences r(chain, x, noise, n, a);
+    TwinPoles poles = r.pair();
     for (int k = 0; k < kBlock; k++) {
-        r.filterAt(stages.filtered.first + k);
-        r.followAt(stages.followed.first + k);
+        r.filterAndFollowAt(stages.filtered.first + k, stages.followed.first + k, poles);
         r.gateAt(stages.gated.first + k);
         r.blockAt(stages.blocked.first + k);
     }
+    r.part(poles);
     chain = r.chain();
 }
 
@@ -220,8 +232,10 @@ void findPull(Span s, Arrays& a, std::uint8_t* voiceFlags) {
         const __m128 magnitude = magnitudeOf(_mm_load_ps(a.voice + i));
         const __m128 threshold = thresholdAt(a, i);
         const __m128 open = _mm_cmpgt_ps(magnitude, threshold);
-        const __m128 shut = _mm_cmplt_ps(magnitude, _mm_mul_ps(_mm_set1_ps(0.55f), threshold));
+        const __m128 shutBelow = _mm_mul_ps(_mm_set1_ps(0.55f), threshold);
+        const __m128 shut = _mm_cmplt_ps(magnitude, shutBelow);
         const __m128 moves = _mm_or_ps(open, shut);
+        _mm_store_ps(a.shutBelow + i, shutBelow);
         _mm_store_ps(a.target + i, selectLanes(open, _mm_set1_ps(1.0f), _mm_set1_ps(0.06f)));
         _mm_store_ps(a.rise + i, _mm_and_ps(moves, _mm_set1_ps(0.35f)));
         _mm_store_ps(a.fall + i, _mm_and_ps(moves, _mm_set1_ps(0.0015f)));
@@ -233,7 +247,7 @@ void saturateBlock(Span s, bool hiss, Arrays& a) {
     for (int i = s.first; i < s.first + s.n; i += 4) {
         const __m128 level = levelAt(a, i);
         const __m128 gate = _mm_load_ps(a.gate + i);
-        const __m128 gain = compressorGain(level, gate, thresholdAt(a, i));
+        const __m128 gain = compressorGain(level, gate, _mm_load_ps(a.shutBelow + i));
         const __m128 gains = _mm_mul_ps(_mm_mul_ps(_mm_load_ps(a.burst + i), gain), gate);
         __m128 v = _mm_mul_ps(gains, _mm_load_ps(a.voice + i));
         if (hiss) v = _mm_add_ps(v, _mm_mul_ps(hissLevel(level), _mm_load_ps(a.hiss + i)));

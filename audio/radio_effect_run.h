@@ -4,7 +4,7 @@
 #include <cstdint>
 #include "audio/radio_effect.h"
 
-inline constexpr int kRadioRun = 512;    // longest run
+inline constexpr int kRadioRun = 1024;   // longest run
 inline constexpr int kRadioPadding = 4;  // what is worked on in groups of four has room for a whole last group
 
 // n in 1..kRadioRun values of x. noise is the generator's -1..1 for each value, with that of the channel's value before

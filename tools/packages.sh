@@ -7,9 +7,10 @@ build_packages=(
     ca-certificates cmake ninja-build git python3-minimal
     g++ clang g++-mingw-w64-x86-64-posix
     googletest libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev
+    pkg-config libsndfile1-dev
 )
 wine_packages=(wine wine64 xvfb xauth sox)
-voice_packages=(libsndfile1-dev pkg-config sox python3-matplotlib python3-numpy)
+voice_packages=(sox python3-matplotlib python3-numpy)
 test_packages=(libclang-rt-14-dev)
 
 wanted=()

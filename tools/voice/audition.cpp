@@ -1,7 +1,7 @@
 // audition.cpp - a voice file through the real chain, as the plugin's hooks run it.
 //   audition_chain IN.wav OUT.wav TRACE.csv --received|--own [--nr]
 // --received: radio effect with hiss, as others sound. --own: without hiss; --nr puts the noise reduction in front.
-// TRACE.csv is the squelch gate over time. Mono or stereo, 48 kHz, anything that libsndfile reads.
+// TRACE.csv is the squelch's gate and burst gain over time. Mono or stereo, 48 kHz, anything that libsndfile reads.
 #include <sndfile.h>
 #include <algorithm>
 #include <cstdio>
@@ -52,7 +52,7 @@ bool writeClip(const char* path, const Clip& clip) {
     return sf_close(file) == 0 && written;
 }
 
-// The hook for one block; the squelch gate of the first channel after it.
+// The hook for one block; the first channel's memory after it.
 class Chain {
   public:
     Chain(bool received, bool noiseReduction) : received_(received) {
@@ -61,15 +61,15 @@ class Chain {
         controls_.captureMode = 0;
     }
 
-    float run(short* samples, int count, int channels) {
+    const RadioChannel& run(short* samples, int count, int channels) {
         constexpr SpeakerKey kSpeaker = 1;
         if (received_) {
             editPlaybackVoice(playback_, controls_, kSpeaker, samples, count, channels);
-            return playback_.speakers.at(kSpeaker).effect.channels[0].gateGain;
+            return playback_.speakers.at(kSpeaker).effect.channels[0];
         }
         int edited = 0;
         editCapturedVoice(captured_, controls_, samples, count, channels, &edited);
-        return captured_.effect.channels[0].gateGain;
+        return captured_.effect.channels[0];
     }
 
   private:
@@ -82,14 +82,15 @@ class Chain {
 bool audition(Clip& clip, Chain& chain, const char* tracePath) {
     std::FILE* trace = std::fopen(tracePath, "w");
     if (!trace) return false;
-    std::fputs("seconds,gate\n", trace);
+    std::fputs("seconds,gate,burst\n", trace);
     const int block = kTraceFrames * clip.channels;
     const int total = static_cast<int>(clip.samples.size());
     for (int at = 0; at < total; at += block) {
-        const float gate = chain.run(clip.samples.data() + at, std::min(block, total - at), clip.channels);
+        const RadioChannel& radio = chain.run(clip.samples.data() + at, std::min(block, total - at), clip.channels);
         const double seconds = static_cast<double>(at / clip.channels) / kRateHz;
-        std::fprintf(trace, "%s,%s\n", formatFixed(seconds, 4).c_str(),
-                     formatFixed(static_cast<double>(gate), 4).c_str());
+        std::fprintf(trace, "%s,%s,%s\n", formatFixed(seconds, 4).c_str(),
+                     formatFixed(static_cast<double>(radio.gateGain), 4).c_str(),
+                     formatFixed(static_cast<double>(radio.burstGain), 4).c_str());
     }
     return std::fclose(trace) == 0;
 }

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """plot_audition.py BEFORE.wav AFTER.wav TRACE.csv OUT.png - draws what audition did to a voice: the spectrograms
-before and after, the level in dBFS, and the squelch gate. TRACE.csv comes from the audition program."""
+before and after, the level in dBFS, and the squelch's gate and burst gain. TRACE.csv comes from the audition program."""
 import csv
 import sys
 import wave
@@ -38,7 +38,8 @@ def spectrogram(axis, samples, title):
 def main(before_path, after_path, trace_path, out_path):
     before, after = read_mono(before_path), read_mono(after_path)
     with open(trace_path, newline="", encoding="ascii") as file:
-        trace = [(float(row["seconds"]), float(row["gate"])) for row in csv.DictReader(file)]
+        rows = list(csv.DictReader(file))
+    trace = {name: [float(row[name]) for row in rows] for name in ("seconds", "gate", "burst")}
     figure, axes = plt.subplots(4, 1, figsize=(11, 10), sharex=True, height_ratios=[3, 3, 2, 1.2])
     spectrogram(axes[0], before, "before")
     spectrogram(axes[1], after, "after")
@@ -48,8 +49,10 @@ def main(before_path, after_path, trace_path, out_path):
     axes[2].set_ylim(-90, 0)
     axes[2].grid(alpha=0.3)
     axes[2].legend(loc="lower right", fontsize=8)
-    axes[3].plot(*zip(*trace), linewidth=1)
-    axes[3].set_ylabel("gate")
+    for name in ("gate", "burst"):
+        axes[3].plot(trace["seconds"], trace[name], label=name, linewidth=1)
+    axes[3].set_ylabel("gain")
+    axes[3].legend(loc="lower right", fontsize=8)
     axes[3].set_ylim(-0.05, 1.05)
     axes[3].grid(alpha=0.3)
     axes[3].set_xlabel("s")
