@@ -29,35 +29,6 @@ inline float cutPeak(PeakCut& s, float forward) {
     return y;
 }
 
-// Both in one vector, the resonator in lane 0 and the peaking equalizer, a block behind it, in lane 1: they have the
-// same form. Lanes 2 and 3 are idle.
-struct TwinPoles {
-    __m128 last, beforeLast;
-};
-
-inline TwinPoles pairPoles(const Resonator& r, const PeakCut& p) {
-    return {_mm_set_ps(0.0f, 0.0f, p.y1, r.r1), _mm_set_ps(0.0f, 0.0f, p.y2, r.r2)};
-}
-
-inline float laneOne(__m128 lanes) {
-    return _mm_cvtss_f32(_mm_shuffle_ps(lanes, lanes, _MM_SHUFFLE(1, 1, 1, 1)));
-}
-
-inline void partPoles(const TwinPoles& s, Resonator& r, PeakCut& p) {
-    r = {_mm_cvtss_f32(s.last), _mm_cvtss_f32(s.beforeLast)};
-    p = {laneOne(s.last), laneOne(s.beforeLast)};
-}
-
-// in: the resonator's input, the peaking equalizer's forward terms. Returns both outputs, the resonator's not yet
-// mixed.
-inline __m128 runPoles(TwinPoles& s, __m128 in) {
-    const __m128 one = _mm_mul_ps(_mm_set_ps(0.0f, 0.0f, 1.8831465f, 1.8803079f), s.last);
-    const __m128 two = _mm_mul_ps(_mm_set_ps(0.0f, 0.0f, 0.8910797f, 0.9409f), s.beforeLast);
-    s.beforeLast = s.last;
-    s.last = _mm_sub_ps(_mm_add_ps(in, one), two);
-    return s.last;
-}
-
 // Noise floor and level in one vector: the floor negated in lane 0, so that both take the higher of their two steps;
 // the level in lane 1. Lanes 2 and 3 are idle. Of a follower's two steps the higher is the one with the right rate:
 // both have the sign of the difference, and rounding keeps their order.

@@ -1,12 +1,12 @@
 // radio_effect_run.cpp - the order of work within a run. Every recurrence of the chain waits some ten cycles for its
-// own last value, so those that do not wait for each other share a loop: the run goes through a pipeline of blocks,
-// each stage one block behind the one that feeds it.
+// own last value, so two or three that do not wait for each other share a loop: the run goes through in blocks, and the
+// second half of the chain works one block behind the first.
 //
-//     block b                 block b-1                block b-2           block b-3
-//     band-pass, resonator |  peaking cut,          |  squelch gate,    |  DC blocker     one loop, a value at a time
-//                          |  followers, hiss       |  burst            |
-//     forward terms        |  squelch thresholds    |  gains,           |  rounding       four values at a time
-//     of the peaking cut   |                        |  saturation       |
+//     block b                          block b-1
+//     band-pass, resonator        |    squelch gate, burst        one loop
+//     peaking cut, forward terms  |    gains, saturation          four values at a time
+//     peaking cut, followers, hiss|    DC blocker                 one loop
+//     squelch thresholds          |    rounding                   four values at a time
 #include "audio/radio_effect_run.h"
 #include <algorithm>
 #include "audio/radio_effect_bandpass.h"
@@ -110,97 +110,74 @@ void clearLastGroup(Arrays& a, int n) {
     _mm_storeu_ps(a.followers + 2 * n + 4, zero);
 }
 
-// What each recurrence of the chain has to do in one step of the pipeline; each span lies one block behind the one
-// before it.
-struct Stages {
-    Span filtered;  // band-pass, resonator
-    Span followed;  // peaking cut, followers, hiss
-    Span gated;     // squelch gate, burst
-    Span blocked;   // DC blocker
-
-    bool areFull() const {
-        return filtered.n == kBlock && followed.n == kBlock && gated.n == kBlock && blocked.n == kBlock;
+// Band-pass and resonator for the values of `fresh`, gate and burst for those of `old`. x is read kBandPassSkew ahead.
+void filterAndGate(Chain& chain, const float* x, int n, Span fresh, Span old, Arrays& a) {
+    BandPass band = chain.band;
+    Resonator resonator = chain.resonator;
+    float gate = chain.gate;
+    float burst = chain.burst;
+    bool armed = chain.burstArmed;
+    const auto resonateAt = [&](int i) { a.peakIn[kBefore + i] = resonate(resonator, _mm_cvtss_f32(outputOf(band))); };
+    const auto gateAt = [&](int i) {
+        gate = pullGate(gate, a.target[i], a.rise[i], a.fall[i]);
+        runBurst(burst, armed, gate);
+        a.gate[i] = gate;
+        a.burst[i] = burst;
+    };
+    const int whole = std::clamp(n - kBandPassSkew - fresh.first, 0, fresh.n);  // values whose step fills all lanes
+    const int both = std::min(whole, old.n);
+    int k = 0;
+    for (; k < both; k++) {
+        band = stepBandPass(band, x[fresh.first + k + kBandPassSkew]);
+        resonateAt(fresh.first + k);
+        gateAt(old.first + k);
     }
-};
-
-// The four recurrences, one value a call. In one loop none waits for another, so their own waits overlap.
-class Recurrences {
-  public:
-    Recurrences(const Chain& chain, const float* x, const float* noise, int n, Arrays& a)
-        : s_(chain), x_(x), noise_(noise), n_(n), a_(a) {}
-
-    const Chain& chain() const { return s_; }
-
-    // The last steps of a run have nothing left to read.
-    void filterEdgeAt(int i) {
-        s_.band = stepBandPassEdge(s_.band, x_, i + kBandPassSkew, n_);
-        a_.peakIn[kBefore + i] = resonate(s_.resonator, _mm_cvtss_f32(outputOf(s_.band)));
+    for (int j = k; j < old.n; j++) gateAt(old.first + j);
+    for (; k < whole; k++) {
+        band = stepBandPass(band, x[fresh.first + k + kBandPassSkew]);
+        resonateAt(fresh.first + k);
     }
-    void followAt(int i) {
-        const float voice = cutPeak(s_.peak, a_.peakForward[i]);
-        followVoice(i, _mm_set1_ps(voice));
+    for (; k < fresh.n; k++) {
+        band = stepBandPassEdge(band, x, fresh.first + k + kBandPassSkew, n);
+        resonateAt(fresh.first + k);
     }
-    // Both of the above, at two places of the run and inside it; x is read kBandPassSkew ahead.
-    void filterAndFollowAt(int i, int behind, TwinPoles& poles) {
-        s_.band = stepBandPass(s_.band, x_[i + kBandPassSkew]);
-        const __m128 x = outputOf(s_.band);
-        const __m128 y = runPoles(poles, _mm_unpacklo_ps(x, _mm_load_ss(a_.peakForward + behind)));
-        _mm_store_ss(a_.peakIn + kBefore + i, _mm_add_ss(x, _mm_mul_ss(_mm_set_ss(1.1f), y)));
-        followVoice(behind, _mm_shuffle_ps(y, y, _MM_SHUFFLE(1, 1, 1, 1)));
-    }
-    TwinPoles pair() const { return pairPoles(s_.resonator, s_.peak); }
-    void part(const TwinPoles& poles) { partPoles(poles, s_.resonator, s_.peak); }
-    void gateAt(int i) {
-        s_.gate = pullGate(s_.gate, a_.target[i], a_.rise[i], a_.fall[i]);
-        runBurst(s_.burst, s_.burstArmed, s_.gate);
-        a_.gate[i] = s_.gate;
-        a_.burst[i] = s_.burst;
-    }
-    void blockAt(int i) {
-        const float* in = a_.saturated + kBefore + i;
-        s_.dcY1 = blockDc(s_.dcY1, in[0] - in[-1]);
-        a_.output[i] = s_.dcY1;
-    }
-
-  private:
-    void followVoice(int i, __m128 voice) {
-        follow(s_.followers, voice);
-        _mm_store_ss(a_.voice + i, voice);
-        _mm_storel_pi(reinterpret_cast<__m64*>(a_.followers + 2 * i), s_.followers.lanes);
-        if (noise_ != nullptr) a_.hiss[i] = filterHiss(s_.hiss, noise_[i] - noise_[i - 1]);
-    }
-
-    Chain s_;
-    const float* const x_;
-    const float* const noise_;
-    const int n_;
-    Arrays& a_;
-};
-
-// A step in the middle of a run: all four in one loop.
-void stepTogether(Chain& chain, const float* x, const float* noise, int n, const Stages& stages, Arrays& a) {
-    Recurrences r(chain, x, noise, n, a);
-    TwinPoles poles = r.pair();
-    for (int k = 0; k < kBlock; k++) {
-        r.filterAndFollowAt(stages.filtered.first + k, stages.followed.first + k, poles);
-        r.gateAt(stages.gated.first + k);
-        r.blockAt(stages.blocked.first + k);
-    }
-    r.part(poles);
-    chain = r.chain();
+    chain.band = band;
+    chain.resonator = resonator;
+    chain.gate = gate;
+    chain.burst = burst;
+    chain.burstArmed = armed;
 }
 
-// A step at the ends of a run, where some have less to do or nothing.
-void stepApart(Chain& chain, const float* x, const float* noise, int n, const Stages& stages, Arrays& a) {
-    Recurrences r(chain, x, noise, n, a);
-    const auto each = [](Span span, auto at) {
-        for (int i = span.first; i < span.first + span.n; i++) at(i);
+// Peaking cut, followers and hiss filter for the values of `fresh`, DC blocker for those of `old`.
+void followAndBlock(Chain& chain, const float* noise, Span fresh, Span old, Arrays& a) {
+    PeakCut peak = chain.peak;
+    Followers followers = chain.followers;
+    HissFilter filter = chain.hiss;
+    float dcY1 = chain.dcY1;
+    const auto followAt = [&](int i) {
+        const float voice = cutPeak(peak, a.peakForward[i]);
+        follow(followers, _mm_set1_ps(voice));
+        a.voice[i] = voice;
+        _mm_storel_pi(reinterpret_cast<__m64*>(a.followers + 2 * i), followers.lanes);
+        if (noise != nullptr) a.hiss[i] = filterHiss(filter, noise[i] - noise[i - 1]);
     };
-    each(stages.filtered, [&](int i) { r.filterEdgeAt(i); });
-    each(stages.followed, [&](int i) { r.followAt(i); });
-    each(stages.gated, [&](int i) { r.gateAt(i); });
-    each(stages.blocked, [&](int i) { r.blockAt(i); });
-    chain = r.chain();
+    const auto blockAt = [&](int i) {
+        const float* in = a.saturated + kBefore + i;
+        dcY1 = blockDc(dcY1, in[0] - in[-1]);
+        a.output[i] = dcY1;
+    };
+    const int both = std::min(fresh.n, old.n);
+    int k = 0;
+    for (; k < both; k++) {
+        followAt(fresh.first + k);
+        blockAt(old.first + k);
+    }
+    for (int j = k; j < old.n; j++) blockAt(old.first + j);
+    for (; k < fresh.n; k++) followAt(fresh.first + k);
+    chain.peak = peak;
+    chain.followers = followers;
+    chain.hiss = filter;
+    chain.dcY1 = dcY1;
 }
 
 void findPeakForward(Span s, Arrays& a) {
@@ -270,18 +247,16 @@ void runRadio(RadioChannel& channel, const float* x, const float* noise, short* 
     loadInputs(channel, a);
     Chain chain = loadChain(channel);
     for (int t = 0; t < kBandPassSkew; t++) chain.band = stepBandPassEdge(chain.band, x, t, n);
-    for (int first = 0; first < n + 3 * kBlock; first += kBlock) {
-        const auto blockAt = [&](int start) {
-            return Span{std::max(start, 0), start < 0 ? 0 : std::clamp(n - start, 0, kBlock)};
-        };
-        const Stages stages{blockAt(first), blockAt(first - kBlock), blockAt(first - 2 * kBlock),
-                            blockAt(first - 3 * kBlock)};
-        const bool isInside = stages.areFull() && first + kBlock + kBandPassSkew <= n;
-        (isInside ? stepTogether : stepApart)(chain, x, noise, n, stages, a);
-        findPeakForward(stages.filtered, a);
-        findPull(stages.followed, a, voiceFlags);
-        saturateBlock(stages.gated, noise != nullptr, a);
-        writeSamples(stages.blocked, a, out);
+    Span old{0, 0};
+    for (int first = 0; first < n || old.n > 0; first += kBlock) {
+        const Span fresh{first, std::clamp(n - first, 0, kBlock)};
+        filterAndGate(chain, x, n, fresh, old, a);
+        findPeakForward(fresh, a);
+        saturateBlock(old, noise != nullptr, a);
+        followAndBlock(chain, noise, fresh, old, a);
+        findPull(fresh, a, voiceFlags);
+        writeSamples(old, a, out);
+        old = fresh;
     }
     storeChain(chain, channel);
     storeInputs(a, noise, n, channel);
