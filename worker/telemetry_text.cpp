@@ -1,10 +1,9 @@
 #include "worker/telemetry_text.h"
 #include <cmath>
 #include "base/number_text.h"
+#include "bridge/telemetry.h"
 
 namespace {
-
-constexpr int kProtocol = 2;  // version of the file; the plugin takes no other
 
 void addRaw(std::string& json, std::string_view key, std::string_view value) {
     json += json.empty() ? '{' : ',';
@@ -48,7 +47,7 @@ std::string plainText(std::string_view text) {
 std::string telemetryText(const TelemetryRecord& record, double unixSeconds) {
     std::string json;
     addRaw(json, "updated", formatFixed(std::floor(unixSeconds * 1000.0) / 1000.0, 3));
-    addRaw(json, "protocol", std::to_string(kProtocol));
+    addRaw(json, "protocol", formatGeneral(kTelemetryProtocol));
     addBool(json, "ok", record.sim.ok);
     addRaw(json, "range_min", std::to_string(record.sim.rangeMinKHz));
     addRaw(json, "range_max", std::to_string(record.sim.rangeMaxKHz));

@@ -1,6 +1,8 @@
 #include "worker/worker_loop.h"
 #include <algorithm>
 #include <utility>
+#include "bridge/command_file.h"
+#include "bridge/telemetry.h"
 
 namespace {
 
@@ -21,10 +23,10 @@ WorkerLoop::WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolde
       folder_(folder),
       link_(link),
       log_(log),
-      inbox_(joinPath(dataDir, "command.json"), files, folder, log),
+      inbox_(joinPath(dataDir, kCommandFile), files, folder, log),
       handler_(link, log),
-      writer_(joinPath(dataDir, "telemetry.json"), files, log) {
-    inbox_.markHandled(handledBefore(joinPath(dataDir, "telemetry.json"), files, folder));
+      writer_(joinPath(dataDir, kTelemetryFile), files, log) {
+    inbox_.markHandled(handledBefore(joinPath(dataDir, kTelemetryFile), files, folder));
 }
 
 PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
