@@ -5,10 +5,7 @@
 #include <functional>
 #include <mutex>
 #include <thread>
-#include "bridge/receive_gain.h"
-#include "settings/settings_text.h"
-#include "tests/client/client_session_win.h"
-#include "tests/reference/plain_voice_hooks.h"
+#include "tests/client/voice_test.h"
 #include "tests/unit/audio/voice_blocks.h"
 
 namespace {
@@ -119,23 +116,8 @@ DWORD nextFiberSlot() {
 
 }  // namespace
 
-class Voices : public PluginTest {
+class Voices : public VoiceTest {
   protected:
-    // Starts the plugin with these lines, and what they ask of the hooks once the poll loop has passed.
-    VoiceControls start(const std::string& lines, std::int32_t captureMode = 1) {
-        EXPECT_TRUE(session.writeSettings(lines));
-        EXPECT_TRUE(session.start());
-        EXPECT_TRUE(session.waitPasses(2));
-        const Settings settings = readSettingsText(lines);
-        VoiceControls controls;
-        controls.audioFlags = audioFlagsOf(settings);
-        controls.transmitGain = transmitGainOf(settings);
-        controls.receiveGain = receiveGainOf(settings, -1.0f);
-        controls.captureMode = captureMode;
-        return controls;
-    }
-    const PluginExports& plugin() const { return session.plugin.exports(); }
-
     BothHooks hooks;
 };
 

@@ -1,0 +1,31 @@
+// voice_test.h - a session whose voice hooks are held to the plain ones: settings in, controls out.
+#pragma once
+#include <string>
+#include "bridge/receive_gain.h"
+#include "settings/settings_text.h"
+#include "tests/client/client_session_win.h"
+#include "tests/reference/plain_voice_hooks.h"
+
+class VoiceTest : public PluginTest {
+  protected:
+    // Starts the plugin with these lines; what they ask of the hooks. The poll loop has the receive gain after its
+    // first pass and the capture mode after that: 1.0 and 1 stand from the beginning.
+    VoiceControls startWith(const std::string& lines) {
+        EXPECT_TRUE(session.writeSettings(lines));
+        EXPECT_TRUE(session.start());
+        const Settings settings = readSettingsText(lines);
+        VoiceControls controls;
+        controls.audioFlags = audioFlagsOf(settings);
+        controls.transmitGain = transmitGainOf(settings);
+        controls.receiveGain = receiveGainOf(settings, -1.0f);
+        return controls;
+    }
+    // The same, once the poll loop has passed.
+    VoiceControls start(const std::string& lines, std::int32_t captureMode = 1) {
+        VoiceControls controls = startWith(lines);
+        EXPECT_TRUE(session.waitPasses(2));
+        controls.captureMode = captureMode;
+        return controls;
+    }
+    const PluginExports& plugin() const { return session.plugin.exports(); }
+};
