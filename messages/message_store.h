@@ -1,0 +1,49 @@
+// message_store.h - the text messages received, the newest kMaxMessages of them, until the client ends.
+// The message lock guards the queue; it is held for a copy or an assignment. The counters are atomics beside it,
+// changed after the lock is released: a painter may see a new message one frame before the new count.
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include "base/mutex.h"
+
+inline constexpr std::size_t kMaxMessages = 40;
+
+// The host's text-message targets.
+enum MessageTarget : std::uint32_t {
+    kPrivateMessage = 1,
+    kChannelMessage = 2,
+    kServerMessage = 3,
+};
+
+struct TextMessage {
+    std::string sender;            // UTF-8 as the host gave it, may be empty
+    std::string text;              // UTF-8 as the host gave it, not empty
+    std::uint64_t receivedMs = 0;  // tick
+    std::uint32_t target = 0;      // MessageTarget, or whatever the host says
+    std::uint16_t senderId = 0;
+};
+
+struct MessageStore {
+    Mutex mutex;
+    std::deque<TextMessage> messages GUARDED_BY(mutex);  // oldest first
+    std::atomic<std::int32_t> unread{0};                 // [host][dialog] +1 a message; [ui] 0 when seen; [any] loads
+    std::atomic<std::uint32_t> revision{0};              // +1 a change of the queue; [any] loads
+};
+
+// [any] Keeps a message and drops the oldest when there are too many; an empty text is ignored.
+void addMessage(MessageStore& store, std::string_view sender, std::string_view text, std::uint32_t target,
+                std::uint16_t senderId, std::uint64_t nowMs);
+
+// [any] Forgets all messages; how many of them were unread.
+std::int32_t clearMessages(MessageStore& store);
+
+// What a window shows: the messages, oldest first, with the counters.
+struct MessageSnapshot {
+    std::deque<TextMessage> messages;
+    std::int32_t unread = 0;
+    std::uint32_t revision = 0;
+};
+MessageSnapshot copyMessages(MessageStore& store);
