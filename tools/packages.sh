@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# packages.sh GROUP... - installs what is missing of Debian's packages for the groups named (build, wine, voice, test).
+# packages.sh GROUP... - installs what is missing of Debian's packages for the groups named, see below.
 # Does nothing, and asks no package server, on a machine that has them all.
 set -euo pipefail
 
@@ -9,17 +9,22 @@ build_packages=(
     googletest libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev
     pkg-config libsndfile1-dev
 )
-wine_packages=(wine wine64 xvfb xauth sox)
+# With the fonts that stand in for Windows' (wine.sh).
+wine_packages=(wine wine64 xvfb xauth sox fonts-noto-cjk fonts-open-sans fonts-dejavu-core fonts-liberation)
+pictures_packages=(xcompmgr)
 voice_packages=(sox python3-matplotlib python3-numpy)
 test_packages=(libclang-rt-14-dev)
+artwork_packages=(blender fonts-b612 python3-numpy python3-pil)
 
 wanted=()
 for group in "$@"; do
     case "$group" in
         build) wanted+=("${build_packages[@]}") ;;
         wine) wanted+=("${wine_packages[@]}") ;;
+        pictures) wanted+=("${pictures_packages[@]}") ;;
         voice) wanted+=("${voice_packages[@]}") ;;
         test) wanted+=("${test_packages[@]}") ;;
+        artwork) wanted+=("${artwork_packages[@]}") ;;
         *) echo "packages.sh: unknown group $group" >&2; exit 2 ;;
     esac
 done
