@@ -81,18 +81,25 @@ void stopPollThread(PluginState& plugin) {
     plugin.pollThread.join();
 }
 
+void runUiThread(PluginState& plugin) {
+    try {
+        run_ui_thread({plugin.module, plugin.clock, plugin.settings, plugin.sim, plugin.commands, plugin.talk,
+                       plugin.bridge, plugin.messages, plugin.languageIndex, plugin.panelActions, plugin.stopUi,
+                       plugin.panel_window});
+    } catch (const std::bad_alloc&) {
+        // No memory to begin with: the radio works on without its windows.
+    }
+}
+
 void startUiThread(PluginState& plugin) {
     if (plugin.uiThread.isRunning()) return;
     plugin.stopUi = false;
-    startThread(plugin, plugin.uiThread, "UI", [&plugin] {
-        runUiThread({plugin.module, plugin.clock, plugin.settings, plugin.sim, plugin.commands, plugin.stopUi,
-                     plugin.panelWindow});
-    });
+    startThread(plugin, plugin.uiThread, "UI", [&plugin] { runUiThread(plugin); });
 }
 
 void stopUiThread(PluginState& plugin) {
     plugin.stopUi = true;
-    if (const HWND panel = plugin.panelWindow) PostMessageW(panel, WM_CLOSE, kCloseByShutdown, 0);
+    if (const HWND panel = plugin.panel_window) PostMessageW(panel, WM_CLOSE, kCloseByShutdown, 0);
     plugin.uiThread.join();
 }
 

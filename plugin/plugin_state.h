@@ -13,7 +13,9 @@
 #include "bridge/sim_state.h"
 #include "bridge/worker_process_win.h"
 #include "channels/follow_frequency.h"
+#include "messages/message_store.h"
 #include "plugin/host_table.h"
+#include "plugin/panel_actions_win.h"
 #include "settings/settings_store.h"
 
 // A joinable thread or none. Unlike std::thread it may be destroyed running: when a process ends without shutdown,
@@ -66,15 +68,17 @@ struct PluginState {
     CommandQueue commands;
     MoveTracker moves;
     TalkTracker talk;
+    MessageStore messages;
     BridgeOutputs bridge;
     WorkerProcess worker;
+    PluginPanelActions panelActions{*this};
 
     // Threads: [host] starts and joins them.
     ThreadSlot uiThread;
     ThreadSlot pollThread;
     std::atomic<bool> stopUi{false};
     std::atomic<bool> stopPolling{false};
-    std::atomic<HWND> panelWindow{nullptr};  // [ui] publishes
+    std::atomic<HWND> panel_window{nullptr};  // [ui] publishes
 };
 
 // The one instance of the process.

@@ -1,21 +1,12 @@
 #include <windows.h>
 #include "panel/panel_messages.h"
 #include "tests/client/client_session_win.h"
+#include "tests/client/command_reader.h"
 
 namespace {
 
 constexpr int kActive = 0;
 constexpr int kStandby = 1;
-
-// The text of a string or number value in a one-line JSON object.
-std::string jsonValue(const std::string& json, const std::string& key) {
-    const std::size_t at = json.find("\"" + key + "\":");
-    if (at == std::string::npos) return "";
-    const std::size_t start = at + key.size() + 3;
-    const bool isText = json[start] == '"';
-    const std::size_t from = isText ? start + 1 : start;
-    return json.substr(from, json.find_first_of(isText ? "\"" : ",}", from) - from);
-}
 
 }  // namespace
 
@@ -39,28 +30,11 @@ class RadioWrites : public PluginTest {
     void step(int com, int slot, bool wholeMegahertz, int steps) {
         post(kPanelStepMessage, static_cast<WPARAM>(com | slot << 8 | (wholeMegahertz ? 1 : 0) << 16), steps);
     }
-    // Waits for a command other than the last one seen; empty if none comes.
-    std::string nextCommand(std::uint64_t deadlineMs = 5000) {
-        std::string command;
-        session.waitUntil(
-            [&] {
-                command = readFile(session.dataFolder / "command.json");
-                return !command.empty() && jsonValue(command, "id") != lastId_;
-            },
-            deadlineMs);
-        if (command.empty() || jsonValue(command, "id") == lastId_) return "";
-        lastId_ = jsonValue(command, "id");
-        return command;
-    }
-    void acknowledge(bool ok) {
-        session.telemetry.ackId = lastId_;
-        session.telemetry.ackOk = ok;
-        session.telemetry.ackMessage = ok ? "done" : "not accepted";
-        session.publish();
-    }
+    std::string nextCommand(std::uint64_t deadlineMs = 5000) { return commands_.next(deadlineMs); }
+    void acknowledge(bool ok) { commands_.acknowledge(ok); }
 
   private:
-    std::string lastId_;
+    CommandReader commands_{session};
 };
 
 TEST_F(RadioWrites, AStepBecomesOneCommandOfThisForm) {

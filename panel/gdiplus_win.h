@@ -1,0 +1,38 @@
+// gdiplus_win.h - GDI+ and COM for one thread, as owners. <gdiplus.h> wants other headers before it; these are they.
+#pragma once
+#include <windows.h>
+#include <objbase.h>
+#include <propidl.h>
+#include <gdiplus.h>
+
+// GDI+ version 1 while it lives. Goes on without it when it cannot be started: every call then fails.
+class GdiPlusSession {
+  public:
+    GdiPlusSession() {
+        const Gdiplus::GdiplusStartupInput version1;
+        isStarted_ = Gdiplus::GdiplusStartup(&token_, &version1, nullptr) == Gdiplus::Ok;
+    }
+    ~GdiPlusSession() {
+        if (isStarted_) Gdiplus::GdiplusShutdown(token_);
+    }
+    GdiPlusSession(const GdiPlusSession&) = delete;
+    GdiPlusSession& operator=(const GdiPlusSession&) = delete;
+
+  private:
+    ULONG_PTR token_ = 0;
+    bool isStarted_ = false;
+};
+
+// COM for this thread, single-threaded apartment.
+class ComApartment {
+  public:
+    ComApartment() : isEntered_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ~ComApartment() {
+        if (isEntered_) CoUninitialize();
+    }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+
+  private:
+    bool isEntered_;
+};

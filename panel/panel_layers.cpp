@@ -1,0 +1,138 @@
+#include "panel/panel_layers.h"
+#include <algorithm>
+#include <cmath>
+#include "panel/panel_style.h"
+#include "panel/plain_face.h"
+#include "panel/shapes.h"
+
+namespace {
+
+constexpr float kGlassRadius = 5.0f;     // logical units
+constexpr float kShadowDepth = 9.0f;     // logical units: the bezel's shadow on the glass, from the top edge down
+constexpr float kShadowStrength = 0.5f;
+constexpr float kStatusInset = 12.0f;    // logical units, at both ends of a status line
+
+PanelRect toPixels(const ThemeLayout& layout, const PanelRect& rect, float scale) {
+    return {(rect.x - layout.origin.x) * scale, (rect.y - layout.origin.y) * scale, rect.width * scale,
+            rect.height * scale};
+}
+
+// The dark glass, with the bezel's shadow along its upper edge.
+void paintGlass(ArgbImage& face, const PanelRect& glass, float scale) {
+    const PixelRect area = intersectRects(pixelsAround(glass, 1.0f), face.bounds());
+    forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+        const float coverage = coverageOf(roundedRectDistance(glass, kGlassRadius * scale, point));
+        const float depth = std::clamp(1.0f - (point.y - glass.y) / (kShadowDepth * scale), 0.0f, 1.0f);
+        std::uint32_t& pixel = face.row(y)[x];
+        pixel = blendOver(pixel, premultiplied(kDisplayArgb, coverage));
+        pixel = blendOver(pixel, premultiplied(0xFF000000, coverage * kShadowStrength * depth * depth));
+    });
+}
+
+ArgbImage makeFace(const ArgbImage& art, const ThemeLayout& layout, std::int32_t theme, float scale,
+                   std::int32_t width, std::int32_t height) {
+    ArgbImage face =
+        art.isEmpty() ? paintPlainFace(theme, scale, width, height) : scaleImage(art, layout.origin, scale, width, height);
+    for (const PanelRect& display : layout.displays) paintGlass(face, toPixels(layout, display, scale), scale);
+    return face;
+}
+
+// What lies inside an outline, cut out of the face with a smooth edge.
+template <class Distance>
+Sprite cutSprite(const ArgbImage& face, const PanelRect& rect, Distance distance) {
+    const PixelRect area = pixelsAround(rect, static_cast<float>(kSpriteMargin));
+    Sprite sprite{cropImage(face, area), {}, 1.0f};
+    sprite.pivot = {rect.x + rect.width / 2 - static_cast<float>(area.left),
+                    rect.y + rect.height / 2 - static_cast<float>(area.top)};
+    if (rect.height > 0.0f) sprite.oval = rect.width / rect.height;
+    if (sprite.image.isEmpty()) return sprite;
+    forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+        std::uint32_t& pixel = sprite.image.row(y - area.top)[x - area.left];
+        const float coverage = coverageOf(distance(point));
+        std::uint32_t cut = 0;
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            cut |= static_cast<std::uint32_t>(static_cast<float>(pixel >> shift & 0xFFU) * coverage + 0.5f) << shift;
+        pixel = cut;
+    });
+    return sprite;
+}
+
+Sprite cutRound(const ArgbImage& face, const PanelRect& rect) {
+    return cutSprite(face, rect, [&](PanelPoint point) { return ellipseDistance(rect, point); });
+}
+
+Sprite cutKey(const ArgbImage& face, const PanelRect& rect, float scale) {
+    return cutSprite(face, rect,
+                     [&](PanelPoint point) { return roundedRectDistance(rect, kKeyRadius * scale, point); });
+}
+
+// The small knob in the middle of the large one.
+PanelRect smallKnobOf(const PanelRect& large) {
+    const float size = std::min(large.width, large.height) * kSmallKnobShare;
+    return {large.x + (large.width - size) / 2, large.y + (large.height - size) / 2, size, size};
+}
+
+ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const PanelStyle& style,
+                         const PanelHotspot& spot, float scale) {
+    ElementLayer element;
+    element.spot = &spot;
+    element.rect = toPixels(layout, spot.rect, scale);
+    element.sprite = spot.round ? cutRound(face, element.rect) : cutKey(face, element.rect, scale);
+    if (spot.id == kLargeKnob) element.inner = cutRound(face, smallKnobOf(element.rect));
+    if (spot.id == kPinKey) {
+        element.pinned = element.sprite;
+        element.pinned.image = tintIcon(element.sprite.image, style.pinIcon);
+    }
+    element.bounds = pixelsAround(element.rect, 1.0f + kPressDepth * scale);
+    if (spot.indicator.width > 0.0f) {
+        const std::uint32_t colour = spot.id == kCustomKeyA ? style.textLamp : style.keyLamp;
+        element.lit = makeLitLamp(toPixels(layout, spot.indicator, scale), spot.indicatorStyle, colour, scale);
+        element.isLampOnKey = containsPoint(spot.rect, {spot.indicator.x + spot.indicator.width / 2,
+                                                        spot.indicator.y + spot.indicator.height / 2});
+        element.bounds = uniteRects(element.bounds, element.lit.bounds());
+        if (element.isLampOnKey) element.bounds.bottom += static_cast<std::int32_t>(std::ceil(kPressDepth * scale)) + 1;
+    }
+    return element;
+}
+
+std::array<PixelRect, 2> statusAreasOf(const ThemeLayout& layout, float scale) {
+    const PanelRect strip = toPixels(layout, layout.statusStrip, scale);
+    const float inset = kStatusInset * scale;
+    const float half = strip.width / 2;
+    const auto area = [&](float left) {
+        const PanelRect line = {left + inset, strip.y, half - 2 * inset, strip.height};
+        return PixelRect{static_cast<std::int32_t>(std::lround(line.x)), static_cast<std::int32_t>(std::lround(line.y)),
+                         static_cast<std::int32_t>(std::lround(line.x + line.width)),
+                         static_cast<std::int32_t>(std::lround(line.y + line.height))};
+    };
+    return {area(strip.x), area(strip.x + half)};
+}
+
+}  // namespace
+
+PanelLayers::PanelLayers(const ArgbImage& art, std::int32_t themeIndex, float pixelScale, std::int32_t width,
+                         std::int32_t height)
+    : theme(themeIndex), scale(pixelScale), displays(themeIndex, pixelScale) {
+    const ThemeLayout& layout = themeLayout(theme);
+    const PanelStyle& style = panelStyle(theme);
+    face = makeFace(art, layout, theme, scale, width, height);
+    for (const PanelHotspot& spot : layout.hotspots)
+        elements.push_back(makeElement(face, layout, style, spot, scale));
+    txLamp = makeLitLamp(toPixels(layout, layout.txLamp, scale), layout.lampStyle, kTransmitLamp, scale);
+    rxLamp = makeLitLamp(toPixels(layout, layout.rxLamp, scale), layout.lampStyle, kReceiveLamp, scale);
+    statusAreas = statusAreasOf(layout, scale);
+}
+
+PanelLayers& LayerCache::layersFor(std::int32_t theme, float scale, std::int32_t width, std::int32_t height) {
+    const auto found = std::find_if(layers_.begin(), layers_.end(), [&](const PanelLayers& layers) {
+        return layers.theme == theme && layers.scale == scale && layers.face.width == width &&
+               layers.face.height == height;
+    });
+    if (found != layers_.end()) {
+        layers_.splice(layers_.begin(), layers_, found);
+    } else {
+        if (layers_.size() >= kMostLayers) layers_.pop_back();
+        layers_.emplace_front(art_[static_cast<std::size_t>(knownTheme(theme))], theme, scale, width, height);
+    }
+    return layers_.front();
+}

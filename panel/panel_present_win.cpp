@@ -1,0 +1,137 @@
+// panel_present_win.cpp - how the panel reaches the screen: PanelWindow's presentation.
+#include "panel/panel_style.h"
+#include "panel/panel_window_win.h"
+#include "settings/texts.h"
+
+namespace {
+
+constexpr float kStatusFontShare = 0.60f;     // em height of a status line, of the strip's height
+constexpr std::int32_t kSmallestFont = 9;     // pixels: below this nothing can be read, so the strip is filled instead
+
+ScreenRect workAreaOf(HWND window) {
+    MONITORINFO monitor = {};
+    monitor.cbSize = sizeof monitor;
+    if (!GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor)) return {};
+    return {monitor.rcWork.left, monitor.rcWork.top, monitor.rcWork.right, monitor.rcWork.bottom};
+}
+
+bool isSameSize(const PanelPicture& a, const PanelPicture& b) {
+    return a.theme == b.theme && a.scale == b.scale && a.width == b.width && a.height == b.height;
+}
+
+}  // namespace
+
+void PanelWindow::present_panel() noexcept {
+    try {
+        present();
+    } catch (...) {
+        // Out of memory: the screen keeps what it shows, the next tick tries again.
+        pushed_.reset();
+    }
+}
+
+void PanelWindow::present() {
+    if (isMoving_) return;
+    const Settings settings = copySettings(rooms_.settings);
+    // Nobody sees a hidden panel change; when it is shown again it is drawn first.
+    if (settings.panel_visible) showPicture(settings);
+    applyStacking(settings.pin);
+    applyVisibility(settings.panel_visible);
+}
+
+void PanelWindow::showPicture(const Settings& settings) {
+    const PanelPlacement placement = findPlacement(settings);
+    model_.panel_scale_factor = placement.scale;
+    const PanelPicture picture = makePicture(gatherInputs(settings), rooms_.commands, model_, placement);
+    const bool isDrawn = drawn_ && *drawn_ == picture;
+    if (isDrawn && pushed_ == placement && isWhereItBelongs(placement)) return;
+    if (!surface_.resize(placement.width, placement.height)) return drawn_.reset();
+    const PixelRect changed = isDrawn ? PixelRect{} : drawPicture(picture);
+    if (pushPicture(placement, changed))
+        pushed_ = placement;
+    else
+        pushed_.reset();
+}
+
+PanelPlacement PanelWindow::findPlacement(const Settings& settings) const {
+    return placePanel(settings, workAreaOf(window_), GetDpiForWindow(window_));
+}
+
+PanelInputs PanelWindow::gatherInputs(const Settings& settings) const {
+    return {settings,
+            copySimState(rooms_.sim),
+            rooms_.talk.ownTransmit,
+            rooms_.talk.othersReceiving,
+            rooms_.messages.unread,
+            nowMs()};
+}
+
+// What has changed on the surface.
+PixelRect PanelWindow::drawPicture(const PanelPicture& picture) {
+    PanelLayers& layers = layers_.layersFor(picture.theme, picture.scale, picture.width, picture.height);
+    paintStatus(layers, picture);
+    std::vector<PixelRect> areas = {surface_.view().bounds()};
+    if (drawn_ && isSameSize(*drawn_, picture)) areas = changedAreas(layers, *drawn_, picture);
+    drawn_.reset();  // until every area is done
+    PixelRect changed;
+    for (const PixelRect& area : areas) {
+        drawPanel(surface_.view(), layers, picture, statusImages_, area);
+        changed = uniteRects(changed, intersectRects(area, surface_.view().bounds()));
+    }
+    drawn_ = picture;
+    return changed;
+}
+
+void PanelWindow::paintStatus(const PanelLayers& layers, const PanelPicture& picture) {
+    const std::array<const std::string*, 2> texts = {&picture.statusText, &picture.channelStatus};
+    for (std::size_t i = 0; i < texts.size(); i++) {
+        const PixelRect& area = layers.statusAreas[i];
+        TextLine line;
+        line.text = *texts[i];
+        line.family = fontFamilyOf(rooms_.languageIndex);
+        line.width = area.right - area.left;
+        line.height = area.bottom - area.top;
+        line.fontPixels = std::max(static_cast<std::int32_t>(static_cast<float>(line.height) * kStatusFontShare + 0.5f),
+                                   std::min(kSmallestFont, line.height));
+        line.colour = panelStyle(picture.theme).statusText;
+        line.isRightAligned = i == 1;
+        if (line == statusLines_[i]) continue;
+        statusImages_[i] = paintTextLine(line);
+        statusLines_[i] = std::move(line);
+    }
+}
+
+// An empty `changed` means that the surface is the same and only its place, stacking or opacity is not.
+bool PanelWindow::pushPicture(const PanelPlacement& placement, const PixelRect& changed) {
+    POINT position = {placement.x, placement.y};
+    SIZE size = {placement.width, placement.height};
+    POINT origin = {0, 0};
+    BLENDFUNCTION blend = {AC_SRC_OVER, 0, placement.alpha, AC_SRC_ALPHA};
+    const RECT dirty = {changed.left, changed.top, changed.right, changed.bottom};
+    UPDATELAYEREDWINDOWINFO update = {};
+    update.cbSize = sizeof update;
+    update.pptDst = &position;
+    update.psize = &size;
+    update.hdcSrc = surface_.dc();
+    update.pptSrc = &origin;
+    update.pblend = &blend;
+    update.dwFlags = ULW_ALPHA;
+    if (pushed_ == placement && !changed.isEmpty()) update.prcDirty = &dirty;
+    return UpdateLayeredWindowIndirect(window_, &update) != FALSE;
+}
+
+// Something else may have moved the window (another program, a monitor that left): it goes back.
+bool PanelWindow::isWhereItBelongs(const PanelPlacement& placement) const {
+    RECT rect = {};
+    return GetWindowRect(window_, &rect) && rect.left == placement.x && rect.top == placement.y;
+}
+
+void PanelWindow::applyStacking(bool pin) {
+    if (pin == applied_topmost_) return;
+    SetWindowPos(window_, pin ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    applied_topmost_ = pin;
+}
+
+void PanelWindow::applyVisibility(bool visible) {
+    if (visible != (IsWindowVisible(window_) != FALSE)) ShowWindow(window_, visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+}

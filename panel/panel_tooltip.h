@@ -1,0 +1,19 @@
+// panel_tooltip.h - the tip for each element of the radio panel. UTF-8; empty where an element has none.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include "bridge/sim_state.h"
+#include "settings/settings.h"
+
+// What the texts are made of.
+struct TooltipInputs {
+    Settings settings;
+    SimState sim;
+    float volumePercent = 0.0f;                   // panel volume of the selected radio, 0..100
+    float receiveGain = 1.0f;                     // current receive output gain, linear
+    std::array<std::string_view, 8> actionTexts;  // for each bind_* code, in the interface language
+};
+
+std::string panelTooltip(std::int32_t element, const TooltipInputs& inputs);

@@ -1,0 +1,142 @@
+#include "panel/panel_tooltip.h"
+#include <gtest/gtest.h>
+#include <limits>
+#include "panel/panel_layout.h"
+#include "tests/unit/bridge/rig.h"
+
+namespace {
+
+TooltipInputs inputsOf() {
+    TooltipInputs inputs;
+    inputs.sim = connectedState();
+    inputs.volumePercent = 60.0f;
+    inputs.receiveGain = 0.5f;
+    inputs.actionTexts = {"zero", "one", "two", "three", "four", "five", "six", "seven"};
+    return inputs;
+}
+
+std::string tipOf(std::int32_t element) {
+    return panelTooltip(element, inputsOf());
+}
+
+}  // namespace
+
+TEST(PanelTooltip, SaysWhatEachElementIs) {
+    const struct {
+        std::int32_t element;
+        std::string text;
+    } rows[] = {
+        {1, "Swap ACTIVE / STANDBY — simulator confirmation required"},
+        {2, "Select COM1 (ACTIVE + STANDBY)"},
+        {3, "Select COM2 (ACTIVE + STANDBY)"},
+        {4, "RX/TX: ACTIVE"},
+        {5, "RX/TX: STANDBY"},
+        {8, "SMALL KNOB — fractional part (kHz).\nScroll or drag vertically"},
+        {9, "LARGE KNOB — whole MHz.\nScroll or drag vertically"},
+        {11, "Settings"},
+        {12, "Minimize panel"},
+        {13, "Not assigned"},
+        {14, "TEXT — open received text messages (PDC)"},
+        {19, "Scroll to tune MHz — Tunes ACTIVE directly"},
+        {20, "Scroll to tune channel — Tunes ACTIVE directly"},
+        {21, "Scroll to tune MHz"},
+        {22, "Scroll to tune channel"},
+        {23, "Hover digits to tune"},
+        {24, "TEXT — received text messages (PDC)"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(tipOf(row.element), row.text);
+}
+
+TEST(PanelTooltip, IsWrittenWithALongDash) {
+    EXPECT_EQ(tipOf(kSwapKey).find("\xE2\x80\x94"), 22U);
+}
+
+TEST(PanelTooltip, IsEmptyWhereThereIsNoElement) {
+    for (const std::int32_t element : {0, -1, 25, 1000, std::numeric_limits<std::int32_t>::min()})
+        EXPECT_EQ(tipOf(element), "") << element;
+}
+
+TEST(PanelTooltip, EveryElementOfEveryThemeHasOne) {
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++)
+        for (const PanelHotspot& hotspot : themeLayout(theme).hotspots) EXPECT_NE(tipOf(hotspot.id), "") << hotspot.id;
+}
+
+TEST(PanelTooltip, OfAutoAndAlwaysOnTopTellsTheirState) {
+    TooltipInputs inputs = inputsOf();
+    inputs.settings.enabled = true;
+    inputs.settings.pin = true;
+    EXPECT_EQ(panelTooltip(kAutoKey, inputs), "Auto frequency: ON");
+    EXPECT_EQ(panelTooltip(kPinKey, inputs), "Always on top: ON — Click to disable");
+    inputs.settings.enabled = false;
+    inputs.settings.pin = false;
+    EXPECT_EQ(panelTooltip(kAutoKey, inputs), "Auto frequency: OFF");
+    EXPECT_EQ(panelTooltip(kPinKey, inputs), "Always on top: OFF — Click to enable");
+}
+
+TEST(PanelTooltip, OfTheVolumeKnobTellsKnobAircraftAndOutput) {
+    EXPECT_EQ(tipOf(kVolumeKnob), "VOLUME: 60%\nCOM: 75%   OUTPUT: 50%\n80% = unity; 100% = +6 dB");
+    TooltipInputs inputs = inputsOf();
+    inputs.settings.radio = 2;
+    inputs.volumePercent = 99.6f;
+    inputs.receiveGain = 1.9953f;
+    EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: 100%\nCOM: 50%   OUTPUT: 200%\n80% = unity; 100% = +6 dB");
+    inputs.volumePercent = 0.4f;
+    inputs.receiveGain = 0.0f;
+    inputs.sim.radios[1].volume = 0.0f;
+    EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: 0%\nCOM: 0%   OUTPUT: 0%\n80% = unity; 100% = +6 dB");
+}
+
+TEST(PanelTooltip, OfAnUnknownVolumeIsNotAvailable) {
+    TooltipInputs inputs = inputsOf();
+    inputs.sim.radios[0].volume = -1.0f;
+    EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: N/A");
+    inputs.sim.radios[0].writable[kSlotVolume] = false;
+    EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: N/A\nVolume controlled by simulator");
+    inputs.settings.radio = 2;  // the other radio knows its own
+    EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: 60%\nCOM: 50%   OUTPUT: 50%\n80% = unity; 100% = +6 dB");
+}
+
+TEST(PanelTooltip, OfAVolumeTheSimulatorControlsSaysSo) {
+    TooltipInputs inputs = inputsOf();
+    inputs.sim.radios[0].writable[kSlotVolume] = false;
+    EXPECT_EQ(panelTooltip(kVolumeKnob, inputs),
+              "VOLUME: 60%\nCOM: 75%   OUTPUT: 50%\n80% = unity; 100% = +6 dB\nVolume controlled by simulator");
+}
+
+TEST(PanelTooltip, OfAVolumeThatDoesNotFollowTheAircraftIsAlwaysKnown) {
+    TooltipInputs inputs = inputsOf();
+    inputs.settings.follow_volume = false;
+    inputs.sim.radios[0].writable[kSlotVolume] = false;
+    inputs.sim.radios[0].volume = -1.0f;
+    EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: 60%\nCOM: 0%   OUTPUT: 50%\n80% = unity; 100% = +6 dB");
+}
+
+TEST(PanelTooltip, OfCustomKeysIsTheActionBoundToThem) {
+    TooltipInputs inputs = inputsOf();
+    for (std::int32_t code = 0; code < 8; code++) {
+        inputs.settings.bind_B = code;
+        inputs.settings.bind_C = (code + 1) % 8;
+        inputs.settings.bind_D = (code + 2) % 8;
+        inputs.settings.bind_E = (code + 3) % 8;
+        for (std::int32_t key = kCustomKeyB; key <= kCustomKeyE; key++)
+            EXPECT_EQ(panelTooltip(key, inputs),
+                      inputs.actionTexts[static_cast<std::size_t>((code + key - kCustomKeyB) % 8)]);
+    }
+    inputs.settings.bind_A = 5;
+    EXPECT_EQ(panelTooltip(kCustomKeyA, inputs), "TEXT — open received text messages (PDC)");
+}
+
+TEST(PanelTooltip, OfACustomKeyBoundToNothingKnownIsThatOfNone) {
+    TooltipInputs inputs = inputsOf();
+    for (const std::int32_t code :
+         {-1, 8, std::numeric_limits<std::int32_t>::max(), std::numeric_limits<std::int32_t>::min()}) {
+        inputs.settings.bind_C = code;
+        EXPECT_EQ(panelTooltip(kCustomKeyC, inputs), "zero") << code;
+    }
+}
+
+TEST(PanelTooltip, AnUnknownRadioIsCom1) {
+    TooltipInputs inputs = inputsOf();
+    inputs.settings.radio = -9;
+    EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), tipOf(kVolumeKnob));
+}
