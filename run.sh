@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # run.sh [--fast] - installs what is missing, builds, and flies a circuit: the real plugin in the stand-in voice client
-# under Wine, its real worker with the built-in aircraft; then runs a voice through the radio. Leaves everything worth
-# keeping in out/. Ends with 0 only if all went as it should. --fast flies a short circuit and leaves the voice out
-# (under 30 s once built).
+# under Wine, its real worker with the built-in aircraft; then runs a voice through the radio and takes pictures of the
+# windows. Leaves everything worth keeping in out/. Ends with 0 only if all went as it should. --fast flies a short
+# circuit and leaves voice and pictures out (under 30 s once built).
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -44,12 +44,15 @@ if [ ${#fast[@]} -eq 0 ]; then
     echo "A voice through the radio, received and as sent with noise reduction"
     tools/audition tools/voice/clip.wav out/voice_received.wav --received || result=1
     tools/audition tools/voice/clip.wav out/voice_own.wav --own --nr || result=1
+    echo
+    echo "Pictures of the windows"
+    tools/screenshots out/pictures || result=1
 fi
 
 echo
 if [ "$result" -eq 0 ]; then
     echo "out/ holds the package, the timeline, the logs, the flight script, and both sounds with their spectrograms;"
-    [ ${#fast[@]} -gt 0 ] || echo "voice_*.wav and .png are the voice as others hear it."
+    [ ${#fast[@]} -gt 0 ] || echo "voice_*.wav and .png are the voice as others hear it, pictures/ shows the windows."
 else
     echo "Not all went as it should; see out/timeline.txt and the logs beside it." >&2
 fi

@@ -1,5 +1,6 @@
-# wine.sh - sourced by run.sh and test.sh: a Wine prefix of our own and a screen for it, gone when the script ends.
-# Needs: the working folder is the repository's root.
+# wine.sh - sourced by run.sh, test.sh and tools/screenshots: a Wine prefix of our own and a screen for it, gone when
+# the script ends. Needs: the working folder is the repository's root.
+# CORVALIS_WINEPREFIX names another prefix, CORVALIS_DPI the screen's resolution (96; 144 is Windows' 150 %).
 
 export WINEPREFIX="${CORVALIS_WINEPREFIX:-$PWD/build/windows/wineprefix}"
 export WINEDEBUG=-all
@@ -29,12 +30,49 @@ start_screen() {
     rm -f "$number_file"
 }
 
+# What the prefix's registry needs, as a file for regedit: Windows' interface fonts are not here, so each is replaced by
+# a Debian font (packages.sh wine) with glyphs of the same region; and the resolution.
+wine_registry() {
+    cat <<END
+REGEDIT4
+
+[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]
+"Segoe UI"="Open Sans"
+"Consolas"="DejaVu Sans Mono"
+"Microsoft YaHei UI"="Noto Sans CJK SC"
+"Microsoft JhengHei UI"="Noto Sans CJK TC"
+"Yu Gothic UI"="Noto Sans CJK JP"
+"Malgun Gothic"="Noto Sans CJK KR"
+
+[HKEY_CURRENT_USER\\Control Panel\\Desktop]
+"LogPixels"=dword:$(printf '%08x' "${CORVALIS_DPI:-96}")
+END
+}
+
+# One server for the whole run: programs then start in a fraction of a second. Wine's own services are started here,
+# with nowhere to write to: started by a program of ours, they would keep its output pipe open for ever.
+boot_wine() {
+    wineserver -p >/dev/null 2>&1 </dev/null || true
+    wineboot >/dev/null 2>&1 </dev/null
+}
+
+# Only a change costs time: what was registered last stands in the prefix beside the registry.
+register_wine() {
+    local registered="$WINEPREFIX/corvalis.reg"
+    wine_registry | cmp -s - "$registered" && return
+    wine_registry >"$registered.new"
+    wine regedit /S "$(winepath -w "$registered.new" 2>/dev/null)" >/dev/null 2>&1 </dev/null
+    # Fonts and resolution are read when the desktop starts. The server writes the registry as it ends.
+    wineserver -k 2>/dev/null || true
+    wineserver -w 2>/dev/null || true
+    mv "$registered.new" "$registered"
+    boot_wine
+}
+
 start_wine() {
     trap stop_wine EXIT
     start_screen
     mkdir -p "$WINEPREFIX"
-    # One server for the whole run: programs then start in a fraction of a second. Wine's own services are started
-    # here, with nowhere to write to: started by a program of ours, they would keep its output pipe open for ever.
-    wineserver -p >/dev/null 2>&1 </dev/null || true
-    wineboot >/dev/null 2>&1 </dev/null
+    boot_wine
+    register_wine
 }

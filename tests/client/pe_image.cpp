@@ -1,5 +1,4 @@
 #include "tests/client/pe_image.h"
-#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -13,7 +12,7 @@ constexpr std::size_t kDirectories = 112;  // in the optional header
 constexpr std::size_t kDirectoryBytes = 8;
 constexpr std::size_t kSectionBytes = 40;
 constexpr std::uint16_t kMagic64 = 0x20b;
-enum Directory { kExportDirectory = 0, kImportDirectory = 1, kDelayImportDirectory = 13 };
+enum Directory { kExportDirectory = 0, kImportDirectory = 1, kResourceDirectory = 2, kDelayImportDirectory = 13 };
 
 template <class Number>
 Number numberAt(std::string_view image, std::size_t offset) {
@@ -63,6 +62,18 @@ void appendLibraries(std::string_view image, Directory directory, std::size_t ro
     }
 }
 
+// The row with this number in a table of resources: eight bytes, the number first. The rows with a name stand before
+// those with a number.
+std::optional<std::size_t> resourceRow(std::string_view image, std::size_t table, std::uint32_t number) {
+    const auto named = numberAt<std::uint16_t>(image, table + 12);
+    const auto numbered = numberAt<std::uint16_t>(image, table + 14);
+    for (std::size_t i = named; i < std::size_t{named} + numbered; i++) {
+        const std::size_t row = table + 16 + 8 * i;
+        if (numberAt<std::uint32_t>(image, row) == number) return row;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::vector<std::string> exportedNames(std::string_view image) {
@@ -81,4 +92,12 @@ std::vector<std::string> importedLibraries(std::string_view image) {
     appendLibraries(image, kImportDirectory, 20, 12, libraries);
     appendLibraries(image, kDelayImportDirectory, 32, 4, libraries);
     return libraries;
+}
+
+std::optional<std::size_t> resourceNumberOffset(std::string_view image, std::uint32_t type, std::uint32_t number) {
+    constexpr std::uint32_t kIsTable = 0x80000000;
+    const std::size_t types = directoryOffset(image, kResourceDirectory);
+    const auto typeRow = resourceRow(image, types, type);
+    if (!typeRow) return std::nullopt;
+    return resourceRow(image, types + (numberAt<std::uint32_t>(image, *typeRow + 4) & ~kIsTable), number);
 }

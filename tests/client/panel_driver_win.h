@@ -1,0 +1,48 @@
+// panel_driver_win.h - a pilot's hand on the radio panel's real window: finds its elements and turns presses, drags and
+// the wheel into posted messages. Neither the real cursor nor the focus matters.
+// [host] Used from the main thread of a test, the pictures or a benchmark.
+#pragma once
+#include <windows.h>
+#include <cstdint>
+#include "panel/panel_layout.h"
+
+// The panel of this process, null while there is none.
+HWND findPanel();
+// The panel's tooltip control, null while there is none.
+HWND findPanelTip();
+
+// Lets this thread see screen coordinates as the panel's own thread does, at every resolution.
+void useScreenPixels();
+
+class PanelDriver {
+  public:
+    // theme: what the window shows now (panel/panel_layout.h).
+    PanelDriver(HWND panel, std::int32_t theme) : panel_(panel), layout_(themeLayout(theme)), theme_(theme) {}
+
+    HWND window() const { return panel_; }
+    double scale() const;  // client pixels per unit of the layout, as the window's width tells
+    // A client point on the element, well inside; of the large knob's ring for kLargeKnob, a free spot for kBackground.
+    // {-1, -1} when the theme lacks it.
+    POINT pointOn(std::int32_t element) const;
+
+    // Each posts one message at a client point.
+    void press(POINT at) const { postAt(WM_LBUTTONDOWN, MK_LBUTTON, at); }
+    void move(POINT at) const { postAt(WM_MOUSEMOVE, 0, at); }
+    void release(POINT at) const { postAt(WM_LBUTTONUP, 0, at); }
+    void wheel(POINT at, int delta) const;  // 120 a notch, away from the user positive
+
+    void click(std::int32_t element) const;
+    void wheel(std::int32_t element, int delta) const { wheel(pointOn(element), delta); }
+    // Pressed on the element, moved up by pixelsPerMove in each of moves messages (negative: down), and released.
+    void drag(std::int32_t element, int pixelsPerMove, int moves) const;
+    void post(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
+
+  private:
+    void postAt(UINT message, WPARAM keys, POINT at) const;
+    POINT toClient(PanelPoint point) const;
+    PanelPoint freeSpot() const;
+
+    HWND panel_;
+    const ThemeLayout& layout_;
+    std::int32_t theme_;
+};

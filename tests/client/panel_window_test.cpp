@@ -1,0 +1,277 @@
+// The radio panel's window: size, place, stacking, visibility, and what it leaves behind.
+#include <cmath>
+#include "tests/client/panel_test.h"
+#include "tests/client/resource_count_win.h"
+
+namespace {
+
+RECT workArea() {
+    MONITORINFO monitor = {};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoW(MonitorFromWindow(findPanel(), MONITOR_DEFAULTTONEAREST), &monitor);
+    return monitor.rcWork;
+}
+
+int pixelsUp(double length) {
+    return static_cast<int>(std::ceil(length - 1e-6));
+}
+
+// Presents the panel now, and returns when that is done.
+void presentNow() {
+    SendMessageW(findPanel(), WM_DISPLAYCHANGE, 32, 0);
+}
+
+// Another window that is always on top. Wine gives the style to a window that owns a topmost one, as the panel its tip,
+// only when a further topmost window follows.
+class TopmostWindow {
+  public:
+    TopmostWindow()
+        : window_(CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, L"Static", L"", WS_POPUP, 0, 0,
+                                  1, 1, nullptr, nullptr, nullptr, nullptr)) {}
+    ~TopmostWindow() { DestroyWindow(window_); }
+    TopmostWindow(const TopmostWindow&) = delete;
+    TopmostWindow& operator=(const TopmostWindow&) = delete;
+
+  private:
+    HWND window_;
+};
+
+bool isTopmost() {
+    return (GetWindowLongW(findPanel(), GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+}
+
+bool hasPanelClass() {
+    WNDCLASSEXW description = {};
+    description.cbSize = sizeof description;
+    return GetClassInfoExW(GetModuleHandleW(L"corvalis_win64.dll"), L"CorvalisRadioPanel", &description) != 0;
+}
+
+}  // namespace
+
+using PanelWindow = PanelTest;
+
+TEST_F(PanelWindow, IsLayeredAToolWindowAndTitled) {
+    ASSERT_TRUE(show(kGeneralTheme));
+    const auto style = static_cast<DWORD>(GetWindowLongW(findPanel(), GWL_STYLE));
+    const auto extended = static_cast<DWORD>(GetWindowLongW(findPanel(), GWL_EXSTYLE));
+    EXPECT_TRUE(style & WS_POPUP);
+    EXPECT_FALSE(style & (WS_CAPTION | WS_THICKFRAME));
+    EXPECT_TRUE(extended & WS_EX_LAYERED);
+    EXPECT_TRUE(extended & WS_EX_TOOLWINDOW);
+    EXPECT_FALSE(isTopmost());
+    wchar_t title[64] = {};
+    GetWindowTextW(findPanel(), title, 64);
+    EXPECT_STREQ(title, L"Corvalis Radio");
+    EXPECT_EQ(GetWindow(findPanel(), GW_OWNER), nullptr);
+}
+
+TEST_F(PanelWindow, HasTheSizeOfItsThemeAndScale) {
+    const struct {
+        std::int32_t theme;
+        double width, height;  // of the theme, units
+    } rows[] = {{kGeneralTheme, 1964, 595}, {kBoeingTheme, 1793, 793}, {kAirbusTheme, 1579, 924}};
+    for (const auto& row : rows) {
+        for (const double percent : {50.0, 100.0, 137.0}) {
+            ASSERT_TRUE(show(row.theme, "panel_scale=" + std::to_string(static_cast<int>(percent)) + "\r\n"));
+            const double width = 900.0 * percent / 100.0 * GetDpiForWindow(findPanel()) / 96.0;
+            const RECT rect = screenRect();
+            EXPECT_EQ(rect.right - rect.left, pixelsUp(width)) << kThemeNames[row.theme] << percent;
+            EXPECT_EQ(rect.bottom - rect.top, pixelsUp(width * row.height / row.width))
+                << kThemeNames[row.theme] << percent;
+            session.stop();
+        }
+    }
+}
+
+TEST_F(PanelWindow, StandsWhereTheSettingsSay) {
+    ASSERT_TRUE(show(kBoeingTheme, "panel_x=123\r\npanel_y=45\r\n"));
+    EXPECT_EQ(screenRect().left, 123);
+    EXPECT_EQ(screenRect().top, 45);
+}
+
+TEST_F(PanelWindow, IsBroughtBackFromBeyondTheScreenAndKeepsItsStoredPlace) {
+    ASSERT_TRUE(show(kGeneralTheme, "panel_x=30000\r\npanel_y=25000\r\n"));
+    EXPECT_EQ(screenRect().right, workArea().right);
+    EXPECT_EQ(screenRect().bottom, workArea().bottom);
+    EXPECT_TRUE(clickSaves(kCom2Key, "radio=COM2"));
+    EXPECT_TRUE(isSaved("panel_x=30000"));
+    EXPECT_TRUE(isSaved("panel_y=25000"));
+    session.stop();
+    ASSERT_TRUE(show(kGeneralTheme, "panel_x=-5000\r\npanel_y=-5000\r\n"));
+    EXPECT_EQ(screenRect().left, workArea().left);
+    EXPECT_EQ(screenRect().top, workArea().top);
+}
+
+TEST_F(PanelWindow, FollowsANewThemeAndScaleWhileItStands) {
+    ASSERT_TRUE(show(kGeneralTheme));
+    for (const std::int32_t theme : {kAirbusTheme, kBoeingTheme, kGeneralTheme}) {
+        // A second init reads the settings anew and keeps the window.
+        ASSERT_TRUE(session.writeSettings("theme=" + std::to_string(theme) + "\r\npanel_scale=80\r\n"));
+        const HWND before = findPanel();
+        ASSERT_TRUE(session.start());
+        EXPECT_EQ(findPanel(), before);
+        const ThemeLayout& layout = themeLayout(theme);
+        const double width = 720.0 * GetDpiForWindow(findPanel()) / 96.0;
+        const int height = pixelsUp(width * static_cast<double>(layout.height) / static_cast<double>(layout.width));
+        EXPECT_TRUE(session.waitUntil([&] { return screenRect().bottom - screenRect().top == height; }))
+            << kThemeNames[theme] << ": " << screenRect().bottom - screenRect().top << " instead of " << height;
+    }
+}
+
+TEST_F(PanelWindow, ClosedByTheUserItOnlyHides) {
+    ASSERT_TRUE(show(kAirbusTheme));
+    panel().post(WM_CLOSE);
+    EXPECT_TRUE(becomesSaved("panel_visible=0"));
+    EXPECT_TRUE(session.waitUntil([&] { return findPanel() && !isShown(); }));
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+    EXPECT_TRUE(session.waitUntil([&] { return isShown(); }));
+}
+
+TEST_F(PanelWindow, StaysHiddenWhenTheSettingsSaySo) {
+    ASSERT_TRUE(startWith(kBoeingTheme, "panel_visible=0\r\n"));
+    ASSERT_TRUE(session.waitUntil([] { return findPanel() != nullptr; }));
+    for (int i = 0; i < 5; i++) presentNow();
+    EXPECT_FALSE(IsWindowVisible(findPanel()));
+}
+
+TEST_F(PanelWindow, PinMakesItTopmostOnceAndTakesThatBackOnce) {
+    const TopmostWindow another;
+    ASSERT_TRUE(show(kBoeingTheme));
+    ASSERT_TRUE(clickSaves(kPinKey, "pin=1"));
+    ASSERT_TRUE(session.waitUntil([] { return isTopmost(); }));
+    // Put down by somebody else: only a change of the setting counts.
+    SetWindowPos(findPanel(), HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    for (int i = 0; i < 5; i++) presentNow();
+    EXPECT_FALSE(isTopmost());
+    ASSERT_TRUE(clickSaves(kPinKey, "pin=0"));
+    presentNow();
+    SetWindowPos(findPanel(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    for (int i = 0; i < 5; i++) presentNow();
+    EXPECT_TRUE(isTopmost());
+}
+
+TEST_F(PanelWindow, StartsPinnedWhenTheSettingsSaySo) {
+    const TopmostWindow another;
+    ASSERT_TRUE(show(kGeneralTheme, "pin=1\r\n"));
+    EXPECT_TRUE(session.waitUntil([] { return isTopmost(); }));
+}
+
+TEST_F(PanelWindow, TheEndOfAMoveIsSaved) {
+    ASSERT_TRUE(show(kGeneralTheme));
+    SendMessageW(findPanel(), WM_ENTERSIZEMOVE, 0, 0);
+    SetWindowPos(findPanel(), nullptr, 211, 97, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SendMessageW(findPanel(), WM_EXITSIZEMOVE, 0, 0);
+    EXPECT_TRUE(isSaved("panel_x=211"));
+    EXPECT_TRUE(isSaved("panel_y=97"));
+    presentNow();
+    EXPECT_EQ(screenRect().left, 211);
+    EXPECT_EQ(screenRect().top, 97);
+}
+
+TEST_F(PanelWindow, IsLeftAloneWhileItIsMoved) {
+    ASSERT_TRUE(show(kGeneralTheme));
+    SendMessageW(findPanel(), WM_ENTERSIZEMOVE, 0, 0);
+    SetWindowPos(findPanel(), nullptr, 300, 200, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ASSERT_TRUE(session.waitTicks(300));  // nine ticks of its timer, did it run
+    EXPECT_EQ(screenRect().left, 300);
+    EXPECT_EQ(screenRect().top, 200);
+    SendMessageW(findPanel(), WM_EXITSIZEMOVE, 0, 0);
+    // The timer is back: the panel goes where the settings say.
+    session.writeSettings("panel_x=40\r\npanel_y=50\r\n");
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(session.waitUntil([&] { return screenRect().left == 40 && screenRect().top == 50; }));
+}
+
+TEST_F(PanelWindow, APressOnTheBackgroundBeginsAMove) {
+    ASSERT_TRUE(show(kGeneralTheme, "panel_x=150\r\npanel_y=60\r\n"));
+    const POINT at = panel().pointOn(kBackground);
+    panel().press(at);
+    panel().release(at);
+    EXPECT_TRUE(becomesSaved("panel_visible=1"));  // a line that this test did not write: the plugin saved
+    EXPECT_TRUE(isSaved("panel_x=150"));
+    EXPECT_TRUE(isSaved("panel_y=60"));
+}
+
+TEST_F(PanelWindow, ErasesNothing) {
+    ASSERT_TRUE(show(kGeneralTheme));
+    EXPECT_EQ(SendMessageW(findPanel(), WM_ERASEBKGND, 0, 0), 1);
+}
+
+TEST_F(PanelWindow, TakesAnyOpacityAndScale) {
+    for (const char* lines : {"opacity=30\r\npanel_scale=50\r\n", "opacity=100\r\npanel_scale=200\r\n"}) {
+        ASSERT_TRUE(show(kAirbusTheme, lines)) << lines;
+        const RECT rect = screenRect(), area = workArea();
+        EXPECT_LE(rect.right, area.right);
+        EXPECT_LE(rect.bottom, area.bottom);
+        session.stop();
+    }
+}
+
+TEST_F(PanelWindow, LeavesNoClassAndNoWindowOverTwoLoads) {
+    for (int i = 0; i < 3; i++) {
+        ASSERT_TRUE(show(i));
+        EXPECT_TRUE(hasPanelClass());
+        session.stop();
+        EXPECT_FALSE(hasPanelClass());
+        EXPECT_EQ(findPanel(), nullptr);
+        EXPECT_EQ(findPanelTip(), nullptr);
+        session.plugin.unload();
+        EXPECT_EQ(GetModuleHandleW(L"corvalis_win64.dll"), nullptr);
+    }
+}
+
+// Another theme in another size, drawn anew many times with its knob turning.
+class PanelResources : public PanelTest {
+  protected:
+    void presentAll() {
+        for (const std::int32_t theme : {kBoeingTheme, kAirbusTheme, kGeneralTheme}) {
+            for (const int percent : {60, 100, 75}) present(theme, percent);
+        }
+    }
+
+  private:
+    void present(std::int32_t theme, int percent) {
+        session.writeSettings("theme=" + std::to_string(theme) + "\r\npanel_scale=" + std::to_string(percent) + "\r\n");
+        ASSERT_TRUE(session.start());
+        const PanelDriver driver(findPanel(), theme);
+        presentNow();
+        const POINT knob = driver.pointOn(theme == kGeneralTheme ? kStandbyMhzDigits : kLargeKnob);
+        POINT at = knob;
+        ClientToScreen(findPanel(), &at);
+        for (int i = 0; i < 20; i++) {
+            SendMessageW(findPanel(), WM_MOUSEWHEEL, MAKEWPARAM(0, i % 2 ? 120 : -120), MAKELPARAM(at.x, at.y));
+            SendMessageW(findPanel(), WM_MOUSEMOVE, 0, MAKELPARAM(knob.x, knob.y));
+            presentNow();
+        }
+    }
+};
+
+TEST_F(PanelResources, DoNotGrowOverManyPresentations) {
+    ASSERT_TRUE(show(kGeneralTheme));
+    for (int i = 0; i < 2; i++) presentAll();  // what is cached is there now
+    const ResourceCount before = countResources();
+    ASSERT_GT(before.gdiObjects, 0);
+    ASSERT_GT(before.userObjects, 0);
+    for (int i = 0; i < 3; i++) presentAll();
+    const ResourceCount after = countResources();
+    EXPECT_LE(after.gdiObjects, before.gdiObjects + 2);
+    EXPECT_LE(after.userObjects, before.userObjects);
+    EXPECT_LE(after.handles, before.handles + 3);
+    // 540 presentations of a megabyte each: one that stays behind is seen.
+    EXPECT_LT(static_cast<double>(after.privateBytes), static_cast<double>(before.privateBytes) + 8.0e6);
+}
+
+TEST_F(PanelResources, AreGivenBackAtShutdown) {
+    const auto cycle = [&](std::int32_t theme) {
+        ASSERT_TRUE(show(theme));
+        session.stop();
+    };
+    for (int i = 0; i < kThemeCount; i++) cycle(i);
+    const ResourceCount before = countResources();
+    for (int i = 0; i < 3 * kThemeCount; i++) cycle(i % kThemeCount);
+    const ResourceCount after = countResources();
+    EXPECT_LE(after.gdiObjects, before.gdiObjects);
+    EXPECT_LE(after.userObjects, before.userObjects);
+    EXPECT_LE(after.handles, before.handles + 3);
+    EXPECT_LT(static_cast<double>(after.privateBytes), static_cast<double>(before.privateBytes) + 8.0e6);
+}

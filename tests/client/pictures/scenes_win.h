@@ -1,0 +1,31 @@
+// scenes_win.h - what tools/screenshots takes pictures of. A new window or state is a new row (scenes_win.cpp).
+#pragma once
+#include <windows.h>
+#include <span>
+#include "tests/client/client_session_win.h"
+#include "tests/client/panel_driver_win.h"
+
+// The running plugin while a scene is set.
+struct Stage {
+    ClientSession& session;
+    PanelDriver panel;
+    std::int32_t theme;
+};
+
+enum class Moment {
+    kStill,      // once nothing changes any more
+    kBrightest,  // of what flashes
+};
+
+struct Scene {
+    const char* name;                       // part of the file's name
+    const char* settings;                   // lines of settings.ini besides the theme
+    void (*prepare)(FakeTelemetry& flown);  // the aircraft's radios before the start; null: no simulator
+    void (*act)(Stage& stage);              // once the panel stands; null: nothing
+    HWND (*window)();                       // what the picture is of
+    Moment moment;
+    bool atEveryResolution;  // not only at 100 %
+};
+
+// Each is taken in every theme.
+std::span<const Scene> panelScenes();

@@ -1,0 +1,41 @@
+// screen_picture_win.h - pictures of the screen as a user sees it, translucent windows blended with what is behind
+// them: that needs a compositor on the screen (tools/screenshots starts one). [host] All of it on one thread, which
+// sees screen pixels (useScreenPixels).
+#pragma once
+#include <windows.h>
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+// A part of the screen at one moment.
+struct ScreenPicture {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels;  // 0x00RRGGBB, rows from the top
+
+    bool operator==(const ScreenPicture&) const = default;
+};
+
+ScreenPicture takePicture(const RECT& part);
+double brightnessOf(const ScreenPicture& picture);  // mean of the three colours, 0..255
+// As a PNG; false if it cannot be written. GDI+ must be running.
+bool savePicture(const ScreenPicture& picture, const std::filesystem::path& file);
+
+// What stands behind the windows: the whole screen, light on the left and dark on the right of a line.
+class Ground {
+  public:
+    Ground();
+    ~Ground();
+    Ground(const Ground&) = delete;
+    Ground& operator=(const Ground&) = delete;
+
+    void divideAt(int screenX);
+    void serve();  // its messages; call it while waiting
+
+  private:
+    static LRESULT CALLBACK wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    void paint() const;
+
+    HWND window_ = nullptr;
+    int middle_ = 0;
+};

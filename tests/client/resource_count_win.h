@@ -1,0 +1,13 @@
+// resource_count_win.h - what this process holds of the system: to see that repeated work leaves nothing behind.
+// [host] Used from the main thread of a test or a benchmark, while the other threads stand still or do the same work.
+#pragma once
+#include <cstdint>
+
+struct ResourceCount {
+    int gdiObjects = 0;
+    int userObjects = 0;  // where the system keeps no count of them (Wine): the windows
+    int handles = 0;
+    std::uint64_t privateBytes = 0;
+};
+
+ResourceCount countResources();
