@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # test.sh - installs what is missing, builds everything and runs all tests: unit tests natively, under the address,
-# undefined-behaviour and thread sanitizers and under Wine; the real DLL in the stand-in voice client; each fuzz target
-# for FUZZ_SECONDS (20). Logs stand in build/test-logs. Ends with the sum of all runs.
+# undefined-behaviour and thread sanitizers and under Wine; the real DLL in the stand-in voice client; the artwork; each
+# fuzz target for FUZZ_SECONDS (20). Logs stand in build/test-logs. Ends with the sum of all runs.
 set -uo pipefail
 cd "$(dirname "$0")"
 
@@ -93,6 +93,12 @@ if build windows; then
     # Most of a test is waiting for the plugin's own times: more than there are cores.
     run_tests windows 4
 fi
+
+echo "== artwork"
+/usr/bin/python3 tools/artwork/check_art.py --prove >"$logs/artwork.log" 2>&1
+artwork=$?
+cat "$logs/artwork.log"
+count $artwork "the artwork does not fit the layout tables"
 
 echo "== fuzz targets, $fuzz_seconds s each"
 build fuzz && fuzz_all

@@ -13,7 +13,7 @@ build_packages=(
 wine_packages=(wine wine64 xvfb xauth sox fonts-noto-cjk fonts-open-sans fonts-dejavu-core fonts-liberation)
 pictures_packages=(xcompmgr)
 voice_packages=(sox python3-matplotlib python3-numpy)
-test_packages=(libclang-rt-14-dev)
+test_packages=(libclang-rt-14-dev python3-numpy python3-pil)
 artwork_packages=(blender fonts-b612 python3-numpy python3-pil)
 
 wanted=()
