@@ -191,8 +191,12 @@ void measureNewSpeakers() {
         for (std::uint16_t client = 1; client <= 513; client++) first.push_back(timed(client));
         dropping.push_back(timed(1));
     }
-    std::printf("new speaker, block of one sample, processor time: median %.2f us, worst %.2f us of %zu (limit %.0f)\n",
-                median(first), *std::max_element(first.begin(), first.end()), first.size(), kNewSpeakerUs);
+    // The worst of so many is the machine's (a page of memory it has to find first, an interruption): with its share.
+    std::printf(
+        "new speaker, block of one sample, processor time: median %.2f us, worst %.2f us, %td of %zu over %.0f us\n",
+        median(first), *std::max_element(first.begin(), first.end()),
+        std::count_if(first.begin(), first.end(), [](double us) { return us > kNewSpeakerUs; }), first.size(),
+        kNewSpeakerUs);
     std::printf(
         "dropping 513 speakers and a new one, processor time: median %.1f us, worst %.1f us of %zu (deadline %.0f)\n",
         median(dropping), *std::max_element(dropping.begin(), dropping.end()), dropping.size(), kDeadlineUs);

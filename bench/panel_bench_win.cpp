@@ -17,6 +17,7 @@
 #include "panel/gdiplus_win.h"
 #include "tests/client/fake_telemetry.h"
 #include "tests/client/host_model.h"
+#include "tests/client/message_driver_win.h"
 #include "tests/client/panel_driver_win.h"
 #include "tests/client/plugin_library_win.h"
 #include "tests/client/resource_count_win.h"
@@ -70,6 +71,7 @@ class Client {
     void keepFlying() {
         if (systemTickMs() - publishedAtMs_ >= kPublishEveryMs) publish();
     }
+    void toggleMessages() { plugin_.exports().onMenuItemEvent(1, 0, 3, 0); }
     void receiveText() {
         HostTextMessage text;
         text.message = "PDC 1423";
@@ -171,6 +173,15 @@ void measurePanel(Client& client, std::uint64_t ms) {
     client.show(kAirbusTheme, 100, false);
     settle();
     measure(client, "hidden", ms, "(limit 0.3)", [](std::uint64_t) {});
+    // The message window alone, on the same thread.
+    client.toggleMessages();
+    client.receiveText();
+    settle();
+    measure(client, isMessageWindowShown() ? "message window, standing still" : "message window: NOT SHOWN", ms,
+            "(limit 2)", [](std::uint64_t) {});
+    client.toggleMessages();
+    settle();
+    measure(client, "message window hidden again", ms, "(limit 0.3)", [](std::uint64_t) {});
 }
 
 // --- the baseline: everything drawn anew each time, as one would write it first ---

@@ -1,5 +1,6 @@
 // argb_image.h - pictures in memory: 32-bit premultiplied ARGB, the first row on top, as the layered window takes them.
-// Values and views; a view does not own its pixels. Every operation is cut to both pictures: nothing outside is touched.
+// Values and views; a view does not own its pixels. Every operation is cut to both pictures: nothing outside is
+// touched.
 #pragma once
 #include <emmintrin.h>
 #include <cstddef>

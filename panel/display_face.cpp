@@ -91,7 +91,8 @@ ArgbImage DisplayFace::paintDigit(std::size_t index, FrequencyState state) const
     forEachPixel(image.bounds(), [&](std::int32_t x, std::int32_t y, PanelPoint point) {
         const float unlit = coverageOf(segmentsDistance(outlines, static_cast<std::uint8_t>(~lit), point));
         const std::uint32_t ground = premultiplied(colour, style.unlitShare * unlit);
-        const std::uint32_t light = litPixel(colour, segmentsDistance(outlines, lit, point), reach, glowStrength(state));
+        const std::uint32_t light =
+            litPixel(colour, segmentsDistance(outlines, lit, point), reach, glowStrength(state));
         image.row(y)[x] = blendOver(ground, light);
     });
     return image;

@@ -1,9 +1,11 @@
 // gdiplus_win.h - GDI+ and COM for one thread, as owners. <gdiplus.h> wants other headers before it; these are they.
 #pragma once
+// clang-format off
 #include <windows.h>
 #include <objbase.h>
 #include <propidl.h>
 #include <gdiplus.h>
+// clang-format on
 
 // GDI+ version 1 while it lives. Goes on without it when it cannot be started: every call then fails.
 class GdiPlusSession {

@@ -81,6 +81,8 @@ struct Weights {
                                        0.5f * (2.0f - 5.0f * t2 + 3.0f * t3), 0.5f * (2.0f * t2 - t - t3));
         const __m128i words = _mm_cvtps_epi32(_mm_mul_ps(bend, _mm_set1_ps(16384.0f)));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(q), _mm_packs_epi32(words, words));
+        // Rounded one by one they need not add up, and a plain picture would lose a shade.
+        q[1] = static_cast<short>(16384 - q[0] - q[2] - q[3]);
     }
     // Two neighbouring weights in every 32-bit lane.
     __m128i pair(int first) const {
@@ -120,13 +122,23 @@ __m128 sample(const ArgbImage& sprite, float x, float y) {
 struct InverseMap {
     float xx, xy, yx, yy;
 
-    InverseMap(float oval, const SpritePose& pose) {
+    InverseMap(PanelPoint radii, const SpritePose& pose) {
         const float turn = pose.turnDegrees * std::numbers::pi_v<float> / 180.0f;
+        const float oval = radii.y > 0.0f ? radii.x / radii.y : 1.0f;
         xx = yy = std::cos(turn) / pose.sizeShare;
         xy = std::sin(turn) / pose.sizeShare * oval;
         yx = -std::sin(turn) / pose.sizeShare / oval;
     }
 };
+
+// The columns of one target row that an oval can reach; all of them for a rectangle.
+PixelRect rowReach(const PixelRect& area, PanelPoint radii, const SpritePose& pose, float dy) {
+    if (!(radii.y > 0.0f)) return area;
+    const float share = std::max(0.0f, std::fabs(dy) / pose.sizeShare - 1.0f) / radii.y;
+    const float half = share < 1.0f ? radii.x * std::sqrt(1.0f - share * share) * pose.sizeShare + 1.0f : 0.0f;
+    return intersectRects(area, {static_cast<std::int32_t>(std::floor(pose.at.x - half)), area.top,
+                                 static_cast<std::int32_t>(std::ceil(pose.at.x + half)), area.bottom});
+}
 
 PixelRect reachOf(const Sprite& sprite, const SpritePose& pose) {
     const float left = pose.at.x - sprite.pivot.x * pose.sizeShare;
@@ -157,13 +169,14 @@ ArgbImage scaleImage(const ArgbImage& source, PanelPoint origin, float scale, st
 void stampSprite(const ArgbView& target, const Sprite& sprite, const SpritePose& pose, const PixelRect& clip) {
     if (sprite.image.isEmpty() || !(pose.sizeShare > 0.0f)) return;
     const PixelRect area = intersectRects(intersectRects(clip, target.bounds()), reachOf(sprite, pose));
-    const InverseMap map(sprite.oval, pose);
+    const InverseMap map(sprite.radii, pose);
     const float dim = pose.brightness;
     const __m128 brightness = _mm_set_ps(1.0f, dim, dim, dim);
     for (std::int32_t y = area.top; y < area.bottom; y++) {
         std::uint32_t* row = target.row(y);
         const float dy = static_cast<float>(y) + 0.5f - pose.at.y;
-        for (std::int32_t x = area.left; x < area.right; x++) {
+        const PixelRect reach = rowReach(area, sprite.radii, pose, dy);
+        for (std::int32_t x = reach.left; x < reach.right; x++) {
             const float dx = static_cast<float>(x) + 0.5f - pose.at.x;
             const float fromX = sprite.pivot.x - 0.5f + map.xx * dx + map.xy * dy;
             const float fromY = sprite.pivot.y - 0.5f + map.yx * dx + map.yy * dy;

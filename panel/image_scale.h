@@ -13,9 +13,9 @@ inline constexpr std::int32_t kSpriteMargin = 3;
 
 // A piece cut out of a picture, to be moved, turned and shaded about a point of it.
 struct Sprite {
-    ArgbImage image;    // with kSpriteMargin
-    PanelPoint pivot;   // pixels from the image's top left corner
-    float oval = 1.0f;  // the outline's width by its height: an oval turns within its outline
+    ArgbImage image;   // with kSpriteMargin
+    PanelPoint pivot;  // pixels from the image's top left corner
+    PanelPoint radii;  // of an oval about the pivot, pixels: it turns within its outline; both 0: a rectangle
 };
 
 // How a sprite is laid over a picture.
@@ -26,5 +26,5 @@ struct SpritePose {
     float brightness = 1.0f;   // of its colours, 0..1
 };
 
-// A sprite that is turned must lie within an oval about its pivot.
+// Only an oval can be turned.
 void stampSprite(const ArgbView& target, const Sprite& sprite, const SpritePose& pose, const PixelRect& clip);

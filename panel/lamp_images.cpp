@@ -5,10 +5,10 @@
 
 namespace {
 
-constexpr float kGlowReach = 22.0f;    // logical units from the glass to where the glow ends
+constexpr float kGlowReach = 22.0f;  // logical units from the glass to where the glow ends
 constexpr float kGlowStrength = 0.42f;
-constexpr float kHotShare = 0.62f;     // how near to white the middle of the glass is
-constexpr float kBarRadius = 3.0f;     // logical units, corners
+constexpr float kHotShare = 0.62f;  // how near to white the middle of the glass is
+constexpr float kBarRadius = 3.0f;  // logical units, corners
 constexpr float kSquareRadius = 3.5f;
 
 float lampDistance(const PanelRect& lamp, std::int32_t style, float scale, PanelPoint point) {

@@ -5,9 +5,9 @@
 
 namespace {
 
-constexpr float kPressShrink = 0.035f; // of its size
-constexpr float kPressShade = 0.22f;   // of its brightness
-constexpr float kHoleShade = 0.85f;    // opacity of the dark beneath it
+constexpr float kPressShrink = 0.035f;  // of its size
+constexpr float kPressShade = 0.22f;    // of its brightness
+constexpr float kHoleShade = 0.85f;     // opacity of the dark beneath it
 
 bool isKnob(const ElementLayer& element) {
     return element.spot->round;
@@ -22,13 +22,17 @@ float pressOf(const PanelPicture& picture, const ElementLayer& element) {
     return picture.pressedElement == element.spot->id && !isKnob(element) ? picture.pressLevel : 0.0f;
 }
 
-bool looksDifferent(const ElementLayer& element, const PanelPicture& before, const PanelPicture& after) {
+// The part of an element that looks different; empty when it looks the same.
+PixelRect changedPart(const ElementLayer& element, const PanelPicture& before, const PanelPicture& after) {
     const std::int32_t id = element.spot->id;
-    if (id == kVolumeKnob) return before.volumeAngle != after.volumeAngle;
-    if (id == kLargeKnob)
-        return before.largeKnobAngle != after.largeKnobAngle || before.smallKnobAngle != after.smallKnobAngle;
-    if (id == kPinKey && before.pinned != after.pinned) return true;
-    return pressOf(before, element) != pressOf(after, element) || isLit(before, id) != isLit(after, id);
+    if (id == kVolumeKnob) return before.volumeAngle != after.volumeAngle ? element.bounds : PixelRect{};
+    if (id == kLargeKnob) {
+        if (before.largeKnobAngle != after.largeKnobAngle) return element.bounds;
+        return before.smallKnobAngle != after.smallKnobAngle ? element.innerBounds : PixelRect{};
+    }
+    const bool isSame = pressOf(before, element) == pressOf(after, element) && isLit(before, id) == isLit(after, id) &&
+                        (id != kPinKey || before.pinned == after.pinned);
+    return isSame ? PixelRect{} : element.bounds;
 }
 
 // Draws the parts of one picture inside one rectangle.
@@ -108,11 +112,12 @@ class Painter {
 std::vector<PixelRect> changedAreas(const PanelLayers& layers, const PanelPicture& before, const PanelPicture& after) {
     std::vector<PixelRect> areas;
     for (std::size_t i = 0; i < after.frequencies.size(); i++) {
-        if (before.frequencies[i] != after.frequencies[i])
-            areas.push_back(pixelsAround(layers.displays.rect(i), 0.0f));
+        if (before.frequencies[i] != after.frequencies[i]) areas.push_back(pixelsAround(layers.displays.rect(i), 0.0f));
     }
-    for (const ElementLayer& element : layers.elements)
-        if (looksDifferent(element, before, after)) areas.push_back(element.bounds);
+    for (const ElementLayer& element : layers.elements) {
+        const PixelRect part = changedPart(element, before, after);
+        if (!part.isEmpty()) areas.push_back(part);
+    }
     if (before.txLit != after.txLit) areas.push_back(layers.txLamp.bounds());
     if (before.rxLit != after.rxLit) areas.push_back(layers.rxLamp.bounds());
     if (before.statusText != after.statusText) areas.push_back(layers.statusAreas[0]);

@@ -1,16 +1,8 @@
 // panel_geometry.h - where on the screen the panel is, how large and how opaque. Pure functions; screen pixels.
 #pragma once
 #include <cstdint>
+#include "base/screen_rect.h"
 #include "settings/settings.h"
-
-struct ScreenRect {
-    std::int32_t left = 0;
-    std::int32_t top = 0;
-    std::int32_t right = 0;  // exclusive
-    std::int32_t bottom = 0;
-
-    bool operator==(const ScreenRect&) const = default;
-};
 
 struct PanelPlacement {
     float scale = 1.0f;  // pixels per logical unit, above 0

@@ -7,10 +7,10 @@
 
 namespace {
 
-constexpr float kGlassRadius = 5.0f;     // logical units
-constexpr float kShadowDepth = 9.0f;     // logical units: the bezel's shadow on the glass, from the top edge down
+constexpr float kGlassRadius = 5.0f;  // logical units
+constexpr float kShadowDepth = 9.0f;  // logical units: the bezel's shadow on the glass, from the top edge down
 constexpr float kShadowStrength = 0.5f;
-constexpr float kStatusInset = 12.0f;    // logical units, at both ends of a status line
+constexpr float kStatusInset = 12.0f;  // logical units, at both ends of a status line
 
 PanelRect toPixels(const ThemeLayout& layout, const PanelRect& rect, float scale) {
     return {(rect.x - layout.origin.x) * scale, (rect.y - layout.origin.y) * scale, rect.width * scale,
@@ -29,10 +29,10 @@ void paintGlass(ArgbImage& face, const PanelRect& glass, float scale) {
     });
 }
 
-ArgbImage makeFace(const ArgbImage& art, const ThemeLayout& layout, std::int32_t theme, float scale,
-                   std::int32_t width, std::int32_t height) {
-    ArgbImage face =
-        art.isEmpty() ? paintPlainFace(theme, scale, width, height) : scaleImage(art, layout.origin, scale, width, height);
+ArgbImage makeFace(const ArgbImage& art, const ThemeLayout& layout, std::int32_t theme, float scale, std::int32_t width,
+                   std::int32_t height) {
+    ArgbImage face = art.isEmpty() ? paintPlainFace(theme, scale, width, height)
+                                   : scaleImage(art, layout.origin, scale, width, height);
     for (const PanelRect& display : layout.displays) paintGlass(face, toPixels(layout, display, scale), scale);
     return face;
 }
@@ -41,10 +41,9 @@ ArgbImage makeFace(const ArgbImage& art, const ThemeLayout& layout, std::int32_t
 template <class Distance>
 Sprite cutSprite(const ArgbImage& face, const PanelRect& rect, Distance distance) {
     const PixelRect area = pixelsAround(rect, static_cast<float>(kSpriteMargin));
-    Sprite sprite{cropImage(face, area), {}, 1.0f};
+    Sprite sprite{cropImage(face, area), {}, {}};
     sprite.pivot = {rect.x + rect.width / 2 - static_cast<float>(area.left),
                     rect.y + rect.height / 2 - static_cast<float>(area.top)};
-    if (rect.height > 0.0f) sprite.oval = rect.width / rect.height;
     if (sprite.image.isEmpty()) return sprite;
     forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
         std::uint32_t& pixel = sprite.image.row(y - area.top)[x - area.left];
@@ -58,7 +57,9 @@ Sprite cutSprite(const ArgbImage& face, const PanelRect& rect, Distance distance
 }
 
 Sprite cutRound(const ArgbImage& face, const PanelRect& rect) {
-    return cutSprite(face, rect, [&](PanelPoint point) { return ellipseDistance(rect, point); });
+    Sprite sprite = cutSprite(face, rect, [&](PanelPoint point) { return ellipseDistance(rect, point); });
+    sprite.radii = {rect.width / 2, rect.height / 2};
+    return sprite;
 }
 
 Sprite cutKey(const ArgbImage& face, const PanelRect& rect, float scale) {
@@ -78,7 +79,11 @@ ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const
     element.spot = &spot;
     element.rect = toPixels(layout, spot.rect, scale);
     element.sprite = spot.round ? cutRound(face, element.rect) : cutKey(face, element.rect, scale);
-    if (spot.id == kLargeKnob) element.inner = cutRound(face, smallKnobOf(element.rect));
+    if (spot.id == kLargeKnob) {
+        const PanelRect small = smallKnobOf(element.rect);
+        element.inner = cutRound(face, small);
+        element.innerBounds = pixelsAround(small, 1.0f);
+    }
     if (spot.id == kPinKey) {
         element.pinned = element.sprite;
         element.pinned.image = tintIcon(element.sprite.image, style.pinIcon);
@@ -87,8 +92,8 @@ ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const
     if (spot.indicator.width > 0.0f) {
         const std::uint32_t colour = spot.id == kCustomKeyA ? style.textLamp : style.keyLamp;
         element.lit = makeLitLamp(toPixels(layout, spot.indicator, scale), spot.indicatorStyle, colour, scale);
-        element.isLampOnKey = containsPoint(spot.rect, {spot.indicator.x + spot.indicator.width / 2,
-                                                        spot.indicator.y + spot.indicator.height / 2});
+        element.isLampOnKey = containsPoint(
+            spot.rect, {spot.indicator.x + spot.indicator.width / 2, spot.indicator.y + spot.indicator.height / 2});
         element.bounds = uniteRects(element.bounds, element.lit.bounds());
         if (element.isLampOnKey) element.bounds.bottom += static_cast<std::int32_t>(std::ceil(kPressDepth * scale)) + 1;
     }
@@ -116,8 +121,7 @@ PanelLayers::PanelLayers(const ArgbImage& art, std::int32_t themeIndex, float pi
     const ThemeLayout& layout = themeLayout(theme);
     const PanelStyle& style = panelStyle(theme);
     face = makeFace(art, layout, theme, scale, width, height);
-    for (const PanelHotspot& spot : layout.hotspots)
-        elements.push_back(makeElement(face, layout, style, spot, scale));
+    for (const PanelHotspot& spot : layout.hotspots) elements.push_back(makeElement(face, layout, style, spot, scale));
     txLamp = makeLitLamp(toPixels(layout, layout.txLamp, scale), layout.lampStyle, kTransmitLamp, scale);
     rxLamp = makeLitLamp(toPixels(layout, layout.rxLamp, scale), layout.lampStyle, kReceiveLamp, scale);
     statusAreas = statusAreasOf(layout, scale);

@@ -1,5 +1,5 @@
-// panel_layers.h - everything of a theme that is the same in every picture of one size: the face with empty displays, the
-// keys and knobs cut out of it, the lit lamps. Made once (tens of milliseconds), so that a frame is mostly copying.
+// panel_layers.h - everything of a theme that is the same in every picture of one size: the face with empty displays,
+// the keys and knobs cut out of it, the lit lamps. Made once (tens of milliseconds), so that a frame is mostly copying.
 // [ui] Values owned by the panel's window; lengths are pixels unless said.
 #pragma once
 #include <array>
@@ -17,12 +17,13 @@ inline constexpr float kPressDepth = 2.5f;  // logical units a pressed key moves
 struct ElementLayer {
     const PanelHotspot* spot = nullptr;
     PanelRect rect;
-    Sprite sprite;          // the key, or the knob (of a pair: the outer one)
-    Sprite inner;           // the small knob of a pair
-    Sprite pinned;          // the always-on-top key with its icon lit
-    PlacedImage lit;        // the indicator when lit; empty without one
+    Sprite sprite;             // the key, or the knob (of a pair: the outer one)
+    Sprite inner;              // the small knob of a pair
+    Sprite pinned;             // the always-on-top key with its icon lit
+    PlacedImage lit;           // the indicator when lit; empty without one
     bool isLampOnKey = false;  // the indicator is part of the key and moves with it
-    PixelRect bounds;       // all that it may change
+    PixelRect bounds;          // all that it may change
+    PixelRect innerBounds;     // all that the small knob may change
 };
 
 struct PanelLayers {

@@ -1,19 +1,17 @@
 // panel_present_win.cpp - how the panel reaches the screen: PanelWindow's presentation.
+#include "base/monitor_win.h"
 #include "panel/panel_style.h"
 #include "panel/panel_window_win.h"
 #include "settings/texts.h"
 
 namespace {
 
-constexpr float kStatusFontShare = 0.60f;     // em height of a status line, of the strip's height
-constexpr std::int32_t kSmallestFont = 9;     // pixels: below this nothing can be read, so the strip is filled instead
+constexpr float kStatusFontShare = 0.60f;  // em height of a status line, of the strip's height
+constexpr std::int32_t kSmallestFont = 9;  // pixels: below this nothing can be read, so the strip is filled instead
 
-ScreenRect workAreaOf(HWND window) {
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof monitor;
-    if (!GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor)) return {};
-    return {monitor.rcWork.left, monitor.rcWork.top, monitor.rcWork.right, monitor.rcWork.bottom};
-}
+// The system tells of most changes of the screen (onDisplayChange); for the others, such as a task bar that hides, half
+// a second is soon enough. Asking costs as much as the rest of an idle tick.
+constexpr int kScreenTicks = 15;
 
 bool isSameSize(const PanelPicture& a, const PanelPicture& b) {
     return a.theme == b.theme && a.scale == b.scale && a.width == b.width && a.height == b.height;
@@ -34,7 +32,10 @@ void PanelWindow::present() {
     if (isMoving_) return;
     const Settings settings = copySettings(rooms_.settings);
     // Nobody sees a hidden panel change; when it is shown again it is drawn first.
-    if (settings.panel_visible) showPicture(settings);
+    if (settings.panel_visible)
+        showPicture(settings);
+    else
+        screenAge_ = 0;
     applyStacking(settings.pin);
     applyVisibility(settings.panel_visible);
 }
@@ -47,14 +48,19 @@ void PanelWindow::showPicture(const Settings& settings) {
     if (isDrawn && pushed_ == placement && isWhereItBelongs(placement)) return;
     if (!surface_.resize(placement.width, placement.height)) return drawn_.reset();
     const PixelRect changed = isDrawn ? PixelRect{} : drawPicture(picture);
-    if (pushPicture(placement, changed))
-        pushed_ = placement;
-    else
-        pushed_.reset();
+    const bool isElsewhere = pushed_ != placement;
+    if (!pushPicture(placement, changed)) return pushed_.reset();
+    pushed_ = placement;
+    if (isElsewhere) screenAge_ = 0;  // another monitor may be the nearest now
 }
 
-PanelPlacement PanelWindow::findPlacement(const Settings& settings) const {
-    return placePanel(settings, workAreaOf(window_), GetDpiForWindow(window_));
+PanelPlacement PanelWindow::findPlacement(const Settings& settings) {
+    if (screenAge_ == 0) {
+        screen_ = {workAreaOf(window_), GetDpiForWindow(window_)};
+        screenAge_ = kScreenTicks;
+    }
+    screenAge_--;
+    return placePanel(settings, screen_.workArea, screen_.dpi);
 }
 
 PanelInputs PanelWindow::gatherInputs(const Settings& settings) const {
@@ -133,5 +139,7 @@ void PanelWindow::applyStacking(bool pin) {
 }
 
 void PanelWindow::applyVisibility(bool visible) {
-    if (visible != (IsWindowVisible(window_) != FALSE)) ShowWindow(window_, visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+    if (visible == (IsWindowVisible(window_) != FALSE)) return;
+    ShowWindow(window_, visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+    startTimer();
 }

@@ -11,7 +11,7 @@ struct PanelStyle {
     std::uint32_t textLamp;         // of the TEXT key
     std::uint32_t pinIcon;          // the always-on-top key's icon while it is on
     std::uint32_t statusText;
-    std::uint32_t plate;            // face, keys and engraving of the panel that stands in for missing artwork
+    std::uint32_t plate;  // face, keys and engraving of the panel that stands in for missing artwork
     std::uint32_t key;
     std::uint32_t engraving;
 };

@@ -10,6 +10,7 @@ namespace {
 constexpr const wchar_t* kPanelTitle = L"Corvalis Radio";
 constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerMs = 33;
+constexpr UINT kHiddenTimerMs = 66;  // nothing moves, but for the settings that show it again
 
 ClientPoint pointOf(LPARAM position) {
     return {GET_X_LPARAM(position), GET_Y_LPARAM(position)};
@@ -67,6 +68,8 @@ LRESULT PanelWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_DISPLAYCHANGE:
         case WM_DPICHANGED:
             return onDisplayChange();
+        case WM_SETTINGCHANGE:
+            return onSettingChange(wParam, lParam);
         case WM_TIMER:
             return onTimer();
         case WM_MOUSEMOVE:
@@ -186,8 +189,14 @@ LRESULT PanelWindow::onWindowPosChanged(WPARAM wParam, LPARAM lParam) {
 
 LRESULT PanelWindow::onDisplayChange() {
     pushed_.reset();  // the screen may have lost what it showed
+    screenAge_ = 0;
     present_panel();
     return 0;
+}
+
+LRESULT PanelWindow::onSettingChange(WPARAM wParam, LPARAM lParam) {
+    screenAge_ = 0;  // a task bar may have moved
+    return DefWindowProcW(window_, WM_SETTINGCHANGE, wParam, lParam);
 }
 
 LRESULT PanelWindow::onEnterMove() {
@@ -198,6 +207,7 @@ LRESULT PanelWindow::onEnterMove() {
 
 LRESULT PanelWindow::onExitMove() {
     isMoving_ = false;
+    screenAge_ = 0;
     RECT rect = {};
     if (GetWindowRect(window_, &rect)) {
         updateSettings(rooms_.settings, [&](Settings& live) {
@@ -229,15 +239,14 @@ LRESULT PanelWindow::onSwap(WPARAM com) {
 }
 
 void PanelWindow::startTimer() {
-    SetTimer(window_, kTimer, kTimerMs, nullptr);
+    SetTimer(window_, kTimer, IsWindowVisible(window_) ? kTimerMs : kHiddenTimerMs, nullptr);
 }
 
 void PanelWindow::showTooltip() {
     TooltipInputs inputs;
     inputs.settings = copySettings(rooms_.settings);
     inputs.sim = copySimState(rooms_.sim);
-    inputs.volumePercent =
-        panel_volume(rooms_.commands, inputs.sim, inputs.settings, selectedRadio(inputs.settings));
+    inputs.volumePercent = panel_volume(rooms_.commands, inputs.sim, inputs.settings, selectedRadio(inputs.settings));
     inputs.receiveGain = rooms_.bridge.ReceiveGain;
     inputs.actionTexts = actionTextsOf(rooms_.languageIndex);
     tooltip_.show(panelTooltip(model_.hover_element, inputs));

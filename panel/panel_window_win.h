@@ -13,6 +13,12 @@
 
 inline constexpr const wchar_t* kPanelClass = L"CorvalisRadioPanel";
 
+// Where the window is, as the system says.
+struct ScreenPlace {
+    ScreenRect workArea;  // of the nearest monitor
+    std::uint32_t dpi = 0;
+};
+
 // [ui] One window, created once; its class is registered by the thread.
 class PanelWindow {
   public:
@@ -42,6 +48,7 @@ class PanelWindow {
     LRESULT onCancel();
     LRESULT onWindowPosChanged(WPARAM wParam, LPARAM lParam);
     LRESULT onDisplayChange();
+    LRESULT onSettingChange(WPARAM wParam, LPARAM lParam);
     LRESULT onEnterMove();
     LRESULT onExitMove();
     LRESULT onStep(WPARAM knob, LPARAM steps);
@@ -50,7 +57,7 @@ class PanelWindow {
 
     PanelRooms panelRooms() const { return {rooms_.settings, rooms_.sim, rooms_.commands, rooms_.actions}; }
     std::uint64_t nowMs() const { return rooms_.clock.tickMs(); }
-    void startTimer();
+    void startTimer();  // at the pace for what is visible
     void showTooltip();
 
     void present();
@@ -59,7 +66,7 @@ class PanelWindow {
     void paintStatus(const PanelLayers& layers, const PanelPicture& picture);
     bool pushPicture(const PanelPlacement& placement, const PixelRect& changed);
     bool isWhereItBelongs(const PanelPlacement& placement) const;
-    PanelPlacement findPlacement(const Settings& settings) const;
+    PanelPlacement findPlacement(const Settings& settings);
     PanelInputs gatherInputs(const Settings& settings) const;
     void applyStacking(bool pin);
     void applyVisibility(bool visible);
@@ -68,6 +75,8 @@ class PanelWindow {
     HWND window_ = nullptr;
     PanelModel model_;
     PanelTooltip tooltip_;
+    ScreenPlace screen_;
+    int screenAge_ = 0;             // ticks until screen_ is asked for again
     bool isMoving_ = false;         // the system moves the window
     bool applied_topmost_ = false;  // the stacking given last
 

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr float kPlateRadius = 18.0f;   // logical units
-constexpr float kLineThickness = 3.0f;  // logical units
+constexpr float kPlateRadius = 18.0f;          // logical units
+constexpr float kLineThickness = 3.0f;         // logical units
 constexpr std::uint32_t kHollow = 0xFF0C0E10;  // unlit lamps and the status strip
 
 // Paints on one face in pixels, from rectangles in logical units.

@@ -1,5 +1,5 @@
-// plain_face.h - the panel without its artwork: a plate with outlined keys, so that the radio stays usable when a theme's
-// image is missing. Pure functions.
+// plain_face.h - the panel without its artwork: a plate with outlined keys, so that the radio stays usable when a
+// theme's image is missing. Pure functions.
 #pragma once
 #include "panel/argb_image.h"
 #include "panel/panel_layout.h"

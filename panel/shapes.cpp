@@ -37,8 +37,8 @@ float convexDistance(std::span<const PanelPoint> corners, PanelPoint point) {
         area += corners[i].x * to.y - corners[i].y * to.x;
     }
     const float outward = area < 0.0f ? -1.0f : 1.0f;
-    float deepest = -kFar;     // to the lines the edges lie on: the answer inside
-    float nearest = kFar;  // to the edges themselves: the answer outside
+    float deepest = -kFar;  // to the lines the edges lie on: the answer inside
+    float nearest = kFar;   // to the edges themselves: the answer outside
     for (std::size_t i = 0; i < corners.size(); i++) {
         const PanelPoint& from = corners[i];
         const PanelPoint& to = corners[(i + 1) % corners.size()];

@@ -6,8 +6,8 @@
 #include "panel/argb_image.h"
 
 struct TextLine {
-    std::string text;    // UTF-8
-    std::string family;  // UTF-8; another generic family stands in for one that is not installed
+    std::string text;              // UTF-8
+    std::string family;            // UTF-8; another generic family stands in for one that is not installed
     std::int32_t fontPixels = 12;  // em height
     std::int32_t width = 0;        // of the picture
     std::int32_t height = 0;

@@ -2,11 +2,12 @@
 #pragma once
 #include <windows.h>
 #include <atomic>
+#include "audio/talk_tracker.h"
 #include "base/clock.h"
 #include "bridge/command_queue.h"
 #include "bridge/poll_loop.h"
 #include "bridge/sim_state.h"
-#include "audio/talk_tracker.h"
+#include "messages/message_requests_win.h"
 #include "messages/message_store.h"
 #include "panel/panel_model.h"
 #include "settings/settings_store.h"
@@ -18,9 +19,10 @@ struct UiRooms {
     SettingsStore& settings;
     SharedSimState& sim;
     CommandQueue& commands;
-    const TalkTracker& talk;       // the lamps
-    const BridgeOutputs& bridge;   // the volume tip's output gain
-    const MessageStore& messages;  // the TEXT lamp
+    const TalkTracker& talk;           // the lamps
+    const BridgeOutputs& bridge;       // the volume tip's output gain
+    MessageStore& messages;            // the TEXT lamp, and the message window
+    MessageWindowLink& messageWindow;  // what the others know of it
     const std::atomic<std::int32_t>& languageIndex;
     PanelActions& actions;
     std::atomic<bool>& stop;          // [host] sets it at shutdown, before it posts the close

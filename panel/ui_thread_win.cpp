@@ -1,30 +1,11 @@
 #include "panel/ui_thread_win.h"
+#include "base/window_class_win.h"
+#include "messages/message_window_win.h"
 #include "panel/gdiplus_win.h"
 #include "panel/panel_window_win.h"
 #include "panel/theme_art_win.h"
 
 namespace {
-
-// A window class is ours as long as the thread runs: a later load of the DLL must not find our old procedure in it.
-class WindowClass {
-  public:
-    WindowClass(HINSTANCE module, const wchar_t* name, WNDPROC procedure) : module_(module), name_(name) {
-        WNDCLASSEXW description = {};
-        description.cbSize = sizeof description;
-        description.lpfnWndProc = procedure;
-        description.hInstance = module;
-        description.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // IDC_ARROW
-        description.lpszClassName = name;
-        RegisterClassExW(&description);
-    }
-    ~WindowClass() { UnregisterClassW(name_, module_); }
-    WindowClass(const WindowClass&) = delete;
-    WindowClass& operator=(const WindowClass&) = delete;
-
-  private:
-    HINSTANCE module_;
-    const wchar_t* name_;
-};
 
 // Until the panel's quit message. A close that comes while the system moves the panel ends in the system's own loop,
 // which may keep the quit message to itself; the missing window tells then.
@@ -44,8 +25,9 @@ void run_ui_thread(UiRooms rooms) {
     const ComApartment com;
     const ThemeArt theme_art = loadThemeArt(rooms.module);
     const WindowClass panelClass(rooms.module, kPanelClass, &PanelWindow::wndProc);
-    // The text message window belongs here: its class and its window, hidden, are made before the panel and are gone
-    // with this block, after the panel and before the artwork.
+    const WindowClass messageClass(rooms.module, kMessageClass, &MessageWindow::wndProc);
+    MessageWindow messages(rooms);
+    messages.create();
     PanelWindow panel(rooms, theme_art);
     if (!panel.create()) return;
     panel.present_panel();

@@ -7,6 +7,8 @@
 #include "plugin/identity.h"
 #include "plugin/lifecycle_win.h"
 #include "plugin/menu_win.h"
+#include "plugin/settings_dialog_win.h"
+#include "plugin/text_messages_win.h"
 
 PluginState gPlugin;
 
@@ -127,12 +129,18 @@ void ts3plugin_onEditPlaybackVoiceDataEvent(std::uint64_t schid, std::uint16_t c
                           sampleCount, channels);
 }
 
-// Text messages and the settings dialog pass the plugin by as yet.
-int ts3plugin_onTextMessageEvent(std::uint64_t, std::uint16_t, std::uint16_t, std::uint16_t, const char*, const char*,
-                                 const char*, int) {
+// Always 0: the host shows the message as well.
+int ts3plugin_onTextMessageEvent(std::uint64_t /*schid*/, std::uint16_t targetMode, std::uint16_t /*toId*/,
+                                 std::uint16_t fromId, const char* fromName, const char* /*fromUniqueId*/,
+                                 const char* message, int /*ignored*/) {
+    guarded([=] { receiveTextMessage(gPlugin, {fromName, message, targetMode, fromId}); });
     return 0;
 }
-void ts3plugin_configure(void* /*handle*/, void* /*parentWidget*/) {}
+
+// On a thread that the host makes for it; returns when the dialog is closed.
+void ts3plugin_configure(void* /*handle*/, void* /*parentWidget*/) {
+    guarded([] { runSettingsDialogHere(gPlugin); });
+}
 
 }  // extern "C"
 

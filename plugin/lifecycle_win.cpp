@@ -6,6 +6,7 @@
 #include "base/log_line.h"
 #include "panel/ui_thread_win.h"
 #include "plugin/identity.h"
+#include "plugin/settings_dialog_win.h"
 #include "settings/data_folder_win.h"
 #include "settings/language.h"
 
@@ -84,8 +85,8 @@ void stopPollThread(PluginState& plugin) {
 void runUiThread(PluginState& plugin) {
     try {
         run_ui_thread({plugin.module, plugin.clock, plugin.settings, plugin.sim, plugin.commands, plugin.talk,
-                       plugin.bridge, plugin.messages, plugin.languageIndex, plugin.panelActions, plugin.stopUi,
-                       plugin.panel_window});
+                       plugin.bridge, plugin.messages, plugin.messageWindow, plugin.languageIndex, plugin.panelActions,
+                       plugin.stopUi, plugin.panel_window});
     } catch (const std::bad_alloc&) {
         // No memory to begin with: the radio works on without its windows.
     }
@@ -107,8 +108,11 @@ void stopUiThread(PluginState& plugin) {
 
 void startPlugin(PluginState& plugin) {
     stopPollThread(plugin);  // a second start: its folders and host handles are about to change
-    findFolders(plugin);
-    loadSettings(plugin.settings);
+    {
+        const MutexLock lock(plugin.foldersMutex);
+        findFolders(plugin);
+        loadSettings(plugin.settings);
+    }
     writeSounds(plugin);
     const Settings settings = copySettings(plugin.settings);
     plugin.languageIndex = chooseLanguage(settings.language, GetUserDefaultUILanguage());
@@ -126,6 +130,15 @@ void stopPlugin(PluginState& plugin) {
     stopUiThread(plugin);
     stopPollThread(plugin);
     stopWorker(plugin.worker);
+    closeSettingsDialog(plugin);
+    clearMessages(plugin.messages);
     std::free(plugin.pluginId);
     plugin.pluginId = nullptr;
+}
+
+void loadSettingsOnce(PluginState& plugin) {
+    const MutexLock lock(plugin.foldersMutex);
+    if (!plugin.dataFolder.empty()) return;
+    findFolders(plugin);
+    loadSettings(plugin.settings);
 }

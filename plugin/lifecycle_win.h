@@ -7,5 +7,8 @@
 // keeps the UI thread.
 void startPlugin(PluginState& plugin);
 
-// [host] UI thread, poll thread, worker, plugin id. Always ends; harmless without a start.
+// [host] UI thread, poll thread, worker, settings dialog, plugin id. Always ends; harmless without a start.
 void stopPlugin(PluginState& plugin);
+
+// [dialog] Finds the folders and reads the settings, if init has not: the host may offer the dialog before it.
+void loadSettingsOnce(PluginState& plugin);

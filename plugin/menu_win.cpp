@@ -3,6 +3,7 @@
 #include <cstring>
 #include "base/log_line.h"
 #include "plugin/menu_texts.h"
+#include "plugin/settings_dialog_win.h"
 #include "settings/language.h"
 
 namespace {
@@ -28,6 +29,8 @@ PluginMenuItem** buildMenu(PluginState& plugin) {
 
 void chooseMenuEntry(PluginState& plugin, int menuItemId) {
     if (!plugin.running) return;
+    if (menuItemId == kMenuSettings) openSettingsDialog(plugin);
     if (menuItemId == kMenuShowPanel)
         updateSettings(plugin.settings, [](Settings& live) { live.panel_visible = true; });
+    if (menuItemId == kMenuTextMessages) requestOfMessageWindow(plugin.messageWindow, kToggleMessages);
 }

@@ -7,4 +7,6 @@ void PluginPanelActions::openSettings() {
     chooseMenuEntry(plugin_, kMenuSettings);
 }
 
-void PluginPanelActions::toggleTextWindow() {}
+void PluginPanelActions::toggleTextWindow() {
+    chooseMenuEntry(plugin_, kMenuTextMessages);
+}

@@ -4,7 +4,7 @@
 
 struct PluginState;
 
-// [ui] The settings dialog and the message window are not there yet: both keys do nothing until they are.
+// [ui] Both keys do as the menu's entries.
 class PluginPanelActions final : public PanelActions {
   public:
     explicit PluginPanelActions(PluginState& plugin) : plugin_(plugin) {}

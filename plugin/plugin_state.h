@@ -13,9 +13,11 @@
 #include "bridge/sim_state.h"
 #include "bridge/worker_process_win.h"
 #include "channels/follow_frequency.h"
+#include "messages/message_requests_win.h"
 #include "messages/message_store.h"
 #include "plugin/host_table.h"
 #include "plugin/panel_actions_win.h"
+#include "settings/dialog_run_win.h"
 #include "settings/settings_store.h"
 
 // A joinable thread or none. Unlike std::thread it may be destroyed running: when a process ends without shutdown,
@@ -52,7 +54,7 @@ struct PluginState {
     char* pluginId = nullptr;                     // malloc'ed copy, null until registered
     std::atomic<std::uint64_t> currentServer{0};  // [host] stores, [any] loads; 0 not connected
 
-    // Paths: narrow, set by init before the threads start.
+    // Paths: narrow, set by init before the threads start, or by a settings dialog that the host opens before init.
     std::string dataFolder;
     std::string moduleFolder;
     std::string tailTonePath;  // also when the sound could not be written
@@ -69,6 +71,7 @@ struct PluginState {
     MoveTracker moves;
     TalkTracker talk;
     MessageStore messages;
+    MessageWindowLink messageWindow;
     BridgeOutputs bridge;
     WorkerProcess worker;
     PluginPanelActions panelActions{*this};
@@ -79,6 +82,12 @@ struct PluginState {
     std::atomic<bool> stopUi{false};
     std::atomic<bool> stopPolling{false};
     std::atomic<HWND> panel_window{nullptr};  // [ui] publishes
+
+    // The settings dialog: on its own thread when it is opened from the menu or the panel, else on one of the host's.
+    DialogLink dialog;
+    ThreadSlot settingsThread;                 // touched by whoever has set settingsRunning, and by shutdown
+    std::atomic<bool> settingsRunning{false};  // from the start of settingsThread until its dialog has gone
+    Mutex foldersMutex;                        // init and an early dialog: one of them at a time finds the folders
 };
 
 // The one instance of the process.

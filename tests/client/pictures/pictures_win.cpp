@@ -100,24 +100,44 @@ struct Order {
     std::string part;  // of the names wanted
 };
 
-// The number of pictures that failed.
+class Photographer {
+  public:
+    explicit Photographer(const Order& order) : order_(order) {}
+
+    // The picture's name begins with what it is of.
+    void take(const Scene& scene, std::int32_t theme, const std::string& subject) {
+        if (order_.percent != "100" && !scene.atEveryResolution) return;
+        const std::string name = subject + "_" + scene.name + "_" + order_.percent + ".png";
+        if (name.find(order_.part) == std::string::npos) return;
+        const bool saved = savePicture(playScene(scene, theme, ground_), order_.folder / name);
+        if (!saved) std::printf("    no picture %s\n", name.c_str());
+        (saved ? taken_ : failed_)++;
+    }
+
+    // The number of pictures that failed.
+    int finish() const {
+        std::printf("%d pictures at %s %%, %d failed\n", taken_, order_.percent.c_str(), failed_);
+        return failed_;
+    }
+
+  private:
+    const Order& order_;
+    Ground ground_;
+    int taken_ = 0;
+    int failed_ = 0;
+};
+
 int takePictures(const Order& order) {
-    Ground ground;
-    int taken = 0, failed = 0;
+    Photographer photographer(order);
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         for (const Scene& scene : panelScenes()) {
-            if (order.percent != "100" && !scene.atEveryResolution) continue;
             if (scene.moment == Moment::kBrightest && theme == kGeneralTheme) continue;  // no lamp of its flashes
-            const std::string name =
-                std::string("panel_") + kThemeNames[theme] + "_" + scene.name + "_" + order.percent + ".png";
-            if (name.find(order.part) == std::string::npos) continue;
-            const bool saved = savePicture(playScene(scene, theme, ground), order.folder / name);
-            if (!saved) std::printf("    no picture %s\n", name.c_str());
-            (saved ? taken : failed)++;
+            photographer.take(scene, theme, std::string("panel_") + kThemeNames[theme]);
         }
     }
-    std::printf("%d pictures at %s %%, %d failed\n", taken, order.percent.c_str(), failed);
-    return failed;
+    for (const Scene& scene : messageScenes()) photographer.take(scene, kGeneralTheme, "messages");
+    for (const Scene& scene : dialogScenes()) photographer.take(scene, kGeneralTheme, "settings");
+    return photographer.finish();
 }
 
 }  // namespace

@@ -29,3 +29,7 @@ struct Scene {
 
 // Each is taken in every theme.
 std::span<const Scene> panelScenes();
+// Each is taken once.
+std::span<const Scene> messageScenes();
+// The settings dialog: every page in every language. Each is taken once.
+std::span<const Scene> dialogScenes();

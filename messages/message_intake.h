@@ -1,0 +1,44 @@
+// message_intake.h - a text message on its way from the host into the store, and what it sets off.
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include "base/clock.h"
+#include "base/host_functions.h"
+#include "messages/message_store.h"
+#include "settings/settings_store.h"
+
+// The message window, as far as a new message concerns it.
+class NewestMessageOpener {
+  public:
+    NewestMessageOpener() = default;
+    NewestMessageOpener(const NewestMessageOpener&) = delete;
+    NewestMessageOpener& operator=(const NewestMessageOpener&) = delete;
+    virtual ~NewestMessageOpener() = default;
+    // [host] Asks for the newest page unless the window is visible already; never waits.
+    virtual void openNewest() = 0;
+};
+
+// What a new message sets off beside the store; all outlive the call.
+struct AlertRooms {
+    const HostFunctions& host;
+    SettingsStore& settings;
+    std::uint64_t schid;           // the current server, 0 none
+    const std::string& alertPath;  // UTF-8, of the chime
+    NewestMessageOpener& window;
+};
+
+// [host] The chime if text_alert is on; the window if text_auto_open is.
+void playTextAlert(const AlertRooms& rooms);
+
+// As the host hands it over; both texts zero-terminated UTF-8.
+struct HostText {
+    const char* sender = nullptr;  // null: the host gives none
+    const char* text = nullptr;    // null or empty: nothing happens
+    std::uint16_t target = 0;      // MessageTarget
+    std::uint16_t senderId = 0;
+};
+
+// [host] Stores the message, logs it, plays the alert. Without memory to store it the process ends: better than a
+// clearance that the pilot believes to have read.
+void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock, const AlertRooms& rooms);

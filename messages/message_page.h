@@ -1,0 +1,158 @@
+// message_page.h - what the message window shows: which message, its lines, and every shape and text as data. Painting
+// only carries the items out.
+// [ui] One page, on the thread of its window. The store's lock is taken for a copy.
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+#include "base/clock.h"
+#include "messages/message_geometry.h"
+#include "messages/message_store.h"
+#include "messages/word_wrap.h"
+
+enum class PageFont { kMono, kChinese, kInterface };
+// "Consolas", "Microsoft YaHei UI", "Segoe UI".
+std::string_view pageFontFamily(PageFont font);
+// All that is ever drawn in the last: close, and more text above and below.
+inline constexpr std::u16string_view kPageSigns = u"\u2715\u25B2\u25BC";
+
+struct PageTextStyle {
+    PageFont font = PageFont::kMono;
+    float size = 12.0f;  // em height, design pixels
+    bool isBold = false;
+
+    bool operator==(const PageTextStyle&) const = default;
+};
+
+enum class PageItemKind {
+    kFill,   // the rectangle, filled
+    kFrame,  // its outline, one design pixel wide, centred on its edges
+    kRule,   // a horizontal line of that width along its top
+    kDot,    // the ellipse in it, filled
+    kText,  // one line, vertically centred, cut to the rectangle; aligned right, too wide a text reaches out of it left
+};
+enum class PageAlign { kLeft, kCentre, kRight };
+
+// Design pixels.
+struct PageRect {
+    float x = 0.0f;
+    float y = 0.0f;
+    float width = 0.0f;
+    float height = 0.0f;
+
+    bool operator==(const PageRect&) const = default;
+};
+
+struct PageItem {
+    PageItemKind kind = PageItemKind::kFill;
+    PageRect rect;
+    std::uint32_t colour = 0;  // ARGB
+    // Of a text.
+    std::u16string text = {};
+    PageTextStyle style = {};
+    PageAlign align = PageAlign::kLeft;
+    bool isShortened = false;  // with an ellipsis where it is too long
+
+    bool operator==(const PageItem&) const = default;
+};
+
+// All that the picture of a page depends on; the cursor blinks above it.
+struct PageLook {
+    std::uint32_t revision = 0;  // of the store
+    std::int32_t page = 0;
+    std::int32_t scroll = 0;
+    std::int32_t unread = 0;
+    std::int32_t language = 0;  // settings/language.h
+    float textSize = 15.0f;     // design pixels, 12..22
+    std::uint32_t dpi = 96;
+    bool isCloseHovered = false;
+
+    bool operator==(const PageLook&) const = default;
+};
+
+struct TimeOfDay {
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+};
+
+// What a page is laid out with; all called on the page's own thread.
+struct PageTools {
+    std::function<float(const PageTextStyle& style, std::u16string_view text)> measure;  // design pixels
+    std::function<TimeOfDay(double unixSeconds)> localTime;
+    const Clock& clock;
+};
+
+// Everything about the shown message that paging and new messages change, and nothing else does.
+struct PageLayout {
+    std::int32_t count = 0;  // messages stored; with 0 nothing below counts
+    std::u16string sender;
+    PageTextStyle senderStyle;
+    bool isSenderLong = false;  // it would reach the time's label
+    std::u16string targetAndTime;
+    PageTextStyle timeStyle;
+    bool isPdc = false;
+    std::u16string text;
+    // No input scrolls, so what stands below the rows is never seen: one line more than fits tells that there is more.
+    std::vector<std::u16string> lines;
+    PageTextStyle style;         // of the lines
+    float lastLineWidth = 0.0f;  // design pixels
+    std::int32_t visibleRows = 1;
+    std::int32_t maxScroll = 0;
+};
+
+inline constexpr float kPageLineHeight = 1.5f;  // of the text's size
+
+class MessagePage {
+  public:
+    // Turns by delta pages, older positive, as far as there are messages; the newest page makes all messages read.
+    void change_page(MessageStore& store, std::int32_t delta);
+    // The newest message from its first line.
+    void rewind();
+    // Forgets all messages.
+    void clear(MessageStore& store);
+    // Whether the pointer is on the close button.
+    void hoverClose(bool isHovered) { isCloseHovered_ = isHovered; }
+
+    // What is to be shown now. textScale: the setting, in any range.
+    PageLook look(const MessageStore& store, float textScale, std::int32_t language, std::uint32_t dpi) const;
+    // Wraps the page's message if another one, or another size, is to be shown than before; moves the page to where
+    // there are messages.
+    void layOut(MessageStore& store, const PageLook& look, const PageTools& tools);
+    // From back to front; the look is of the page as it is laid out.
+    std::vector<PageItem> items(const PageLook& look) const;
+    // The block after the last line, half a second in two: on top of everything. Nothing while it is dark, where the
+    // text goes on below the last row, and on the empty page.
+    std::optional<PageItem> cursor(std::uint64_t nowMs) const;
+
+    std::int32_t page() const { return page_; }  // 0 the newest
+    const PageLayout& layout() const { return layout_; }
+
+  private:
+    struct Key {
+        std::uint32_t revision;
+        std::int32_t page;
+        float wrapWidth;
+        float textSize;
+        std::uint32_t dpi;
+        std::int32_t language;
+
+        bool operator==(const Key&) const = default;
+    };
+    Key keyOf(const PageLook& look) const;
+
+    std::int32_t page_ = 0;
+    std::int32_t scroll_ = 0;  // the first line shown
+    bool isCloseHovered_ = false;
+    PageLayout layout_;
+    std::optional<Key> laidOut_;  // what layout_ was made for
+};
+
+// The style of the labels of the meta line: the fixed-pitch font has no Chinese, Japanese or Korean.
+PageTextStyle labelStyle(std::u16string_view label);
+
+// A departure clearance by its words, wherever they stand, also within others: bytes are compared, a-z as A-Z.
+bool isPdc(std::string_view text);

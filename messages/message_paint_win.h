@@ -1,0 +1,35 @@
+// message_paint_win.h - carries a page's items out with GDI+, and measures text as it will draw it.
+#pragma once
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+#include "messages/message_page.h"
+#include "panel/gdiplus_win.h"
+#include "panel/memory_surface_win.h"
+
+// [ui] Lives while the thread's GDI+ does. What cannot be made (a font, a brush) is left out of the picture.
+class MessagePainter {
+  public:
+    void paint(const MemorySurface& surface, float scale, const std::vector<PageItem>& items);
+    const Gdiplus::Font* fontFor(const PageTextStyle& style);
+
+  private:
+    std::vector<std::pair<PageTextStyle, std::unique_ptr<Gdiplus::Font>>> fonts_;  // all that were ever needed: a dozen
+};
+
+// Measures as the painter draws: the same fonts, surface and scale. [ui] For one layout; the surface is not resized
+// meanwhile.
+class TextMeasurer {
+  public:
+    TextMeasurer(MessagePainter& painter, const MemorySurface& surface, float scale);
+    float measure(const PageTextStyle& style, std::u16string_view text);  // design pixels
+
+  private:
+    MessagePainter& painter_;
+    Gdiplus::Graphics graphics_;
+    Gdiplus::StringFormat format_;
+};
+
+// The pixels that a rectangle of the page covers.
+RECT pagePixels(const PageRect& rect, float scale);

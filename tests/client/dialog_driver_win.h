@@ -1,0 +1,40 @@
+// dialog_driver_win.h - a user's hand on the settings dialog's real window: finds its controls and turns clicks, drags,
+// keys and commands into posted messages. Neither the real cursor nor the focus matters.
+// [host] Used from the main thread of a test or the pictures.
+#pragma once
+#include <windows.h>
+#include "settings/dialog_layout.h"
+
+// The dialog of this process, null while there is none.
+HWND findDialog();
+
+class DialogDriver {
+  public:
+    DialogDriver(HWND dialog, int page) : dialog_(dialog), page_(page) {}
+
+    HWND window() const { return dialog_; }
+    // As the dialog lays itself out now, not scrolled.
+    DialogLayout layout() const;
+    // The middle of a control, or of one of its parts; {-1, -1} when the page lacks it.
+    POINT pointOn(int id, int part = 0) const;
+
+    // Each posts its messages.
+    void turnTo(int page);
+    void press(POINT at) const { postAt(WM_LBUTTONDOWN, MK_LBUTTON, at); }
+    void move(POINT at) const { postAt(WM_MOUSEMOVE, 0, at); }
+    void release(POINT at) const { postAt(WM_LBUTTONUP, 0, at); }
+    void click(int id, int part = 0) const;
+    // Takes a slider's thumb where it stands for `from` to where it stands for `to`.
+    void drag(int id, float from, float to) const;
+    void wheel(int id, int delta) const;
+    void key(WPARAM virtualKey) const { post(WM_KEYDOWN, virtualKey, 1); }
+    // option as the dialog's WM_COMMAND takes it: its number + 1 in the upper word, or none.
+    void command(int id, int option = -1) const { post(WM_COMMAND, MAKEWPARAM(id, option + 1), 0); }
+    void post(UINT message, WPARAM wParam, LPARAM lParam) const { PostMessageW(dialog_, message, wParam, lParam); }
+
+  private:
+    void postAt(UINT message, WPARAM keys, POINT at) const { post(message, keys, MAKELPARAM(at.x, at.y)); }
+
+    HWND dialog_;
+    int page_;
+};
