@@ -206,8 +206,8 @@ LRESULT MessageWindow::showNewest() {
 }
 
 LRESULT MessageWindow::hide() {
+    rooms_.messageWindow.isVisible = false;  // first: a message that sees the window gone must be able to open it again
     ShowWindow(window_, SW_HIDE);
-    rooms_.messageWindow.isVisible = false;
     return 0;
 }
 

@@ -164,7 +164,9 @@ TEST(DialogLayoutTest, EveryActionFitsItsSelector) {
             DialogView view = viewIn(language);
             view.settings.bind_C = action;
             for (const DialogText& text : dialogTexts(layout, view)) {
-                if (text.id == 6062) EXPECT_TRUE(isFitting(text, generousWidth)) << text.text;
+                if (text.id == 6062) {
+                    EXPECT_TRUE(isFitting(text, generousWidth)) << text.text;
+                }
             }
         }
     }
@@ -210,7 +212,9 @@ TEST(DialogLayoutTest, WhatIsScrolledAwayIsNotHit) {
     ASSERT_LT(first.rect.top, layout.pageView.top);
     EXPECT_NE(hitDialog(layout, {first.rect.left + 5, first.rect.top + 2}).id, 5100);
     for (const DialogText& text : dialogTexts(layout, viewIn(kEnglish))) {
-        if (text.id == 5100) EXPECT_TRUE(text.clip.isEmpty() || text.clip.top >= layout.pageView.top);
+        if (text.id == 5100) {
+            EXPECT_TRUE(text.clip.isEmpty() || text.clip.top >= layout.pageView.top);
+        }
     }
 }
 
