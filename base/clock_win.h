@@ -2,6 +2,9 @@
 #pragma once
 #include "base/clock.h"
 
+// [any] A FILETIME's 100 ns since 1601 as seconds since 1970.
+double unixSecondsOfFileTime(std::uint64_t hundredNs);
+
 // [any] GetTickCount64 and GetSystemTimeAsFileTime; about 16 ms and 1 ms fine.
 class SystemClock : public Clock {
   public:

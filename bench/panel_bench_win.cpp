@@ -47,7 +47,7 @@ class Client {
     bool load() {
         std::error_code error;
         const auto dll = machine_.path / "corvalis_win64.dll";  // alone in its folder: no worker runs
-        std::filesystem::copy_file(programFolder() / "corvalis_win64.dll", dll, error);
+        std::filesystem::copy_file(productFile("corvalis_win64.dll"), dll, error);
         if (error || !plugin_.load(dll)) return false;
         plugin_.exports().setFunctionPointers(host_.table());
         plugin_.exports().registerPluginID("bench");

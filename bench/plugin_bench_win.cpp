@@ -91,7 +91,7 @@ int main() {
     host.addServer(1, 7, 100);
     host.setCurrentServer(1);
     PluginLibrary plugin;
-    if (!plugin.load(programFolder() / "corvalis_win64.dll")) {
+    if (!plugin.load(productFile("corvalis_win64.dll"))) {
         std::printf("The plugin does not load: %s\n", plugin.error().c_str());
         return 1;
     }
@@ -101,7 +101,7 @@ int main() {
 
     // The passes are measured with the DLL alone in a folder, so that no worker writes in between.
     plugin.unload();
-    std::filesystem::copy_file(programFolder() / "corvalis_win64.dll", machine.path / "corvalis_win64.dll");
+    std::filesystem::copy_file(productFile("corvalis_win64.dll"), machine.path / "corvalis_win64.dll");
     if (!plugin.load(machine.path / "corvalis_win64.dll")) return 1;
     plugin.exports().setFunctionPointers(host.table());
     measurePass(plugin, machine.path / "Corvalis");

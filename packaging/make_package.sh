@@ -1,18 +1,28 @@
 #!/usr/bin/env bash
-# make_package.sh BIN_FOLDER OUT_FILE - the installable package: a ZIP with package.ini at its root and the DLL with
-# its worker under plugins/. Opened in Explorer, it starts the voice client's installer.
+# make_package.sh BUILD_FOLDER OUT_FOLDER - the installable package, OUT_FOLDER/corvalis-VERSION.ts3_plugin: a ZIP with
+# package.ini at its root, the DLL with its worker under plugins/ and the licences under plugins/corvalis/. Opened in
+# Explorer, it starts the voice client's installer. The same sources and tools give the same bytes on every machine: no
+# user, no time zone and no time of building gets in. Prints the package's path.
 set -euo pipefail
-bin=$1
+build=$(realpath "$1")
 out=$(realpath -m "$2")
 here=$(cd "$(dirname "$0")" && pwd)
 
 staging=$(mktemp -d)
 trap 'rm -rf "$staging"' EXIT
-mkdir "$staging/plugins"
-cp "$here/package.ini" "$staging/"
-cp "$bin/corvalis_win64.dll" "$bin/hopline_worker.exe" "$staging/plugins/"
+mkdir -p "$staging/plugins/corvalis"
+cp "$build/package.ini" "$staging/"
+cp "$build/bin/corvalis_win64.dll" "$build/bin/hopline_worker.exe" "$staging/plugins/"
+cp "$here/../LICENSE" "$staging/plugins/corvalis/LICENSE.txt"
+cp "$here"/licences/*.txt "$staging/plugins/corvalis/"
 
-mkdir -p "$(dirname "$out")"
-rm -f "$out"
+version=$(sed -n 's/^Version = //p' "$staging/package.ini")
+package="$out/corvalis-$version.ts3_plugin"
+mkdir -p "$out"
+rm -f "$package"
 cd "$staging"
-cmake -E tar cf "$out" --format=zip package.ini plugins/corvalis_win64.dll plugins/hopline_worker.exe
+export TZ=UTC
+chmod -R u=rwX,go=rX .
+find . -exec touch -h -d '2026-01-01 00:00:00' {} +
+find . -type f | LC_ALL=C sort | sed 's|^\./||' | zip -X -9 -q "$package" -@
+echo "$package"

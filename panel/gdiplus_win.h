@@ -1,9 +1,15 @@
 // gdiplus_win.h - GDI+ and COM for one thread, as owners. <gdiplus.h> wants other headers before it; these are they.
 #pragma once
+#include <algorithm>
 // clang-format off
 #include <windows.h>
 #include <objbase.h>
 #include <propidl.h>
+// Microsoft's <gdiplus.h> counts on the macros that NOMINMAX leaves out.
+namespace Gdiplus {
+using std::max;
+using std::min;
+}
 #include <gdiplus.h>
 // clang-format on
 

@@ -12,13 +12,28 @@
 
 PluginState gPlugin;
 
+#ifdef __GLIBCXX__
 // Of the C++ library, which is ours alone and unloaded with us: gives back the 70 KB it keeps for exceptions without
 // memory. No header declares it; nothing may throw after it.
 namespace __gnu_cxx {
 void __freeres();
 }
+#endif
 
 namespace {
+
+// What the C and C++ library inside this DLL want of its load and its unload.
+void openRuntime([[maybe_unused]] HINSTANCE module) {
+#ifdef __GLIBCXX__
+    DisableThreadLibraryCalls(module);  // others free what they keep for a thread when they hear of its end
+#endif
+}
+
+void closeRuntime() {
+#ifdef __GLIBCXX__
+    __gnu_cxx::__freeres();
+#endif
+}
 
 // Runs body; whatever it throws (memory, for the most part) ends here, and the host goes on.
 template <class Body>
@@ -149,12 +164,12 @@ void ts3plugin_configure(void* /*handle*/, void* /*parentWidget*/) {
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
     if (reason == DLL_PROCESS_ATTACH) {
         gPlugin.module = module;
-        DisableThreadLibraryCalls(module);
+        openRuntime(module);
         openVoiceThreads();
     }
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
         closeVoiceThreads();
-        __gnu_cxx::__freeres();
+        closeRuntime();
     }
     return TRUE;
 }

@@ -7,13 +7,16 @@ build_packages=(
     ca-certificates cmake ninja-build git python3-minimal
     g++ clang g++-mingw-w64-x86-64-posix
     googletest libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev
-    pkg-config libsndfile1-dev
+    pkg-config libsndfile1-dev zip
 )
 # With the fonts that stand in for Windows' (wine.sh).
 wine_packages=(wine wine64 xvfb xauth sox fonts-noto-cjk fonts-open-sans fonts-dejavu-core fonts-liberation)
 pictures_packages=(xcompmgr)
 voice_packages=(sox python3-matplotlib python3-numpy)
 test_packages=(libclang-rt-14-dev python3-numpy python3-pil)
+# Whoever has Node from elsewhere has npm with it, and not from Debian's package.
+node_packages=()
+command -v npm >/dev/null || node_packages=(nodejs npm)
 artwork_packages=(blender fonts-b612 python3-numpy python3-pil)
 
 wanted=()
@@ -24,6 +27,7 @@ for group in "$@"; do
         pictures) wanted+=("${pictures_packages[@]}") ;;
         voice) wanted+=("${voice_packages[@]}") ;;
         test) wanted+=("${test_packages[@]}") ;;
+        node) wanted+=("${node_packages[@]}") ;;
         artwork) wanted+=("${artwork_packages[@]}") ;;
         *) echo "packages.sh: unknown group $group" >&2; exit 2 ;;
     esac

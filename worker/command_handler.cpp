@@ -43,7 +43,10 @@ void CommandHandler::accept(CommandRequest command, std::uint64_t nowMs) {
     acceptedMs_ = nowMs;
     command_ = std::move(command);
     auto reason = objection(command_->write);
-    if (reason.empty() && !link_.write(command_->write, nowMs)) reason = notAccepted(command_->write);
+    if (reason.empty()) {
+        command_->write = link_.adjusted(command_->write);
+        if (!link_.write(command_->write, nowMs)) reason = notAccepted(command_->write);
+    }
     if (!reason.empty()) acknowledge(false, std::move(reason), nowMs);
 }
 
@@ -53,8 +56,12 @@ void CommandHandler::pass(std::uint64_t nowMs) {
     const auto& sim = link_.snapshot();
     const auto& radio = sim.radios[write.radio];
     if (!sim.ok) return acknowledge(false, notWritten(write, sim.status), nowMs);
-    if (isVisible(radio)) return acknowledge(true, successMessage(write, radio), nowMs);
-    if (nowMs - acceptedMs_ >= kReadbackLimitMs) acknowledge(false, notAccepted(write), nowMs);
+    if (isVisible(radio)) {
+        link_.noteReadback(write, true);
+        return acknowledge(true, successMessage(write, radio), nowMs);
+    }
+    if (nowMs - acceptedMs_ < kReadbackLimitMs) return;
+    acknowledge(false, notAccepted(write) + link_.noteReadback(write, false), nowMs);
 }
 
 // Why the write is not even tried; empty if nothing speaks against it.

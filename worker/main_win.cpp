@@ -1,9 +1,14 @@
-// hopline_worker: hopline_worker.exe --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT]]
+// hopline_worker: hopline_worker.exe --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT] | --address HOST:PORT]
+//             or: hopline_worker.exe --diagnose [--data-dir DIR] [...]: diagnosis_win.h
 // Exit codes: 0 the watched process or the data folder is gone, 1 unexpected failure (in the log), 2 bad command line,
 // 3 another worker serves the folder.
 #include <exception>
 #include "base/data_files_win.h"
+#include "plugin/identity.h"
+#include "worker/diagnosis_win.h"
 #include "worker/make_link.h"
+#include "worker/simconnect/pipe_win.h"
+#include "worker/simconnect/tcp_transport.h"
 #include "worker/system_win.h"
 #include "worker/worker_loop.h"
 #include "worker/worker_options.h"
@@ -21,8 +26,7 @@ enum ExitCode { kEnded = 0, kFailed = 1, kBadArguments = 2, kSecondWorker = 3 };
 std::string describeOptions(const WorkerOptions& options) {
     std::string text = "data folder " + options.dataDir;
     text += options.watchPid ? ", watching process " + std::to_string(options.watchPid) : ", watching no process";
-    if (options.link.value_or(LinkKind::Auto) == LinkKind::Auto) return text + ", link auto";
-    return text + ", link simulate, script " + (options.script.empty() ? "none" : options.script);
+    return text + ", " + describeLink(options);
 }
 
 void readIni(WorkerOptions& options, DataFiles& files, WorkerFolder& folder, WorkerLog& log) {
@@ -35,15 +39,19 @@ void readIni(WorkerOptions& options, DataFiles& files, WorkerFolder& folder, Wor
     for (const auto& remark : applyIni(text, options)) log.line(remark);
 }
 
-int runLoop(WorkerLoop& loop, HANDLE watched, const Clock& clock, WorkerLog& log) {
-    WorkerSleep sleep(watched);
+std::unique_ptr<simconnect::Transport> makeTransport(const std::optional<HostPort>& address) {
+    if (address) return std::make_unique<simconnect::TcpTransport>(*address);
+    return std::make_unique<simconnect::PipeTransport>();
+}
+
+int runLoop(WorkerLoop& loop, const SimLink& link, WorkerSleep& sleep, const Clock& clock, WorkerLog& log) {
     while (true) {
         const auto result = loop.pass(clock.tickMs(), clock.unixSeconds());
         if (result.folderGone) {
             log.line("ending: the data folder is gone");
             return kEnded;
         }
-        if (sleep.sleep(result.waitMs)) {
+        if (sleep.sleep(result, link.wakeHandle())) {
             log.line("ending: the watched process has ended");
             return kEnded;
         }
@@ -69,9 +77,10 @@ int serve(WorkerOptions options, WorkerLog& log, const Clock& clock) {
     WindowsFolder folder;
     readIni(options, files, folder, log);
     log.line(describeOptions(options));
-    const auto link = makeLink(options, files, folder, log, clock.tickMs());
+    const auto link = makeLink(options, files, folder, log, makeTransport, clock.tickMs());
     WorkerLoop loop(options.dataDir, files, folder, *link, log);
-    return runLoop(loop, watched.get(), clock, log);
+    WorkerSleep sleep(watched.get(), options.dataDir);
+    return runLoop(loop, *link, sleep, clock, log);
 }
 
 }  // namespace
@@ -83,13 +92,14 @@ int main(int argc, char** argv) {
     const bool understood = parseArguments({argv + 1, argv + argc}, options, error);
     options.dataDir = options.dataDir.empty() ? "" : fullPath(options.dataDir);
     options.script = options.script.empty() ? "" : fullPath(options.script);
+    if (options.diagnose) return diagnose(options, error, makeTransport) ? kEnded : kBadArguments;
     if (options.dataDir.empty() || !WindowsFolder().folderExists(options.dataDir)) return kBadArguments;
     leaveCurrentDirectory();
 
     const FineClock clock;
     WindowsLogFile file(options.dataDir);
     WorkerLog log(file, clock);
-    log.line("hopline_worker " CORVALIS_VERSION " started, process " + std::to_string(GetCurrentProcessId()));
+    log.line("hopline_worker " + std::string(kPluginVersion) + " started, process " + std::to_string(GetCurrentProcessId()));
     if (!understood) {
         log.line("ending: bad command line: " + error);
         return kBadArguments;

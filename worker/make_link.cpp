@@ -1,6 +1,6 @@
 #include "worker/make_link.h"
+#include "worker/simconnect/simconnect_link.h"
 #include "worker/simulated_aircraft.h"
-#include "worker/waiting_link.h"
 
 namespace {
 
@@ -34,7 +34,9 @@ FlightScript loadScript(const std::string& path, DataFiles& files, WorkerFolder&
 }  // namespace
 
 std::unique_ptr<SimLink> makeLink(const WorkerOptions& options, DataFiles& files, WorkerFolder& folder, WorkerLog& log,
-                                  std::uint64_t nowMs) {
-    if (options.link.value_or(LinkKind::Auto) == LinkKind::Auto) return std::make_unique<WaitingLink>();
+                                  const MakeTransport& makeTransport, std::uint64_t nowMs) {
+    if (options.link.value_or(LinkKind::Auto) == LinkKind::Auto) {
+        return std::make_unique<simconnect::SimConnectLink>(makeTransport(options.address));
+    }
     return std::make_unique<SimulatedAircraft>(loadScript(options.script, files, folder, log), nowMs);
 }

@@ -1,13 +1,18 @@
 // make_link.h - the one place that decides what the worker talks to.
 #pragma once
+#include <functional>
 #include <memory>
 #include "base/data_files.h"
 #include "worker/sim_link.h"
+#include "worker/simconnect/transport.h"
 #include "worker/worker_folder.h"
 #include "worker/worker_log.h"
 #include "worker/worker_options.h"
 
+// The way to the simulator at that address; to the one on this computer without.
+using MakeTransport = std::function<std::unique_ptr<simconnect::Transport>(const std::optional<HostPort>& address)>;
+
 // Never null: without a usable script the built-in aircraft stands still, without a simulator the link waits.
 // nowMs: when the script's time begins.
 std::unique_ptr<SimLink> makeLink(const WorkerOptions& options, DataFiles& files, WorkerFolder& folder, WorkerLog& log,
-                                  std::uint64_t nowMs);
+                                  const MakeTransport& makeTransport, std::uint64_t nowMs);

@@ -89,20 +89,45 @@ bool WindowsLogFile::rotate() {
     return MoveFileExA(path_.c_str(), oldPath_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
-WorkerSleep::WorkerSleep(HANDLE watched)
-    : watched_(watched), timer_(CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS)) {}
+void FolderWatch::begin() {
+    handle_ = FindFirstChangeNotificationA(folder_.c_str(), FALSE, FILE_NOTIFY_CHANGE_FILE_NAME);
+    if (handle_ == INVALID_HANDLE_VALUE) handle_ = nullptr;
+    begunMs_ = GetTickCount64();
+}
 
-bool WorkerSleep::sleep(std::uint64_t ms) {
+void FolderWatch::watchOn(bool signalled) {
+    const bool due = GetTickCount64() - begunMs_ >= kFolderCheckMs;
+    if (!due && (!signalled || FindNextChangeNotification(handle_))) return;
+    end();
+    begin();
+}
+
+void FolderWatch::end() {
+    if (handle_) FindCloseChangeNotification(handle_);
+    handle_ = nullptr;
+}
+
+WorkerSleep::WorkerSleep(HANDLE watched, const std::string& folder)
+    : watched_(watched),
+      folder_(folder),
+      timer_(CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS)) {}
+
+bool WorkerSleep::sleep(const PassResult& pass, HANDLE wake) {
+    const auto ms = folder_.handle() ? pass.quietMs : pass.waitMs;
     LARGE_INTEGER due;
     due.QuadPart = -static_cast<LONGLONG>(ms) * 10000;  // 100 ns, negative: from now
     const bool timed = timer_ && SetWaitableTimer(timer_.get(), &due, 0, nullptr, nullptr, FALSE);
-    HANDLE handles[2];
+    HANDLE handles[4];
     DWORD count = 0;
     if (watched_) handles[count++] = watched_;
+    if (wake) handles[count++] = wake;
+    const DWORD folderIndex = count;
+    if (folder_.handle()) handles[count++] = folder_.handle();
     if (timed) handles[count++] = timer_.get();
     const auto timeout = static_cast<DWORD>(timed ? ms + 100 : ms);  // 100 ms: should the timer ever fail to ring
     const DWORD result = count > 0 ? WaitForMultipleObjects(count, handles, FALSE, timeout) : WAIT_FAILED;
     if (result == WAIT_FAILED) Sleep(static_cast<DWORD>(ms));
+    folder_.watchOn(folder_.handle() && result == WAIT_OBJECT_0 + folderIndex);
     return watched_ && result == WAIT_OBJECT_0;
 }
 
@@ -122,6 +147,12 @@ OwnedHandle claimFolder(const std::string& dataDir) {
     const DWORD result = WaitForSingleObject(mutex.get(), kClaimWaitMs);
     const bool ours = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     return ours ? std::move(mutex) : nullptr;
+}
+
+// It lives as long as somebody has it open; a worker with more rights than ours has it, but not for us.
+bool isFolderServed(const std::string& dataDir) {
+    const OwnedHandle mutex(OpenMutexA(SYNCHRONIZE, FALSE, workerMutexName(canonicalPath(dataDir)).c_str()));
+    return mutex || GetLastError() == ERROR_ACCESS_DENIED;
 }
 
 void leaveCurrentDirectory() {

@@ -1,16 +1,12 @@
 // system_win.h - what the worker needs of Windows: time, file stamps, its log file, other processes, the loop's sleep.
 #pragma once
 #include <windows.h>
-#include <memory>
 #include <string>
 #include "base/clock_win.h"
+#include "base/handle_win.h"
 #include "worker/worker_folder.h"
 #include "worker/worker_log.h"
-
-struct HandleCloser {
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using OwnedHandle = std::unique_ptr<void, HandleCloser>;
+#include "worker/worker_loop.h"
 
 // Ticks of one millisecond, where GetTickCount64 has 16. The wall clock stays the one that the plugin judges "updated"
 // by: a finer one runs up to 16 ms ahead of it, and the plugin refuses a file from the future.
@@ -38,16 +34,41 @@ class WindowsLogFile : public LogFile {
     std::string oldPath_;
 };
 
-// The loop's sleep, cut short by the end of the watched process.
+// Signals that a file in the folder has come, gone or changed its name. A folder that is watched is not gone before the
+// watch lets go of it, so it does so every few hundred milliseconds.
+class FolderWatch {
+  public:
+    explicit FolderWatch(const std::string& folder) : folder_(folder) { begin(); }
+    ~FolderWatch() { end(); }
+    FolderWatch(const FolderWatch&) = delete;
+    FolderWatch& operator=(const FolderWatch&) = delete;
+
+    // Null if the folder cannot be watched.
+    HANDLE handle() const { return handle_; }
+    // After each sleep and before the folder is looked at: a change after this signals again.
+    void watchOn(bool signalled);
+
+  private:
+    void begin();
+    void end();
+
+    std::string folder_;
+    HANDLE handle_ = nullptr;
+    std::uint64_t begunMs_ = 0;
+};
+
+// The loop's sleep, cut short by the end of the watched process, by news from the simulator and by changes in the
+// folder.
 class WorkerSleep {
   public:
     // watched may be null; it is not owned.
-    explicit WorkerSleep(HANDLE watched);
-    // True if the watched process has ended.
-    bool sleep(std::uint64_t ms);
+    WorkerSleep(HANDLE watched, const std::string& folder);
+    // True if the watched process has ended. wake may be null.
+    bool sleep(const PassResult& pass, HANDLE wake);
 
   private:
     HANDLE watched_;
+    FolderWatch folder_;
     OwnedHandle timer_;  // null before Windows 10 1803: the sleep then ends with the system's own 16 ms tick
 };
 
@@ -57,6 +78,9 @@ std::string fullPath(const std::string& path);
 // The mutex that says we serve this folder; null if another worker holds it. Waits up to half a second: a plugin that
 // is reloaded starts its new worker while the killed one is still going.
 OwnedHandle claimFolder(const std::string& dataDir);
+
+// Whether a worker holds that mutex or is about to. Only looks: a worker that starts meanwhile notices nothing.
+bool isFolderServed(const std::string& dataDir);
 
 // Moves to the Windows folder: a current directory cannot be deleted.
 void leaveCurrentDirectory();

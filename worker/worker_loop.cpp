@@ -41,7 +41,9 @@ PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     }
     const TelemetryRecord record{link_.snapshot(), handler_.isPending(), handler_.ack()};
     writer_.pass(record, nowMs, unixSeconds);
-    result.waitMs = std::clamp<std::uint64_t>(writer_.msUntilDue(record, nowMs), 1, kPassMs);
+    const auto dueMs = std::max<std::uint64_t>(writer_.msUntilDue(record, nowMs), 1);
+    result.waitMs = std::min(dueMs, kPassMs);
+    result.quietMs = std::min(dueMs, handler_.isPending() ? kPassMs : std::max(kPassMs, link_.restMs()));
     return result;
 }
 

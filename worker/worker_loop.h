@@ -6,12 +6,13 @@
 #include "worker/command_inbox.h"
 #include "worker/telemetry_writer.h"
 
-inline constexpr std::uint64_t kPassMs = 25;          // command.json is looked at this often
-inline constexpr std::uint64_t kFolderCheckMs = 400;  // the folder's disappearance shows within 500 ms
+inline constexpr std::uint64_t kPassMs = 23;          // command.json is looked at this often: read within 25 ms
+inline constexpr std::uint64_t kFolderCheckMs = 230;  // the folder's disappearance shows within 500 ms
 
 struct PassResult {
-    bool folderGone = false;   // the worker has nothing left to do
-    std::uint64_t waitMs = 1;  // 1..kPassMs until the next pass
+    bool folderGone = false;    // the worker has nothing left to do
+    std::uint64_t waitMs = 1;   // 1..kPassMs until the next pass
+    std::uint64_t quietMs = 1;  // the same where news from the link and a new command.json cut the wait short
 };
 
 class WorkerLoop {

@@ -43,10 +43,28 @@ std::string readIniLine(std::string_view line, WorkerOptions& file) {
         file.script = value;
         return {};
     }
+    if (key == "address") {
+        const auto address = parseHostPort(value);
+        if (address) file.address = address;
+        return address ? "" : "needs an address as in simpc:500 or [fe80::1]:500";
+    }
     if (key != "link") return "has an unknown key";
     if (value != "auto" && value != "simulate") return "needs auto or simulate";
     file.link = value == "auto" ? LinkKind::Auto : LinkKind::Simulate;
     return {};
+}
+
+// The reason against the value of an option that must have one; empty if it was taken.
+std::string readOptionValue(const std::string& name, const std::string& value, WorkerOptions& options) {
+    if (name == "--data-dir") {
+        options.dataDir = value;
+        return {};
+    }
+    if (name == "--watch-pid") {
+        return parsePid(value, options.watchPid) ? "" : "--watch-pid needs a process id, not " + value;
+    }
+    options.address = parseHostPort(value);
+    return options.address ? "" : "--address needs an address as in simpc:500 or [fe80::1]:500, not " + value;
 }
 
 bool isIgnoredLine(std::string_view line) {
@@ -63,22 +81,21 @@ bool parseArguments(const std::vector<std::string>& arguments, WorkerOptions& op
     for (std::size_t i = 0; i < arguments.size(); i++) {
         const auto& name = arguments[i];
         const bool hasValue = i + 1 < arguments.size() && !isOption(arguments[i + 1]);
-        if (name == "--simulate") {
+        if (name == "--diagnose") {
+            options.diagnose = true;
+        } else if (name == "--simulate") {
             options.link = LinkKind::Simulate;
             if (hasValue) options.script = arguments[++i];
-        } else if (name == "--data-dir" || name == "--watch-pid") {
-            if (!hasValue) {
-                complain(name + " needs a value");
-            } else if (name == "--data-dir") {
-                options.dataDir = arguments[++i];
-            } else if (!parsePid(arguments[++i], options.watchPid)) {
-                complain("--watch-pid needs a process id, not " + arguments[i]);
-            }
+        } else if (name == "--data-dir" || name == "--watch-pid" || name == "--address") {
+            auto reason = hasValue ? readOptionValue(name, arguments[++i], options) : name + " needs a value";
+            if (!reason.empty()) complain(std::move(reason));
         } else {
             complain("unknown argument " + name);
         }
     }
-    if (options.dataDir.empty()) complain("--data-dir is missing");
+    if (options.address && options.link) complain("--simulate and --address exclude each other");
+    if (options.address) options.link = LinkKind::Auto;  // whatever worker.ini says of the link
+    if (options.dataDir.empty() && !options.diagnose) complain("--data-dir is missing");
     return error.empty();
 }
 
@@ -97,10 +114,19 @@ std::vector<std::string> applyIni(std::string_view text, WorkerOptions& options)
         remarks.push_back("worker.ini line " + std::to_string(number) + " ignored: it " + reason);
     }
     if (!options.link) options.link = file.link;
+    if (!options.address) options.address = file.address;
     if (options.script.empty() && !file.script.empty()) {
         options.script = isAbsolutePath(file.script) ? file.script : joinPath(options.dataDir, file.script);
     }
     return remarks;
+}
+
+std::string describeLink(const WorkerOptions& options) {
+    if (options.link.value_or(LinkKind::Auto) == LinkKind::Simulate) {
+        return "link simulate, script " + (options.script.empty() ? "none" : options.script);
+    }
+    return "link auto, simulator " +
+           (options.address ? "at " + hostPortText(*options.address) : std::string("on this computer"));
 }
 
 bool isAbsolutePath(std::string_view path) {

@@ -29,7 +29,7 @@ ClientSession::~ClientSession() {
 
 ::testing::AssertionResult ClientSession::load() {
     std::error_code error;
-    std::filesystem::copy_file(programFolder() / L"corvalis_win64.dll", dll,
+    std::filesystem::copy_file(productFile("corvalis_win64.dll"), dll,
                                std::filesystem::copy_options::overwrite_existing, error);
     if (error) return ::testing::AssertionFailure() << "cannot copy the DLL: " << error.message();
     if (!plugin.load(dll)) return ::testing::AssertionFailure() << plugin.error();
@@ -120,9 +120,9 @@ bool ClientSession::writeSettings(const std::string& lines) {
     return writeFile(dataFolder / "settings.ini", lines);
 }
 
-bool ClientSession::copyWorker(const char* program) {
+bool ClientSession::copyWorker(const std::filesystem::path& program) {
     std::error_code error;
-    return std::filesystem::copy_file(programFolder() / program, pluginFolder / "hopline_worker.exe",
+    return std::filesystem::copy_file(program, pluginFolder / "hopline_worker.exe",
                                       std::filesystem::copy_options::overwrite_existing, error);
 }
 

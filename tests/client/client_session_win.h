@@ -61,7 +61,7 @@ class ClientSession {
 
     bool writeSettings(const std::string& lines);  // settings.ini in the data folder, before start
     std::string settings() const { return readFile(dataFolder / "settings.ini"); }
-    bool copyWorker(const char* program);  // a built program, beside the DLL as hopline_worker.exe
+    bool copyWorker(const std::filesystem::path& program);  // beside the DLL as hopline_worker.exe
 
     FreshFolder machine;
     const std::filesystem::path appData;

@@ -3,6 +3,8 @@
 #include <cctype>
 #include <cstring>
 #include <set>
+#include <vector>
+#include "plugin/identity.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/pe_image.h"
 
@@ -15,14 +17,26 @@ std::string lowerCase(std::string text) {
 
 // The names outside the set, joined.
 std::string foreignLibraries(const std::filesystem::path& program) {
-    static const std::set<std::string> kSystem = {"advapi32.dll", "comctl32.dll", "gdi32.dll",
-                                                  "gdiplus.dll",  "kernel32.dll", "msvcrt.dll",
-                                                  "ole32.dll",    "shell32.dll",  "user32.dll"};
+    static const std::set<std::string> kSystem = {"advapi32.dll", "comctl32.dll", "gdi32.dll", "gdiplus.dll",
+                                                  "kernel32.dll", "msvcrt.dll",   "ole32.dll", "shell32.dll",
+                                                  "user32.dll",   "version.dll",  "ws2_32.dll"};
     std::string foreign;
     for (const std::string& library : importedLibraries(readFile(program))) {
         if (!kSystem.count(lowerCase(library))) foreign += library + " ";
     }
     return foreign;
+}
+
+// Of the properties that Explorer shows; empty if the file has none.
+std::string fileVersion(const std::filesystem::path& program) {
+    DWORD ignored = 0;
+    std::vector<char> resource(GetFileVersionInfoSizeW(program.c_str(), &ignored));
+    void* text = nullptr;
+    UINT length = 0;
+    const auto size = static_cast<DWORD>(resource.size());
+    if (size == 0 || !GetFileVersionInfoW(program.c_str(), 0, size, resource.data())) return {};
+    if (!VerQueryValueW(resource.data(), L"\\StringFileInfo\\040904B0\\FileVersion", &text, &length)) return {};
+    return toUtf8(static_cast<const wchar_t*>(text));
 }
 
 // True if the loaded module's own memory holds the bytes.
@@ -44,23 +58,28 @@ bool moduleHolds(const wchar_t* module, const void* bytes, std::size_t count) {
 }  // namespace
 
 TEST(PluginFile, ExportsTheListedNamesAndNoOthers) {
-    std::vector<std::string> names = exportedNames(readFile(programFolder() / "corvalis_win64.dll"));
+    std::vector<std::string> names = exportedNames(readFile(productFile("corvalis_win64.dll")));
     std::vector<std::string> listed(kExportNames.begin(), kExportNames.end());
     std::sort(names.begin(), names.end());
     std::sort(listed.begin(), listed.end());
     EXPECT_EQ(names, listed);
 }
 
+TEST(PluginFile, AndTheWorkerShowTheVersionInTheirProperties) {
+    EXPECT_EQ(fileVersion(productFile("corvalis_win64.dll")), kPluginVersion);
+    EXPECT_EQ(fileVersion(productFile("hopline_worker.exe")), kPluginVersion);
+}
+
 TEST(PluginFile, NeedsWindowsSystemLibrariesOnly) {
-    const auto libraries = importedLibraries(readFile(programFolder() / "corvalis_win64.dll"));
+    const auto libraries = importedLibraries(readFile(productFile("corvalis_win64.dll")));
     EXPECT_GE(libraries.size(), 2u);  // or the reader is broken
-    EXPECT_EQ(foreignLibraries(programFolder() / "corvalis_win64.dll"), "");
+    EXPECT_EQ(foreignLibraries(productFile("corvalis_win64.dll")), "");
 }
 
 TEST(WorkerFile, NeedsWindowsSystemLibrariesOnly) {
-    const auto libraries = importedLibraries(readFile(programFolder() / "hopline_worker.exe"));
+    const auto libraries = importedLibraries(readFile(productFile("hopline_worker.exe")));
     EXPECT_GE(libraries.size(), 2u);
-    EXPECT_EQ(foreignLibraries(programFolder() / "hopline_worker.exe"), "");
+    EXPECT_EQ(foreignLibraries(productFile("hopline_worker.exe")), "");
 }
 
 using Exports = PluginTest;

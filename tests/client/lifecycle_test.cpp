@@ -99,7 +99,7 @@ TEST_F(Lifecycle, ThreadsAndWindowsAreGoneAfterShutdown) {
 }
 
 TEST_F(Lifecycle, HandlesDoNotGrowFromStartToStart) {
-    ASSERT_TRUE(session.copyWorker("fake_worker.exe"));
+    ASSERT_TRUE(session.copyWorker(programFolder() / "fake_worker.exe"));
     const auto cycle = [&] {
         ASSERT_TRUE(session.start());
         ASSERT_TRUE(session.waitPasses(2));
@@ -129,7 +129,7 @@ TEST_F(Lifecycle, UnloadedWithoutShutdownBeforeInitIsHarmless) {
 }
 
 TEST_F(Lifecycle, AHostThatLeavesWithoutShutdownEndsAtOnce) {
-    std::filesystem::copy_file(programFolder() / "corvalis_win64.dll", session.dll);
+    std::filesystem::copy_file(productFile("corvalis_win64.dll"), session.dll);
     const auto ready = session.machine.path / "ready.txt";
     const std::uint32_t hostId = startHost(L"--leave-host", session.dll, ready);
     ASSERT_NE(hostId, 0u);

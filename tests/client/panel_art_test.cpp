@@ -41,7 +41,7 @@ class PanelArt : public PanelTest {
   protected:
     // Starts with a DLL in which every theme's image is this; empty: none.
     ::testing::AssertionResult loadWithImages(const std::string& bytes) {
-        std::filesystem::copy_file(programFolder() / L"corvalis_win64.dll", session.dll,
+        std::filesystem::copy_file(productFile("corvalis_win64.dll"), session.dll,
                                    std::filesystem::copy_options::overwrite_existing);
         // The last first: the numbers stay in order, as those who look for one expect.
         for (std::int32_t theme = kThemeCount - 1; theme >= 0; theme--) {

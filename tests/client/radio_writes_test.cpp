@@ -181,7 +181,7 @@ class RealWorker : public PluginTest {
         std::filesystem::create_directories(session.dataFolder);
         ASSERT_TRUE(writeFile(session.dataFolder / "flight.txt", script));
         ASSERT_TRUE(writeFile(session.dataFolder / "worker.ini", "link=simulate\nscript=flight.txt\n"));
-        ASSERT_TRUE(session.copyWorker("hopline_worker.exe"));
+        ASSERT_TRUE(session.copyWorker(productFile("hopline_worker.exe")));
         ASSERT_TRUE(session.start());
     }
     std::string telemetryValue(const char* key) const {

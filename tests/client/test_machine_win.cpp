@@ -126,6 +126,12 @@ std::filesystem::path programFolder() {
     return std::filesystem::path(file).parent_path();
 }
 
+std::filesystem::path productFile(const char* name) {
+    wchar_t folder[MAX_PATH + 1] = {};
+    const DWORD length = GetEnvironmentVariableW(L"CORVALIS_PRODUCT_FOLDER", folder, MAX_PATH);
+    return (length > 0 && length < MAX_PATH ? std::filesystem::path(folder) : programFolder()) / name;
+}
+
 int threadCount() {
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
     if (snapshot == INVALID_HANDLE_VALUE) return -1;

@@ -49,7 +49,7 @@ class Worker : public PluginTest {
     }
     // The fake worker beside the DLL, started; its report.
     StartReport startWithWorker() {
-        EXPECT_TRUE(session.copyWorker("fake_worker.exe"));
+        EXPECT_TRUE(session.copyWorker(programFolder() / "fake_worker.exe"));
         EXPECT_TRUE(session.start());
         return waitForReport(session.pluginFolder);
     }
@@ -115,8 +115,8 @@ TEST_F(Worker, IsStartedAgainAfterAReload) {
 }
 
 TEST_F(Worker, DiesWithAHostThatIsKilled) {
-    ASSERT_TRUE(session.copyWorker("fake_worker.exe"));
-    std::filesystem::copy_file(programFolder() / "corvalis_win64.dll", session.dll);
+    ASSERT_TRUE(session.copyWorker(programFolder() / "fake_worker.exe"));
+    std::filesystem::copy_file(productFile("corvalis_win64.dll"), session.dll);
     const auto ready = session.machine.path / "ready.txt";
     const std::uint32_t hostId = startHost(L"--play-host", session.dll, ready);
     ASSERT_NE(hostId, 0u);

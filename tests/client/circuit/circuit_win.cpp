@@ -1,6 +1,7 @@
 // circuit_win.cpp - the demonstration: the real plugin in the stand-in voice client, its real worker with the built-in
-// aircraft, flown once round the circuit. Prints a timeline; exits with 1 if anything did not go as it should.
-//   circuit OUT_FOLDER [--fast]      OUT_FOLDER holds %APPDATA% of the flight and the client's log
+// aircraft or with the stand-in simulator behind the simulator's pipe, flown once round the circuit. Prints a timeline;
+// exits with 1 if anything did not go as it should.
+//   circuit OUT_FOLDER [--fast] [--simconnect]      OUT_FOLDER holds %APPDATA% of the flight and the logs
 #include <windows.h>
 #include <cstdio>
 #include <cstring>
@@ -11,8 +12,14 @@
 #include "tests/client/circuit/flight_plan.h"
 #include "tests/client/circuit/flight_watch_win.h"
 #include "tests/client/test_machine_win.h"
+#include "tests/simulator/program_win.h"
 
 namespace {
+
+struct FlightOptions {
+    bool isShort = false;
+    bool hasSimulator = false;  // else the aircraft is the worker's own
+};
 
 constexpr std::uint64_t kStillMs = 350;      // a frequency is followed no sooner
 constexpr std::uint64_t kClockGrainMs = 16;  // of the tick counter on Windows
@@ -184,6 +191,19 @@ void flyLegs(Flight& f, bool isShort, std::uint64_t workerStartMs) {
     }
 }
 
+// The aircraft begins its flight once the worker has found it. False if it never does.
+bool takeOff(FlightWatch& watch, standin::Program& simulator, const std::filesystem::path& script) {
+    const bool isFound = watch.until([&] { return watch.telemetry().ok; }, 15'000);
+    watch.check(isFound, "the worker has found the simulator");
+    simulator.say("play " + toCodePage(script.wstring()));
+    return isFound;
+}
+
+void writeSimulatorLog(const standin::Program& simulator, const std::filesystem::path& file) {
+    std::ofstream log(file, std::ios::binary);
+    for (const auto& line : simulator.lines()) log << line << '\n';
+}
+
 void writeClientLog(const HostModel& host, const std::filesystem::path& file) {
     std::ofstream log(file, std::ios::binary);
     for (const auto& line : host.logLines()) log << line << '\n';
@@ -197,19 +217,26 @@ int reportEnd(const HostModel& host, FlightWatch& watch) {
     return watch.failures() == 0 ? 0 : 1;
 }
 
-int fly(const std::filesystem::path& out, bool isShort) {
+int fly(const std::filesystem::path& out, const FlightOptions& options) {
     const auto appData = std::filesystem::absolute(out) / "appdata";
     const auto dataFolder = appData / "Corvalis";
     std::filesystem::create_directories(dataFolder);
-    writeFile(dataFolder / "circuit.txt", circuitScript(isShort));
-    writeFile(dataFolder / "worker.ini", "link=simulate\nscript=circuit.txt\n");
+    const auto script = dataFolder / "circuit.txt";
+    writeFile(script, circuitScript(options.isShort));
+    standin::Program simulator;
+    if (!options.hasSimulator) {
+        writeFile(dataFolder / "worker.ini", "link=simulate\nscript=circuit.txt\n");
+    } else if (!simulator.start(standin::besideUs(L"stand_in_simulator.exe", L"--pipe"))) {
+        std::printf("The simulator does not start\n");
+        return 1;
+    }
     const EnvironmentValue environment(L"APPDATA", appData.wstring());
 
     const SystemClock clock;
     HostModel host(clock);
     layOutServer(host);
     PluginLibrary plugin;
-    if (!plugin.load(programFolder() / "corvalis_win64.dll")) {
+    if (!plugin.load(productFile("corvalis_win64.dll"))) {
         std::printf("The plugin does not load: %s\n", plugin.error().c_str());
         return 1;
     }
@@ -220,11 +247,12 @@ int fly(const std::filesystem::path& out, bool isShort) {
     FlightWatch watch(host, plugin, dataFolder, startMs);
     watch.say("client      plugin started in " + std::to_string(systemTickMs() - startMs) + " ms");
     Flight flight{host, watch};
-    flyLegs(flight, isShort, systemTickMs());
+    if (!options.hasSimulator || takeOff(watch, simulator, script)) flyLegs(flight, options.isShort, systemTickMs());
     watch.say("--- Shutting down");
     plugin.exports().shutdown();
     plugin.unload();
     writeClientLog(host, out / "client.log");
+    if (options.hasSimulator) writeSimulatorLog(simulator, out / "simulator.log");
     return reportEnd(host, watch);
 }
 
@@ -233,8 +261,13 @@ int fly(const std::filesystem::path& out, bool isShort) {
 int main(int argc, char** argv) {
     SetConsoleOutputCP(CP_UTF8);
     if (argc < 2) {
-        std::printf("usage: circuit OUT_FOLDER [--fast]\n");
+        std::printf("usage: circuit OUT_FOLDER [--fast] [--simconnect]\n");
         return 2;
     }
-    return fly(argv[1], argc > 2 && std::strcmp(argv[2], "--fast") == 0);
+    FlightOptions options;
+    for (int i = 2; i < argc; i++) {
+        options.isShort = options.isShort || std::strcmp(argv[i], "--fast") == 0;
+        options.hasSimulator = options.hasSimulator || std::strcmp(argv[i], "--simconnect") == 0;
+    }
+    return fly(argv[1], options);
 }

@@ -6,12 +6,6 @@
 #include "bridge/capture_mode.h"
 #include "tests/unit/audio/voice_blocks.h"
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define CORVALIS_SANITIZED
-#endif
-#endif
-
 #if defined(__linux__) && !defined(CORVALIS_SANITIZED)
 #include <dlfcn.h>
 #include <pthread.h>

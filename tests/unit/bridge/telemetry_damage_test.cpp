@@ -5,7 +5,11 @@
 
 namespace {
 
+#ifdef CORVALIS_SANITIZED
+constexpr std::size_t kHostileBytes = 5'000'000;  // each byte costs a sanitizer twenty times as much
+#else
 constexpr std::size_t kHostileBytes = 100'000'000;
+#endif
 
 std::string repeat(std::string_view piece, std::size_t bytes) {
     std::string text;
@@ -61,15 +65,15 @@ TEST(TelemetryDamage, EachByteLostReadsAsASearchKeyByKeyWould) {
     }
 }
 
-TEST(TelemetryDamage, AHundredMegabytesOfQuotesAreNoReading) {
+TEST(TelemetryDamage, MegabytesOfQuotesAreNoReading) {
     expectAtRest(std::string(kHostileBytes, '"'));
 }
 
-TEST(TelemetryDamage, AHundredMegabytesWithoutAColonAreNoReading) {
+TEST(TelemetryDamage, MegabytesWithoutAColonAreNoReading) {
     expectAtRest(repeat(allKeys(), kHostileBytes));
 }
 
-TEST(TelemetryDamage, AHundredMegabytesOfOneStringAreNoReading) {
+TEST(TelemetryDamage, MegabytesOfOneStringAreNoReading) {
     expectAtRest("{\"status\":\"" + std::string(kHostileBytes, 'a'));
     expectAtRest(std::string(kHostileBytes, 'a'));
     const std::string closed = "{\"ack_id\":\"" + std::string(kHostileBytes, 'a') + "\"}";
@@ -77,15 +81,15 @@ TEST(TelemetryDamage, AHundredMegabytesOfOneStringAreNoReading) {
     EXPECT_EQ(parseTelemetry(closed).ackId.size(), kHostileBytes);
 }
 
-TEST(TelemetryDamage, AHundredMegabytesOfOneKeyAreNoReading) {
+TEST(TelemetryDamage, MegabytesOfOneKeyAreNoReading) {
     expectAtRest(repeat("\"ok\":false,", kHostileBytes));
 }
 
-TEST(TelemetryDamage, AHundredMegabytesOfDigitsAreNoReading) {
+TEST(TelemetryDamage, MegabytesOfDigitsAreNoReading) {
     expectAtRest("{\"updated\":" + std::string(kHostileBytes, '1'));
     EXPECT_EQ(parseTelemetry("{\"range_max\":" + std::string(kHostileBytes, '1')).rangeMax, 0);
 }
 
-TEST(TelemetryDamage, AHundredMegabytesOfBlanksAfterTheColonAreNoReading) {
+TEST(TelemetryDamage, MegabytesOfBlanksAfterTheColonAreNoReading) {
     expectAtRest(allKeys() + ":" + std::string(kHostileBytes, ' '));
 }

@@ -1,5 +1,6 @@
 #include "worker/make_link.h"
 #include <gtest/gtest.h>
+#include "tests/unit/worker/simconnect/fake_simulator.h"
 #include "tests/unit/worker/worker_fakes.h"
 #include "worker/flight_script.h"
 
@@ -14,30 +15,39 @@ struct MakingALink : testing::Test {
     MemoryLogFile logFile;
     WorkerLog log{logFile, clock};
     WorkerOptions options;
+    std::optional<HostPort> address;  // asked for
 
     std::unique_ptr<SimLink> made() {
-        auto link = makeLink(options, files, folder, log, 0);
+        const auto makeTransport = [this](const std::optional<HostPort>& wanted) {
+            address = wanted;
+            return std::make_unique<FakeTransport>();
+        };
+        auto link = makeLink(options, files, folder, log, makeTransport, 0);
         link->poll(0);
         return link;
     }
     // Simulated from a script with this text.
     std::unique_ptr<SimLink> madeFrom(const std::string& text) {
         files.put(kScript, text);
-        options = {"C:\\d", 0, LinkKind::Simulate, kScript};
+        options = {"C:\\d", 0, LinkKind::Simulate, kScript, {}};
         return made();
     }
 };
 
 }  // namespace
 
-TEST_F(MakingALink, WaitsForTheSimulatorUnlessToldOtherwise) {
+TEST_F(MakingALink, LooksForTheSimulatorUnlessToldOtherwise) {
     for (const auto kind : {std::optional<LinkKind>(), std::optional(LinkKind::Auto)}) {
         options.link = kind;
         const auto link = made();
         EXPECT_FALSE(link->snapshot().ok);
-        EXPECT_EQ(link->snapshot().status, "waiting for the simulator");
+        EXPECT_EQ(link->snapshot().status, "connecting to the simulator");
         EXPECT_FALSE(link->write({0, kSlotSwap, 0.0}, 0));
+        EXPECT_EQ(address, std::nullopt);
     }
+    options.address = HostPort{"simpc", 500};
+    made();
+    EXPECT_EQ(address, (HostPort{"simpc", 500}));
 }
 
 TEST_F(MakingALink, FliesTheScript) {
@@ -55,7 +65,7 @@ TEST_F(MakingALink, ReportsBadLinesAndCountsTheRest) {
 }
 
 TEST_F(MakingALink, StandsStillWithoutAUsableScript) {
-    options = {"C:\\d", 0, LinkKind::Simulate, kScript};
+    options = {"C:\\d", 0, LinkKind::Simulate, kScript, {}};
     EXPECT_EQ(made()->snapshot().radios[0].activeKHz, 122800);
     EXPECT_TRUE(logFile.has("script C:\\d\\flight.txt not found; the aircraft stands still"));
     options.script.clear();

@@ -3,7 +3,6 @@
 #include "bridge/telemetry.h"
 #include "tests/unit/worker/worker_fakes.h"
 #include "worker/simulated_aircraft.h"
-#include "worker/waiting_link.h"
 
 namespace {
 
@@ -217,13 +216,45 @@ TEST(WorkerLoop, GoesOnWhenTheClockIsSetBack) {
     EXPECT_GT(worker.msUntilAck("1-1"), 0);
 }
 
+TEST(WorkerLoop, RestsOnlyWhileALinkNeedsNoPollAndNoCommandIsPending) {
+    struct RestingLink : ManualLink {
+        std::uint64_t restMs() const override { return 90; }
+    };
+    ManualClock clock;
+    MemoryFiles files;
+    MemoryFolder folder{files};
+    MemoryLogFile logFile;
+    WorkerLog log{logFile, clock};
+    RestingLink link;
+    WorkerLoop loop("C:\\d", files, folder, link, log);
+    const auto pass = [&] {
+        clock.advance(100);
+        return loop.pass(clock.tickMs(), clock.unixSeconds());
+    };
+    EXPECT_EQ(pass().quietMs, 90u);
+    EXPECT_EQ(pass().waitMs, kPassMs);
+    files.put("C:\\d\\command.json", commandText("1-1", 1, "swap", "0", clock.unixSeconds()));
+    EXPECT_EQ(pass().quietMs, kPassMs);
+    link.sim.radios[0].activeKHz = 121500;
+    link.sim.radios[0].standbyKHz = 122800;
+    EXPECT_EQ(pass().quietMs, 90u);
+    bool soonerForTelemetry = false;
+    for (int i = 0; i < 5; i++) soonerForTelemetry = pass().quietMs < 90 || soonerForTelemetry;
+    EXPECT_TRUE(soonerForTelemetry);
+    ManualLink restless;
+    WorkerLoop other("C:\\d", files, folder, restless, log);
+    EXPECT_EQ(other.pass(clock.tickMs(), clock.unixSeconds()).quietMs, kPassMs);
+}
+
 TEST(WorkerLoop, WaitsForTheSimulatorWithEverythingElseAlive) {
     ManualClock clock;
     MemoryFiles files;
     MemoryFolder folder{files};
     MemoryLogFile logFile;
     WorkerLog log{logFile, clock};
-    WaitingLink link;
+    ManualLink link;
+    link.sim = SimSnapshot();
+    link.sim.status = "waiting for the simulator";
     WorkerLoop loop("C:\\d", files, folder, link, log);
     files.put("C:\\d\\command.json", commandText("1-1", 1, "swap", "0", clock.unixSeconds()));
     loop.pass(clock.tickMs(), clock.unixSeconds());

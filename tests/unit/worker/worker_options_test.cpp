@@ -40,6 +40,63 @@ TEST(WorkerArguments, ReadsSimulateWithAndWithoutAScript) {
     EXPECT_EQ(scripted.script, "flight.txt");
 }
 
+TEST(WorkerArguments, ReadsTheAddressOfASimulatorElsewhere) {
+    const auto options = parsed({"--data-dir", "d", "--address", "192.168.1.20:500"});
+    EXPECT_EQ(options.address, (HostPort{"192.168.1.20", 500}));
+    EXPECT_EQ(options.link, LinkKind::Auto);  // over a link=simulate of worker.ini
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--address"}), "--address needs a value");
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--address", "simpc"}),
+              "--address needs an address as in simpc:500 or [fe80::1]:500, not simpc");
+    const std::string both = "--simulate and --address exclude each other";
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--address", "simpc:500", "--simulate"}), both);
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--simulate", "a.txt", "--address", "simpc:500"}), both);
+}
+
+TEST(HostPortText, ReadsNamesAndBothKindsOfAddresses) {
+    const struct {
+        const char* text;
+        HostPort address;
+    } good[] = {{"simpc:500", {"simpc", 500}},
+                {"sim-pc.home.arpa:65535", {"sim-pc.home.arpa", 65535}},
+                {"192.168.1.20:1", {"192.168.1.20", 1}},
+                {"[::1]:500", {"::1", 500}},
+                {"[fe80::1%eth0]:500", {"fe80::1%eth0", 500}},
+                {"[::ffff:10.0.0.1]:500", {"::ffff:10.0.0.1", 500}}};
+    for (const auto& row : good) {
+        EXPECT_EQ(parseHostPort(row.text), row.address) << row.text;
+        EXPECT_EQ(hostPortText(row.address), row.text);
+    }
+    for (const std::string bad : {"",
+                                  ":",
+                                  "simpc",
+                                  "simpc:",
+                                  ":500",
+                                  "simpc:0",
+                                  "simpc:65536",
+                                  "simpc:-1",
+                                  "simpc:+1",
+                                  "simpc:500 ",
+                                  " simpc:500",
+                                  "simpc:5x",
+                                  "fe80::1:500",
+                                  "[::1]",
+                                  "[::1]500",
+                                  "[]:500",
+                                  "[simpc]:500",
+                                  "[::1:500",
+                                  "::1]:500",
+                                  "a b:500",
+                                  "http://simpc:500",
+                                  "simpc/x:500",
+                                  "simpc:500:600",
+                                  "\xE9:500"}) {
+        EXPECT_EQ(parseHostPort(bad), std::nullopt) << bad;
+    }
+    std::string longest(253, 'a');
+    EXPECT_TRUE(parseHostPort(longest.append(":500")));
+    EXPECT_EQ(parseHostPort(longest.insert(0, 1, 'a')), std::nullopt);
+}
+
 TEST(WorkerArguments, NamesWhatItDoesNotUnderstand) {
     const std::string pid = "--watch-pid needs a process id, not ";
     EXPECT_EQ(errorOf({}), "--data-dir is missing");
@@ -51,6 +108,30 @@ TEST(WorkerArguments, NamesWhatItDoesNotUnderstand) {
     }
     EXPECT_EQ(errorOf({"--data-dir", "d", "--verbose"}), "unknown argument --verbose");
     EXPECT_EQ(errorOf({"--data-dir", "d", "stray"}), "unknown argument stray");
+}
+
+TEST(WorkerArguments, ADiagnosisNeedsNoDataFolder) {
+    const auto bare = parsed({"--diagnose"});
+    EXPECT_TRUE(bare.diagnose);
+    EXPECT_EQ(bare.dataDir, "");
+    const auto placed = parsed({"--data-dir", "C:\\d", "--diagnose", "--address", "simpc:500"});
+    EXPECT_TRUE(placed.diagnose);
+    EXPECT_EQ(placed.dataDir, "C:\\d");
+    EXPECT_EQ(placed.address, (HostPort{"simpc", 500}));
+    EXPECT_FALSE(parsed(kPluginArguments).diagnose);
+    EXPECT_EQ(errorOf({"--diagnose", "C:\\d"}), "unknown argument C:\\d");
+    EXPECT_EQ(errorOf({"--diagnose", "--data-dir"}), "--data-dir needs a value");
+}
+
+TEST(WorkerOptionsText, NamesWhatTheLinkIsSetTo) {
+    WorkerOptions options;
+    EXPECT_EQ(describeLink(options), "link auto, simulator on this computer");
+    options.address = HostPort{"simpc", 500};
+    EXPECT_EQ(describeLink(options), "link auto, simulator at simpc:500");
+    options.link = LinkKind::Simulate;
+    EXPECT_EQ(describeLink(options), "link simulate, script none");
+    options.script = "a.txt";
+    EXPECT_EQ(describeLink(options), "link simulate, script a.txt");
 }
 
 TEST(WorkerArguments, KeepsTheDataFolderOfABadLineForTheLog) {
@@ -74,6 +155,18 @@ TEST(WorkerIni, TheCommandLineWins) {
     applyIni("link=auto\nscript=other.txt\n", options);
     EXPECT_EQ(options.link, LinkKind::Simulate);
     EXPECT_EQ(options.script, "mine.txt");
+}
+
+TEST(WorkerIni, ReadsTheAddressOfASimulatorElsewhere) {
+    auto options = parsed(kPluginArguments);
+    EXPECT_EQ(
+        applyIni("address = simpc:500\naddress = here\n", options),
+        (std::vector<std::string>{"worker.ini line 2 ignored: it needs an address as in simpc:500 or [fe80::1]:500"}));
+    EXPECT_EQ(options.address, (HostPort{"simpc", 500}));
+    options = parsed({"--data-dir", "d", "--address", "other:1"});
+    applyIni("link=simulate\naddress=simpc:500\n", options);
+    EXPECT_EQ(options.address, (HostPort{"other", 1}));
+    EXPECT_EQ(options.link, LinkKind::Auto);
 }
 
 TEST(WorkerIni, LeavesAnAbsoluteOrQuotedPathAlone) {

@@ -1,0 +1,173 @@
+// The real worker program as a user starts it for a report: --diagnose on prepared folders, without plugin and client.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include "bridge/worker_command_line.h"
+#include "plugin/identity.h"
+#include "tests/client/test_machine_win.h"
+#include "tests/simulator/program_win.h"
+#include "worker/diagnosis.h"
+
+namespace {
+
+struct Outcome {
+    bool ended = false;
+    DWORD exitCode = 0;
+    std::string output;
+};
+
+std::wstring quoted(const std::filesystem::path& path) {
+    return L"\"" + path.wstring() + L"\"";
+}
+
+// Runs the program to its end with its standard output in a file, as "> file" of a command prompt does.
+Outcome runWorker(const std::wstring& arguments, const std::filesystem::path& outputFile) {
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    const HANDLE output = CreateFileW(outputFile.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    std::wstring text = quoted(productFile(kWorkerProgram)) + L" " + arguments;
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput = output;
+    PROCESS_INFORMATION process = {};
+    Outcome outcome;
+    if (CreateProcessW(nullptr, text.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
+        outcome.ended = WaitForSingleObject(process.hProcess, 30'000) == WAIT_OBJECT_0;
+        GetExitCodeProcess(process.hProcess, &outcome.exitCode);
+        if (!outcome.ended) TerminateProcess(process.hProcess, 9);
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+    }
+    CloseHandle(output);
+    outcome.output = readFile(outputFile);
+    return outcome;
+}
+
+bool has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+}  // namespace
+
+class Diagnose : public ::testing::Test {
+  protected:
+    // The folder for a user of that name, with a few files in it.
+    void prepare(const std::wstring& user) {
+        profile = machine.path / L"Users" / user;
+        appData = profile / L"AppData" / L"Roaming";
+        data = appData / L"Corvalis";
+        std::filesystem::create_directories(data);
+        const std::string here = toCodePage(data.wstring());
+        ASSERT_TRUE(writeFile(data / "settings.ini", "master=1\r\npython=" + here + "\\python.exe\r\n"));
+        ASSERT_TRUE(writeFile(data / "worker.ini", "link=simulate\r\n"));
+        ASSERT_TRUE(writeFile(data / "telemetry.json", "{\"updated\":1.5,\"ok\":true,\"protocol\":2}"));
+        ASSERT_TRUE(writeFile(data / "hopline_worker.log",
+                              "2026-11-21 06:19:08.354 UTC  data folder " + here + ", watching no process\r\n" +
+                                  "2026-11-21 06:19:08.355 UTC  link down: simulator not running\r\n"));
+    }
+    Outcome run(const std::wstring& arguments) { return runWorker(arguments, machine.path / "output.txt"); }
+    // What stands behind the report on the standard output.
+    static std::string behind(const std::string& report, const std::string& output) {
+        return output.starts_with(report) ? output.substr(report.size()) : "not the report";
+    }
+
+    FreshFolder machine{L"corvalis diagnosis"};
+    std::filesystem::path profile, appData, data;
+};
+
+TEST_F(Diagnose, PrintsWhatItSavesAndMasksTheUser) {
+    prepare(L"J\u00FCrgen M\u00FCller");
+    const EnvironmentValue account(L"USERNAME", L"corvalis diagnosis");
+    const auto outcome = run(L"--diagnose --data-dir " + quoted(data));
+    ASSERT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.exitCode, 0u);
+    const auto report = readFile(data / kDiagnosisFile);
+    ASSERT_FALSE(report.empty());
+    const auto saved = behind(report, outcome.output);
+    EXPECT_TRUE(saved.starts_with("\r\nSaved as ")) << outcome.output;
+    EXPECT_TRUE(saved.ends_with("\\Users\\<user>\\AppData\\Roaming\\Corvalis\\corvalis-diagnose.txt\r\n")) << saved;
+
+    EXPECT_FALSE(has(outcome.output, "rgen")) << outcome.output;
+    EXPECT_FALSE(has(outcome.output, "ller")) << outcome.output;
+    EXPECT_TRUE(has(report, "worker          " + std::string(kPluginVersion) + "\r\n"));
+    EXPECT_TRUE(has(report, "plugin          " + std::string(kPluginVersion) + "\r\n"));  // the DLL stands beside it
+    EXPECT_TRUE(has(report, "chosen by       --data-dir\r\nstate           exists, can be written\r\n"));
+    EXPECT_TRUE(has(report, "settings.ini, 20"));
+    EXPECT_TRUE(has(report, "master=1\r\npython="));
+    EXPECT_TRUE(has(report, "\\Users\\<user>\\AppData\\Roaming\\Corvalis\\python.exe\r\n"));
+    EXPECT_TRUE(has(report, "{\"updated\":1.5,\"ok\":true,\"protocol\":2}\r\n"));
+    EXPECT_TRUE(has(report, "set to          link simulate, script none\r\nworker          none serves"));
+    EXPECT_TRUE(has(report, "s: built-in aircraft\r\nLast in the log:\r\n2026-11-21 06:19:08.355 UTC  link down: "));
+    EXPECT_TRUE(has(report, "\\Users\\<user>\\AppData\\Roaming\\Corvalis, watching no process\r\n"));
+
+    int files = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(data)) files++;
+    EXPECT_EQ(files, 5);  // the report is all that has come
+}
+
+TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
+    prepare(L"jane");
+    const EnvironmentValue appDataVariable(L"APPDATA", appData.wstring());
+    standin::Program worker;
+    ASSERT_TRUE(worker.start(quoted(productFile(kWorkerProgram)) + L" --data-dir " + quoted(data)));
+    ASSERT_TRUE(waitFor([&] { return has(readFile(data / "hopline_worker.log"), "link up: built-in aircraft"); }));
+    const auto outcome = run(L"--diagnose");
+    EXPECT_TRUE(worker.isRunning());  // and was left in peace
+    worker.kill();
+    EXPECT_EQ(outcome.exitCode, 0u);
+    const auto report = readFile(data / kDiagnosisFile);
+    EXPECT_TRUE(behind(report, outcome.output).starts_with("\r\nSaved as ")) << outcome.output;
+    EXPECT_TRUE(has(report, "chosen by       %APPDATA%\r\n"));
+    EXPECT_TRUE(has(report, "worker          one serves this folder; the link is its own and was not tried\r\n"));
+    EXPECT_TRUE(has(report, "judgement       used by the plugin: it shows CONNECTED\r\n"));
+    EXPECT_TRUE(has(report, "  link up: built-in aircraft\r\n"));
+}
+
+TEST_F(Diagnose, SavesInTheFolderForTemporaryFilesIfThereIsNoDataFolder) {
+    prepare(L"jane");
+    const auto temporary = machine.path / "temporary";
+    std::filesystem::create_directories(temporary);
+    const EnvironmentValue first(L"TMP", temporary.wstring());
+    const EnvironmentValue second(L"TEMP", temporary.wstring());
+    const auto outcome = run(L"--diagnose --simulate --bogus --data-dir " + quoted(machine.path / "nowhere"));
+    EXPECT_EQ(outcome.exitCode, 0u);
+    const auto report = readFile(temporary / kDiagnosisFile);
+    EXPECT_TRUE(has(report, "state           does not exist")) << outcome.output;
+    EXPECT_TRUE(has(report, "command line    unknown argument --bogus\r\n"));
+    EXPECT_TRUE(behind(report, outcome.output).ends_with("\\temporary\\corvalis-diagnose.txt\r\n")) << outcome.output;
+    EXPECT_FALSE(std::filesystem::exists(machine.path / "nowhere"));
+}
+
+TEST_F(Diagnose, ThatCanBeSavedNowhereSaysSo) {
+    const auto nowhere = machine.path / "nowhere";
+    const EnvironmentValue first(L"TMP", nowhere.wstring());
+    const EnvironmentValue second(L"TEMP", nowhere.wstring());
+    const auto outcome = run(L"--diagnose --simulate --data-dir " + quoted(nowhere));
+    ASSERT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.exitCode, 2u);
+    EXPECT_TRUE(has(outcome.output, "== Versions\r\n"));
+    EXPECT_TRUE(outcome.output.ends_with("\r\nThis report could not be saved.\r\n")) << outcome.output;
+}
+
+TEST_F(Diagnose, SurvivesAHostileFolder) {
+    prepare(L"jane");
+    std::string log;
+    for (int i = 0; log.size() < 3'000'000; i++) log += "line " + std::to_string(i) + " \xFF C:\\Users\\J\xFC\\x\r\n";
+    ASSERT_TRUE(writeFile(data / "hopline_worker.log", log + "the last line"));
+    ASSERT_TRUE(writeFile(data / "settings.ini", std::string(2'000'000, '\0')));
+    ASSERT_TRUE(writeFile(data / "command.json", std::string(1'000'000, '{')));
+    std::filesystem::remove(data / "telemetry.json");
+    std::filesystem::create_directories(data / "telemetry.json");
+    for (int i = 0; i < 150; i++) ASSERT_TRUE(writeFile(data / ("file " + std::to_string(i)), "x"));
+    const auto outcome = run(L"--diagnose --data-dir " + quoted(data));
+    ASSERT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.exitCode, 0u);
+    const auto report = readFile(data / kDiagnosisFile);
+    EXPECT_LT(report.size(), 100'000u);
+    EXPECT_TRUE(has(report, "(1000000 bytes that are no text)\r\n... (only its beginning was looked at)\r\n"));
+    EXPECT_TRUE(has(report, "telemetry.json: there, but cannot be read\r\n"));
+    EXPECT_TRUE(has(report, "judgement       no command\r\n"));
+    EXPECT_TRUE(has(report, "C:\\Users\\<user>\\x\r\nthe last line\r\n"));
+    EXPECT_FALSE(has(report, "Users\\J"));
+    EXPECT_TRUE(has(report, " more)\r\n"));
+}

@@ -1,0 +1,233 @@
+// The real worker program and the stand-in simulator: over TCP with every personality at once, each with a worker and a
+// data folder of its own, and over the simulator's pipe.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <thread>
+#include "base/clock_win.h"
+#include "base/number_text.h"
+#include "bridge/telemetry.h"
+#include "tests/client/test_machine_win.h"
+#include "tests/simulator/program_win.h"
+#include "tests/simulator/server.h"
+
+namespace {
+
+using standin::Program;
+
+// A worker with its data folder, and the plugin's side of its files.
+class WorkerAtWork {
+  public:
+    // arguments behind the data folder; the worker ends with us.
+    bool start(const std::wstring& arguments) {
+        const auto own = std::to_wstring(GetCurrentProcessId());
+        return program.start(L"\"" + productFile("hopline_worker.exe").wstring() + L"\" --data-dir \"" +
+                             folder.path.wstring() + L"\" --watch-pid " + own + arguments);
+    }
+    Telemetry telemetry() const { return parseTelemetry(readFile(folder.path / kTelemetryFile)); }
+    bool isOk() const { return isFresh(telemetry(), SystemClock().unixSeconds()); }
+    bool waitOk(std::uint64_t ms) const {
+        return waitFor([&] { return isOk(); }, ms);
+    }
+    // Acknowledged, or as it stands after the plugin's own limit.
+    Telemetry command(int com, const char* slot, const char* target) {
+        const auto id = std::to_string(GetCurrentProcessId()) + '-' + std::to_string(++commands_);
+        std::string text = "{\"id\":\"" + id + "\",\"com\":" + std::to_string(com) + ",\"slot\":\"" + slot;
+        text += std::string("\",\"target\":") + target;
+        text += ",\"created\":" + formatFixed(SystemClock().unixSeconds(), 3) + "}";
+        replaceFile(folder.path / "command.json", text);
+        waitFor([&] { return telemetry().ackId == id; }, 4500);
+        const auto answer = telemetry();
+        if (answer.ackId != id) return {};
+        return answer;
+    }
+    std::string log() const { return readFile(folder.path / "hopline_worker.log"); }
+
+    FreshFolder folder{L"corvalis simulator"};
+    Program program;
+
+  private:
+    int commands_ = 0;
+};
+
+// One worker with one personality. Runs on a thread of its own, so it collects problems instead of failing.
+struct Meeting {
+    explicit Meeting(const char* name) : server(*standin::findPersonality(name)) {}
+
+    void begin() {
+        const auto port = server.listenTcp(0);
+        server.start();
+        if (port == 0 || !worker.start(L" --address 127.0.0.1:" + std::to_wstring(port))) problem("does not start");
+    }
+    void check(bool isGood, const char* what) {
+        if (!isGood) problem(what);
+    }
+    void problem(const std::string& what) {
+        problems +=
+            what + "; ack \"" + worker.telemetry().ackMessage + "\", status \"" + worker.telemetry().status + "\"\n";
+    }
+    void act(const char* line) {
+        std::string error;
+        if (!server.act(line, error)) problem(error);
+    }
+    bool waitActive(std::int32_t kHz, std::uint64_t ms) {
+        return waitFor([&] { return worker.isOk() && worker.telemetry().radios[0].active == kHz; }, ms);
+    }
+    bool hasHeard(const char* event) const {
+        for (const auto& report : server.reports()) {
+            if (report.find(event) != std::string::npos) return true;
+        }
+        return false;
+    }
+
+    standin::Server server;
+    WorkerAtWork worker;
+    std::string problems;
+};
+
+void meetStock(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    m.act("tune COM1 active 118.005");
+    m.check(m.waitActive(118005, 1000), "the cockpit's frequency");
+    m.check(m.worker.command(1, "standby", "128855").ackOk, "standby");
+    m.check(m.worker.command(1, "swap", "0").radios[0].active == 128855, "swap");
+    m.check(m.worker.command(2, "volume", "0.4").radios[1].volume == 0.4f, "volume");
+    m.check(m.hasHeard("event COM_STBY_RADIO_SET_HZ 128855000"), "heard the standby");
+    m.check(m.hasHeard("event COM1_RADIO_SWAP 0"), "heard the swap");
+    m.check(m.hasHeard("event COM2_VOLUME_SET 40"), "heard the volume");
+    m.check(!m.hasHeard("refused"), "nothing refused");
+}
+
+void meetIgnoredSwaps(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    m.check(!m.worker.command(1, "swap", "0").ackOk, "an ignored swap is not acknowledged");
+    m.check(m.worker.command(1, "standby", "119000").ackOk, "standby");
+}
+
+void meetSnapping(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    const auto answer = m.worker.command(1, "active", "118105");
+    m.check(!answer.ackId.empty() && !answer.ackOk && answer.radios[0].active == 118100, "shows what the radio took");
+}
+
+void meetUnpowered(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    const auto shown = m.worker.telemetry();
+    m.check(shown.radios[0].writable[0] && !shown.radios[1].writable[0], "only COM1 is writable");
+    m.check(shown.status.find("COM2 unpowered") != std::string::npos, "says so");
+}
+
+void meetLateAnswers(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    const auto startMs = systemTickMs();
+    m.check(m.worker.command(1, "standby", "119000").ackOk, "standby");
+    m.check(systemTickMs() - startMs >= 850, "not before the simulator shows it");
+}
+
+void meetLoss(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    const auto answer = m.worker.command(1, "standby", "119000");
+    m.check(!answer.ackId.empty() && !answer.ackOk && !answer.ok, "not acknowledged, and the loss reported");
+    m.check(m.worker.waitOk(10'000), "back");
+}
+
+void meetRoughPackets(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    m.check(m.worker.command(1, "standby", "119000").ackOk, "standby");
+    m.check(m.worker.command(1, "swap", "0").ackOk, "swap");
+}
+
+void meetVersion(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    m.check(m.worker.log().find("protocol 6") != std::string::npos, "another version");
+}
+
+void meetNobody(Meeting& m) {
+    m.check(!m.worker.waitOk(1500), "not ok");
+    m.check(m.worker.program.isRunning(), "alive");
+    m.act("personality stock");
+    m.check(m.worker.waitOk(12'000), "ok with the next one");
+}
+
+void meetMenu(Meeting& m) {
+    m.check(waitFor([&] { return m.worker.telemetry().status == "simulator in menu"; }, 6000), "in the menu");
+    m.check(m.worker.telemetry().radios[0].active == 0, "no frequency in the menu");
+    m.check(m.worker.waitOk(8000) && m.worker.telemetry().radios[0].active == 122800, "then flying");
+}
+
+void meetAircraftChange(Meeting& m) {
+    m.check(m.waitActive(122800, 8000), "the first aircraft");
+    m.check(m.waitActive(123500, 6000), "the second");
+    const auto shown = m.worker.telemetry();
+    m.check(shown.radios[1].active == 0 && !shown.radios[1].writable[0], "it has no COM2");
+}
+
+void meetPowerKnob(Meeting& m) {
+    m.check(m.worker.waitOk(8000), "ok");
+    m.worker.command(1, "volume", "0");
+    m.check(m.hasHeard("event COM1_VOLUME_SET 1") && m.worker.telemetry().radios[0].writable[0], "the radio stays on");
+}
+
+}  // namespace
+
+TEST(Simulator, WorkerGetsAlongWithEveryPersonality) {
+    const struct {
+        const char* personality;
+        void (*meet)(Meeting&);
+    } rows[] = {
+        {"stock", meetStock},
+        {"stock_2024", meetStock},
+        {"ignores_swaps", meetIgnoredSwaps},
+        {"snaps_frequencies", meetSnapping},
+        {"unpowered_radio", meetUnpowered},
+        {"answers_late", meetLateAnswers},
+        {"quits_mid_write", meetLoss},
+        {"crashes", meetLoss},
+        {"rough_packets", meetRoughPackets},
+        {"refuses_version_5", meetVersion},
+        {"silent", meetNobody},
+        {"garbage", meetNobody},
+        {"in_menu", meetMenu},
+        {"aircraft_change", meetAircraftChange},
+        {"volume_power_knob", meetPowerKnob},
+    };
+    EXPECT_EQ(std::size(rows), static_cast<std::size_t>(standin::personalitiesEnd() - standin::personalitiesBegin()));
+    std::vector<std::unique_ptr<Meeting>> meetings;
+    for (const auto& row : rows) meetings.push_back(std::make_unique<Meeting>(row.personality));
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < meetings.size(); i++) {
+        threads.emplace_back([&meeting = *meetings[i], meet = rows[i].meet] {
+            meeting.begin();
+            meet(meeting);
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    for (std::size_t i = 0; i < meetings.size(); i++) {
+        EXPECT_EQ(meetings[i]->problems, "") << rows[i].personality << '\n' << meetings[i]->worker.log();
+    }
+}
+
+TEST(SimulatorPipe, WorkerFindsTheSimulatorWheneverItComesAndReportsItsEnd) {
+    WorkerAtWork worker;
+    Program simulator;
+    ASSERT_TRUE(worker.start(L""));
+    ASSERT_TRUE(waitFor([&] { return worker.telemetry().status == "waiting for the simulator"; }));
+    const auto command = standin::besideUs(L"stand_in_simulator.exe", L"--pipe");
+    ASSERT_TRUE(simulator.start(command));
+    EXPECT_TRUE(worker.waitOk(10'000)) << worker.log();
+    simulator.say("tune COM2 active 136.975");
+    EXPECT_TRUE(waitFor([&] { return worker.telemetry().radios[1].active == 136975; }, 1000));
+    EXPECT_TRUE(worker.command(1, "standby", "128855").ackOk);
+    EXPECT_TRUE(worker.command(1, "swap", "0").ackOk);
+
+    simulator.kill();
+    EXPECT_TRUE(waitFor([&] { return !worker.telemetry().ok; }, 1500));
+    EXPECT_EQ(worker.telemetry().radios[0].active, 0);
+    ASSERT_TRUE(simulator.start(command));
+    EXPECT_TRUE(worker.waitOk(10'000)) << worker.log();
+    EXPECT_EQ(worker.telemetry().radios[0].active, 122800);  // a new start, a new aircraft
+
+    worker.program.kill();
+    ASSERT_TRUE(worker.start(L""));
+    simulator.say("tune COM1 active 118.005");
+    EXPECT_TRUE(waitFor([&] { return worker.isOk() && worker.telemetry().radios[0].active == 118005; }, 5000));
+}

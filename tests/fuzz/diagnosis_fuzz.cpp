@@ -1,0 +1,31 @@
+// diagnosis_fuzz.cpp - any bytes as every file of the report: what comes out is text, and masked.
+#include <cstdint>
+#include <cstdlib>
+#include "worker/diagnosis.h"
+#include "worker/user_names.h"
+
+namespace {
+
+const std::vector<std::string> kAccounts = {"jane", "J\xC3\xBCrgen M\xC3\xBCller"};
+
+std::string asIs(const std::string& narrow) {
+    return narrow;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Diagnosis found;
+    FoundFile file;
+    file.state = FoundFile::State::Read;
+    file.bytes.assign(reinterpret_cast<const char*>(data), size);
+    file.size = size;
+    found.settings = found.telemetry = found.command = found.log = file;
+    found.dataFolder = file.bytes;
+    found.accountNames = kAccounts;
+    for (const auto& line : splitLines(composeDiagnosis(found, asIs))) {
+        if (readableLine(line, asIs) + "\r" != line) std::abort();  // nothing left that must not be shown
+        if (line.size() <= kMaxShownLineBytes && maskUserNames(line, kAccounts) != line) std::abort();
+    }
+    return 0;
+}

@@ -1,0 +1,108 @@
+// native_worker: the worker's own loop, link and files on this machine, for checks without Windows. Ends with the end
+// of its standard input.
+//   native_worker DATA_FOLDER HOST:PORT
+#include <poll.h>
+#include <unistd.h>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include "worker/simconnect/simconnect_link.h"
+#include "worker/simconnect/tcp_transport.h"
+#include "worker/worker_loop.h"
+
+namespace {
+
+// The worker joins its paths as Windows does.
+std::filesystem::path toPath(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+class NativeFiles : public DataFiles {
+  public:
+    bool read(const std::string& path, std::string& bytes) override {
+        bytes.clear();
+        std::ifstream stream(toPath(path), std::ios::binary);
+        if (!stream) return false;
+        std::ostringstream text;
+        text << stream.rdbuf();
+        bytes = text.str();
+        return true;
+    }
+    bool replace(const std::string& path, std::string_view bytes) override {
+        const auto target = toPath(path);
+        auto beside = target;
+        beside += ".tmp";
+        std::ofstream stream(beside, std::ios::binary | std::ios::trunc);
+        stream << bytes;
+        stream.close();
+        std::error_code error;
+        std::filesystem::rename(beside, target, error);
+        return stream.good() && !error;
+    }
+};
+
+class NativeFolder : public WorkerFolder {
+  public:
+    bool folderExists(const std::string& path) override { return std::filesystem::is_directory(toPath(path)); }
+    FileStamp stamp(const std::string& path) override {
+        std::error_code error;
+        const auto file = toPath(path);
+        if (!std::filesystem::is_regular_file(file, error)) return {};
+        const auto written = std::filesystem::last_write_time(file, error).time_since_epoch().count();
+        const auto bytes = std::filesystem::file_size(file, error);
+        return {!error, bytes, static_cast<std::uint64_t>(written)};
+    }
+};
+
+class NativeClock : public Clock {
+  public:
+    std::uint64_t tickMs() const override {
+        return static_cast<std::uint64_t>(
+            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+                .count());
+    }
+    double unixSeconds() const override {
+        return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+    }
+};
+
+class PrintedLog : public LogFile {
+  public:
+    std::uint64_t bytes() override { return 0; }
+    bool append(std::string_view line) override {
+        std::fwrite(line.data(), 1, line.size(), stderr);
+        return true;
+    }
+    bool rotate() override { return true; }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const auto address = argc == 3 ? parseHostPort(argv[2]) : std::nullopt;
+    if (!address) {
+        std::fprintf(stderr, "usage: native_worker DATA_FOLDER HOST:PORT\n");
+        return 2;
+    }
+    NativeFiles files;
+    NativeFolder folder;
+    const NativeClock clock;
+    PrintedLog file;
+    WorkerLog log(file, clock);
+    simconnect::SimConnectLink link(std::make_unique<simconnect::TcpTransport>(*address));
+    WorkerLoop loop(argv[1], files, folder, link, log);
+    pollfd input = {STDIN_FILENO, POLLIN, 0};
+    while (true) {
+        const auto result = loop.pass(clock.tickMs(), clock.unixSeconds());
+        if (result.folderGone) return 0;
+        char ignored[256];
+        if (::poll(&input, 1, static_cast<int>(result.waitMs)) > 0 &&
+            ::read(STDIN_FILENO, ignored, sizeof ignored) <= 0)
+            return 0;
+    }
+}

@@ -1,0 +1,364 @@
+#include "worker/simconnect/session.h"
+#include <gtest/gtest.h>
+#include <algorithm>
+#include <array>
+#include <set>
+#include "tests/unit/worker/simconnect/fake_simulator.h"
+
+namespace sc = simconnect;
+
+namespace {
+
+constexpr std::array<sc::Variable, 3> kThree = {{{"ALPHA", "MHz", sc::DataType::Float64},
+                                                 {"BETA", "Enum", sc::DataType::Int32},
+                                                 {"GAMMA", "Percent", sc::DataType::Float64}}};
+constexpr std::array<const char*, 2> kTwo = {"FIRST_SET", "SECOND_SET"};
+
+struct SimConnectSession : testing::Test {
+    FakeTransport transport;
+    FakeSimulator simulator{transport};
+    sc::Session session{transport, {kThree, kTwo}};
+    std::uint64_t nowMs = 100'000;
+    std::vector<std::string> notes;
+
+    void pass(std::uint64_t ms = 20) {
+        nowMs += ms;
+        session.poll(nowMs);
+        for (auto& line : session.takeNotes()) notes.push_back(std::move(line));
+    }
+    void open() {
+        pass();
+        simulator.open();
+        pass();
+    }
+    void fly() {
+        open();
+        simulator.simState(1);
+        pass();
+    }
+    std::uint32_t protocol() const { return u32At(transport.sent.at(0), 4); }
+    bool noted(const std::string& part) const {
+        return std::any_of(notes.begin(), notes.end(),
+                           [&](const std::string& line) { return line.find(part) != std::string::npos; });
+    }
+    sc::Reading::State stateOf(std::size_t variable) const { return session.reading(variable).state; }
+};
+
+using State = sc::Reading::State;
+
+}  // namespace
+
+TEST_F(SimConnectSession, SaysNothingButItsIntroductionUntilItIsAnswered) {
+    pass();
+    ASSERT_EQ(transport.sent.size(), 1u);
+    EXPECT_EQ(transport.sent[0].size(), 296u);
+    EXPECT_EQ(textIn(transport.sent[0], 16), "Corvalis");
+    EXPECT_EQ(u32At(transport.sent[0], 12), 1u);
+    EXPECT_EQ(session.status(), "connecting to the simulator");
+    pass(4900);
+    EXPECT_EQ(transport.sent.size(), 1u);
+    EXPECT_FALSE(session.isOpen());
+}
+
+TEST_F(SimConnectSession, SetsUpEverythingOnceOpen) {
+    open();
+    EXPECT_TRUE(session.isOpen());
+    EXPECT_TRUE(noted("connected to KittyHawk 11.0, protocol 5"));
+    EXPECT_EQ(simulator.all(FakeSimulator::kMap).size(), 2u);
+    EXPECT_EQ(simulator.all(FakeSimulator::kVariable).size(), 3u);
+    EXPECT_EQ(simulator.all(FakeSimulator::kSubscribe).size(), 2u);
+    EXPECT_EQ(simulator.all(FakeSimulator::kState).size(), 1u);
+    EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), 0u);  // in a menu the values mean nothing
+    std::set<std::uint32_t> defines;
+    for (const auto& packet : simulator.all(FakeSimulator::kVariable)) defines.insert(u32At(packet, 16));
+    EXPECT_EQ(defines.size(), 3u);
+    for (std::size_t i = 0; i < transport.sent.size(); i++) EXPECT_EQ(u32At(transport.sent[i], 12), i + 1);
+    EXPECT_EQ(session.isSimRunning(), std::nullopt);
+}
+
+TEST_F(SimConnectSession, AsksForChangesARereadingAndAHeartbeatOnceAFlightRuns) {
+    fly();
+    EXPECT_EQ(session.isSimRunning(), true);
+    int changes = 0, rereadings = 0, heartbeats = 0;
+    std::set<std::uint32_t> ids;
+    for (const auto& packet : simulator.all(FakeSimulator::kRequest)) {
+        const auto period = u32At(packet, 28), flags = u32At(packet, 32), interval = u32At(packet, 40);
+        changes += period == 2 && flags == 1 && interval == 0;
+        rereadings += period == 4 && flags == 0 && interval == 4;
+        heartbeats += period == 2 && flags == 0 && interval == 3;
+        ids.insert(u32At(packet, 16));
+    }
+    EXPECT_EQ(changes, 3);
+    EXPECT_EQ(rereadings, 3);
+    EXPECT_EQ(heartbeats, 1);
+    EXPECT_EQ(ids.size(), 7u);
+}
+
+TEST_F(SimConnectSession, ReadsValuesAsTheyAreTold) {
+    fly();
+    EXPECT_FALSE(session.isAllRead());
+    EXPECT_EQ(session.dataMs(), std::nullopt);
+    simulator.tell("ALPHA", 122.8);
+    simulator.tell("BETA", -1);
+    pass();
+    EXPECT_EQ(session.reading(0).value, 122.8);
+    EXPECT_EQ(session.reading(1).value, -1.0);
+    EXPECT_EQ(stateOf(2), State::Awaited);
+    EXPECT_EQ(session.dataMs(), nowMs);
+    // The rereading and the heartbeat tell the same.
+    const auto change = simulator.changeRequestOf("GAMMA");
+    simulator.sayData(change + 1, "GAMMA", 40.0);
+    pass();
+    EXPECT_EQ(session.reading(2).value, 40.0);
+    simulator.sayData(change + 2, "ALPHA", 118.005);
+    pass();
+    EXPECT_EQ(session.reading(0).value, 118.005);
+    EXPECT_TRUE(session.isAllRead());
+}
+
+TEST_F(SimConnectSession, IsNotConfusedByWhatItDidNotAskFor) {
+    fly();
+    simulator.tell("ALPHA", 122.8);
+    pass();
+    for (const std::uint32_t id : {0u, 1000u, 0xFFFFFFFFu}) simulator.sayData(id, "ALPHA", 1.0);
+    simulator.say(FakePacket(8).u32(simulator.changeRequestOf("ALPHA")).u32(0).u32(1).u32(0).u32(1).u32(1).u32(1));
+    simulator.say(FakePacket(40).text("", 100));
+    simulator.say(FakePacket(4).u32(0).u32(77).u32(0));
+    simulator.say(FakePacket(15).u32(9).u32(0).u32(0).text("", 260));
+    simulator.say(FakePacket(8));
+    pass();
+    EXPECT_EQ(session.reading(0).value, 122.8);
+    EXPECT_EQ(session.isSimRunning(), true);
+    EXPECT_TRUE(noted("a packet of kind 8 is too short"));
+}
+
+TEST_F(SimConnectSession, FallsBackToTheOtherVersionsOnANewConnectionEach) {
+    for (const int way : {0, 1, 2}) {
+        FakeTransport fresh;
+        FakeSimulator other(fresh);
+        sc::Session tried(fresh, {kThree, kTwo});
+        std::vector<std::uint32_t> protocols;
+        std::uint64_t now = 1000;
+        for (int i = 0; i < 3; i++) {
+            tried.poll(now += 20);
+            protocols.push_back(u32At(fresh.sent.at(0), 4));
+            EXPECT_EQ(fresh.connects, i + 1);
+            if (way == 0) other.exception(5, 1);
+            if (way == 1) fresh.state = sc::TransportState::Closed;
+            tried.poll(now += way == 2 ? 5000 : 20);
+            if (i < 2) {
+                EXPECT_EQ(tried.status(), "connecting to the simulator");
+            }
+        }
+        EXPECT_EQ(protocols, (std::vector<std::uint32_t>{5, 6, 4})) << way;
+        // All three refused: it waits, and says why.
+        const char* const problems[] = {"the simulator refuses the connection (exception 5, VERSION_MISMATCH)",
+                                        "the simulator closes the connection at once", "the simulator does not answer"};
+        EXPECT_EQ(tried.status(), problems[way]);
+        tried.poll(now += 900);
+        EXPECT_EQ(fresh.connects, 3) << way;
+        tried.poll(now += 200);
+        EXPECT_EQ(fresh.connects, 4) << way;
+    }
+}
+
+TEST_F(SimConnectSession, StaysWithTheVersionThatWasTaken) {
+    pass();
+    simulator.exception(5, 1);
+    pass();
+    open();
+    EXPECT_EQ(protocol(), 6u);
+    EXPECT_TRUE(noted("VERSION_MISMATCH"));
+    EXPECT_TRUE(noted("protocol 6"));
+    for (const auto& packet : transport.sent) EXPECT_EQ(u32At(packet, 4), 6u);
+    simulator.quit();
+    pass();
+    pass(1000);
+    EXPECT_EQ(protocol(), 6u);
+}
+
+TEST_F(SimConnectSession, WaitsLongerFromFailureToFailure) {
+    transport.onConnect = sc::TransportState::Closed;
+    pass();
+    std::vector<std::uint64_t> waits;
+    for (auto last = nowMs; waits.size() < 5;) {
+        const int before = transport.connects;
+        while (transport.connects == before) pass(10);
+        waits.push_back(nowMs - last);
+        last = nowMs;
+    }
+    EXPECT_EQ(waits, (std::vector<std::uint64_t>{1000, 2000, 5000, 5000, 5000}));
+    EXPECT_EQ(session.status(), "waiting for the simulator");
+    transport.reason = "the simulator lets no program of this user in";
+    pass(5000);
+    EXPECT_EQ(session.status(), "the simulator lets no program of this user in");
+    EXPECT_TRUE(notes.empty());
+}
+
+TEST_F(SimConnectSession, GivesUpOnAConnectionThatIsNotMade) {
+    transport.onConnect = sc::TransportState::Connecting;
+    pass();
+    pass(9990);
+    EXPECT_EQ(session.status(), "waiting for the simulator");
+    pass(10);
+    EXPECT_EQ(transport.state, sc::TransportState::Closed);
+    EXPECT_EQ(session.status(), "the simulator's computer does not answer");
+    EXPECT_EQ(transport.connects, 1);
+}
+
+TEST_F(SimConnectSession, SetsUpAnewAfterQuitCrashAndNonsense) {
+    for (const int way : {0, 1, 2, 3}) {
+        notes.clear();
+        if (!session.isOpen()) fly();
+        simulator.tell("ALPHA", 122.8);
+        pass(10'000);  // a connection that has lasted
+        ASSERT_EQ(stateOf(0), State::Known);
+        const auto aircraft = session.aircraft();
+        const int connects = transport.connects;
+        if (way == 0) simulator.quit();
+        if (way == 1) transport.state = sc::TransportState::Closed;
+        if (way == 2) simulator.say(FakeBytes(64, 0xff));
+        if (way == 3) transport.refusesSends = true;
+        session.sendKeyEvent(0, 1);
+        pass();
+        pass();
+        EXPECT_FALSE(session.isOpen()) << way;
+        EXPECT_EQ(stateOf(0), State::Awaited) << way;
+        EXPECT_EQ(session.dataMs(), std::nullopt) << way;
+        EXPECT_EQ(session.isSimRunning(), std::nullopt) << way;
+        EXPECT_TRUE(noted("connection to the simulator lost")) << way;
+        EXPECT_FALSE(session.sendKeyEvent(0, 1)) << way;
+        transport.refusesSends = false;
+        pass(900);
+        EXPECT_EQ(transport.connects, connects) << way;
+        pass(100);
+        EXPECT_EQ(transport.connects, connects + 1) << way;
+        fly();
+        EXPECT_GT(session.aircraft(), aircraft) << way;
+        EXPECT_EQ(simulator.all(FakeSimulator::kVariable).size(), 3u) << way;
+        EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), 7u) << way;
+    }
+}
+
+TEST_F(SimConnectSession, TakesInWhatCameBeforeTheEnd) {
+    fly();
+    simulator.quit();
+    transport.state = sc::TransportState::Closed;
+    pass();
+    EXPECT_TRUE(noted("the simulator has quit"));
+    EXPECT_EQ(std::count_if(notes.begin(), notes.end(), [](auto& line) { return line.find("lost") != line.npos; }), 1);
+}
+
+TEST_F(SimConnectSession, AnUnknownVariableIsMissingAndTheRestWorks) {
+    open();
+    simulator.exception(7, simulator.sendIdOf(FakeSimulator::kVariable, "ALPHA"));
+    simulator.simState(1);
+    pass();
+    EXPECT_EQ(stateOf(0), State::Missing);
+    EXPECT_TRUE(noted("the simulator refuses the variable ALPHA (exception 7, NAME_UNRECOGNIZED)"));
+    EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), 5u);  // two each and the heartbeat, from another one
+    simulator.tell("BETA", 1);
+    simulator.tell("GAMMA", 50);
+    pass();
+    EXPECT_TRUE(session.isAllRead());
+    EXPECT_EQ(session.reading(2).value, 50.0);
+}
+
+TEST_F(SimConnectSession, TheHeartbeatMovesWhenItsVariableTurnsOutToBeMissing) {
+    fly();
+    simulator.exception(7, simulator.sendIdOf(FakeSimulator::kVariable, "ALPHA"));
+    simulator.exception(28, u32At(simulator.all(FakeSimulator::kRequest)[0], 12));
+    pass();
+    const auto last = transport.sent.back();
+    EXPECT_EQ(u32At(last, 8), 0xF000000Eu);
+    EXPECT_EQ(u32At(last, 20), u32At(simulator.lastOf(FakeSimulator::kVariable, "BETA"), 16));
+    EXPECT_EQ(u32At(last, 40), 3u);
+    EXPECT_FALSE(noted("to report ALPHA"));  // follows from the first, no news
+}
+
+TEST_F(SimConnectSession, TracesExceptionsToWhatCausedThem) {
+    fly();
+    simulator.exception(7, simulator.sendIdOf(FakeSimulator::kMap, "SECOND_SET"));
+    simulator.exception(24, u32At(simulator.all(FakeSimulator::kRequest)[2], 12));
+    simulator.exception(3, 0);
+    simulator.exception(3, 0);
+    simulator.exception(9, 4'000'000);
+    pass();
+    EXPECT_TRUE(session.isKeyEventKnown(0));
+    EXPECT_FALSE(session.isKeyEventKnown(1));
+    EXPECT_FALSE(session.sendKeyEvent(1, 5));
+    EXPECT_TRUE(noted("the simulator refuses the key event SECOND_SET (exception 7, NAME_UNRECOGNIZED)"));
+    EXPECT_TRUE(noted("the simulator refuses to report BETA (exception 24, OPERATION_INVALID_FOR_OBJECT_TYPE)"));
+    EXPECT_EQ(std::count(notes.begin(), notes.end(), "the simulator reports exception 3, UNRECOGNIZED_ID"), 1);
+    EXPECT_TRUE(noted("the simulator reports exception 9, EVENT_ID_DUPLICATE"));
+}
+
+TEST_F(SimConnectSession, SendsKeyEventsByTheirIds) {
+    open();
+    EXPECT_TRUE(session.sendKeyEvent(1, 118'005'000));
+    EXPECT_TRUE(session.sendKeyEvent(0, 0));
+    EXPECT_EQ(simulator.keyEvents(), (std::vector<std::string>{"SECOND_SET 118005000", "FIRST_SET 0"}));
+    simulator.exception(24, u32At(transport.sent.back(), 12));
+    pass();
+    EXPECT_TRUE(noted("the simulator refuses the key event FIRST_SET (exception 24"));
+    EXPECT_TRUE(session.isKeyEventKnown(0));
+}
+
+TEST_F(SimConnectSession, TakesNothingFromTheAircraftBeforeForTheNewOne) {
+    fly();
+    simulator.tell("ALPHA", 122.8);
+    pass();
+    const auto old = simulator.changeRequestOf("ALPHA");
+    const auto aircraft = session.aircraft();
+    simulator.loadAircraft("SimObjects\\Airplanes\\C172\\aircraft.cfg");
+    simulator.sayData(old, "ALPHA", 122.8);
+    pass();
+    EXPECT_GT(session.aircraft(), aircraft);
+    EXPECT_EQ(stateOf(0), State::Awaited);
+    EXPECT_TRUE(noted("aircraft loaded: SimObjects\\Airplanes\\C172\\aircraft.cfg"));
+    int stopped = 0;
+    for (const auto& packet : simulator.all(FakeSimulator::kRequest)) stopped += u32At(packet, 28) == 0;
+    EXPECT_EQ(stopped, 7);
+    simulator.tell("ALPHA", 118.0);
+    pass();
+    EXPECT_EQ(session.reading(0).value, 118.0);
+}
+
+TEST_F(SimConnectSession, ForgetsTheValuesWhenTheFlightEnds) {
+    fly();
+    simulator.tell("ALPHA", 122.8);
+    pass();
+    simulator.simEvent(0);
+    simulator.tell("ALPHA", 0.0);
+    pass();
+    EXPECT_EQ(session.isSimRunning(), false);
+    EXPECT_EQ(stateOf(0), State::Awaited);
+    const auto before = simulator.all(FakeSimulator::kRequest).size();
+    simulator.simEvent(1);
+    pass();
+    EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), before + 7);
+}
+
+TEST_F(SimConnectSession, AsksForASignOfLifeAndGivesUpAfterTwoMinutes) {
+    fly();
+    pass(9'999);
+    EXPECT_EQ(simulator.all(FakeSimulator::kState).size(), 1u);
+    pass(1);
+    EXPECT_EQ(simulator.all(FakeSimulator::kState).size(), 2u);
+    simulator.simState(1);
+    pass();
+    for (int i = 0; i < 119; i++) pass(1000);
+    EXPECT_TRUE(session.isOpen());
+    EXPECT_EQ(simulator.all(FakeSimulator::kState).size(), 13u);
+    pass(1000);
+    EXPECT_FALSE(session.isOpen());
+    EXPECT_TRUE(noted("nothing heard for two minutes"));
+}
+
+TEST_F(SimConnectSession, ReadsPacketsByTheByte) {
+    transport.mostAtOnce = 7;
+    pass();
+    simulator.open();
+    pass();
+    EXPECT_TRUE(session.isOpen());
+}

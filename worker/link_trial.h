@@ -1,0 +1,20 @@
+// link_trial.h - one try of the simulator link, for a report: what would the worker say just now?
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+#include "base/clock.h"
+#include "worker/sim_link.h"
+
+inline constexpr std::uint64_t kLinkTrialMs = 4000;  // a simulator that is there has answered well within it
+
+struct LinkTrial {
+    bool isUp = false;
+    std::string status;              // the link's own, as telemetry.json would carry it
+    std::uint64_t ms = 0;            // how long it took, or was tried
+    std::vector<std::string> notes;  // what the worker would have logged
+};
+
+// Polls the link until it is up, for kLinkTrialMs at most; pause is called between two polls.
+LinkTrial tryLink(SimLink& link, const Clock& clock, const std::function<void()>& pause);

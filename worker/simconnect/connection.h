@@ -1,0 +1,80 @@
+// connection.h - gets a connection to the simulator open and keeps trying: introduces us, falls back to other versions
+// of the introduction, waits longer from failure to failure. Time comes in as an argument.
+#pragma once
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+#include "worker/simconnect/packet_stream.h"
+#include "worker/simconnect/transport.h"
+
+namespace simconnect {
+
+inline constexpr std::uint64_t kConnectLimitMs = 10'000;
+inline constexpr std::uint64_t kOpenLimitMs = 5'000;                             // then the next version is tried
+inline constexpr std::array<std::uint64_t, 3> kRetryMs = {1'000, 2'000, 5'000};  // the last one from then on
+inline constexpr std::uint64_t kLastingMs = 10'000;  // a connection open this long starts the waits afresh
+
+enum class ConnectionState {
+    Waiting,     // for the next try
+    Connecting,  // until the transport is there
+    Opening,     // introduced, no answer yet
+    Open,
+};
+
+class Connection {
+  public:
+    Connection(Transport& transport, std::string application)
+        : transport_(transport), application_(std::move(application)) {}
+
+    // Moves on and takes in what has arrived; then next() hands it out until nothing is left.
+    void poll(std::uint64_t nowMs);
+    std::optional<Received> next();
+
+    ConnectionState state() const { return state_; }
+    // How often it has been opened; another number is another simulator, to which everything must be said again.
+    std::uint32_t openings() const { return openings_; }
+    // When anything was last received on this connection.
+    std::uint64_t heardMs() const { return heardMs_; }
+    // One line while it is not open.
+    std::string status() const;
+
+    // The stamp of the next packet, which is then sent. Only while open.
+    Stamp stamp();
+    void send(const Bytes& packet);
+
+    // Ends the connection for a reason of ours and tries again later.
+    void drop(const std::string& reason, std::uint64_t nowMs);
+
+    // Lines for the log since the last call.
+    std::vector<std::string> takeNotes() { return std::exchange(notes_, {}); }
+
+  private:
+    const ClientVersion& version() const { return kClientVersions[versionIndex_]; }
+    void beginConnecting(std::uint64_t nowMs);
+    void introduce(std::uint64_t nowMs);
+    bool receive(std::uint64_t nowMs);
+    void awaitReply(bool ended, std::uint64_t nowMs);
+    void onOpened(const OpenPacket& reply, std::uint64_t nowMs);
+    void tryNextVersion(const std::string& problem, std::uint64_t nowMs);
+    void retryLater(const std::string& problem, std::uint64_t nowMs);
+    void note(const std::string& line);
+
+    Transport& transport_;
+    std::string application_;
+    PacketStream stream_;
+    ConnectionState state_ = ConnectionState::Waiting;
+    std::size_t versionIndex_ = 0;  // stays with what the simulator has last taken
+    std::size_t versionsTried_ = 0;
+    std::size_t failures_ = 0;  // since it was last open for long
+    std::uint64_t dueMs_ = 0;   // Waiting: the next try; Connecting, Opening: the limit; Open: when it was opened
+    std::uint32_t sendId_ = 0;
+    std::uint32_t openings_ = 0;
+    std::uint64_t heardMs_ = 0;
+    bool sendFailed_ = false;
+    std::string problem_;   // empty: there is just no simulator
+    std::string lastNote_;  // the same thing over and over is said once
+    std::vector<std::string> notes_;
+};
+
+}  // namespace simconnect

@@ -1,0 +1,139 @@
+#include "worker/simconnect/pipe_win.h"
+#include <algorithm>
+#include <cstring>
+
+namespace simconnect {
+
+namespace {
+
+constexpr int kMaxBusyTries = 50;  // a second's worth of passes
+
+bool isGone(DWORD error) {
+    return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
+}
+
+}  // namespace
+
+PipeTransport::PipeTransport() : readEvent_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+
+PipeTransport::~PipeTransport() {
+    close();
+}
+
+void PipeTransport::connect() {
+    close();
+    problem_.clear();
+    busyTries_ = 0;
+    state_ = TransportState::Connecting;
+    tryOpen();
+}
+
+// Whoever has made the pipe may know who we are, but not act in our name.
+void PipeTransport::tryOpen() {
+    pipe_ = CreateFileA(kPipeName, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                        FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr);
+    if (pipe_ != INVALID_HANDLE_VALUE) {
+        state_ = TransportState::Open;
+        return beginRead();
+    }
+    const DWORD error = GetLastError();
+    if (error == ERROR_PIPE_BUSY && ++busyTries_ < kMaxBusyTries) return;  // the next pass tries again
+    state_ = TransportState::Closed;
+    if (error == ERROR_PIPE_BUSY) problem_ = "the simulator has no room for another program";
+    if (error == ERROR_ACCESS_DENIED) problem_ = "the simulator lets no program of this user in";
+    if (!problem_.empty() || error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return;
+    problem_ = "the simulator cannot be reached (error " + std::to_string(error) + ')';
+}
+
+void PipeTransport::close() {
+    if (pipe_ != INVALID_HANDLE_VALUE) {
+        CancelIoEx(pipe_, nullptr);
+        DWORD count = 0;
+        if (reading_) GetOverlappedResult(pipe_, &read_, &count, TRUE);
+        for (auto& write : writes_) GetOverlappedResult(pipe_, &write.overlapped, &count, TRUE);
+        CloseHandle(pipe_);
+    }
+    pipe_ = INVALID_HANDLE_VALUE;
+    reading_ = false;
+    writes_.clear();
+    unsentBytes_ = 0;
+    filled_ = taken_ = 0;
+    state_ = TransportState::Closed;
+}
+
+TransportState PipeTransport::poll() {
+    if (state_ == TransportState::Connecting) tryOpen();
+    if (state_ == TransportState::Open) dropFinishedWrites();
+    return state_;
+}
+
+void PipeTransport::beginRead() {
+    read_ = {};
+    read_.hEvent = readEvent_.get();
+    filled_ = taken_ = 0;
+    const bool done = ReadFile(pipe_, buffer_.data(), static_cast<DWORD>(buffer_.size()), nullptr, &read_) != 0;
+    const DWORD error = done ? ERROR_SUCCESS : GetLastError();
+    // A message that is longer than the buffer comes in pieces, and its beginning is there already.
+    reading_ = done || error == ERROR_IO_PENDING || error == ERROR_MORE_DATA;
+    if (!reading_) end(error);
+}
+
+void PipeTransport::finishRead() {
+    if (!HasOverlappedIoCompleted(&read_)) return;
+    DWORD count = 0;
+    const bool done = GetOverlappedResult(pipe_, &read_, &count, FALSE) != 0;
+    const DWORD error = done ? ERROR_SUCCESS : GetLastError();
+    if (error == ERROR_IO_INCOMPLETE) return;
+    reading_ = false;
+    if (done || error == ERROR_MORE_DATA) {
+        filled_ = count;
+    } else {
+        end(error);
+    }
+}
+
+std::size_t PipeTransport::receive(std::span<std::uint8_t> into) {
+    if (state_ != TransportState::Open) return 0;
+    if (reading_) finishRead();
+    if (state_ != TransportState::Open || reading_) return 0;
+    const auto count = std::min(into.size(), filled_ - taken_);
+    std::memcpy(into.data(), buffer_.data() + taken_, count);
+    taken_ += count;
+    if (taken_ == filled_) beginRead();
+    return count;
+}
+
+// A failing write is over at once; the end shows with the read, behind what the simulator has still said.
+bool PipeTransport::send(std::span<const std::uint8_t> packet) {
+    dropFinishedWrites();
+    if (state_ != TransportState::Open || unsentBytes_ + packet.size() > kMaxUnsentBytes) return false;
+    auto& write = writes_.emplace_back();
+    write.bytes.assign(packet.begin(), packet.end());
+    write.event.reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    write.overlapped.hEvent = write.event.get();
+    unsentBytes_ += packet.size();
+    const auto length = static_cast<DWORD>(write.bytes.size());
+    const bool done = WriteFile(pipe_, write.bytes.data(), length, nullptr, &write.overlapped) != 0;
+    if (done || GetLastError() == ERROR_IO_PENDING) return true;
+    unsentBytes_ -= packet.size();
+    writes_.pop_back();
+    return false;
+}
+
+void PipeTransport::dropFinishedWrites() {
+    while (!writes_.empty() && HasOverlappedIoCompleted(&writes_.front().overlapped)) {
+        unsentBytes_ -= writes_.front().bytes.size();
+        writes_.pop_front();
+    }
+}
+
+void PipeTransport::end(DWORD error) {
+    close();
+    problem_ = isGone(error) ? "" : "reading failed (error " + std::to_string(error) + ')';
+}
+
+void* PipeTransport::wakeHandle() const {
+    return state_ == TransportState::Open ? readEvent_.get() : nullptr;
+}
+
+}  // namespace simconnect

@@ -1,0 +1,246 @@
+#include "worker/simconnect/session.h"
+#include <algorithm>
+
+namespace simconnect {
+
+namespace {
+
+constexpr const char* kApplication = "Corvalis";
+constexpr std::size_t kRememberedPackets = 512;  // several times what a new flight sends
+constexpr std::size_t kMaxNotes = 50;            // a connection; a simulator that complains all the time fills no log
+constexpr std::uint32_t kFirstKeyEventId = 100;
+constexpr std::uint32_t kStateRequestId = 1;  // a number space of its own: answers come in another packet
+
+enum SystemEvent : std::uint32_t { kSim = 1, kAircraftLoaded = 2 };  // their event ids
+
+constexpr struct {
+    SystemEvent id;
+    const char* name;
+} kSystemEvents[] = {{kSim, "Sim"}, {kAircraftLoaded, "AircraftLoaded"}};
+
+}  // namespace
+
+Session::Session(Transport& transport, SessionPlan plan)
+    : connection_(transport, kApplication),
+      plan_(plan),
+      readings_(plan.variables.size()),
+      keyEventKnown_(plan.keyEvents.size()) {}
+
+void Session::poll(std::uint64_t nowMs) {
+    connection_.poll(nowMs);
+    collectNotes();
+    if (isOpen() && connection_.openings() != openings_) setUp();
+    while (isOpen()) {
+        const auto packet = connection_.next();
+        if (!packet) break;
+        handle(*packet, nowMs);
+    }
+    if (isOpen()) watchSilence(nowMs);
+    collectNotes();
+    if (!isOpen()) {
+        simRunning_.reset();
+        forgetReadings();
+    }
+}
+
+void Session::setUp() {
+    openings_ = connection_.openings();
+    aircraft_++;
+    sent_.clear();
+    noted_.clear();
+    requesting_ = false;
+    simRunning_.reset();
+    pingedMs_ = 0;
+    std::fill(readings_.begin(), readings_.end(), Reading{});
+    std::fill(keyEventKnown_.begin(), keyEventKnown_.end(), true);
+    forgetReadings();
+    for (std::size_t i = 0; i < plan_.keyEvents.size(); i++) {
+        const auto id = kFirstKeyEventId + static_cast<std::uint32_t>(i);
+        connection_.send(encodeMapEvent(stampFor(Sent::KeyEventMap, i), id, plan_.keyEvents[i]));
+    }
+    for (std::size_t i = 0; i < plan_.variables.size(); i++) {
+        const auto& variable = plan_.variables[i];
+        connection_.send(encodeVariable(stampFor(Sent::Variable, i), static_cast<std::uint32_t>(i + 1), variable.name,
+                                        variable.units, variable.type));
+    }
+    for (std::size_t i = 0; i < std::size(kSystemEvents); i++) {
+        connection_.send(encodeSubscribe(stampFor(Sent::SystemEvent, i), kSystemEvents[i].id, kSystemEvents[i].name));
+    }
+    askWhetherSimRuns();
+}
+
+void Session::askWhetherSimRuns() {
+    connection_.send(encodeStateRequest(stampFor(Sent::SystemState, 0), kStateRequestId, "Sim"));
+}
+
+// There is no other keep-alive. A simulator that loads may be silent for long; one that is unplugged is for ever.
+void Session::watchSilence(std::uint64_t nowMs) {
+    if (nowMs - connection_.heardMs() >= kDeadMs) return connection_.drop("nothing heard for two minutes", nowMs);
+    if (nowMs - std::max(connection_.heardMs(), pingedMs_) < kPingMs) return;
+    pingedMs_ = nowMs;
+    askWhetherSimRuns();
+}
+
+// A variable that is missing stays so: which ones there are depends on the simulator, not on the aircraft.
+void Session::forgetReadings() {
+    for (auto& reading : readings_) {
+        if (reading.state == Reading::State::Known) reading = {};
+    }
+    dataMs_.reset();
+}
+
+// Answers carry the number of their request, and each generation has its own: what was under way from the aircraft
+// before is not taken for the new one's.
+std::uint32_t Session::requestBase() const {
+    return generation_ * static_cast<std::uint32_t>(2 * plan_.variables.size() + 1);
+}
+
+void Session::requestAll(std::uint64_t nowMs) {
+    stopRequests();
+    forgetReadings();
+    generation_++;
+    requesting_ = true;
+    requestedMs_ = nowMs;
+    heartbeat_ = 0;
+    while (heartbeat_ < readings_.size() && readings_[heartbeat_].state == Reading::State::Missing) heartbeat_++;
+    for (std::size_t i = 0; i < readings_.size(); i++) requestVariable(i, true);
+    requestHeartbeat(Period::VisualFrame);
+}
+
+void Session::stopRequests() {
+    if (!requesting_) return;
+    requesting_ = false;
+    for (std::size_t i = 0; i < readings_.size(); i++) requestVariable(i, false);
+    requestHeartbeat(Period::Never);
+}
+
+// Changes at the end of their frame; beside that everything every five seconds, should a change ever get lost.
+void Session::requestVariable(std::size_t variable, bool running) {
+    if (readings_[variable].state == Reading::State::Missing) return;
+    const auto define = static_cast<std::uint32_t>(variable + 1);
+    const auto id = requestBase() + 2 * static_cast<std::uint32_t>(variable) + 1;
+    connection_.send(encodeDataRequest(stampFor(Sent::Request, variable),
+                                       {id, define, running ? Period::VisualFrame : Period::Never, running, 0}));
+    connection_.send(encodeDataRequest(
+        stampFor(Sent::Request, variable),
+        {id + 1, define, running ? Period::Second : Period::Never, false, running ? kRereadSkip : 0}));
+}
+
+void Session::requestHeartbeat(Period period) {
+    if (heartbeat_ >= readings_.size()) return;
+    const auto id = requestBase() + static_cast<std::uint32_t>(2 * readings_.size()) + 1;
+    connection_.send(encodeDataRequest(
+        stampFor(Sent::Request, heartbeat_),
+        {id, static_cast<std::uint32_t>(heartbeat_ + 1), period, false, period == Period::Never ? 0 : kHeartbeatSkip}));
+}
+
+Stamp Session::stampFor(Sent kind, std::size_t index) {
+    const auto stamp = connection_.stamp();
+    sent_.push_back({stamp.sendId, kind, index});
+    if (sent_.size() > kRememberedPackets) sent_.pop_front();
+    return stamp;
+}
+
+void Session::handle(const Received& packet, std::uint64_t nowMs) {
+    if (std::holds_alternative<QuitPacket>(packet)) connection_.drop("the simulator has quit", nowMs);
+    if (const auto* data = std::get_if<DataPacket>(&packet)) onData(*data, nowMs);
+    if (const auto* event = std::get_if<EventPacket>(&packet)) onEvent(*event, nowMs);
+    if (const auto* exception = std::get_if<ExceptionPacket>(&packet)) onException(*exception);
+    if (const auto* broken = std::get_if<BrokenPacket>(&packet)) {
+        noteOnce("a packet of kind " + std::to_string(broken->id) + " is too short and was ignored");
+    }
+    const auto* state = std::get_if<StatePacket>(&packet);
+    if (state && state->requestId == kStateRequestId) setSimRunning(state->value != 0, nowMs);
+}
+
+void Session::onData(const DataPacket& data, std::uint64_t nowMs) {
+    const auto first = requestBase() + 1;
+    if (!requesting_ || data.requestId < first || data.requestId - first > 2 * readings_.size()) return;
+    const auto offset = data.requestId - first;
+    const std::size_t variable = offset == 2 * readings_.size() ? heartbeat_ : offset / 2;
+    auto& reading = readings_[variable];
+    const auto value = decodeValue(data.values, plan_.variables[variable].type);
+    if (!value || reading.state == Reading::State::Missing) return;
+    reading = {Reading::State::Known, *value};
+    dataMs_ = nowMs;
+}
+
+void Session::onEvent(const EventPacket& event, std::uint64_t nowMs) {
+    if (event.eventId == kSim) setSimRunning(event.data != 0, nowMs);
+    if (event.eventId != kAircraftLoaded) return;
+    notes_.push_back("aircraft loaded" + (event.file.empty() ? std::string() : ": " + event.file));
+    beginAircraft(nowMs);
+}
+
+// What held for the aircraft before no longer does, and its requests may have gone with it.
+void Session::beginAircraft(std::uint64_t nowMs) {
+    aircraft_++;
+    forgetReadings();
+    if (simRunning_.value_or(false)) requestAll(nowMs);
+}
+
+void Session::setSimRunning(bool running, std::uint64_t nowMs) {
+    if (simRunning_ == running) return;
+    simRunning_ = running;
+    if (running) return requestAll(nowMs);
+    stopRequests();
+    forgetReadings();
+}
+
+void Session::onException(const ExceptionPacket& exception) {
+    const auto sent = std::find_if(sent_.begin(), sent_.end(),
+                                   [&](const SentPacket& packet) { return packet.sendId == exception.sendId; });
+    const auto code = "exception " + std::to_string(exception.code) + ", " + std::string(exceptionName(exception.code));
+    if (exception.sendId == 0 || sent == sent_.end()) return noteOnce("the simulator reports " + code);
+    // A request for a variable that is known to be missing may well be refused too; that is no news.
+    const bool news = sent->kind != Sent::Request || readings_[sent->index].state != Reading::State::Missing;
+    if (news) noteOnce("the simulator refuses " + describe(*sent) + " (" + code + ')');
+    if (sent->kind == Sent::KeyEventMap) keyEventKnown_[sent->index] = false;
+    if (sent->kind == Sent::Variable) onMissingVariable(sent->index);
+}
+
+void Session::onMissingVariable(std::size_t variable) {
+    readings_[variable] = {Reading::State::Missing, 0.0};
+    if (!requesting_ || variable != heartbeat_) return;
+    while (heartbeat_ < readings_.size() && readings_[heartbeat_].state == Reading::State::Missing) heartbeat_++;
+    requestHeartbeat(Period::VisualFrame);
+}
+
+bool Session::isAllRead() const {
+    return std::none_of(readings_.begin(), readings_.end(),
+                        [](const Reading& reading) { return reading.state == Reading::State::Awaited; });
+}
+
+bool Session::sendKeyEvent(std::size_t event, std::uint32_t data) {
+    if (!isOpen() || !keyEventKnown_[event]) return false;
+    const auto id = kFirstKeyEventId + static_cast<std::uint32_t>(event);
+    connection_.send(encodeKeyEvent(stampFor(Sent::KeyEvent, event), id, data));
+    return true;
+}
+
+std::string Session::describe(const SentPacket& sent) const {
+    switch (sent.kind) {
+        case Sent::Variable:
+            return std::string("the variable ") + plan_.variables[sent.index].name;
+        case Sent::Request:
+            return std::string("to report ") + plan_.variables[sent.index].name;
+        case Sent::KeyEventMap:
+        case Sent::KeyEvent:
+            return std::string("the key event ") + plan_.keyEvents[sent.index];
+        case Sent::SystemEvent:
+            return std::string("the system event ") + kSystemEvents[sent.index].name;
+        case Sent::SystemState:
+            return "the system state Sim";
+    }
+    return {};
+}
+
+void Session::noteOnce(const std::string& line) {
+    if (noted_.size() < kMaxNotes && noted_.insert(line).second) notes_.push_back(line);
+}
+
+void Session::collectNotes() {
+    for (auto& line : connection_.takeNotes()) notes_.push_back(std::move(line));
+}
+
+}  // namespace simconnect

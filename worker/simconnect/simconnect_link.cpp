@@ -1,0 +1,211 @@
+#include "worker/simconnect/simconnect_link.h"
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include "bridge/frequency_grid.h"
+#include "worker/simconnect/com_tables.h"
+
+namespace simconnect {
+
+namespace {
+
+constexpr std::string_view kNotFitted = "not in this aircraft";
+constexpr double kSilence = 0.005;  // a volume below this is 0
+
+// A known value; nothing while it is awaited or if the simulator does not know it.
+std::optional<double> valueOf(const Session& session, std::size_t radio, ComVariable variable) {
+    const auto& reading = session.reading(variableOf(radio, variable));
+    return reading.state == Reading::State::Known ? std::optional(reading.value) : std::nullopt;
+}
+
+bool isAwaited(const Session& session, std::size_t radio, ComVariable variable) {
+    return session.reading(variableOf(radio, variable)).state == Reading::State::Awaited;
+}
+
+// Rounded, since the simulator's 118.005 may be 118.00499; 0 outside the band and for no number at all.
+std::int32_t toKHz(std::optional<double> mhz) {
+    const double khz = std::round(mhz.value_or(0.0) * 1000.0);
+    return khz >= kBandMinKHz && khz <= kBandMaxKHz ? static_cast<std::int32_t>(khz) : 0;
+}
+
+std::int32_t toSpacing(std::optional<double> mode) {
+    if (mode == 0.0) return kSpacing25;
+    return mode == 1.0 ? kSpacing833 : -1;
+}
+
+double toVolume(std::optional<double> percent) {
+    constexpr double kSlack = 0.5;  // arithmetic on the way: 100.0000001 is full
+    if (!percent || !(*percent >= -kSlack && *percent <= 100.0 + kSlack)) return -1.0;
+    return std::clamp(*percent, 0.0, 100.0) / 100.0;
+}
+
+// What a write to the slot would change.
+std::pair<double, double> shown(const ComRadio& radio, RadioSlot slot) {
+    switch (slot) {
+        case kSlotActive:
+            return {radio.activeKHz, 0.0};
+        case kSlotStandby:
+            return {radio.standbyKHz, 0.0};
+        case kSlotVolume:
+            return {radio.volume, 0.0};
+        case kSlotSwap:
+            return {radio.activeKHz, radio.standbyKHz};
+    }
+    return {};
+}
+
+std::string shownText(const ComRadio& radio, RadioSlot slot) {
+    if (slot == kSlotVolume) return percentText(radio.volume);
+    return mhzText(slot == kSlotStandby ? radio.standbyKHz : radio.activeKHz);
+}
+
+std::uint32_t eventData(const RadioWrite& write) {
+    if (write.slot == kSlotSwap) return 0;
+    const double scale = write.slot == kSlotVolume ? 100.0 : 1000.0;  // percent, Hz
+    return static_cast<std::uint32_t>(std::lround(write.value * scale));
+}
+
+bool isReadable(const ComRadio& radio, RadioSlot slot) {
+    if (slot == kSlotVolume) return radio.volume >= 0.0;
+    if (slot == kSlotSwap) return radio.activeKHz > 0 && radio.standbyKHz > 0;
+    return radio.spacing >= 0 && (slot == kSlotActive ? radio.activeKHz : radio.standbyKHz) > 0;
+}
+
+}  // namespace
+
+SimConnectLink::SimConnectLink(std::unique_ptr<Transport> transport)
+    : transport_(std::move(transport)), session_(*transport_, {kVariables, kKeyEvents}) {
+    snapshot_.status = session_.status();
+}
+
+void SimConnectLink::poll(std::uint64_t nowMs) {
+    session_.poll(nowMs);
+    for (auto& line : session_.takeNotes()) notes_.push_back(std::move(line));
+    learn(nowMs);
+    snapshot_ = describe(nowMs);
+}
+
+void SimConnectLink::learn(std::uint64_t nowMs) {
+    if (session_.aircraft() != aircraft_) {
+        aircraft_ = session_.aircraft();
+        learnt_ = {};
+    }
+    for (std::size_t radio = 0; radio < kRadioCount; radio++) {
+        auto& learnt = learnt_[radio];
+        const double volume = toVolume(valueOf(session_, radio, kComVolume));
+        const bool silent = volume >= 0.0 && volume < kSilence && condition(radio).empty();
+        if (!silent) {
+            learnt.silentSinceMs = 0;
+        } else if (learnt.silentSinceMs == 0) {
+            learnt.silentSinceMs = nowMs;
+        } else if (nowMs - learnt.silentSinceMs >= kSilentMs) {
+            learnt.staysOnAtZero = true;
+        }
+    }
+}
+
+// Why there is no telemetry; empty if there is.
+std::string SimConnectLink::groundStatus(std::uint64_t nowMs) const {
+    if (!session_.isOpen()) return session_.status();
+    if (!session_.isSimRunning()) return "connecting to the simulator";
+    if (!*session_.isSimRunning()) return "simulator in menu";
+    const auto dataMs = session_.dataMs();
+    if (nowMs - dataMs.value_or(session_.requestedMs()) >= kFreshMs) return "the simulator sends no data";
+    const bool enough = session_.isAllRead() || nowMs - session_.requestedMs() >= kFirstReadMs;
+    return dataMs && enough ? "" : "reading the radios";
+}
+
+SimSnapshot SimConnectLink::describe(std::uint64_t nowMs) const {
+    SimSnapshot sim;
+    sim.status = groundStatus(nowMs);
+    sim.ok = sim.status.empty();
+    if (!sim.ok) return sim;
+    sim.status = radioStatus();
+    bool any = false;
+    bool all25 = true;
+    for (std::size_t radio = 0; radio < kRadioCount; radio++) {
+        const auto& shownRadio = sim.radios[radio] = describeRadio(radio);
+        any = any || shownRadio.spacing >= 0;
+        all25 = all25 && (shownRadio.spacing == kSpacing25 || shownRadio.activeKHz == 0);
+    }
+    sim.rangeMaxKHz = any && all25 ? kBandMax25KHz : kBandMaxKHz;
+    return sim;
+}
+
+ComRadio SimConnectLink::describeRadio(std::size_t radio) const {
+    ComRadio values;
+    const auto fault = condition(radio);
+    if (fault == kNotFitted) return values;
+    values.activeKHz = toKHz(valueOf(session_, radio, kComActive));
+    values.standbyKHz = toKHz(valueOf(session_, radio, kComStandby));
+    values.spacing = toSpacing(valueOf(session_, radio, kComSpacing));
+    values.volume = toVolume(valueOf(session_, radio, kComVolume));
+    for (std::size_t i = 0; i < kSlotCount && fault.empty(); i++) {
+        const auto slot = static_cast<RadioSlot>(i);
+        values.writable[i] = isReadable(values, slot) && session_.isKeyEventKnown(keyEventOf(radio, slot)) &&
+                             learnt_[radio].ignored[i] < kIgnoredWrites;
+    }
+    return values;
+}
+
+// What keeps the radio from being used; empty if nothing does. Where one of the two variables is missing in the
+// simulator the other one decides.
+std::string_view SimConnectLink::condition(std::size_t radio) const {
+    const auto available = valueOf(session_, radio, kComAvailable);
+    const auto status = valueOf(session_, radio, kComStatus);
+    if (available == 0.0 || status == kStatusNone) return kNotFitted;
+    if (status == kStatusNoPower) return "unpowered";
+    if (status == kStatusFailed) return "failed";
+    if (status.value_or(kStatusOk) != kStatusOk) return "not usable";
+    const bool awaited = isAwaited(session_, radio, kComAvailable) || isAwaited(session_, radio, kComStatus);
+    return awaited || (!available && !status) ? "not known yet" : "";
+}
+
+std::string SimConnectLink::radioStatus() const {
+    const auto com1 = condition(0);
+    const auto com2 = condition(1);
+    if (com1.empty() && com2.empty()) return "flying";
+    if (com1 == com2) return "COM1 and COM2 " + std::string(com1);
+    std::string text = com1.empty() ? "" : radioName(0) + ' ' + std::string(com1);
+    if (!com1.empty() && !com2.empty()) text += ", ";
+    return com2.empty() ? text : text + radioName(1) + ' ' + std::string(com2);
+}
+
+bool SimConnectLink::write(const RadioWrite& write, std::uint64_t) {
+    const auto& radio = snapshot_.radios[write.radio];
+    const bool valid =
+        write.slot == kSlotSwap || (write.slot == kSlotVolume ? write.value >= 0.0 && write.value <= 1.0
+                                                              : isChannelOf(snapshot_, write.radio, write.value));
+    if (!snapshot_.ok || !radio.writable[write.slot] || !valid) return false;
+    atWrite_[write.radio] = radio;
+    return session_.sendKeyEvent(keyEventOf(write.radio, write.slot), eventData(write));
+}
+
+// Volume goes in whole percent. At 0 a knob that is the power switch as well would switch the radio off for good: a
+// radio without power takes no volume any more. So 1 % is the least, until this one has been seen to stay on at 0.
+RadioWrite SimConnectLink::adjusted(const RadioWrite& write) const {
+    if (write.slot != kSlotVolume) return write;
+    auto sent = write;
+    const double least = learnt_[write.radio].staysOnAtZero ? 0.0 : 1.0;
+    sent.value = std::max(std::round(write.value * 100.0), least) / 100.0;
+    return sent;
+}
+
+// Only a slot where nothing moved counts as ignored: an aircraft that rounds to its own steps does listen. One without
+// power by now could not.
+std::string SimConnectLink::noteReadback(const RadioWrite& write, bool seen) {
+    auto& ignored = learnt_[write.radio].ignored[write.slot];
+    auto& radio = snapshot_.radios[write.radio];
+    if (seen) ignored = 0;
+    if (seen || !radio.writable[write.slot]) return {};
+    if (shown(radio, write.slot) != shown(atWrite_[write.radio], write.slot)) {
+        return "; it shows " + shownText(radio, write.slot);
+    }
+    if (++ignored < kIgnoredWrites) return {};
+    radio.writable[write.slot] = false;
+    notes_.push_back(slotTitle(write.radio, write.slot) + ": the aircraft has ignored " +
+                     std::to_string(kIgnoredWrites) + " writes; not writable until the aircraft changes");
+    return "; not tried again until the aircraft changes";
+}
+
+}  // namespace simconnect

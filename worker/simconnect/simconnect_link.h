@@ -1,0 +1,55 @@
+// simconnect_link.h - the simulator's two COM radios over SimConnect. Shows what the simulator has said and nothing
+// else; writes by key events, as a cockpit does, and leaves the judgement to the read-back.
+#pragma once
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+#include "worker/sim_link.h"
+#include "worker/simconnect/session.h"
+#include "worker/simconnect/transport.h"
+
+namespace simconnect {
+
+inline constexpr std::uint64_t kFreshMs = 1000;      // older data is no telemetry
+inline constexpr std::uint64_t kFirstReadMs = 1500;  // then what has been read has to do
+inline constexpr std::uint64_t kSilentMs = 2000;  // a radio at volume 0 that still has power after this long keeps it
+inline constexpr std::uint64_t kRestMs = 200;     // data wakes us; this is for retries and for data that stays out
+inline constexpr int kIgnoredWrites = 2;          // in a row; then the slot is not writable in this aircraft
+
+class SimConnectLink : public SimLink {
+  public:
+    explicit SimConnectLink(std::unique_ptr<Transport> transport);
+
+    void poll(std::uint64_t nowMs) override;
+    const SimSnapshot& snapshot() const override { return snapshot_; }
+    bool write(const RadioWrite& write, std::uint64_t nowMs) override;
+    RadioWrite adjusted(const RadioWrite& write) const override;
+    std::string noteReadback(const RadioWrite& write, bool seen) override;
+    void* wakeHandle() const override { return transport_->wakeHandle(); }
+    std::uint64_t restMs() const override { return kRestMs; }
+
+  private:
+    // What this aircraft has taught us about a radio.
+    struct Learnt {
+        std::array<int, kSlotCount> ignored{};  // writes in a row without effect
+        std::uint64_t silentSinceMs = 0;        // at volume 0 with power; 0 = is not
+        bool staysOnAtZero = false;             // has been seen at volume 0 with power for a while
+    };
+
+    std::string groundStatus(std::uint64_t nowMs) const;
+    void learn(std::uint64_t nowMs);
+    SimSnapshot describe(std::uint64_t nowMs) const;
+    ComRadio describeRadio(std::size_t radio) const;
+    std::string_view condition(std::size_t radio) const;
+    std::string radioStatus() const;
+
+    std::unique_ptr<Transport> transport_;  // never null
+    Session session_;
+    std::uint32_t aircraft_ = 0;  // the session's number of the aircraft that learnt_ is about
+    std::array<Learnt, kRadioCount> learnt_;
+    std::array<ComRadio, kRadioCount> atWrite_;  // each radio as it was when last written to
+    SimSnapshot snapshot_;
+};
+
+}  // namespace simconnect

@@ -1,0 +1,79 @@
+#include <fcntl.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <cerrno>
+#include "worker/simconnect/address_list.h"
+
+namespace simconnect {
+
+namespace {
+
+int descriptor(std::intptr_t handle) {
+    return static_cast<int>(handle);
+}
+
+bool isJustNotNow(int error) {
+    return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
+}
+
+}  // namespace
+
+Sockets::Sockets() = default;
+Sockets::~Sockets() = default;
+
+std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly) {
+    return listAddresses(address, literalOnly);
+}
+
+bool Socket::startConnect(const NetAddress& address) {
+    close();
+    handle_ = socket(address.family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP);
+    if (handle_ < 0) return false;
+    const int yes = 1;
+    setsockopt(descriptor(handle_), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+    const auto* to = reinterpret_cast<const sockaddr*>(address.bytes.data());
+    if (::connect(descriptor(handle_), to, static_cast<socklen_t>(address.length)) == 0 || errno == EINPROGRESS) {
+        return true;
+    }
+    close();
+    return false;
+}
+
+SocketProgress Socket::connectProgress() {
+    if (handle_ < 0) return SocketProgress::Failed;
+    pollfd ready{descriptor(handle_), POLLOUT, 0};
+    if (::poll(&ready, 1, 0) == 0) return SocketProgress::Pending;
+    int error = 0;
+    socklen_t length = sizeof error;
+    const bool asked = getsockopt(descriptor(handle_), SOL_SOCKET, SO_ERROR, &error, &length) == 0;
+    return asked && error == 0 ? SocketProgress::Ready : SocketProgress::Failed;
+}
+
+SocketProgress Socket::receive(std::span<std::uint8_t> into, std::size_t& count) {
+    const auto result = ::recv(descriptor(handle_), into.data(), into.size(), 0);
+    if (result < 0) return isJustNotNow(errno) ? SocketProgress::Pending : SocketProgress::Failed;
+    count = static_cast<std::size_t>(result);
+    return count > 0 ? SocketProgress::Ready : SocketProgress::Failed;
+}
+
+SocketProgress Socket::send(std::span<const std::uint8_t> bytes, std::size_t& count) {
+    const auto result = ::send(descriptor(handle_), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (result < 0) return isJustNotNow(errno) ? SocketProgress::Pending : SocketProgress::Failed;
+    count = static_cast<std::size_t>(result);
+    return SocketProgress::Ready;
+}
+
+void Socket::close() {
+    if (handle_ >= 0) ::close(descriptor(handle_));
+    handle_ = -1;
+}
+
+void* Socket::wakeHandle() const {
+    return event_;
+}
+
+}  // namespace simconnect

@@ -1,0 +1,118 @@
+#include "worker/simconnect/tcp_transport.h"
+#include <algorithm>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include "base/mutex.h"
+
+namespace simconnect {
+
+// The lookup may outlast the transport and even its next connection; whoever lets go last frees it.
+struct TcpTransport::Lookup {
+    Mutex mutex;  // the worker's thread and the lookup's own one, for one assignment
+    bool done GUARDED_BY(mutex) = false;
+    std::vector<NetAddress> found GUARDED_BY(mutex);
+};
+
+TcpTransport::TcpTransport(HostPort address) : address_(std::move(address)) {}
+
+TcpTransport::~TcpTransport() = default;
+
+void TcpTransport::connect() {
+    close();
+    problem_.clear();
+    state_ = TransportState::Connecting;
+    untried_ = lookUp(address_, true);
+    std::reverse(untried_.begin(), untried_.end());
+    if (!untried_.empty()) return tryNextAddress();
+    if (lookup_) return;  // still at it for the connection before
+    lookup_ = std::make_shared<Lookup>();
+    try {
+        std::thread([lookup = lookup_, address = address_] {
+            auto found = lookUp(address, false);
+            const MutexLock lock(lookup->mutex);
+            lookup->found = std::move(found);
+            lookup->done = true;
+        }).detach();
+    } catch (const std::system_error&) {
+        lookup_.reset();
+        end("no thread to look " + address_.host + " up");
+    }
+}
+
+void TcpTransport::close() {
+    socket_.close();
+    unsent_.clear();
+    untried_.clear();
+    state_ = TransportState::Closed;
+}
+
+TransportState TcpTransport::poll() {
+    if (state_ == TransportState::Connecting && lookup_) takeAddresses();
+    if (state_ == TransportState::Connecting && !lookup_) {
+        const auto progress = socket_.connectProgress();
+        if (progress == SocketProgress::Ready) state_ = TransportState::Open;
+        if (progress == SocketProgress::Failed) tryNextAddress();
+    }
+    if (state_ == TransportState::Open) flush();
+    return state_;
+}
+
+void TcpTransport::takeAddresses() {
+    {
+        const MutexLock lock(lookup_->mutex);
+        if (!lookup_->done) return;
+        untried_ = std::move(lookup_->found);
+    }
+    lookup_.reset();
+    std::reverse(untried_.begin(), untried_.end());
+    if (untried_.empty()) return end(address_.host + " is not known on this network");
+    tryNextAddress();
+}
+
+// Nobody listening is not worth a word: the simulator is just not running.
+void TcpTransport::tryNextAddress() {
+    while (!untried_.empty()) {
+        const auto address = untried_.back();
+        untried_.pop_back();
+        socket_.close();
+        if (socket_.startConnect(address)) return;
+    }
+    end({});
+}
+
+std::size_t TcpTransport::receive(std::span<std::uint8_t> into) {
+    if (state_ != TransportState::Open) return 0;
+    std::size_t count = 0;
+    const auto progress = socket_.receive(into, count);
+    if (progress == SocketProgress::Failed) end({});
+    return progress == SocketProgress::Ready ? count : 0;
+}
+
+bool TcpTransport::send(std::span<const std::uint8_t> packet) {
+    if (state_ != TransportState::Open || unsent_.size() + packet.size() > kMaxUnsentBytes) return false;
+    unsent_.insert(unsent_.end(), packet.begin(), packet.end());
+    flush();
+    return state_ == TransportState::Open;
+}
+
+void TcpTransport::flush() {
+    while (!unsent_.empty()) {
+        std::size_t count = 0;
+        const auto progress = socket_.send(unsent_, count);
+        if (progress == SocketProgress::Failed) return end({});
+        if (progress == SocketProgress::Pending) return;
+        unsent_.erase(unsent_.begin(), unsent_.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+}
+
+void TcpTransport::end(std::string problem) {
+    close();
+    problem_ = std::move(problem);
+}
+
+void* TcpTransport::wakeHandle() const {
+    return state_ == TransportState::Closed ? nullptr : socket_.wakeHandle();
+}
+
+}  // namespace simconnect

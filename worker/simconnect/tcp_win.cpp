@@ -1,0 +1,93 @@
+#include <winsock2.h>
+#include <ws2tcpip.h>
+#include "worker/simconnect/address_list.h"
+
+namespace simconnect {
+
+namespace {
+
+SOCKET socketOf(std::intptr_t handle) {
+    return static_cast<SOCKET>(handle);
+}
+
+// What a failed call means: not just now, or never again.
+SocketProgress failure() {
+    return WSAGetLastError() == WSAEWOULDBLOCK ? SocketProgress::Pending : SocketProgress::Failed;
+}
+
+}  // namespace
+
+Sockets::Sockets() {
+    WSADATA data;
+    WSAStartup(MAKEWORD(2, 2), &data);  // should it fail, so will every call below
+}
+
+Sockets::~Sockets() {
+    WSACleanup();
+}
+
+std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly) {
+    return listAddresses(address, literalOnly);
+}
+
+// WSAEventSelect makes the socket non-blocking as well.
+bool Socket::startConnect(const NetAddress& address) {
+    close();
+    const SOCKET made = socket(address.family, SOCK_STREAM, IPPROTO_TCP);
+    if (made == INVALID_SOCKET) return false;
+    handle_ = static_cast<std::intptr_t>(made);
+    event_ = WSACreateEvent();
+    const BOOL yes = TRUE;
+    setsockopt(made, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&yes), sizeof yes);
+    const bool evented = WSAEventSelect(made, event_, FD_CONNECT | FD_READ | FD_WRITE | FD_CLOSE) == 0;
+    const auto* to = reinterpret_cast<const sockaddr*>(address.bytes.data());
+    if (evented &&
+        (::connect(made, to, static_cast<int>(address.length)) == 0 || failure() == SocketProgress::Pending)) {
+        return true;
+    }
+    close();
+    return false;
+}
+
+SocketProgress Socket::connectProgress() {
+    if (handle_ == -1) return SocketProgress::Failed;
+    fd_set writable, failed;
+    FD_ZERO(&writable);
+    FD_ZERO(&failed);
+    FD_SET(socketOf(handle_), &writable);
+    FD_SET(socketOf(handle_), &failed);
+    timeval now{};
+    if (select(0, nullptr, &writable, &failed, &now) == 0) return SocketProgress::Pending;
+    return FD_ISSET(socketOf(handle_), &writable) ? SocketProgress::Ready : SocketProgress::Failed;
+}
+
+// The event is taken back first: what comes after that sets it again.
+SocketProgress Socket::receive(std::span<std::uint8_t> into, std::size_t& count) {
+    WSAResetEvent(event_);
+    const int result =
+        ::recv(socketOf(handle_), reinterpret_cast<char*>(into.data()), static_cast<int>(into.size()), 0);
+    if (result < 0) return failure();
+    count = static_cast<std::size_t>(result);
+    return count > 0 ? SocketProgress::Ready : SocketProgress::Failed;
+}
+
+SocketProgress Socket::send(std::span<const std::uint8_t> bytes, std::size_t& count) {
+    const int result =
+        ::send(socketOf(handle_), reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()), 0);
+    if (result < 0) return failure();
+    count = static_cast<std::size_t>(result);
+    return SocketProgress::Ready;
+}
+
+void Socket::close() {
+    if (handle_ != -1) closesocket(socketOf(handle_));
+    if (event_) WSACloseEvent(event_);
+    handle_ = -1;
+    event_ = nullptr;
+}
+
+void* Socket::wakeHandle() const {
+    return event_;
+}
+
+}  // namespace simconnect
