@@ -7,3 +7,8 @@ struct HandleCloser {
     void operator()(HANDLE handle) const { CloseHandle(handle); }
 };
 using OwnedHandle = std::unique_ptr<void, HandleCloser>;
+
+// CreateFile's answer as an owner; null if it failed.
+inline OwnedHandle ownFile(HANDLE file) {
+    return OwnedHandle(file == INVALID_HANDLE_VALUE ? nullptr : file);
+}

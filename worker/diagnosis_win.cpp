@@ -1,7 +1,8 @@
 #include "worker/diagnosis_win.h"
 #include <windows.h>
-#include <algorithm>
 #include <exception>
+#include <memory>
+#include <utility>
 #include "base/code_page_win.h"
 #include "base/data_files_win.h"
 #include "base/wide_text_win.h"
@@ -34,36 +35,22 @@ class LogInMemory : public LogFile {
     std::string text;
 };
 
-// The folder's data comes from a search in it; null for what cannot be searched.
+// Owns a search through a folder, null if it could not begin.
 struct SearchCloser {
     void operator()(HANDLE search) const { FindClose(search); }
 };
 using OwnedSearch = std::unique_ptr<void, SearchCloser>;
 
-std::string utf8FromWide(const wchar_t* wide) {
-    const int size = WideCharToMultiByte(CP_UTF8, 0, wide, -1, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<std::size_t>(size > 0 ? size : 1), '\0');
-    if (size > 0) WideCharToMultiByte(CP_UTF8, 0, wide, -1, utf8.data(), size, nullptr, nullptr);
-    utf8.pop_back();
-    return utf8;
-}
-
-std::uint64_t joined(DWORD high, DWORD low) {
-    return (static_cast<std::uint64_t>(high) << 32) | low;
-}
-
 // The last kMaxFoundBytes of a larger file, or the first ones.
 bool readPart(const std::string& path, bool fromEnd, std::string& bytes) {
-    const HANDLE handle =
-        CreateFileA(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return false;
-    const OwnedHandle file(handle);
+    const auto file = ownFile(
+        CreateFileA(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER back;
     back.QuadPart = -static_cast<LONGLONG>(kMaxFoundBytes);
-    if (fromEnd && !SetFilePointerEx(handle, back, nullptr, FILE_END)) return false;
+    if (!file || (fromEnd && !SetFilePointerEx(file.get(), back, nullptr, FILE_END))) return false;
     bytes.resize(kMaxFoundBytes);
     DWORD count = 0;
-    const bool isRead = ReadFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != 0;
+    const bool isRead = ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != 0;
     bytes.resize(isRead ? count : 0);
     return isRead;
 }
@@ -84,11 +71,8 @@ FoundFile findFile(const std::string& path, bool isLog = false) {
 // Not through the report itself: it says so in its text.
 bool isWritable(const std::string& folder) {
     const auto path = joinPath(folder, std::string(kDiagnosisFile) + ".try");
-    const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE | DELETE, kShareAll, nullptr, CREATE_ALWAYS,
-                                    FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    CloseHandle(file);
-    return true;
+    return ownFile(CreateFileA(path.c_str(), GENERIC_WRITE | DELETE, kShareAll, nullptr, CREATE_ALWAYS,
+                               FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr)) != nullptr;
 }
 
 void listFolder(Diagnosis& found, const std::string& folder) {

@@ -99,7 +99,8 @@ int main(int argc, char** argv) {
     const FineClock clock;
     WindowsLogFile file(options.dataDir);
     WorkerLog log(file, clock);
-    log.line("hopline_worker " + std::string(kPluginVersion) + " started, process " + std::to_string(GetCurrentProcessId()));
+    log.line("hopline_worker " + std::string(kPluginVersion) + " started, process " +
+             std::to_string(GetCurrentProcessId()));
     if (!understood) {
         log.line("ending: bad command line: " + error);
         return kBadArguments;

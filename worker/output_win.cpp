@@ -32,9 +32,7 @@ void printText(std::string_view utf8) {
     const DWORD type = isThere ? GetFileType(output) : FILE_TYPE_UNKNOWN;
     if (type == FILE_TYPE_DISK || type == FILE_TYPE_PIPE) return writeBytes(output, utf8);
     AttachConsole(ATTACH_PARENT_PROCESS);  // fails if we have it already, or if there is none
-    const HANDLE console = CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                       nullptr, OPEN_EXISTING, 0, nullptr);
-    if (console == INVALID_HANDLE_VALUE) return;
-    const OwnedHandle owner(console);
-    writeConsole(console, wideFromUtf8(utf8));
+    const auto console = ownFile(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                             FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (console) writeConsole(console.get(), wideFromUtf8(utf8));
 }

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <vector>
 #include "base/data_files.h"
+#include "base/wide_text_win.h"
 #include "worker/single_worker.h"
 
 namespace {
@@ -9,15 +10,6 @@ namespace {
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr DWORD kHighResolution = 2;  // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION
 constexpr DWORD kClaimWaitMs = 500;
-
-std::uint64_t joined(DWORD high, DWORD low) {
-    return (static_cast<std::uint64_t>(high) << 32) | low;
-}
-
-// CreateFile's answer as an owner; null if it failed.
-OwnedHandle ownFile(HANDLE file) {
-    return OwnedHandle(file == INVALID_HANDLE_VALUE ? nullptr : file);
-}
 
 std::wstring finalPath(const std::string& folder) {
     const auto handle =
@@ -38,11 +30,7 @@ std::string canonicalPath(const std::string& folder) {
     auto wide = finalPath(folder);
     if (wide.empty()) return folder;
     CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
-    std::string utf8(wide.size() * 3, '\0');
-    const int length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), utf8.data(),
-                                           static_cast<int>(utf8.size()), nullptr, nullptr);
-    utf8.resize(static_cast<std::size_t>(length));
-    return utf8;
+    return utf8FromWide(wide);
 }
 
 }  // namespace

@@ -1,12 +1,18 @@
 // system_win.h - what the worker needs of Windows: time, file stamps, its log file, other processes, the loop's sleep.
 #pragma once
 #include <windows.h>
+#include <cstdint>
 #include <string>
 #include "base/clock_win.h"
 #include "base/handle_win.h"
 #include "worker/worker_folder.h"
 #include "worker/worker_log.h"
 #include "worker/worker_loop.h"
+
+// The 64 bits that Windows hands out in halves.
+inline std::uint64_t joined(DWORD high, DWORD low) {
+    return (static_cast<std::uint64_t>(high) << 32) | low;
+}
 
 // Ticks of one millisecond, where GetTickCount64 has 16. The wall clock stays the one that the plugin judges "updated"
 // by: a finer one runs up to 16 ms ahead of it, and the plugin refuses a file from the future.
