@@ -11,6 +11,7 @@ constexpr PanelStyle kStyles[kThemeCount] = {
     {0xFFFFA826, 0xFF6FD6E8, 0.065f, 0.00f, 0xFF63F58A, 0xFFFFB347, 0xFF6DF08F, 0xFFF0B565, 0xFF4A6072, 0xFF1A1C20, 0xFFDDE3E8},  // AIRBUS
 };
 // clang-format on
+static_assert(kStyles[kThemeCount - 1].confirmedDigits != 0);  // a theme without a row would be black
 
 }  // namespace
 

@@ -43,6 +43,17 @@ constexpr const char* kMenuTexts[kMenuEntryCount][kLanguageCount] = {
 };
 // clang-format on
 
+// A language missing in a row would be a null.
+constexpr bool isFilled() {
+    for (const auto& row : kMenuTexts) {
+        for (const char* const text : row) {
+            if (!text) return false;
+        }
+    }
+    return true;
+}
+static_assert(isFilled());
+
 }  // namespace
 
 const char* menuText(std::int32_t entry, std::int32_t language) {

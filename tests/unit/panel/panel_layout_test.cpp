@@ -113,6 +113,13 @@ TEST(PanelLayout, IndicatorsCoverNoOtherKeyAndNeitherStripNorLampsCoverThem) {
     }
 }
 
+TEST(PanelLayout, HasACopyOfEveryTheme) {
+    ASSERT_EQ(themeCopies().size(), static_cast<std::size_t>(kThemeCount));
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        EXPECT_EQ(themeCopies()[static_cast<std::size_t>(theme)].theme, theme);
+    }
+}
+
 TEST(PanelLayout, AnUnknownThemeIsGeneral) {
     for (const std::int32_t theme :
          {-1, 3, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {

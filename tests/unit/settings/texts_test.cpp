@@ -323,6 +323,7 @@ TEST(FontFamily, IsTheLanguagesOwnWithTheSameClamp) {
                                     "Segoe UI",
                                     "Segoe UI",
                                     "Segoe UI"};
+    ASSERT_EQ(std::size(families), static_cast<std::size_t>(kLanguageCount));
     for (std::int32_t language = 0; language < kLanguageCount; language++) {
         EXPECT_EQ(fontFamilyOf(language), families[language]) << language;
     }

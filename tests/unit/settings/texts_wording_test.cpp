@@ -193,6 +193,7 @@ TEST(Texts, HaveOneWordPerThing) {
     for (const auto& row : rows) {
         for (const int entry : row.entries) {
             for (std::int32_t language = 0; language < kLanguageCount; language++) {
+                ASSERT_NE(row.stems[language], nullptr) << row.thing << " has no word in language " << language;
                 EXPECT_NE(textOf(language, entry).find(row.stems[language]), std::string_view::npos)
                     << row.thing << ", " << nameOf(language, entry);
             }
