@@ -1,11 +1,14 @@
 #include "base/data_files_win.h"
 #include <windows.h>
 #include <algorithm>
+#include <span>
 
 namespace {
 
-constexpr int kTries = 3;
-constexpr DWORD kBetweenTriesMs = 3;  // the other side's rename takes well under a millisecond
+// Between one try and the next. The other side's rename takes well under a millisecond; who reads a file that is to be
+// replaced (a virus scanner, a backup) holds it for longer, and what is not written then is lost.
+constexpr DWORD kOpenPausesMs[] = {3, 3};
+constexpr DWORD kReplacePausesMs[] = {3, 3, 6, 12, 25, 50};
 constexpr DWORD kWriteChunk = 1U << 20U;
 
 bool isBusy(DWORD error) {
@@ -13,21 +16,22 @@ bool isBusy(DWORD error) {
            error == ERROR_LOCK_VIOLATION;
 }
 
-// Runs attempt until it succeeds, fails for a lasting reason, or has been tried often enough.
+// Runs attempt until it succeeds, fails for a lasting reason, or all pauses have been made.
 template <class Attempt>
-bool retryWhileBusy(Attempt attempt) {
-    for (int i = 1;; i++) {
+bool retryWhileBusy(std::span<const DWORD> pausesMs, Attempt attempt) {
+    for (const DWORD pauseMs : pausesMs) {
         if (attempt()) return true;
-        if (i == kTries || !isBusy(GetLastError())) return false;
-        Sleep(kBetweenTriesMs);
+        if (!isBusy(GetLastError())) return false;
+        Sleep(pauseMs);
     }
+    return attempt();
 }
 
 class File {
   public:
     File(const std::string& path, DWORD access, DWORD disposition) {
         constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-        retryWhileBusy([&] {
+        retryWhileBusy(kOpenPausesMs, [&] {
             handle_ =
                 CreateFileA(path.c_str(), access, kShareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
             return isOpen();
@@ -79,7 +83,7 @@ bool WindowsDataFiles::read(const std::string& path, std::string& bytes) {
 bool WindowsDataFiles::replace(const std::string& path, std::string_view bytes) {
     const std::string temporary = path + ".tmp";
     if (!writeFile(temporary, bytes)) return false;
-    return retryWhileBusy([&] {
+    return retryWhileBusy(kReplacePausesMs, [&] {
         return MoveFileExA(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     });
 }
