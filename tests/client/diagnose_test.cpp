@@ -1,6 +1,8 @@
 // The real worker program as a user starts it for a report: --diagnose on prepared folders, without plugin and client.
 #include <gtest/gtest.h>
 #include <windows.h>
+#include "base/clock_win.h"
+#include "bridge/telemetry.h"
 #include "bridge/worker_command_line.h"
 #include "plugin/identity.h"
 #include "tests/client/test_machine_win.h"
@@ -110,7 +112,9 @@ TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
     const EnvironmentValue appDataVariable(L"APPDATA", appData.wstring());
     standin::Program worker;
     ASSERT_TRUE(worker.start(quoted(productFile(kWorkerProgram)) + L" --data-dir " + quoted(data)));
-    ASSERT_TRUE(waitFor([&] { return has(readFile(data / "hopline_worker.log"), "link up: built-in aircraft"); }));
+    // The telemetry that says so follows the line in the log.
+    ASSERT_TRUE(
+        waitFor([&] { return isFresh(parseTelemetry(readFile(data / kTelemetryFile)), SystemClock().unixSeconds()); }));
     const auto outcome = run(L"--diagnose");
     EXPECT_TRUE(worker.isRunning());  // and was left in peace
     worker.kill();
