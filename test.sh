@@ -1,43 +1,65 @@
 #!/usr/bin/env bash
-# test.sh - installs what is missing, builds everything and runs all tests: unit tests natively, under the address and
-# undefined-behaviour sanitizers and under Wine, those with threads under the thread sanitizer; the real DLL in the
-# stand-in voice client; the artwork; each fuzz target for FUZZ_SECONDS (10). Logs stand in build/test-logs. Ends with
-# the sum of all runs.
+# test.sh - installs what is missing, builds everything and runs all tests: the real DLL in the stand-in voice client
+# and the unit tests under Wine, while the unit tests are built and run under the address and undefined-behaviour
+# sanitizers, those with threads under the thread sanitizer, and what no sanitizer allows as it is; the stand-in
+# simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (2) each on new ones; the
+# formatting. Logs stand in build/test-logs. Ends with the sum of all runs.
+# test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
 cd "$(dirname "$0")"
+export LC_ALL=C.UTF-8
 
-fuzz_seconds=${FUZZ_SECONDS:-10}
+if [ "${1:-}" = --lint ]; then
+    tools/packages.sh build lint && exec tools/lint.sh
+    exit 1
+fi
+
+fuzz_seconds=${FUZZ_SECONDS:-2}
+fuzz_jobs=$(nproc)
+wine_slots=6  # most of a client test is waiting: more than there are cores
 logs=build/test-logs
-passed=0
-failed=0
+counts=$logs/counts
+rm -rf "$logs"
 mkdir -p "$logs"
+: >"$counts"
+started=$SECONDS
 
-# Counts one check of this script's own.
+# say WORDS - a line with the minutes since the start. One call of the system, so that lines of two phases do not mix.
+say() {
+    local now=$((SECONDS - started))
+    printf '%2d:%02d  %s\n' $((now / 60)) $((now % 60)) "$*"
+}
+
+# add PASSED FAILED - to the sum. Phases that run beside each other meet in this file only.
+add() {
+    echo "$1 $2" >>"$counts"
+}
+
+# count RESULT WHAT - one check of this script's own.
 count() {
     if [ "$1" -eq 0 ]; then
-        passed=$((passed + 1))
+        add 1 0
     else
-        failed=$((failed + 1))
-        echo "FAILED: $2"
+        add 0 1
+        say "FAILED: $2"
     fi
 }
 
-# build PRESET [TARGET...] - everything of the preset unless targets are named.
+# build PRESET TARGET... - built out of the way of the tests that run meanwhile.
 build() {
-    local preset=$1
-    local targets=("${@:2}")
-    [ ${#targets[@]} -eq 0 ] || targets=(--target "${targets[@]}")
-    { [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"; } >"$logs/build-$preset.log" 2>&1 &&
-        cmake --build "build/$preset" "${targets[@]}" >>"$logs/build-$preset.log" 2>&1
+    local preset=$1 log="$logs/build-$1.log"
+    { [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"; } >"$log" 2>&1 &&
+        nice cmake --build "build/$preset" --target "${@:2}" >>"$log" 2>&1
     local result=$?
-    [ $result -eq 0 ] || tail -40 "$logs/build-$preset.log"
+    [ $result -eq 0 ] || tail -40 "$log"
     count $result "build of $preset"
+    [ $result -eq 0 ] && say "$preset: built"
     return $result
 }
 
 # Runs the preset's tests and adds what the runner counted; a run that counts nothing is a failure.
 run_tests() {
-    local preset=$1 jobs=$2 log="$logs/test-$1.log" total bad
+    local preset=$1 jobs=$2 log="$logs/test-$1.log" total bad cases
     ctest --preset "$preset" -j "$jobs" >"$log" 2>&1
     read -r bad total < <(sed -nE 's/^[0-9]+% tests passed, ([0-9]+) tests? failed out of ([0-9]+)$/\1 \2/p' "$log" | tail -1)
     if [ -z "${total:-}" ] || [ "$total" -eq 0 ]; then
@@ -45,95 +67,102 @@ run_tests() {
         count 1 "no test was run in $preset"
         return
     fi
-    passed=$((passed + total - bad))
-    failed=$((failed + bad))
     if [ "$bad" -gt 0 ]; then
-        grep -vE '^ *[0-9]+/[0-9]+ Test.* Passed|^ +Start ' "$log" | tail -120
+        grep -vE '^ *[0-9]+/[0-9]+ Test.* Passed|^ +Start |^\[ +(OK|RUN) ' "$log" | tail -200
     fi
-    # A run of a GoogleTest program is one test to ctest, or many; this counts them all.
-    local cases
+    # To ctest a run of a GoogleTest program is one test; this counts its cases, and each other test as one.
     cases=$(sed -nE 's/^\[==========\] ([0-9]+) tests? from .* ran\..*/\1/p' "build/$preset/Testing/Temporary/LastTest.log" |
         awk '{ sum += $1 } END { print sum + 0 }')
-    echo "$preset: $((total - bad)) of $total tests passed, with $cases cases"
+    add "$((cases > bad ? cases - bad : 0))" "$bad"
+    say "$preset: $((total - bad)) of $total programs passed, with $cases cases"
 }
 
+# The programs fail with the first input that breaks a promise, and say which.
 fuzz() {
-    local program=$1 name
+    local program=$1 name corpus result
     name=$(basename "$program")
+    corpus=tests/fuzz/corpus/$name
     mkdir -p "build/asan/corpus/$name"
-    "$program" -max_total_time="$fuzz_seconds" -timeout=10 -rss_limit_mb=4096 -artifact_prefix="$logs/$name-" \
-        -print_final_stats=1 "build/asan/corpus/$name" >"$logs/$name.log" 2>&1
-    local result=$?
+    "$program" -runs=0 -timeout=10 -rss_limit_mb=4096 "$corpus" >"$logs/$name.log" 2>&1 &&
+        "$program" -max_total_time="$fuzz_seconds" -timeout=10 -rss_limit_mb=4096 -artifact_prefix="$logs/$name-" \
+            -print_final_stats=1 "build/asan/corpus/$name" "$corpus" >>"$logs/$name.log" 2>&1
+    result=$?
     [ $result -eq 0 ] || tail -30 "$logs/$name.log"
-    echo "fuzz: $name $(grep -oE 'number_of_executed_units: +[0-9]+' "$logs/$name.log" | grep -oE '[0-9]+' || echo 0) inputs"
-    return $result
+    count $result "fuzzing $name"
 }
 
-# Two at a time: the machines have two cores.
 fuzz_all() {
-    local programs=() first second
+    local programs=() program inputs
     mapfile -t programs < <(find build/asan/bin -name '*_fuzz' -type f | sort)
     [ ${#programs[@]} -gt 0 ] || { count 1 "no fuzz target was built"; return; }
-    for ((i = 0; i < ${#programs[@]}; i += 2)); do
-        fuzz "${programs[i]}" &
-        first=$!
-        if [ $((i + 1)) -lt ${#programs[@]} ]; then
-            fuzz "${programs[i + 1]}"
-            second=$?
-            count $second "fuzzing ${programs[i + 1]}"
-        fi
-        wait $first
-        count $? "fuzzing ${programs[i]}"
+    for program in "${programs[@]}"; do
+        [ "$(jobs -rp | wc -l)" -lt "$fuzz_jobs" ] || wait -n
+        fuzz "$program" &
     done
+    wait
+    inputs=$(sed -nE 's/^stat::number_of_executed_units: +//p' "$logs"/*_fuzz.log | awk '{ sum += $1 } END { print sum + 0 }')
+    say "fuzz: ${#programs[@]} targets, $inputs new inputs"
 }
 
 # The stand-in simulator through a client that other people wrote, and the worker on the same flight. Needs the network
 # once, for npm.
 check_simulator() {
     local log="$logs/simulator.log" good bad
-    tests/simulator/node/check.sh build/native/bin build/node >"$log" 2>&1
+    tests/simulator/node/check.sh build/asan/bin build/node >"$log" 2>&1
     read -r good bad < <(sed -nE 's/^([0-9]+) passed, ([0-9]+) failed$/\1 \2/p' "$log" | tail -1)
     if [ -z "${good:-}" ] || [ "$good" -eq 0 ]; then
         tail -20 "$log"
         count 1 "the stand-in simulator was not checked"
         return
     fi
-    passed=$((passed + good))
-    failed=$((failed + bad))
+    add "$good" "$bad"
     grep '^FAILED' "$log"
-    echo "simulator: $good of $((good + bad)) checks passed"
+    say "simulator: $good of $((good + bad)) checks passed"
 }
 
+# check NAME WHAT COMMAND... - a command that says itself what is wrong.
+check() {
+    local log="$logs/$1.log"
+    "${@:3}" >"$log" 2>&1
+    local result=$?
+    [ $result -eq 0 ] || cat "$log"
+    count $result "$2"
+    [ $result -eq 0 ] && say "$1: $(tail -1 "$log")"
+}
+
+# What is tested on this machine itself: builds, mostly.
+test_natively() {
+    # shellcheck disable=SC2046  # words are what is wanted
+    if build asan unit_tests stand_in_simulator native_worker $(cd tests/fuzz && echo *_fuzz.cpp | sed 's/\.cpp//g'); then
+        run_tests asan 2
+        check_simulator
+        fuzz_all
+    fi
+    build tsan unit_tests && run_tests tsan 2
+    build native realtime_tests &&
+        check realtime "an audio hook allocates, locks or calls the system" build/native/bin/realtime_tests
+    check artwork "the artwork does not fit the layout tables" /usr/bin/python3 tools/artwork/check_art.py --prove
+    check format "the formatting is not the house's" tools/format.sh --check
+}
+
+say "Installing what is missing"
 tools/packages.sh build wine test node || exit 1
 . tools/wine.sh
 
-# What no test runs (benchmarks, pictures, the circuit) is built by who uses it.
-echo "== native"
-build native unit_tests stand_in_simulator native_worker && run_tests native 2
-for preset in asan tsan; do
-    echo "== $preset"
-    build $preset && run_tests $preset 2
-done
+say "Building for Windows"
+build windows client_tests unit_tests restarts &
+windows_build=$!
+start_wine_slots "$wine_slots"
+wait $windows_build
+windows_built=$?
 
-echo "== windows, under Wine"
-if build windows client_tests unit_tests restarts; then
-    start_wine
-    # Most of a test is waiting for the plugin's own times: more than there are cores.
-    run_tests windows 6
-fi
+say "Testing under Wine, and building the rest meanwhile"
+test_natively &
+natively=$!
+[ $windows_built -ne 0 ] || run_tests windows "$wine_slots"
+wait $natively
 
-echo "== simulator"
-check_simulator
-
-echo "== artwork"
-/usr/bin/python3 tools/artwork/check_art.py --prove >"$logs/artwork.log" 2>&1
-artwork=$?
-cat "$logs/artwork.log"
-count $artwork "the artwork does not fit the layout tables"
-
-echo "== fuzz targets, $fuzz_seconds s each"
-fuzz_all
-
+read -r passed failed < <(awk '{ passed += $1; failed += $2 } END { print passed + 0, failed + 0 }' "$counts")
 echo
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]

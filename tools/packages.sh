@@ -13,7 +13,8 @@ build_packages=(
 wine_packages=(wine wine64 xvfb xauth sox fonts-noto-cjk fonts-open-sans fonts-dejavu-core fonts-liberation)
 pictures_packages=(xcompmgr)
 voice_packages=(sox python3-matplotlib python3-numpy)
-test_packages=(libclang-rt-14-dev python3-numpy python3-pil)
+test_packages=(libclang-rt-dev clang-format python3-numpy python3-pil)
+lint_packages=(clang-tidy)
 # Whoever has Node from elsewhere has npm with it, and not from Debian's package.
 node_packages=()
 command -v npm >/dev/null || node_packages=(nodejs npm)
@@ -26,6 +27,7 @@ for group in "$@"; do
         wine) wanted+=("${wine_packages[@]}") ;;
         pictures) wanted+=("${pictures_packages[@]}") ;;
         voice) wanted+=("${voice_packages[@]}") ;;
+        lint) wanted+=("${lint_packages[@]}") ;;
         test) wanted+=("${test_packages[@]}") ;;
         node) wanted+=("${node_packages[@]}") ;;
         artwork) wanted+=("${artwork_packages[@]}") ;;
