@@ -58,11 +58,11 @@ void pauseBriefly();  // a few milliseconds, between two looks
 std::uint64_t systemTickMs();
 
 std::filesystem::path programFolder();  // where this program was built to
-// The DLL or the worker: as the package brings them if CORVALIS_PRODUCT_FOLDER names where it was unpacked, otherwise as
-// they were built, beside this program.
+// The DLL or the worker: as the package brings them if CORVALIS_PRODUCT_FOLDER names where it was unpacked, otherwise
+// as they were built, beside this program.
 std::filesystem::path productFile(const char* name);
-int threadCount();                      // of this process
-int handleCount();                      // of this process, each looked up: not every system keeps the sum
+int threadCount();  // of this process
+int handleCount();  // of this process, each looked up: not every system keeps the sum
 // The window of the class that this process owns; null if there is none.
 void* findOwnWindow(const wchar_t* windowClass);
 bool isProcessRunning(std::uint32_t processId);
