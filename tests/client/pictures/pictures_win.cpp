@@ -1,9 +1,12 @@
 // pictures_win.cpp - takes the pictures of the real windows, in the stand-in voice client.
-//   pictures OUT_FOLDER PERCENT [PART]     PERCENT: the screen's resolution, for the files' names; PART: only the
-//                                          pictures whose name has it
+//   pictures OUT_FOLDER PERCENT [PART | --each]     PERCENT: the screen's resolution, for the files' names; PART: only
+//                                                   the pictures whose name has it; --each: one of each window
 // Exits with 1 if a picture could not be taken.
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#include <utility>
+#include <vector>
 #include "panel/gdiplus_win.h"
 #include "tests/client/pictures/scenes_win.h"
 #include "tests/client/pictures/screen_picture_win.h"
@@ -11,33 +14,40 @@
 namespace {
 
 constexpr const char* kThemeNames[] = {"general", "boeing", "airbus"};
-constexpr LONG kMargin = 24;                // of ground around the window
+constexpr int kMargin = 24;                 // of ground, where what is translucent is to be seen
 constexpr DWORD kBetweenMs = 25;            // two looks at the screen
 constexpr std::uint64_t kStillMs = 200;     // unchanged for so long is still: six ticks of the panel
 constexpr std::uint64_t kWatchedMs = 1200;  // a whole flash, and a bit
 constexpr std::uint64_t kDeadlineMs = 6000;
 
-// The window with its tip if one is shown, and some ground around them.
-RECT pictureArea(HWND window) {
+// Where the pictures are taken.
+struct Studio {
+    Ground ground;
+    int margin = 0;          // of ground around the window
+    bool isDivided = false;  // light on the left, dark on the right of the window's middle; else dark
+};
+
+// The window with its tip if one is shown, and the margin around them.
+RECT pictureArea(HWND window, int margin) {
     RECT area = {}, tip = {};
     GetWindowRect(window, &area);
     if (findPanelTip() && IsWindowVisible(findPanelTip()) && GetWindowRect(findPanelTip(), &tip)) {
         UnionRect(&area, &area, &tip);
     }
-    InflateRect(&area, kMargin, kMargin);
+    InflateRect(&area, margin, margin);
     const RECT screen = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
     IntersectRect(&area, &area, &screen);
     return area;
 }
 
-ScreenPicture takeStill(ClientSession& session, Ground& ground, HWND window) {
+ScreenPicture takeStill(ClientSession& session, Studio& studio, HWND window) {
     ScreenPicture last;
     std::uint64_t sinceMs = systemTickMs();
     session.waitUntil(
         [&] {
-            ground.serve();
+            studio.ground.serve();
             Sleep(kBetweenMs);
-            ScreenPicture now = takePicture(pictureArea(window));
+            ScreenPicture now = takePicture(pictureArea(window, studio.margin));
             if (now != last) sinceMs = systemTickMs();
             last = std::move(now);
             return systemTickMs() - sinceMs >= kStillMs;
@@ -46,14 +56,14 @@ ScreenPicture takeStill(ClientSession& session, Ground& ground, HWND window) {
     return last;
 }
 
-ScreenPicture takeBrightest(ClientSession& session, Ground& ground, HWND window) {
-    ScreenPicture brightest = takeStill(session, ground, window);  // a flash stands still between its changes
+ScreenPicture takeBrightest(ClientSession& session, Studio& studio, HWND window) {
+    ScreenPicture brightest = takeStill(session, studio, window);  // a flash stands still between its changes
     ScreenPicture darkest = brightest;
     session.waitUntil(
         [&] {
-            ground.serve();
+            studio.ground.serve();
             Sleep(kBetweenMs);
-            ScreenPicture now = takePicture(pictureArea(window));
+            ScreenPicture now = takePicture(pictureArea(window, studio.margin));
             if (brightnessOf(now) < brightnessOf(darkest)) darkest = now;
             if (brightnessOf(now) > brightnessOf(brightest)) brightest = std::move(now);
             return false;
@@ -63,16 +73,16 @@ ScreenPicture takeBrightest(ClientSession& session, Ground& ground, HWND window)
     return brightest;
 }
 
-// Whole and in sight.
+// Whole and in sight: the system calls a window visible before the screen shows it.
 bool isOnScreen(HWND window) {
     RECT rect = {}, seen = {};
     if (!window || !IsWindowVisible(window) || !GetWindowRect(window, &rect)) return false;
     const RECT screen = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
-    return IntersectRect(&seen, &rect, &screen) && EqualRect(&seen, &rect);
+    return IntersectRect(&seen, &rect, &screen) && EqualRect(&seen, &rect) && !Ground::isBare(rect);
 }
 
 // Sets the scene in a plugin of its own; an empty picture if it does not come about.
-ScreenPicture playScene(const Scene& scene, std::int32_t theme, Ground& ground) {
+ScreenPicture playScene(const Scene& scene, std::int32_t theme, Studio& studio) {
     ClientSession session;
     session.writeSettings("theme=" + std::to_string(theme) + "\r\npanel_x=60\r\npanel_y=50\r\n" + scene.settings);
     if (scene.prepare) {
@@ -89,65 +99,84 @@ ScreenPicture playScene(const Scene& scene, std::int32_t theme, Ground& ground) 
     if (!session.waitUntil([&] { return isOnScreen(scene.window()); })) return {};
     RECT rect = {};
     GetWindowRect(scene.window(), &rect);
-    ground.divideAt((rect.left + rect.right) / 2);
-    return scene.moment == Moment::kStill ? takeStill(session, ground, scene.window())
-                                          : takeBrightest(session, ground, scene.window());
+    if (studio.isDivided) studio.ground.divideAt((rect.left + rect.right) / 2);
+    return scene.moment == Moment::kStill ? takeStill(session, studio, scene.window())
+                                          : takeBrightest(session, studio, scene.window());
 }
+
+// One of each window: what tells most about it.
+constexpr const char* kOneOfEach[] = {"panel_general_connected", "panel_boeing_connected", "panel_airbus_connected",
+                                      "messages_clearance",      "settings_general_en",    "settings_voice_en",
+                                      "settings_radio_en",       "settings_about_en"};
 
 struct Order {
     std::filesystem::path folder;
     std::string percent;
     std::string part;  // of the names wanted
+    bool isOneOfEach = false;
 };
 
-class Photographer {
-  public:
-    explicit Photographer(const Order& order) : order_(order) {}
-
-    // The picture's name begins with what it is of.
-    void take(const Scene& scene, std::int32_t theme, const std::string& subject) {
-        if (order_.percent != "100" && !scene.atEveryResolution) return;
-        const std::string name = subject + "_" + scene.name + "_" + order_.percent + ".png";
-        if (name.find(order_.part) == std::string::npos) return;
-        const bool saved = savePicture(playScene(scene, theme, ground_), order_.folder / name);
-        if (!saved) std::printf("    no picture %s\n", name.c_str());
-        (saved ? taken_ : failed_)++;
-    }
-
-    // The number of pictures that failed.
-    int finish() const {
-        std::printf("%d pictures at %s %%, %d failed\n", taken_, order_.percent.c_str(), failed_);
-        return failed_;
-    }
-
-  private:
-    const Order& order_;
-    Ground ground_;
-    int taken_ = 0;
-    int failed_ = 0;
+struct Picture {
+    const Scene* scene;
+    std::int32_t theme;
+    std::string name;  // begins with what it is of
 };
 
-int takePictures(const Order& order) {
-    Photographer photographer(order);
+bool isWanted(const Picture& picture, const Order& order) {
+    if (order.percent != "100" && !picture.scene->atEveryResolution) return false;
+    if (!order.isOneOfEach) return picture.name.find(order.part) != std::string::npos;
+    return std::any_of(std::begin(kOneOfEach), std::end(kOneOfEach),
+                       [&](const char* name) { return picture.name == name; });
+}
+
+std::vector<Picture> wantedPictures(const Order& order) {
+    std::vector<Picture> pictures;
+    const auto add = [&](const Scene& scene, std::int32_t theme, const std::string& subject) {
+        Picture picture{&scene, theme, subject + "_" + scene.name};
+        if (isWanted(picture, order)) pictures.push_back(std::move(picture));
+    };
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         for (const Scene& scene : panelScenes()) {
             if (scene.moment == Moment::kBrightest && theme == kGeneralTheme) continue;  // no lamp of its flashes
-            photographer.take(scene, theme, std::string("panel_") + kThemeNames[theme]);
+            add(scene, theme, std::string("panel_") + kThemeNames[theme]);
         }
     }
-    for (const Scene& scene : messageScenes()) photographer.take(scene, kGeneralTheme, "messages");
-    for (const Scene& scene : dialogScenes()) photographer.take(scene, kGeneralTheme, "settings");
-    return photographer.finish();
+    for (const Scene& scene : messageScenes()) add(scene, kGeneralTheme, "messages");
+    for (const Scene& scene : dialogScenes()) add(scene, kGeneralTheme, "settings");
+    return pictures;
+}
+
+// False if one could not be taken, or if a window of --each has no scene.
+bool takePictures(const Order& order) {
+    Studio studio{{}, order.isOneOfEach ? 0 : kMargin, !order.isOneOfEach};
+    if (order.isOneOfEach) studio.ground.darken();
+    const auto pictures = wantedPictures(order);
+    const std::size_t expected = order.isOneOfEach ? std::size(kOneOfEach) : pictures.size();
+    std::size_t taken = 0;
+    for (std::size_t i = 0; i < pictures.size(); i++) {
+        const Picture& picture = pictures[i];
+        std::printf("Picture %zu/%zu at %s %%: %s\n", i + 1, pictures.size(), order.percent.c_str(),
+                    picture.name.c_str());
+        std::fflush(stdout);
+        const auto file = order.folder / (picture.name + "_" + order.percent + ".png");
+        const bool saved = savePicture(playScene(*picture.scene, picture.theme, studio), file);
+        if (saved) taken++;
+        if (!saved) std::printf("    no picture %s\n", picture.name.c_str());
+    }
+    if (taken != expected) std::printf("%zu pictures taken of %zu\n", taken, expected);
+    return taken == expected;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::printf("usage: pictures OUT_FOLDER PERCENT [PART]\n");
+        std::printf("usage: pictures OUT_FOLDER PERCENT [PART | --each]\n");
         return 2;
     }
     useScreenPixels();
     const GdiPlusSession gdiPlus;
-    return takePictures({argv[1], argv[2], argc > 3 ? argv[3] : ""}) == 0 ? 0 : 1;
+    const std::string part = argc > 3 ? argv[3] : "";
+    const bool isOneOfEach = part == "--each";
+    return takePictures({argv[1], argv[2], isOneOfEach ? "" : part, isOneOfEach}) ? 0 : 1;
 }

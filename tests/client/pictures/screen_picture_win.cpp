@@ -1,4 +1,5 @@
 #include "tests/client/pictures/screen_picture_win.h"
+#include <algorithm>
 #include "panel/gdiplus_win.h"
 
 namespace {
@@ -8,6 +9,7 @@ constexpr COLORREF kDark = RGB(34, 37, 43);
 constexpr const wchar_t* kGroundClass = L"CorvalisPictureGround";
 constexpr CLSID kPngEncoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
 constexpr std::uint32_t kColours = 0x00FFFFFF;
+constexpr double kBareShare = 0.1;  // of a part's pixels: more of the ground than any window's corners let through
 
 void fill(HDC dc, const RECT& rect, COLORREF colour) {
     const HBRUSH brush = CreateSolidBrush(colour);
@@ -85,6 +87,15 @@ void Ground::divideAt(int screenX) {
     SetWindowPos(window_, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
     serve();
+}
+
+bool Ground::isBare(const RECT& part) {
+    const ScreenPicture picture = takePicture(part);
+    const auto bare = std::count_if(picture.pixels.begin(), picture.pixels.end(), [](std::uint32_t pixel) {
+        const COLORREF colour = RGB(pixel >> 16U & 0xFFU, pixel >> 8U & 0xFFU, pixel & 0xFFU);
+        return colour == kLight || colour == kDark;
+    });
+    return static_cast<double>(bare) > kBareShare * static_cast<double>(picture.pixels.size());
 }
 
 void Ground::serve() {

@@ -30,6 +30,9 @@ class Ground {
     Ground& operator=(const Ground&) = delete;
 
     void divideAt(int screenX);
+    void darken() { divideAt(0); }
+    // True while nothing stands in front of this part of the screen, save something small.
+    static bool isBare(const RECT& part);
     void serve();  // its messages; call it while waiting
 
   private:
