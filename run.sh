@@ -1,71 +1,108 @@
 #!/usr/bin/env bash
-# run.sh [--fast] [--simconnect] - installs what is missing, builds, and flies a circuit: the real plugin in the
-# stand-in voice client under Wine, its real worker with the built-in aircraft; then runs a voice through the radio and
-# takes pictures of the windows. Leaves everything worth keeping in out/. Ends with 0 only if all went as it should.
-# --fast flies a short circuit and leaves voice and pictures out (under 30 s once built). --simconnect puts the stand-in
-# simulator behind the simulator's pipe in the built-in aircraft's place, and afterwards kills and restarts simulator,
-# worker, plugin and voice client in turn.
+# run.sh [--full] [--simconnect] - shows the product: installs what is missing, builds, makes the package, flies a short
+# circuit (the real plugin in the stand-in voice client under Wine, its real worker with the built-in aircraft), takes
+# a picture of each window and sends a voice through the radio. out/index.html has it all on one page. A minute once
+# built. Ends with 0 only if all went as it should and the page lacks nothing.
+# --full flies as a pilot would, takes every picture there is and sends the own voice through the chain too: nine
+# minutes. --simconnect puts the stand-in simulator behind the simulator's pipe in the built-in aircraft's place, and
+# afterwards kills and restarts simulator, worker, plugin and voice client in turn.
 set -euo pipefail
 cd "$(dirname "$0")"
 
-fast=()
+full=()
 simconnect=()
 for option in "$@"; do
     case "$option" in
-        --fast) fast=(--fast) ;;
+        --full) full=(--full) ;;
         --simconnect) simconnect=(--simconnect) ;;
-        *) echo "usage: ./run.sh [--fast] [--simconnect]" >&2; exit 2 ;;
+        *) echo "usage: ./run.sh [--full] [--simconnect]" >&2; exit 2 ;;
     esac
 done
 
-tools/packages.sh build wine
-[ -f build/windows/build.ninja ] || cmake --preset windows
-cmake --build build/windows --target corvalis_win64 hopline_worker circuit restarts
+step() {
+    echo
+    echo "== $*"
+}
 
+# Prints how far ninja is: in place on a terminal, elsewhere after every tenth of the way.
+show_progress() {
+    local line made all before=0 tenth=-1 end='\n'
+    [ ! -t 1 ] || end='\r'
+    while IFS= read -r line; do
+        [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\] ]] || continue
+        made=${BASH_REMATCH[1]} all=${BASH_REMATCH[2]}
+        [ "$all" -eq "$before" ] || tenth=-1  # what comes first is a look whether there is anything to do
+        before=$all
+        [ -t 1 ] || [ "$made" -eq "$all" ] || [ $((10 * made / all)) -gt "$tenth" ] || continue
+        tenth=$((10 * made / all))
+        printf "Building %d/%d$end" "$made" "$all"
+    done
+    [ ! -t 1 ] || echo
+}
+
+# Everything that this run starts, at once.
+build() {
+    local log=build/run.log
+    mkdir -p build
+    : >"$log"
+    if [ ! -f build/windows/build.ninja ]; then
+        echo "Configuring"
+        cmake --preset windows >"$log" 2>&1 || { tail -40 "$log" >&2; return 1; }
+    fi
+    NINJA_STATUS='[%f/%t] ' cmake --build build/windows --target "$@" 2>&1 | tee -a "$log" | show_progress ||
+        { sed -n '/^FAILED/,$p' "$log" | head -40 >&2; return 1; }
+}
+
+tools/packages.sh build wine pictures
+SECONDS=0
+step "Building; the package"
+targets=(corvalis_win64 hopline_worker circuit pictures audition_chain)
+[ ${#simconnect[@]} -eq 0 ] || targets+=(restarts)
+build "${targets[@]}"
 rm -rf out
 mkdir -p out
-package=$(packaging/make_package.sh build/windows dist)
+package=$(realpath --relative-to=. "$(packaging/make_package.sh build/windows dist)")
+echo "$package"
 
 . tools/wine.sh
 start_wine
-echo
-echo "Flying the circuit"
+export CORVALIS_WINE_RUNS=1  # the tools below take this screen and this server
 result=0
-wine build/windows/bin/circuit.exe out "${fast[@]}" "${simconnect[@]}" 2>&1 | tr -d '\r' | tee out/timeline.txt || result=$?
 
-if [ ${#simconnect[@]} -gt 0 ]; then
-    echo
-    echo "Killing and restarting"
-    rm -rf out/restarts
-    wine build/windows/bin/restarts.exe out/restarts 2>&1 | tr -d '\r' | tee out/restarts.txt || result=1
-    rm -rf out/restarts
-fi
-
+step "Flying the circuit: $([ ${#full[@]} -gt 0 ] && echo two minutes || echo half a minute)"
+wine build/windows/bin/circuit.exe out "${full[@]}" "${simconnect[@]}" 2>&1 | tr -d '\r' | tee out/timeline.txt ||
+    result=1
 # What the flight left behind, without the temporary profile around it.
 data=out/appdata/Corvalis
 for file in "$data"/*.wav "$data"/*.log "$data"/circuit.txt; do
     [ ! -e "$file" ] || cp "$file" out/
 done
-for sound in radio_tail text_alert; do
-    [ ! -e "out/$sound.wav" ] || sox "out/$sound.wav" -n spectrogram -o "out/$sound.png" -t "$sound.wav" || result=1
-done
 rm -rf out/appdata
 
-if [ ${#fast[@]} -eq 0 ]; then
-    echo
-    echo "A voice through the radio, received and as sent with noise reduction"
-    tools/audition tools/voice/clip.wav out/voice_received.wav --received || result=1
-    tools/audition tools/voice/clip.wav out/voice_own.wav --own --nr || result=1
-    echo
-    echo "Pictures of the windows"
-    tools/screenshots out/pictures || result=1
+restarts=()
+if [ ${#simconnect[@]} -gt 0 ]; then
+    step "Killing and restarting"
+    restarts=(--restarts)
+    wine build/windows/bin/restarts.exe out/restarts 2>&1 | tr -d '\r' | tee out/restarts.txt || result=1
+    rm -rf out/restarts
 fi
 
+step "Sounds: a voice through the radio, the squelch tail, the chime"
+cp tools/voice/clip.wav out/voice_before.wav
+tools/audition out/voice_before.wav out/voice_received.wav --received || result=1
+[ ${#full[@]} -eq 0 ] || tools/audition out/voice_before.wav out/voice_own.wav --own --nr || result=1
+for sound in radio_tail text_alert; do
+    [ ! -e "out/$sound.wav" ] ||
+        /usr/bin/python3 tools/voice/draw_sound.py "out/$sound.svg" "${sound/_/ }=out/$sound.wav" || result=1
+done
+
+step "Pictures of the windows"
+pictures=(--each)
+[ ${#full[@]} -eq 0 ] || pictures=()
+tools/screenshots out/pictures "${pictures[@]}" || result=1
+
+/usr/bin/python3 -B tools/page/page.py out "$package" "${full[@]}" "${restarts[@]}" || result=1
 echo
-if [ "$result" -eq 0 ]; then
-    echo "$package is ready to install. out/ holds the timeline, the logs, the flight script, and both sounds with their spectrograms;"
-    [ ${#fast[@]} -gt 0 ] || echo "voice_*.wav and .png are the voice as others hear it, pictures/ shows the windows."
-else
-    echo "Not all went as it should; see out/timeline.txt and the logs beside it." >&2
-fi
+echo "$package is ready to install. Open out/index.html for the flight, the windows and the sounds. ($SECONDS s)"
+[ "$result" -eq 0 ] || echo "Not all went as it should; see above, out/timeline.txt and the logs beside it." >&2
 exit "$result"

@@ -1,10 +1,14 @@
 // audition.cpp - a voice file through the real chain, as the plugin's hooks run it.
-//   audition_chain IN.wav OUT.wav TRACE.csv --received|--own [--nr]
+//   audition_chain IN.raw OUT.raw CHANNELS TRACE.csv --received|--own [--nr]
 // --received: radio effect with hiss, as others sound. --own: without hiss; --nr puts the noise reduction in front.
-// TRACE.csv is the squelch's gate and burst gain over time. Mono or stereo, 48 kHz, anything that libsndfile reads.
-#include <sndfile.h>
+// TRACE.csv is the squelch's gate and burst gain over time. Samples without a header: 48 kHz, 16 bits, CHANNELS 1 or 2
+// interleaved; tools/audition makes them of anything that sox reads.
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
 #include <string_view>
 #include <vector>
 #include "audio/voice_hooks.h"
@@ -22,34 +26,20 @@ struct Clip {
 };
 
 bool readClip(const char* path, Clip& clip) {
-    SF_INFO info = {};
-    SNDFILE* file = sf_open(path, SFM_READ, &info);
-    if (!file) {
-        std::fprintf(stderr, "%s: %s\n", path, sf_strerror(nullptr));
-        return false;
-    }
-    clip.channels = info.channels;
-    clip.samples.resize(static_cast<std::size_t>(info.frames) * static_cast<std::size_t>(info.channels));
-    const auto read = sf_readf_short(file, clip.samples.data(), info.frames);
-    sf_close(file);
-    if (read == info.frames && info.samplerate == kRateHz && info.channels <= 2) return true;
-    std::fprintf(stderr, "%s: must be mono or stereo at 48000 Hz\n", path);
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    clip.samples.resize(bytes.size() / sizeof(short));
+    std::memcpy(clip.samples.data(), bytes.data(), clip.samples.size() * sizeof(short));
+    if (!clip.samples.empty()) return true;
+    std::fprintf(stderr, "%s: no samples\n", path);
     return false;
 }
 
 bool writeClip(const char* path, const Clip& clip) {
-    SF_INFO info = {};
-    info.samplerate = kRateHz;
-    info.channels = clip.channels;
-    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-    SNDFILE* file = sf_open(path, SFM_WRITE, &info);
-    if (!file) {
-        std::fprintf(stderr, "%s: %s\n", path, sf_strerror(nullptr));
-        return false;
-    }
-    const auto count = static_cast<sf_count_t>(clip.samples.size());
-    const bool written = sf_write_short(file, clip.samples.data(), count) == count;
-    return sf_close(file) == 0 && written;
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(clip.samples.data()),
+               static_cast<std::streamsize>(clip.samples.size() * sizeof(short)));
+    return static_cast<bool>(file.flush());
 }
 
 // The hook for one block; the first channel's memory after it.
@@ -96,23 +86,26 @@ bool audition(Clip& clip, Chain& chain, const char* tracePath) {
 }
 
 int usage() {
-    std::fputs("usage: audition_chain IN.wav OUT.wav TRACE.csv --received|--own [--nr]\n", stderr);
+    std::fputs("usage: audition_chain IN.raw OUT.raw CHANNELS TRACE.csv --received|--own [--nr]\n", stderr);
     return 2;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 5 || argc > 6) return usage();
-    const std::string_view side = argv[4];
-    const bool noiseReduction = argc == 6 && std::string_view(argv[5]) == "--nr";
-    if ((side != "--received" && side != "--own") || (argc == 6 && !noiseReduction)) return usage();
+    if (argc < 6 || argc > 7) return usage();
+    const std::string_view channels = argv[3];
+    const std::string_view side = argv[5];
+    const bool noiseReduction = argc == 7 && std::string_view(argv[6]) == "--nr";
+    if ((side != "--received" && side != "--own") || (argc == 7 && !noiseReduction)) return usage();
+    if (channels != "1" && channels != "2") return usage();
     if (side == "--received" && noiseReduction) {
         std::fputs("--nr goes with --own: received voices pass no noise reduction\n", stderr);
         return 2;
     }
     Clip clip;
+    clip.channels = channels == "2" ? 2 : 1;
     if (!readClip(argv[1], clip)) return 1;
     Chain chain(side == "--received", noiseReduction);
-    return audition(clip, chain, argv[3]) && writeClip(argv[2], clip) ? 0 : 1;
+    return audition(clip, chain, argv[4]) && writeClip(argv[2], clip) ? 0 : 1;
 }

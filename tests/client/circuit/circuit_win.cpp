@@ -1,7 +1,7 @@
 // circuit_win.cpp - the demonstration: the real plugin in the stand-in voice client, its real worker with the built-in
-// aircraft or with the stand-in simulator behind the simulator's pipe, flown once round the circuit. Prints a timeline;
-// exits with 1 if anything did not go as it should.
-//   circuit OUT_FOLDER [--fast] [--simconnect]      OUT_FOLDER holds %APPDATA% of the flight and the logs
+// aircraft or with the stand-in simulator behind the simulator's pipe, flown once round the circuit. Prints and records
+// what happens; exits with 1 if anything did not go as it should.
+//   circuit OUT_FOLDER [--full] [--simconnect]      OUT_FOLDER holds %APPDATA% of the flight, its record and the logs
 #include <windows.h>
 #include <cstdio>
 #include <cstring>
@@ -11,13 +11,15 @@
 #include "panel/panel_messages.h"
 #include "tests/client/circuit/flight_plan.h"
 #include "tests/client/circuit/flight_watch_win.h"
+#include "tests/client/message_driver_win.h"
+#include "tests/client/panel_driver_win.h"
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
 
 namespace {
 
 struct FlightOptions {
-    bool isShort = false;
+    bool isShort = true;
     bool hasSimulator = false;  // else the aircraft is the worker's own
 };
 
@@ -64,6 +66,24 @@ void expectFollowed(Flight& f, std::int32_t frequencyKHz, std::uint64_t channel)
                   "asked after " + std::to_string(waitedMs) + " ms of standing still");
 }
 
+void pilotDoes(Flight& f, const std::string& what) {
+    f.watch.note(FlightEvent::kPilot, "", what, "pilot       " + what);
+}
+
+// The chime is heard, and the message window opens by itself.
+void expectMessage(Flight& f, const std::string& sender, const std::string& text) {
+    const auto before = f.host.playedSounds().size();
+    f.watch.deliverText(sender, text);
+    const auto sounds = f.host.playedSounds();
+    f.watch.check(sounds.size() == before + 1 && sounds.back().ends_with("text_alert.wav"), "chime for the message");
+    f.watch.check(f.watch.until([] { return isMessageWindowShown(); }, 10'000), "the message window shows it");
+}
+
+void flyDelivery(Flight& f) {
+    expectFollowed(f, 121600, kDeliveryChannel);
+    expectMessage(f, "Delivery", "CLEARED TO EDDF VIA SOBRA, INITIAL CLIMB 5000FT, SQUAWK 4312");
+}
+
 void flyApron(Flight& f) {
     if (!waitTuned(f, 121700)) return;
     f.watch.watchFor(600);
@@ -96,6 +116,7 @@ void flyCompany(Flight& f) {
     if (!waitTuned(f, 131500)) return;
     const bool asked = waitRequest(f, kCompanyChannel, f.legStartMs, 4'000);
     f.watch.check(asked, "asked for the company channel, which never answers");
+    f.watch.deliverText("Company", "Gate 42 after landing");  // beside the first one, unread: the lamp flashes
     if (!asked || !waitTuned(f, 118275)) return;
     const std::uint64_t askedMs = f.watch.requestsSince(f.legStartMs).front().atMs;
     f.watch.check(f.watch.until([&] { return isIn(f, kApproachChannel); }, 8'000), "went on to approach");
@@ -105,8 +126,7 @@ void flyCompany(Flight& f) {
 }
 
 void post(unsigned message, std::uint64_t wParam, std::int64_t lParam) {
-    auto* panel = static_cast<HWND>(findOwnWindow(L"CorvalisRadioPanel"));
-    PostMessageW(panel, message, wParam, lParam);
+    PostMessageW(findPanel(), message, wParam, lParam);
 }
 
 // Posts one turn of the radio and waits for the worker's answer to it.
@@ -119,7 +139,7 @@ bool answered(Flight& f, unsigned message, std::uint64_t wParam, std::int64_t lP
 void flyNobody(Flight& f) {
     if (!waitTuned(f, 133330)) return;
     const auto channel = f.host.ownChannel(kCircuitServer);
-    f.watch.say("pilot       turns COM2's volume to 40 and talks");
+    pilotDoes(f, "turns COM2's volume to 40");
     const std::string before = f.watch.telemetry().ackId;
     post(kPanelVolumeMessage, 2, 40);
     f.watch.check(talk(f, kPilotClient, 250), "squelch tail after the own transmission");
@@ -129,17 +149,19 @@ void flyNobody(Flight& f) {
     f.watch.check(!talk(f, kControllerClient, 60), "none after a click of the key");
     const bool told = f.watch.until([&] { return f.watch.telemetry().ackId != before; }, 4'000);
     f.watch.check(told && !f.watch.telemetry().ackOk, "the dead volume knob was reported");
+    const bool isOnDeparture = f.watch.until([&] { return f.watch.telemetry().radios[1].active == 124350; }, 4'000);
+    f.watch.check(isOnDeparture, "COM2 stands on departure's frequency");
     const bool stayed = f.watch.requestsSince(f.legStartMs).empty() && isIn(f, channel);
-    f.watch.check(stayed, "stayed: no channel carries 133.330");
+    f.watch.check(stayed, "stayed: no channel carries 133.330, and COM2 is not followed");
 }
 
 void flyRadio(Flight& f) {
-    f.watch.say("pilot       turns COM1's small knob four clicks on standby");
+    pilotDoes(f, "turns COM1's small knob four clicks on standby");
     const bool tuned = answered(f, kPanelStepMessage, 1U | 1U << 8U, 4) && f.watch.telemetry().ackOk;
     const auto standby = f.watch.telemetry().radios[0].standby;
     f.watch.check(tuned && standby == 122800,
                   "standby is " + megahertzText(standby) + " as the aircraft reads it back");
-    f.watch.say("pilot       swaps");
+    pilotDoes(f, "swaps");
     const bool swapped = answered(f, kPanelSwapMessage, 1, 0) && f.watch.telemetry().ackOk;
     f.watch.check(swapped, "swap acknowledged");
     expectFollowed(f, 122800, kUnicomChannel);  // not 122.8, 1122.800, 122.8005, nor the later of two that match
@@ -158,7 +180,7 @@ void flyLeg(Flight& f, LegId id) {
         case LegId::kAtis:
             return expectFollowed(f, 127850, kAtisChannel);
         case LegId::kDelivery:
-            return expectFollowed(f, 121600, kDeliveryChannel);
+            return flyDelivery(f);
         case LegId::kTaxi:
             return expectFollowed(f, 121900, kGroundChannel);
         case LegId::kApron:
@@ -181,7 +203,7 @@ void flyLeg(Flight& f, LegId id) {
 void flyLegs(Flight& f, bool isShort, std::uint64_t workerStartMs) {
     double plannedSeconds = 0.0;
     for (const Leg& leg : circuitLegs(isShort)) {
-        f.watch.say(std::string("--- ") + leg.title);
+        f.watch.note(FlightEvent::kLeg, "", leg.title, std::string("--- ") + leg.title);
         f.legStartMs = systemTickMs();
         flyLeg(f, leg.id);
         plannedSeconds += leg.seconds(isShort);
@@ -212,8 +234,10 @@ void writeClientLog(const HostModel& host, const std::filesystem::path& file) {
 int reportEnd(const HostModel& host, FlightWatch& watch) {
     for (const auto& problem : host.problems()) watch.check(false, "rule of the host broken: " + problem);
     for (const auto& leak : host.leaks()) watch.check(false, "not given back to the host: " + leak);
-    std::printf("\n%s: %d of %d checks passed\n", watch.failures() == 0 ? "Circuit flown" : "Circuit FAILED",
-                watch.checks() - watch.failures(), watch.checks());
+    const int passed = watch.checks() - watch.failures();
+    watch.note(FlightEvent::kEnd, std::to_string(passed), std::to_string(watch.checks()));
+    std::printf("\n%s: %d of %d checks passed\n", watch.failures() == 0 ? "Circuit flown" : "Circuit FAILED", passed,
+                watch.checks());
     return watch.failures() == 0 ? 0 : 1;
 }
 
@@ -223,6 +247,7 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
     std::filesystem::create_directories(dataFolder);
     const auto script = dataFolder / "circuit.txt";
     writeFile(script, circuitScript(options.isShort));
+    writeFile(dataFolder / "settings.ini", "theme=" + std::to_string(kBoeingTheme) + "\r\n");
     standin::Program simulator;
     if (!options.hasSimulator) {
         writeFile(dataFolder / "worker.ini", "link=simulate\nscript=circuit.txt\n");
@@ -244,11 +269,14 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
     plugin.exports().registerPluginID("circuit");
     const std::uint64_t startMs = systemTickMs();
     plugin.exports().init();
-    FlightWatch watch(host, plugin, dataFolder, startMs);
+    FlightWatch watch(host, plugin, {dataFolder, out / "flight.tsv", kBoeingTheme}, startMs);
+    watch.note(FlightEvent::kFlight, options.isShort ? "short" : "full",
+               options.hasSimulator ? "the stand-in simulator" : "the built-in aircraft");
+    watch.note(FlightEvent::kChannel, "", channelTitle(host.ownChannel(kCircuitServer)));
     watch.say("client      plugin started in " + std::to_string(systemTickMs() - startMs) + " ms");
     Flight flight{host, watch};
     if (!options.hasSimulator || takeOff(watch, simulator, script)) flyLegs(flight, options.isShort, systemTickMs());
-    watch.say("--- Shutting down");
+    watch.note(FlightEvent::kLeg, "", "Shutting down", "--- Shutting down");
     plugin.exports().shutdown();
     plugin.unload();
     writeClientLog(host, out / "client.log");
@@ -260,13 +288,14 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
 
 int main(int argc, char** argv) {
     SetConsoleOutputCP(CP_UTF8);
+    useScreenPixels();
     if (argc < 2) {
-        std::printf("usage: circuit OUT_FOLDER [--fast] [--simconnect]\n");
+        std::printf("usage: circuit OUT_FOLDER [--full] [--simconnect]\n");
         return 2;
     }
     FlightOptions options;
     for (int i = 2; i < argc; i++) {
-        options.isShort = options.isShort || std::strcmp(argv[i], "--fast") == 0;
+        options.isShort = options.isShort && std::strcmp(argv[i], "--full") != 0;
         options.hasSimulator = options.hasSimulator || std::strcmp(argv[i], "--simconnect") == 0;
     }
     return fly(argv[1], options);

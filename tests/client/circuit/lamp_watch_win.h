@@ -1,0 +1,24 @@
+// lamp_watch_win.h - which lamps of the plugin's panel shine, as the pilot sees them on the screen. For the flight's
+// record, not for its checks: another window may stand in front.
+// [host] One thread, which sees screen pixels (useScreenPixels).
+#pragma once
+#include <array>
+#include <cstdint>
+#include "panel/panel_layout.h"
+
+struct PanelLamp {
+    const char* name;
+    bool isLit = false;
+};
+
+class LampWatch {
+  public:
+    explicit LampWatch(std::int32_t theme);  // one that has a TEXT lamp
+    // Looks at the panel; nothing is lit while there is none.
+    const std::array<PanelLamp, 3>& look();
+
+  private:
+    const ThemeLayout& layout_;
+    std::array<PanelRect, 3> glasses_;
+    std::array<PanelLamp, 3> lamps_{{{"TX"}, {"RX"}, {"TEXT"}}};
+};
