@@ -193,8 +193,9 @@ class PageTest(unittest.TestCase):
         for name in self.files:
             os.rename(os.path.join(self.out, name), os.path.join(self.out, "elsewhere"))
             self.assertEqual(self.problems(), [f"{name} is missing"])
-            self.write(name, b"")
-            self.assertEqual(self.problems(), [f"{name} is damaged"])
+            for damaged in (b"", b"other"):
+                self.write(name, damaged)
+                self.assertEqual(self.problems(), [f"{name} is damaged"])
             os.rename(os.path.join(self.out, "elsewhere"), os.path.join(self.out, name))
 
     def test_hears_that_a_sound_is_silent(self):

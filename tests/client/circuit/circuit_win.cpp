@@ -151,6 +151,7 @@ void flyNobody(Flight& f) {
     f.watch.check(told && !f.watch.telemetry().ackOk, "the dead volume knob was reported");
     const bool isOnDeparture = f.watch.until([&] { return f.watch.telemetry().radios[1].active == 124350; }, 4'000);
     f.watch.check(isOnDeparture, "COM2 stands on departure's frequency");
+    f.watch.watchFor(600);  // while the volume was on its way, no frequency would have been followed
     const bool stayed = f.watch.requestsSince(f.legStartMs).empty() && isIn(f, channel);
     f.watch.check(stayed, "stayed: no channel carries 133.330, and COM2 is not followed");
 }

@@ -71,7 +71,7 @@ std::vector<Leg> circuitLegs(bool isShort) {
             {{0, "tune COM1 active 121.700"}}},
         {LegId::kTower, "Take-off: the tower's server is slow", 0, 12,
             {{0, "tune COM1 active 118.105"}}},
-        {LegId::kNobody, "Nobody on 133.330; a word on the old frequency; COM2's volume knob is dead", 2.7, 14,
+        {LegId::kNobody, "Nobody on 133.330; a word on the old frequency; COM2's volume knob is dead", 3.2, 14,
             {{0, "tune COM1 active 133.330"}, {0, "tune COM1 standby 122.775"}, {0, "tune COM2 active 124.350"},
              {0, "ignore COM2 volume"}}},
         {LegId::kRadio, "Practice area: tuned and swapped on the panel", 3.6, 14,
