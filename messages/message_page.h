@@ -79,9 +79,12 @@ struct TimeOfDay {
     int second = 0;
 };
 
+// How wide a text is when it is drawn in that style: design pixels.
+using MeasureStyledText = std::function<float(const PageTextStyle& style, std::u16string_view text)>;
+
 // What a page is laid out with; all called on the page's own thread.
 struct PageTools {
-    std::function<float(const PageTextStyle& style, std::u16string_view text)> measure;  // design pixels
+    MeasureStyledText measure;
     std::function<TimeOfDay(double unixSeconds)> localTime;
     const Clock& clock;
 };

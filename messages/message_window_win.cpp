@@ -1,6 +1,8 @@
 #include "messages/message_window_win.h"
 #include <windowsx.h>
+#include <memory>
 #include "base/monitor_win.h"
+#include "messages/local_time_win.h"
 
 namespace {
 
@@ -9,21 +11,40 @@ constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerMs = 33;
 constexpr BYTE kOpaque = 255;
 
-TimeOfDay localTimeOf(double unixSeconds) {
-    constexpr std::int64_t kUnixEpoch = 116444736000000000LL;  // 1970 in 100 ns since 1601
-    const auto ticks = static_cast<std::uint64_t>(kUnixEpoch + static_cast<std::int64_t>(unixSeconds * 10000000.0));
-    const FILETIME time = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32U)};
-    SYSTEMTIME universal = {}, local = {};
-    FileTimeToSystemTime(&time, &universal);
-    SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local);
-    return {local.wHour, local.wMinute, local.wSecond};
-}
-
 COLORREF colourOf(const PageItem& item) {
     return RGB(item.colour >> 16U & 0xFFU, item.colour >> 8U & 0xFFU, item.colour & 0xFFU);
 }
 
+PagePoint pointOf(LPARAM position) {
+    return {GET_X_LPARAM(position), GET_Y_LPARAM(position)};
+}
+
+MessageKey keyOf(WPARAM key) {
+    switch (key) {
+        case VK_ESCAPE:
+            return MessageKey::kEscape;
+        case VK_UP:
+            return MessageKey::kUp;
+        case VK_PRIOR:
+            return MessageKey::kPageUp;
+        case VK_DOWN:
+            return MessageKey::kDown;
+        case VK_NEXT:
+            return MessageKey::kPageDown;
+        case VK_DELETE:
+            return MessageKey::kDelete;
+        default:
+            return MessageKey::kOther;
+    }
+}
+
 }  // namespace
+
+MessageWindow::MessageWindow(const UiRooms& rooms)
+    : rooms_(rooms),
+      model_({rooms.clock, rooms.settings, rooms.messages, rooms.languageIndex, rooms.messageWindow.isVisible,
+              localTimeOf},
+             *this) {}
 
 MessageWindow::~MessageWindow() {
     if (window_) DestroyWindow(window_);
@@ -56,36 +77,45 @@ LRESULT MessageWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_DESTROY:
             return onDestroy();
         case WM_CLOSE:
-            return hide();
+        case kHideMessages:
+            model_.hide();
+            return 0;
         case WM_ERASEBKGND:
             return 1;  // painting covers everything
         case WM_PAINT:
             return onPaint();
+        case WM_PRINTCLIENT:
+            return onPrint(reinterpret_cast<HDC>(wParam));
         case WM_TIMER:
         case kRepaintMessages:
-            return showChange();
+            model_.refresh();
+            return 0;
         case WM_SHOWWINDOW:
             return onShowWindow(wParam != FALSE);
         case WM_KEYDOWN:
-            return onKey(wParam);
+            model_.pressKey(keyOf(wParam));
+            return 0;
         case WM_MOUSEMOVE:
             return onMouseMove(pointOf(lParam));
         case WM_MOUSELEAVE:
             return onMouseLeave();
         case WM_LBUTTONDOWN:
-            return onLeftDown(pointOf(lParam));
+            model_.pressAt(pointOf(lParam));
+            return 0;
         case WM_MOUSEWHEEL:
-            return onWheel(GET_WHEEL_DELTA_WPARAM(wParam));
+            model_.turnWheel(GET_WHEEL_DELTA_WPARAM(wParam));
+            return 0;
         case WM_DPICHANGED:
             return onDpiChanged(*reinterpret_cast<const RECT*>(lParam));
         case kShowMessages:
-            return show();
+            model_.show();
+            return 0;
         case kShowNewestMessage:
-            return showNewest();
+            model_.showNewest();
+            return 0;
         case kToggleMessages:
-            return rooms_.messageWindow.isVisible ? hide() : show();
-        case kHideMessages:
-            return hide();
+            model_.toggle();
+            return 0;
         default:
             return DefWindowProcW(window_, message, wParam, lParam);
     }
@@ -116,51 +146,19 @@ LRESULT MessageWindow::onShowWindow(bool isShown) {
     return 0;
 }
 
-LRESULT MessageWindow::onKey(WPARAM key) {
-    switch (key) {
-        case VK_ESCAPE:
-            return hide();
-        case VK_UP:
-        case VK_PRIOR:
-            return change_page(1);
-        case VK_DOWN:
-        case VK_NEXT:
-            return change_page(-1);
-        case VK_DELETE:
-            page_.clear(rooms_.messages);
-            return showChange();
-        default:
-            return 0;
-    }
-}
-
 LRESULT MessageWindow::onMouseMove(PagePoint at) {
-    page_.hoverClose(isOnCloseButton(at, clientWidth(), dpi()));
+    model_.movePointer(at);
     if (!isTrackingMouse_) {
         TRACKMOUSEEVENT leave = {sizeof leave, TME_LEAVE, window_, 0};
         isTrackingMouse_ = TrackMouseEvent(&leave) != FALSE;
     }
-    return showChange();
+    return 0;
 }
 
 LRESULT MessageWindow::onMouseLeave() {
     isTrackingMouse_ = false;
-    page_.hoverClose(false);
-    return showChange();
-}
-
-LRESULT MessageWindow::onLeftDown(PagePoint at) {
-    if (isOnCloseButton(at, clientWidth(), dpi())) return hide();
-    if (!isOnHeader(at, dpi())) return 0;
-    POINT screen = {at.x, at.y};
-    ClientToScreen(window_, &screen);
-    ReleaseCapture();
-    // As if the caption had been pressed: returns when the system has moved the window.
-    return SendMessageW(window_, WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(screen.x, screen.y));
-}
-
-LRESULT MessageWindow::onWheel(int delta) {
-    return change_page(delta < 1 ? -1 : 1);
+    model_.leavePointer();
+    return 0;
 }
 
 LRESULT MessageWindow::onDpiChanged(const RECT& suggested) {
@@ -168,106 +166,54 @@ LRESULT MessageWindow::onDpiChanged(const RECT& suggested) {
         SetWindowPos(window_, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                      suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
     }
-    return showChange();
+    model_.refresh();
+    return 0;
 }
 
 LRESULT MessageWindow::onPaint() {
     PAINTSTRUCT paint;
-    const HDC dc = BeginPaint(window_, &paint);
-    if (surface_.dc()) BitBlt(dc, 0, 0, surface_.view().width, surface_.view().height, surface_.dc(), 0, 0, SRCCOPY);
-    if (cursor_) {
-        const RECT block = pagePixels(cursor_->rect, messageScale(dpi()));
-        const HBRUSH brush = CreateSolidBrush(colourOf(*cursor_));
-        if (brush) FillRect(dc, &block, brush);
-        if (brush) DeleteObject(brush);
-    }
+    drawOnto(BeginPaint(window_, &paint));
     EndPaint(window_, &paint);
     return 0;
 }
 
-LRESULT MessageWindow::show() {
+// For whoever wants the window's picture without the screen: what is in front of it does not matter.
+LRESULT MessageWindow::onPrint(HDC dc) {
+    drawOnto(dc);
+    return 0;
+}
+
+void MessageWindow::drawOnto(HDC dc) const {
+    if (surface_.dc()) BitBlt(dc, 0, 0, surface_.view().width, surface_.view().height, surface_.dc(), 0, 0, SRCCOPY);
+    if (!model_.cursor()) return;
+    const RECT block = pagePixels(model_.cursor()->rect, messageScale(dpi()));
+    const HBRUSH brush = CreateSolidBrush(colourOf(*model_.cursor()));
+    if (brush) FillRect(dc, &block, brush);
+    if (brush) DeleteObject(brush);
+}
+
+void MessageWindow::place() {
     const ScreenRect place = findPlace();
     isPlacing_ = true;
     SetWindowPos(window_, HWND_TOPMOST, place.left, place.top, place.right - place.left, place.bottom - place.top,
                  SWP_NOACTIVATE);
     isPlacing_ = false;
-    rooms_.messages.unread = 0;
-    rooms_.messageWindow.isVisible = true;
-    showChange();  // before it is seen
+}
+
+void MessageWindow::appear() {
     ShowWindow(window_, SW_SHOWNOACTIVATE);
     SetWindowPos(window_, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    return 0;
 }
 
-LRESULT MessageWindow::showNewest() {
-    if (rooms_.messageWindow.isVisible) return 0;
-    page_.rewind();
-    return show();
-}
-
-LRESULT MessageWindow::hide() {
-    rooms_.messageWindow.isVisible = false;  // first: a message that sees the window gone must be able to open it again
+void MessageWindow::vanish() {
     ShowWindow(window_, SW_HIDE);
-    return 0;
 }
 
-LRESULT MessageWindow::change_page(std::int32_t delta) {
-    page_.change_page(rooms_.messages, delta);
-    return showChange();
-}
-
-LRESULT MessageWindow::showChange() {
-    if (!rooms_.messageWindow.isVisible) return 0;
-    if (drawn_ != currentLook()) drawPage();
-    blinkCursor();
-    UpdateWindow(window_);  // a key's effect is seen at once, also while more of them wait
-    return 0;
-}
-
-void MessageWindow::drawPage() {
-    const PageLook look = currentLook();
-    drawn_.reset();  // what fails is tried again at the next tick
-    RECT client = {};
-    GetClientRect(window_, &client);
-    if (!surface_.resize(client.right, client.bottom)) return;
-    const float scale = messageScale(look.dpi);
-    TextMeasurer measurer(painter_, surface_, scale);
-    page_.layOut(rooms_.messages, look,
-                 {[&](const PageTextStyle& style, std::u16string_view text) { return measurer.measure(style, text); },
-                  localTimeOf, rooms_.clock});
-    const PageLook shown = currentLook();  // the page may have moved to where there are messages
-    painter_.paint(surface_, scale, page_.items(shown));
-    drawn_ = shown;
-    InvalidateRect(window_, nullptr, FALSE);
-}
-
-// Where the cursor was and where it is are painted; the picture below stays.
-void MessageWindow::blinkCursor() {
-    const std::optional<PageItem> cursor = page_.cursor(rooms_.clock.tickMs());
-    if (cursor == cursor_) return;
-    for (const auto& changed : {cursor_, cursor}) {
-        if (!changed) continue;
-        const RECT block = pagePixels(changed->rect, messageScale(dpi()));
-        InvalidateRect(window_, &block, FALSE);
-    }
-    cursor_ = cursor;
-}
-
-PageLook MessageWindow::currentLook() const {
-    return page_.look(rooms_.messages, copySettings(rooms_.settings).text_scale, rooms_.languageIndex, dpi());
-}
-
-ScreenRect MessageWindow::findPlace() const {
-    const HWND panel = rooms_.panel_window;
-    RECT rect = {};
-    if (!panel || !GetWindowRect(panel, &rect))
-        return placeMessageWindow(GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
-    return placeMessageWindow({rect.left, rect.top, rect.right, rect.bottom}, workAreaOf(panel),
-                              GetDpiForWindow(panel));
-}
-
-PagePoint MessageWindow::pointOf(LPARAM position) {
-    return {GET_X_LPARAM(position), GET_Y_LPARAM(position)};
+void MessageWindow::dragFrom(PagePoint at) {
+    POINT screen = {at.x, at.y};
+    ClientToScreen(window_, &screen);
+    ReleaseCapture();
+    SendMessageW(window_, WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(screen.x, screen.y));
 }
 
 std::int32_t MessageWindow::clientWidth() const {
@@ -278,4 +224,38 @@ std::int32_t MessageWindow::clientWidth() const {
 
 std::uint32_t MessageWindow::dpi() const {
     return GetDpiForWindow(window_);
+}
+
+MeasureStyledText MessageWindow::preparePicture() {
+    RECT client = {};
+    GetClientRect(window_, &client);
+    if (!surface_.resize(client.right, client.bottom)) return nullptr;
+    const auto measurer = std::make_shared<TextMeasurer>(painter_, surface_, messageScale(dpi()));
+    return [measurer](const PageTextStyle& style, std::u16string_view text) { return measurer->measure(style, text); };
+}
+
+void MessageWindow::paint(const std::vector<PageItem>& items) {
+    painter_.paint(surface_, messageScale(dpi()), items);
+}
+
+void MessageWindow::invalidate() {
+    InvalidateRect(window_, nullptr, FALSE);
+}
+
+void MessageWindow::invalidate(const PageRect& part) {
+    const RECT area = pagePixels(part, messageScale(dpi()));
+    InvalidateRect(window_, &area, FALSE);
+}
+
+void MessageWindow::update() {
+    UpdateWindow(window_);
+}
+
+ScreenRect MessageWindow::findPlace() const {
+    const HWND panel = rooms_.panel_window;
+    RECT rect = {};
+    if (!panel || !GetWindowRect(panel, &rect))
+        return placeMessageWindow(GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
+    return placeMessageWindow({rect.left, rect.top, rect.right, rect.bottom}, workAreaOf(panel),
+                              GetDpiForWindow(panel));
 }

@@ -1,0 +1,82 @@
+// message_model.h - what the message window does with requests, keys, the mouse and the passing time, and when what it
+// shows is drawn anew. The window itself only has hands: MessageScreen.
+// [ui] One model, on the thread of its window. The store's lock is taken for a copy.
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <vector>
+#include "base/clock.h"
+#include "messages/message_geometry.h"
+#include "messages/message_page.h"
+#include "messages/message_store.h"
+#include "settings/settings_store.h"
+
+enum class MessageKey { kEscape, kUp, kPageUp, kDown, kPageDown, kDelete, kOther };
+
+// What the model reads and changes beside itself; all outlive it.
+struct MessageRooms {
+    const Clock& clock;
+    SettingsStore& settings;  // text_scale
+    MessageStore& store;
+    const std::atomic<std::int32_t>& languageIndex;
+    std::atomic<bool>& isVisible;  // [ui] the model stores, [any] loads
+    TimeOfDay (*localTime)(double unixSeconds);
+};
+
+// The model's hands: one window and its picture.
+class MessageScreen {
+  public:
+    MessageScreen() = default;
+    MessageScreen(const MessageScreen&) = delete;
+    MessageScreen& operator=(const MessageScreen&) = delete;
+    virtual ~MessageScreen() = default;
+
+    virtual void place() = 0;   // puts the window where it belongs, shown or not
+    virtual void appear() = 0;  // on top of all windows, without the keyboard
+    virtual void vanish() = 0;
+    virtual void dragFrom(PagePoint at) = 0;  // as if its caption were pressed there; returns when it has been moved
+    virtual std::int32_t clientWidth() const = 0;  // pixels
+    virtual std::uint32_t dpi() const = 0;
+
+    // Gives the picture the window's size; the function measures text as paint() draws it, until then. None when there
+    // is no room for a picture.
+    virtual MeasureStyledText preparePicture() = 0;
+    virtual void paint(const std::vector<PageItem>& items) = 0;  // covers the picture
+    virtual void invalidate() = 0;                               // all that the window shows is out of date
+    virtual void invalidate(const PageRect& part) = 0;
+    virtual void update() = 0;  // what is out of date is shown at once, not when nothing else is left to do
+};
+
+class MessageModel {
+  public:
+    MessageModel(const MessageRooms& rooms, MessageScreen& screen) : rooms_(rooms), screen_(screen) {}
+
+    void show();        // on the page it stands on; all messages count as read
+    void showNewest();  // the same on the newest page; nothing when the window is visible already
+    void toggle();
+    void hide();
+    // Has the screen show what has changed; nothing while the window is hidden.
+    void refresh();
+
+    void pressKey(MessageKey key);
+    void turnWheel(int delta);  // 120 a notch; what is below 1 turns to newer messages
+    void movePointer(PagePoint at);
+    void leavePointer();
+    void pressAt(PagePoint at);
+
+    // The block that stands above the picture now.
+    const std::optional<PageItem>& cursor() const { return cursor_; }
+
+  private:
+    void change_page(std::int32_t delta);
+    void drawPage();
+    void blinkCursor();
+    PageLook currentLook() const;
+
+    MessageRooms rooms_;
+    MessageScreen& screen_;
+    MessagePage page_;
+    std::optional<PageLook> drawn_;  // what the picture shows
+    std::optional<PageItem> cursor_;
+};
