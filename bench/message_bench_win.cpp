@@ -58,9 +58,9 @@ Times measureOnce(const std::string& message, std::uint32_t dpi, float textSize,
     MessagePage page;
     const PageLook look = page.look(store, textSize, 2, dpi);
     const double start = nowMs();
-    page.layOut(store, look, tools);
+    const PageLook shown = page.layOut(store, look, tools);
     const double laidOut = nowMs();
-    painter.paint(surface, scale, page.items(look));
+    painter.paint(surface, scale, page.items(shown));
     times.paintMs = nowMs() - laidOut;
     times.layoutMs = laidOut - start;
     times.lines = page.layout().lines.size();

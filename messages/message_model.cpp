@@ -78,12 +78,12 @@ void MessageModel::change_page(std::int32_t delta) {
 }
 
 void MessageModel::drawPage() {
-    const PageLook look = currentLook();
+    const PageLook wanted = currentLook();
     drawn_.reset();  // what fails is tried again at the next tick
     const MeasureStyledText measure = screen_.preparePicture();
     if (!measure) return;
-    page_.layOut(rooms_.store, look, {measure, rooms_.localTime, rooms_.clock});
-    const PageLook shown = currentLook();  // the page may have moved to where there are messages
+    // Not what is wanted by now: a message may have arrived meanwhile, and is drawn at the next tick.
+    const PageLook shown = page_.layOut(rooms_.store, wanted, {measure, rooms_.localTime, rooms_.clock});
     screen_.paint(page_.items(shown));
     drawn_ = shown;
     screen_.invalidate();

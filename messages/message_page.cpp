@@ -130,8 +130,16 @@ MessagePage::Key MessagePage::keyOf(const PageLook& look) const {
     return {look.revision, page_, kWrapWidth, look.textSize, look.dpi, look.language};
 }
 
-void MessagePage::layOut(MessageStore& store, const PageLook& look, const PageTools& tools) {
-    if (laidOut_ == keyOf(look)) return;
+PageLook MessagePage::layOut(MessageStore& store, const PageLook& look, const PageTools& tools) {
+    if (laidOut_ != keyOf(look)) layOutAnew(store, look, tools);
+    PageLook shown = look;
+    shown.revision = laidOut_->revision;
+    shown.page = page_;
+    shown.scroll = scroll_;
+    return shown;
+}
+
+void MessagePage::layOutAnew(MessageStore& store, const PageLook& look, const PageTools& tools) {
     const MessageSnapshot snapshot = copyMessages(store);
     const auto count = static_cast<std::int32_t>(snapshot.messages.size());
     layout_ = {};

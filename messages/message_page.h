@@ -123,9 +123,9 @@ class MessagePage {
     // What is to be shown now. textScale: the setting, in any range.
     PageLook look(const MessageStore& store, float textScale, std::int32_t language, std::uint32_t dpi) const;
     // Wraps the page's message if another one, or another size, is to be shown than before; moves the page to where
-    // there are messages.
-    void layOut(MessageStore& store, const PageLook& look, const PageTools& tools);
-    // From back to front; the look is of the page as it is laid out.
+    // there are messages. What is laid out then: messages that arrive meanwhile are not in it.
+    PageLook layOut(MessageStore& store, const PageLook& look, const PageTools& tools);
+    // From back to front; the look as layOut() returned it.
     std::vector<PageItem> items(const PageLook& look) const;
     // The block after the last line, half a second in two: on top of everything. Nothing while it is dark, where the
     // text goes on below the last row, and on the empty page.
@@ -146,6 +146,7 @@ class MessagePage {
         bool operator==(const Key&) const = default;
     };
     Key keyOf(const PageLook& look) const;
+    void layOutAnew(MessageStore& store, const PageLook& look, const PageTools& tools);
 
     std::int32_t page_ = 0;
     std::int32_t scroll_ = 0;  // the first line shown

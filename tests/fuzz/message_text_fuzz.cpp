@@ -49,9 +49,8 @@ void checkPage(const std::string& text) {
     MessagePage page;
     const PageTools tools{[](const PageTextStyle&, std::u16string_view line) { return widthOf(line); },
                           [](double) { return TimeOfDay{}; }, clock};
-    const PageLook look = page.look(store, 15.0f, 2, 96);
-    page.layOut(store, look, tools);
-    for (const PageItem& item : page.items(look)) {
+    const PageLook shown = page.layOut(store, page.look(store, 15.0f, 2, 96), tools);
+    for (const PageItem& item : page.items(shown)) {
         if (item.rect.x < 0 || item.rect.y < 0) fail("drawn outside");
         if (item.rect.x + item.rect.width > 620 || item.rect.y + item.rect.height > 400) fail("drawn outside");
     }

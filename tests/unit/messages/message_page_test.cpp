@@ -24,10 +24,7 @@ class MessagePageTest : public testing::Test {
         for (int i = 0; i < count; i++) add("message " + std::to_string(i));
     }
     PageLook look() const { return page.look(store, textScale, kEnglishTexts, dpi); }
-    std::vector<PageItem> items() {
-        page.layOut(store, look(), tools);
-        return page.items(look());
-    }
+    std::vector<PageItem> items() { return page.items(page.layOut(store, look(), tools)); }
     std::string body() {
         items();
         std::string text;
@@ -428,8 +425,7 @@ TEST_F(MessagePageTest, TheEmptyPageHasNoCursor) {
 TEST_F(MessagePageTest, EveryLanguageHasItsTextsInsideTheWindow) {
     add("PDC");
     for (std::int32_t language = 0; language < kLanguageCount; language++) {
-        const PageLook shown = page.look(store, textScale, language, dpi);
-        page.layOut(store, shown, tools);
+        const PageLook shown = page.layOut(store, page.look(store, textScale, language, dpi), tools);
         for (const PageItem& item : page.items(shown)) {
             EXPECT_GE(item.rect.x, 0.0f);
             EXPECT_GE(item.rect.y, 0.0f);
