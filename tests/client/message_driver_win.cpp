@@ -8,8 +8,8 @@ LPARAM clientPoint(double x, double y) {
     return MAKELPARAM(static_cast<int>(x * scale), static_cast<int>(y * scale));
 }
 
-void post(UINT message, WPARAM wParam, LPARAM lParam) {
-    PostMessageW(findMessageWindow(), message, wParam, lParam);
+void send(UINT message, WPARAM wParam, LPARAM lParam) {
+    SendMessageW(findMessageWindow(), message, wParam, lParam);
 }
 
 }  // namespace
@@ -29,19 +29,19 @@ RECT messageWindowRect() {
 }
 
 void pressMessageKey(WPARAM key) {
-    post(WM_KEYDOWN, key, 1);
-    post(WM_KEYUP, key, 1);
+    send(WM_KEYDOWN, key, 1);
+    send(WM_KEYUP, key, 1);
 }
 
 void clickMessageWindow(double x, double y) {
-    post(WM_LBUTTONDOWN, MK_LBUTTON, clientPoint(x, y));
-    post(WM_LBUTTONUP, 0, clientPoint(x, y));
+    send(WM_LBUTTONDOWN, MK_LBUTTON, clientPoint(x, y));
+    send(WM_LBUTTONUP, 0, clientPoint(x, y));
 }
 
 void moveOverMessageWindow(double x, double y) {
-    post(WM_MOUSEMOVE, 0, clientPoint(x, y));
+    send(WM_MOUSEMOVE, 0, clientPoint(x, y));
 }
 
 void turnMessageWheel(int delta) {
-    post(WM_MOUSEWHEEL, MAKEWPARAM(0, delta), 0);
+    send(WM_MOUSEWHEEL, MAKEWPARAM(0, delta), 0);
 }

@@ -1,6 +1,6 @@
-// message_driver_win.h - a pilot's hand on the real message window: keys, the wheel and clicks as posted messages.
-// Neither the real cursor nor the focus matters.
-// [host] Used from the main thread of a test, the pictures or a benchmark.
+// message_driver_win.h - a pilot's hand on the real message window: keys, the wheel and clicks as sent messages,
+// carried out when the function returns. Neither the real cursor nor the focus matters. [host] Used from the main
+// thread of a test, the pictures or a benchmark.
 #pragma once
 #include <windows.h>
 
@@ -10,7 +10,8 @@ bool isMessageWindowShown();
 // In screen pixels; empty while there is none.
 RECT messageWindowRect();
 
-// Each posts its messages; x and y in design pixels of the 620 x 400 window.
+// x and y in design pixels of the 620 x 400 window. A click on the header would return when the window has been
+// dragged.
 void pressMessageKey(WPARAM key);
 void clickMessageWindow(double x, double y);
 void moveOverMessageWindow(double x, double y);

@@ -1,0 +1,75 @@
+#include "tests/client/wanted_page_win.h"
+#include <cmath>
+#include "settings/language.h"
+#include "settings/settings.h"
+#include "tests/client/window_picture_win.h"
+#include "tests/unit/fakes.h"
+
+namespace {
+
+constexpr double kClockStepS = 0.05;  // the tick that stamps a message and the wall clock do not step together
+
+// In the system's zone, by another way than the plugin's: with the offset that holds now.
+TimeOfDay wallClock(double unixSeconds) {
+    constexpr std::int64_t kUnixEpoch = 116444736000000000LL;  // 1970 in 100 ns since 1601
+    const auto ticks = static_cast<std::uint64_t>(kUnixEpoch + static_cast<std::int64_t>(unixSeconds) * 10'000'000);
+    const FILETIME universal = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32U)};
+    FILETIME local = {};
+    FileTimeToLocalFileTime(&universal, &local);
+    SYSTEMTIME time = {};
+    FileTimeToSystemTime(&local, &time);
+    return {time.wHour, time.wMinute, time.wSecond};
+}
+
+PixelRect pixelsOf(const PageRect& rect, float scale) {
+    const RECT area = pagePixels(rect, scale);
+    return {area.left, area.top, area.right, area.bottom};
+}
+
+}  // namespace
+
+void WantedPages::add(const std::string& sender, const std::string& text, std::uint32_t target, double from,
+                      double to) {
+    messages_.push_back({sender, text, target, from, to});
+    if (messages_.size() > kMaxMessages) messages_.erase(messages_.begin());
+}
+
+::testing::AssertionResult WantedPages::isShownBy(HWND window, const WantedPage& wanted) {
+    const auto count = static_cast<std::int32_t>(messages_.size());
+    if (wanted.page >= count) return isShownBy(window, wanted, 0.0);
+    const Delivered& shown = messages_[static_cast<std::size_t>(count - 1 - wanted.page)];
+    const double last = std::floor(shown.to + kClockStepS);
+    double second = std::floor(shown.from - kClockStepS);
+    auto result = isShownBy(window, wanted, second);
+    while (!result && second < last) result = isShownBy(window, wanted, ++second);
+    return result;
+}
+
+::testing::AssertionResult WantedPages::isShownBy(HWND window, const WantedPage& wanted, double receivedAt) {
+    const std::uint32_t dpi = GetDpiForWindow(window);
+    const float scale = messageScale(dpi);
+    ManualClock clock;
+    clock.seconds = receivedAt;
+    MessageStore store;
+    for (const Delivered& message : messages_)
+        addMessage(store, message.sender, message.text, message.target, 0, clock.tickMs());
+    ArgbImage shown = printWindow(window);
+    MemorySurface surface;
+    if (!surface.resize(shown.width, shown.height)) return ::testing::AssertionFailure() << "no picture";
+    TextMeasurer measurer(painter_, surface, scale);
+    const auto measure = [&](const PageTextStyle& style, std::u16string_view text) {
+        return measurer.measure(style, text);
+    };
+    MessagePage page;
+    page.change_page(store, wanted.page);
+    page.hoverClose(wanted.isCloseHovered);
+    store.unread = wanted.unread;
+    const PageLook look = page.look(store, Settings{}.text_scale, kEnglish, dpi);
+    painter_.paint(surface, scale, page.items(page.layOut(store, look, {measure, wallClock, clock})));
+    ArgbImage painted = coloursOf(surface.view());
+    if (const auto cursor = page.cursor(0)) {
+        blankPixels(shown, pixelsOf(cursor->rect, scale));
+        blankPixels(painted, pixelsOf(cursor->rect, scale));
+    }
+    return isSamePicture(shown, painted);
+}
