@@ -248,7 +248,8 @@ TEST_F(MessageModelTest, TheCloseGlyphIsRedWhileThePointerIsOnIt) {
     for (const std::uint32_t dotsPerInch : {96U, 144U}) {
         screen.dotsPerInch = dotsPerInch;
         const float scale = messageScale(dotsPerInch);
-        const PagePoint close = {static_cast<std::int32_t>(596 * scale), static_cast<std::int32_t>(24 * scale)};
+        // Near the button's lower left corner.
+        const PagePoint close = {static_cast<std::int32_t>(583 * scale), static_cast<std::int32_t>(37 * scale)};
         model.show();
         EXPECT_EQ(closeColour(), kDimGreen);
         model.movePointer(close);
@@ -381,6 +382,13 @@ TEST_F(MessageModelTest, APictureThatCouldNotBePaintedIsPaintedAtTheNextTick) {
     tick();
     EXPECT_EQ(counter(), "1 / 2");
     EXPECT_TRUE(screen.isShown);
+    // Also when it is to look again as it did before: it may be half painted.
+    screen.canPaint = false;
+    EXPECT_THROW(model.movePointer(kOnClose), std::bad_alloc);
+    screen.canPaint = true;
+    screen.takePainted();
+    model.leavePointer();
+    EXPECT_EQ(screen.takePainted(), 1);
 }
 
 TEST_F(MessageModelTest, ShowsHostileMessages) {
