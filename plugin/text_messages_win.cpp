@@ -16,11 +16,15 @@ class MessageWindowOpener final : public NewestMessageOpener {
     const MessageWindowLink& link_;
 };
 
+// Before init and after shutdown the host is not called: its functions may be gone.
+const HostFunctions kNoHost;
+
 template <class Body>
 void withAlertRooms(PluginState& plugin, Body body) {
     const std::string alertPath = utf8FromNarrow(joinPath(plugin.dataFolder, kAlertFile));
     MessageWindowOpener window(plugin.messageWindow);
-    body(AlertRooms{plugin.host, plugin.settings, plugin.currentServer, alertPath, window});
+    const HostFunctions& host = plugin.running ? plugin.host : kNoHost;
+    body(AlertRooms{host, plugin.settings, plugin.currentServer, alertPath, window});
 }
 
 }  // namespace

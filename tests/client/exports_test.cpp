@@ -6,6 +6,7 @@
 #include <vector>
 #include "plugin/identity.h"
 #include "tests/client/client_session_win.h"
+#include "tests/client/import_patch_win.h"
 #include "tests/client/pe_image.h"
 
 namespace {
@@ -109,7 +110,7 @@ TEST_F(Exports, CopyTheTableOfFunctionsVerbatim) {
 TEST_F(Exports, DoNothingToTheHostBeforeInit) {
     ASSERT_TRUE(session.load());
     const PluginExports& plugin = session.plugin.exports();
-    const int threads = threadCount();
+    const ThreadStarts threads;
     plugin.currentServerConnectionChanged(kSchid);
     plugin.onConnectStatusChangeEvent(kSchid, 4, 0);
     plugin.onConnectStatusChangeEvent(kSchid, 0, 0);
@@ -122,8 +123,11 @@ TEST_F(Exports, DoNothingToTheHostBeforeInit) {
     int edited = 0;
     plugin.onEditPlaybackVoiceDataEvent(kSchid, kOtherClient, samples, 480, 1);
     plugin.onEditCapturedVoiceDataEvent(kSchid, samples, 480, 1, &edited);
+    HostTextMessage message;
+    message.message = "cleared for take-off";
+    EXPECT_EQ(session.plugin.deliver(message), 0);
     EXPECT_TRUE(host.calls().empty());
-    EXPECT_EQ(threadCount(), threads);
+    EXPECT_EQ(threads.count(), 0);
     EXPECT_FALSE(std::filesystem::exists(session.dataFolder));
 }
 

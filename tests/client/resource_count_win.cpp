@@ -60,3 +60,18 @@ ResourceCount countResources() {
     const auto user = static_cast<int>(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS));
     return {gdi > 0 ? gdi : countGdiRows(), user > 0 ? user : countTopWindows(), handleCount(), countPrivateBytes()};
 }
+
+std::size_t heapBytes() {
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(64, heaps);
+    std::size_t bytes = 0;
+    for (DWORD i = 0; i < count && i < 64; i++) {
+        HeapLock(heaps[i]);
+        PROCESS_HEAP_ENTRY entry = {};
+        while (HeapWalk(heaps[i], &entry)) {
+            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) bytes += entry.cbData;
+        }
+        HeapUnlock(heaps[i]);
+    }
+    return bytes;
+}

@@ -1,6 +1,7 @@
 // resource_count_win.h - what this process holds of the system: to see that repeated work leaves nothing behind.
 // [host] Used from the main thread of a test or a benchmark, while the other threads stand still or do the same work.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 
 struct ResourceCount {
@@ -11,3 +12,4 @@ struct ResourceCount {
 };
 
 ResourceCount countResources();
+std::size_t heapBytes();  // in use in all heaps of this process

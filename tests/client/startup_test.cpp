@@ -60,6 +60,25 @@ TEST_F(StartUp, LogsTheFixedNameOfADllUnderAnother) {
     EXPECT_TRUE(session.waitForLog("dll=" + toUtf8(session.dll.wstring()) + " "));
 }
 
+TEST_F(StartUp, WithoutAModuleFolderLogsTheBareNameAndWorks) {
+    // The system's short paths end at 260 characters; a DLL beyond them cannot tell where it is.
+    constexpr std::size_t kFolderLength = 245;
+    const auto folder = session.machine.path / std::wstring(kFolderLength - session.machine.path.native().size(), L'a');
+    const std::filesystem::path deep = L"\\\\?\\" + (folder / "corvalis_win64.dll").wstring();
+    std::filesystem::create_directories(folder);
+    std::filesystem::copy_file(productFile("corvalis_win64.dll"), deep);
+    ASSERT_TRUE(session.plugin.load(deep)) << session.plugin.error();
+    session.plugin.exports().setFunctionPointers(host.table());
+    session.telemetry.radios[0].activeKhz = 122800;
+    session.publish();
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(session.waitForLog(" dll=corvalis_win64.dll dataDir="));
+    EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
+    session.stop();
+    session.plugin.unload();
+    std::filesystem::remove(deep);  // by its long path, as nobody else can
+}
+
 TEST_F(StartUp, HasTheSoundsWrittenBeforeItLogs) {
     std::atomic<std::uintmax_t> tailBytes{0}, alertBytes{0};
     std::atomic<bool> isLooked{false};

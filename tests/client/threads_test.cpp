@@ -105,16 +105,3 @@ TEST_F(HostThreads, MayDeliverEventsAllAtTheSameTime) {
     second.join();
     EXPECT_TRUE(session.waitPasses(2));
 }
-
-TEST_F(HostThreads, NoneIsNeededForShutdownToEnd) {
-    ASSERT_TRUE(session.start());
-    session.publish();
-    ASSERT_TRUE(session.waitPasses(1));
-    std::atomic<bool> isDone{false};
-    std::thread other([&] {
-        session.stop();  // from another thread than init's
-        isDone = true;
-    });
-    EXPECT_TRUE(waitFor([&] { return isDone.load(); }, 5000));
-    other.join();
-}
