@@ -221,14 +221,21 @@ TEST(VoiceHooks, ResetTheOwnVoiceWhenASwitchChangesAndNotForAGain) {
     EXPECT_EQ(hooks.capture(controls, speech(960), 1, edited), other.capture(controls, speech(960), 1, edited));
 }
 
+// The generation that a voice bears before its first block counts as its own: 2^32 toggles away from the first one.
 TEST(VoiceHooks, BeginWithAFreshOwnVoiceInEveryGenerationButOne) {
+    int edited = 0;
+    Hooks used;
+    used.capture(controlsOf(kEverySwitch), speech(960), 1, edited);
     for (const std::uint32_t generation : {0U, 1U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
-        Hooks hooks;
         VoiceControls controls = controlsOf(kEverySwitch);
         controls.dspGeneration = generation;
-        int edited = 0;
-        hooks.capture(controls, speech(960), 1, edited);
-        EXPECT_EQ(hooks.captured.stamp, generation);
+        Hooks fresh, marked;
+        marked.captured.effect = used.captured.effect;  // not as a fresh voice has it
+        marked.plainCaptured.effect = used.plainCaptured.effect;
+        const auto begun = fresh.capture(controls, speech(960), 1, edited);
+        const bool isBegunAfresh = marked.capture(controls, speech(960), 1, edited) == begun;
+        EXPECT_EQ(isBegunAfresh, generation != 0xFFFFFFFFU) << generation;
+        EXPECT_EQ(marked.captured.stamp, generation);
     }
 }
 

@@ -1,5 +1,7 @@
 // Long evenings with the voice hooks, beside the plain ones.
 #include <array>
+#include <atomic>
+#include <functional>
 #include <thread>
 #include "tests/unit/audio/voice_hooks_rig.h"
 #include "tests/unit/fakes.h"
@@ -29,6 +31,39 @@ TEST(VoiceHookThreads, MayRunOnThreadsOfTheirOwnWhileTheSettingsChange) {
             live.transmit_gain = static_cast<float>(i % 19);
         });
     }
+    first.join();
+    second.join();
+}
+
+TEST(VoiceHookThreads, BeginAfreshWithEachSwitchThatIsToggledWhileTheyRun) {
+    constexpr std::uint32_t kToggles = 40;
+    MemoryFiles files;
+    SettingsStore settings(files);
+    const BridgeOutputs bridge;
+    std::atomic<std::uint32_t> seen[2] = {0, 0};  // by each thread, stored after the block; the toggles wait for it
+    std::atomic<bool> isSpeaking{true};
+    const auto speak = [&](std::atomic<std::uint32_t>& mine) {
+        Hooks hooks;
+        VoiceBlocks blocks(3);
+        int edited = 0;
+        while (isSpeaking) {
+            const VoiceControls controls = loadVoiceControls(settings, bridge);
+            const bool isToggled = controls.dspGeneration != hooks.captured.stamp;
+            const auto block = blocks.take(Sound::kFullScaleNoise, 96);
+            const auto heard = hooks.capture(controls, block, 1, edited);
+            Hooks fresh;
+            EXPECT_EQ(heard == fresh.capture(controls, block, 1, edited), isToggled) << controls.dspGeneration;
+            mine = controls.dspGeneration;
+        }
+    };
+    std::thread first(speak, std::ref(seen[0])), second(speak, std::ref(seen[1]));
+    for (std::uint32_t toggle = 1; toggle <= kToggles; toggle++) {
+        updateSettings(settings, [](Settings& live) { live.nrSelf = !live.nrSelf; });
+        EXPECT_EQ(settings.DspGeneration, toggle);
+        if (settings.DspGeneration != toggle) break;
+        while (seen[0] < toggle || seen[1] < toggle) std::this_thread::yield();
+    }
+    isSpeaking = false;
     first.join();
     second.join();
 }
