@@ -161,6 +161,20 @@ void* findOwnWindow(const wchar_t* windowClass) {
     return search.found;
 }
 
+std::vector<std::uint32_t> childProcesses(const wchar_t* program) {
+    std::vector<std::uint32_t> children;
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    if (snapshot == INVALID_HANDLE_VALUE) return children;
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
+        const bool isChild = entry.th32ParentProcessID == GetCurrentProcessId();
+        if (isChild && std::wstring_view(entry.szExeFile) == program) children.push_back(entry.th32ProcessID);
+    }
+    CloseHandle(snapshot);
+    return children;
+}
+
 bool isProcessRunning(std::uint32_t processId) {
     const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, processId);
     if (!process) return false;
