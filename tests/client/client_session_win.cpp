@@ -90,6 +90,13 @@ bool ClientSession::waitTicks(std::uint64_t ms) {
     return true;
 }
 
+std::size_t ClientSession::passesBetween(std::uint64_t fromMs, std::uint64_t toMs) const {
+    std::size_t count = 0;
+    for (const HostCall& call : host.callsOf("getClientSelfVariableAsInt"))
+        count += call.atMs > fromMs && call.atMs <= toMs;
+    return count;
+}
+
 bool ClientSession::waitForCalls(const char* function, std::size_t count, std::uint64_t deadlineMs) {
     return waitUntil([&] { return host.callsOf(function).size() >= count; }, deadlineMs);
 }

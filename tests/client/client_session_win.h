@@ -53,6 +53,9 @@ class ClientSession {
     // Waits for whole passes of the plugin's poll thread, counted by its talk query (needs a connected server).
     bool waitPasses(int passes);
     bool waitTicks(std::uint64_t ms);  // whole passes until ms have gone by
+    // How many passes asked for the talk flag in that time. None is shorter than 50 ms, however busy the machine is: a
+    // bound in passes holds where one in milliseconds does not.
+    std::size_t passesBetween(std::uint64_t fromMs, std::uint64_t toMs) const;
     bool waitForCalls(const char* function, std::size_t count, std::uint64_t deadlineMs = 10'000);
     // Waits until the user is in the channel and the plugin has had a look at that: the move is over for both.
     ::testing::AssertionResult waitForArrival(std::uint64_t channelId);

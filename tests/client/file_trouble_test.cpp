@@ -1,7 +1,8 @@
 #include <windows.h>
 #include <atomic>
-#include <thread>
+#include "bridge/poll_loop.h"
 #include "tests/client/client_session_win.h"
+#include "tests/client/import_patch_win.h"
 
 namespace {
 
@@ -29,12 +30,12 @@ class LockedFile {
 class FileTrouble : public PluginTest {
   protected:
     std::filesystem::path telemetryFile() const { return session.dataFolder / "telemetry.json"; }
-    // The file stands there for a while, nothing comes of it; then a good one is followed.
+    // The file stands there for some passes, nothing comes of it; then a good one is followed.
     void expectIgnoredThenRecovered(const std::string& bytes) {
         std::filesystem::create_directories(session.dataFolder);
         ASSERT_TRUE(writeFile(telemetryFile(), bytes));
         ASSERT_TRUE(session.start());
-        ASSERT_TRUE(session.waitTicks(600));
+        ASSERT_TRUE(session.waitPasses(2));
         EXPECT_TRUE(host.callsOf("getChannelList").empty());
         session.tune(1, 122800);
         EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
@@ -88,7 +89,7 @@ TEST_F(FileTrouble, ALockedTelemetryIsReadOnceItIsFree) {
     LockedFile lock(telemetryFile());
     ASSERT_TRUE(lock.isHeld());
     ASSERT_TRUE(session.start());
-    ASSERT_TRUE(session.waitTicks(600));
+    ASSERT_TRUE(session.waitPasses(10));  // 350 ms are seven of them
     EXPECT_TRUE(host.callsOf("getChannelList").empty());
     lock.release();
     session.publish();
@@ -96,38 +97,54 @@ TEST_F(FileTrouble, ALockedTelemetryIsReadOnceItIsFree) {
 }
 
 TEST_F(FileTrouble, ATelemetryLockedForAMomentDoesNotRestartTheStandstill) {
+    // A virus scanner: it has the file when a pass wants it, and lets go while the plugin pauses before another try.
+    static std::atomic<HANDLE> held{nullptr};
+    static std::atomic<int> tries{0};
+    const auto sleepAndLetGo = +[](DWORD ms) {
+        if (ms > 0 && ms < kPollPeriodMs) {
+            if (const HANDLE file = held.exchange(nullptr)) {
+                CloseHandle(file);
+                tries++;
+            }
+        }
+        Sleep(ms);
+    };
+    tries = 0;
     session.tune(1, 119000);
+    ASSERT_TRUE(session.load());
+    const ImportPatch patch(L"corvalis_win64.dll", "Sleep", reinterpret_cast<void*>(sleepAndLetGo));
+    ASSERT_TRUE(patch.isInPlace());
     ASSERT_TRUE(session.start());
     ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
-    const std::uint64_t tunedAt = session.tune(1, 122800);
-    session.stopPublishing();  // the locker has the file
-    std::atomic<bool> isLocking{true};
-    std::thread locker([&] {  // a virus scanner: 2 ms of every 4
-        while (isLocking) {
-            {
-                const LockedFile lock(telemetryFile());
-                Sleep(2);
-            }
-            Sleep(2);
-        }
-    });
-    const bool requested = session.waitForCalls("requestClientMove", 1, 2500);
-    isLocking = false;
-    locker.join();
-    ASSERT_TRUE(requested);
-    EXPECT_LT(host.callsOf("requestClientMove")[0].atMs - tunedAt, 1500u);
+    session.tune(1, 122800);
+    const std::uint64_t visibleAt = session.clock.tickMs();
+    const auto lock = [&] {
+        const HANDLE file = CreateFileW(telemetryFile().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        if (file == INVALID_HANDLE_VALUE) return false;  // the plugin has it
+        held = file;
+        return true;
+    };
+    for (int i = 0; i < 7; i++) {
+        session.publish();
+        ASSERT_TRUE(waitFor(lock));
+        ASSERT_TRUE(waitFor([&] { return tries > i; }));
+    }
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
+    // A pass that found no telemetry would have begun the eight passes anew, the last of the seven times too.
+    EXPECT_LE(session.passesBetween(visibleAt, host.callsOf("requestClientMove")[0].atMs), 12u);
 }
 
 TEST_F(FileTrouble, TelemetryWrittenWithoutAPauseIsFollowed) {
     session.tune(1, 119000);
     ASSERT_TRUE(session.start());
     ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
-    const std::uint64_t tunedAt = session.tune(1, 122800);
+    session.tune(1, 122800);
+    const std::uint64_t visibleAt = session.clock.tickMs();
     ASSERT_TRUE(session.waitUntil([&] {
         session.publish();  // every few milliseconds
         return !host.callsOf("requestClientMove").empty();
     }));
-    EXPECT_LT(host.callsOf("requestClientMove")[0].atMs - tunedAt, 2000u);
+    EXPECT_LE(session.passesBetween(visibleAt, host.callsOf("requestClientMove")[0].atMs), 40u);
 }
 
 TEST_F(FileTrouble, AFileInThePlaceOfTheDataFolderIsLivedWith) {

@@ -24,6 +24,24 @@ const Extent kUsual = {8192, kLengths, {1, 2}};                            // 64
 const Extent kIntoSilence = {10'240, kLengths, {1, 2}};                    // the filters' memory goes denormal
 const Extent kMinute = {60 * 48'000, {960}, {1}};                          // and everything else
 
+// What is played under all switches.
+struct MatrixSound {
+    const char* name;
+    MakeSound make;
+    const Extent& extent;
+};
+const MatrixSound kSounds[] = {
+    {"speech", makeSound<Sound::kSpeech>, kUsual},
+    {"room noise", makeSound<Sound::kRoomNoise>, kUsual},
+    {"full-scale noise", makeSound<Sound::kFullScaleNoise>, kUsual},
+    {"a tone", makeSound<Sound::kTone>, kUsual},
+    {"steps", makeSteps, kUsual},
+    {"full-scale squares", makeSound<Sound::kFullScaleSquare>, kUsual},
+    {"impulses", makeSound<Sound::kImpulses>, kUsual},
+    {"bursts", makeBursts, kUsual},
+    {"silence after speech", makeSilenceAfterSpeech, kIntoSilence},
+};
+
 // One start of the plugin. The gains are above 1, where no two samples become one.
 struct Switches {
     bool distortSelf, nrSelf;      // of the own voice
@@ -33,18 +51,20 @@ struct Switches {
 
 // Each side's switches in all combinations, with and without the gains; the other side's differ once and agree once.
 // clang-format off
-const std::vector<Switches> kAllSwitches = {
+const Switches kWithoutGains[] = {
     // own          received       gains
     {false, false,  true,  true,   false},
     {true,  false,  false, true,   false},
     {false, true,   true,  false,  false},
     {true,  true,   false, false,  false},
+};
+const Switches kWithGains[] = {
     {false, false,  false, false,  true},
     {true,  false,  true,  false,  true},
     {false, true,   false, true,   true},
     {true,  true,   true,  true,   true},
 };
-const std::vector<Switches> kEffects = {
+const Switches kEffects[] = {
     {true,  false,  true,  false,  false},
     {false, true,   true,  true,   false},
     {true,  true,   false, false,  false},
@@ -177,89 +197,83 @@ std::unique_ptr<PlainRadioEffectState> plainInSilence(int samples, int channels)
     return state;
 }
 
+// In the list of tests.
+std::string nameOf(const ::testing::TestParamInfo<Switches>& row) {
+    const Switches& s = row.param;
+    return std::string(s.distortSelf ? "DistortSelf" : "") + (s.nrSelf ? "NrSelf" : "") +
+           (s.distortOthers ? "DistortOthers" : "") + (s.equalize ? "Equalize" : "") + (s.gains ? "Gains" : "");
+}
+
 }  // namespace
 
-class VoiceMatrix : public VoiceTest {
+class VoiceMatrix : public VoiceTest, public ::testing::WithParamInterface<Switches> {
   protected:
     // The plain hooks run on this thread and know denormals.
     void SetUp() override { ASSERT_EQ(_mm_getcsr() & 0xFFC0U, kUsualRules.control); }
 
-    void playCell(const VoiceControls& controls, const Cell& cell, const std::vector<short>& values) {
+    // One start of the plugin for all of it: each cell has a voice of its own.
+    void startWith(const Switches& switches) {
+        controls_ = VoiceTest::startWith(linesOf(switches));
+        ASSERT_EQ(controls_.audioFlags, flagsOf(switches));
+        EXPECT_EQ(controls_.receiveGain != 1.0f, switches.gains);
+        EXPECT_EQ(controls_.transmitGain != 1.0f, switches.gains);
+        if (switches.gains) {
+            ASSERT_TRUE(session.waitPasses(1));
+        }
+    }
+
+    void play(const char* name, MakeSound make, const Extent& extent) {
+        Findings findings;
+        for (const int channels : extent.channels) {
+            const std::vector<short> values = makeValues(make, extent.samples, channels);
+            for (const int length : extent.lengths) playCell({length, channels}, values, findings);
+        }
+        EXPECT_EQ(findings.count, 0) << name << ": " << findings.text;
+    }
+
+  private:
+    void playCell(const Cell& cell, const std::vector<short>& values, Findings& findings) {
         Played before;
         before.own = values;
         before.own.insert(before.own.end(), kBeyond, kUntouched);
         before.received = before.own;
         Played plain = before;
-        playPlain(controls, cell, plain);
-        if (controls.audioFlags & (kAudioDistortSelf | kAudioNrSelf)) {
+        playPlain(controls_, cell, plain);
+        if (controls_.audioFlags & (kAudioDistortSelf | kAudioNrSelf)) {
             EXPECT_NE(plain.own, before.own);
         }
-        if (controls.audioFlags & kAudioDistortOthers) {
+        if (controls_.audioFlags & kAudioDistortOthers) {
             EXPECT_NE(plain.received, before.received);
         }
         for (const HostRules& rules : kAllRules) {
             Played played = before;
             std::thread([&] { playPlugin(plugin(), cell, rules, played); }).join();
-            if (played != plain) findings.add(controls, cell, rules, differenceOf(played, plain));
+            if (played != plain) findings.add(controls_, cell, rules, differenceOf(played, plain));
         }
     }
 
-    void playSwitches(const Switches& switches, MakeSound make, const Extent& extent) {
-        const VoiceControls controls = startWith(linesOf(switches));
-        ASSERT_EQ(controls.audioFlags, flagsOf(switches));
-        EXPECT_EQ(controls.receiveGain != 1.0f, switches.gains);
-        EXPECT_EQ(controls.transmitGain != 1.0f, switches.gains);
-        if (switches.gains) {
-            ASSERT_TRUE(session.waitPasses(1));
-        }
-        for (const int channels : extent.channels) {
-            const std::vector<short> values = makeValues(make, extent.samples, channels);
-            for (const int length : extent.lengths) playCell(controls, {length, channels}, values);
-        }
-        session.stop();
-    }
-
-    void playMatrix(MakeSound make, const Extent& extent = kUsual, const std::vector<Switches>& sets = kAllSwitches) {
-        for (const Switches& switches : sets) {
-            playSwitches(switches, make, extent);
-            if (HasFailure()) break;  // no session, or no effect: the rest would only repeat that
-        }
-        EXPECT_EQ(findings.count, 0) << findings.text;
-    }
-
-    Findings findings;
+    VoiceControls controls_;
 };
 
-TEST_F(VoiceMatrix, EditsSpeechAsThePlainHooksDo) {
-    playMatrix(makeSound<Sound::kSpeech>);
+TEST_P(VoiceMatrix, EditsEverySoundAsThePlainHooksDo) {
+    ASSERT_NO_FATAL_FAILURE(startWith(GetParam()));
+    for (const MatrixSound& sound : kSounds) {
+        play(sound.name, sound.make, sound.extent);
+        if (HasFailure()) break;  // no effect: the rest would only repeat that
+    }
 }
-TEST_F(VoiceMatrix, EditsRoomNoiseAsThePlainHooksDo) {
-    playMatrix(makeSound<Sound::kRoomNoise>);
+
+using VoiceMatrixMinute = VoiceMatrix;
+
+TEST_P(VoiceMatrixMinute, EditsSilenceAfterSpeechAsThePlainHooksDo) {
+    ASSERT_NO_FATAL_FAILURE(startWith(GetParam()));
+    play("a minute of silence", makeSilenceAfterSpeech, kMinute);
 }
-TEST_F(VoiceMatrix, EditsFullScaleNoiseAsThePlainHooksDo) {
-    playMatrix(makeSound<Sound::kFullScaleNoise>);
-}
-TEST_F(VoiceMatrix, EditsTonesAsThePlainHooksDo) {
-    playMatrix(makeSound<Sound::kTone>);
-}
-TEST_F(VoiceMatrix, EditsStepsAsThePlainHooksDo) {
-    playMatrix(makeSteps);
-}
-TEST_F(VoiceMatrix, EditsFullScaleSquaresAsThePlainHooksDo) {
-    playMatrix(makeSound<Sound::kFullScaleSquare>);
-}
-TEST_F(VoiceMatrix, EditsImpulsesAsThePlainHooksDo) {
-    playMatrix(makeSound<Sound::kImpulses>);
-}
-TEST_F(VoiceMatrix, EditsBurstsAsThePlainHooksDo) {
-    playMatrix(makeBursts);
-}
-TEST_F(VoiceMatrix, EditsSilenceAfterSpeechAsThePlainHooksDo) {
-    playMatrix(makeSilenceAfterSpeech, kIntoSilence);
-}
-TEST_F(VoiceMatrix, EditsAMinuteOfSilenceAfterSpeechAsThePlainHooksDo) {
-    playMatrix(makeSilenceAfterSpeech, kMinute, kEffects);
-}
+
+// Two halves, about as long: they may run beside each other.
+INSTANTIATE_TEST_SUITE_P(WithoutGains, VoiceMatrix, ::testing::ValuesIn(kWithoutGains), nameOf);
+INSTANTIATE_TEST_SUITE_P(WithGains, VoiceMatrix, ::testing::ValuesIn(kWithGains), nameOf);
+INSTANTIATE_TEST_SUITE_P(Effects, VoiceMatrixMinute, ::testing::ValuesIn(kEffects), nameOf);
 
 TEST(VoiceMatrixSounds, TakeTheFiltersIntoDenormals) {
     for (const int channels : {1, 2}) {

@@ -134,6 +134,28 @@ TEST_F(PollFollow, StaleTelemetryIsNotFollowed) {
     EXPECT_EQ(copySimState(rig.sim).radios[0].active, 0);
 }
 
+TEST_F(PollFollow, TelemetryThatIsUnhealthyOrOfAnotherProtocolIsNotFollowed) {
+    const struct {
+        const char* key;
+        const char* bad;
+        const char* good;
+    } rows[] = {{"ok", "false", "true"}, {"protocol", "3", "2"}};
+    for (const auto& row : rows) {
+        rig.telemetry.set(row.key, row.bad);
+        EXPECT_EQ(looksIn(3000), Times{}) << row.key;
+        rig.telemetry.set(row.key, row.good);
+        const auto goodSince = now();
+        EXPECT_EQ(looksIn(1000), (Times{goodSince - 50 + 350})) << row.key;  // the last bad pass began the waiting anew
+    }
+}
+
+TEST_F(PollFollow, TelemetryOfTheFutureIsNotFollowedUntilItsTimeHasCome) {
+    rig.workerAlive = false;
+    rig.files.put(pathOf(kTelemetryFile), rig.telemetry.writtenAt(rig.clock.unixSeconds() + 10.0).text());
+    EXPECT_EQ(looksIn(10'000), Times{});
+    EXPECT_EQ(looksIn(1000), (Times{10'000 - 50 + 350}));
+}
+
 TEST_F(PollFollow, AnUnknownFrequencyIsNotFollowed) {
     for (const char* khz : {"0", "-122800", "null"}) {
         tune(khz);

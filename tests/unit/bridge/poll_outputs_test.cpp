@@ -109,6 +109,32 @@ TEST_F(PollOutputs, OthersTailsArePlayedByTheNextPass) {
     EXPECT_FALSE(rig.talk.othersReceiving);
 }
 
+TEST_F(PollOutputs, OfFortyReleasesBetweenTwoPassesSixteenAreTakenAndOneIsHeard) {
+    const auto talk = [&](bool talks) {
+        for (std::uint16_t client = 20; client < 60; client++)
+            talkChanged(rig.talk, 1, client, talks, rig.clock.tickMs());
+    };
+    rig.server = 0;  // nothing but the tails asks for the own id
+    talk(true);
+    rig.passFor(150);
+    talk(false);
+    rig.passFor(500);
+    EXPECT_EQ(rig.host.callsOf("getClientID").size(), 16U);
+    EXPECT_EQ(rig.host.playedSounds().size(), 1U);
+}
+
+TEST_F(PollOutputs, OfOneReleaseEachPassThoseAreHeardThatAre350MsApart) {
+    for (std::uint16_t client = 20; client < 40; client++) talkChanged(rig.talk, 1, client, true, rig.clock.tickMs());
+    rig.passFor(150);
+    for (std::uint16_t client = 20; client < 40; client++) {
+        talkChanged(rig.talk, 1, client, false, rig.clock.tickMs());
+        rig.pass();
+    }
+    std::vector<std::uint64_t> heardAt;
+    for (const HostCall& call : rig.host.callsOf("playWaveFile")) heardAt.push_back(call.atMs - PollRig::kStartMs);
+    EXPECT_EQ(heardAt, (std::vector<std::uint64_t>{150, 500, 850}));
+}
+
 TEST_F(PollOutputs, WithoutAServerTheHostIsNotAsked) {
     rig.server = 0;
     rig.passFor(3000);
