@@ -223,8 +223,7 @@ TEST_F(RealWorker, CarriesOutATuningClickAndTheUserFollows) {
 TEST_F(RealWorker, LeavesNoProcessBehind) {
     fly("");
     ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
-    const auto workers = childProcesses(L"hopline_worker.exe");
-    ASSERT_EQ(workers.size(), 1u);
+    ASSERT_FALSE(childProcesses(L"hopline_worker.exe").empty());
     session.stop();
-    EXPECT_TRUE(waitFor([&] { return !isProcessRunning(workers[0]); }));
+    EXPECT_TRUE(waitFor([] { return childProcesses(L"hopline_worker.exe").empty(); }));
 }
