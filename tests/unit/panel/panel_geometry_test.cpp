@@ -127,6 +127,20 @@ TEST(PanelPlacement, KnowsMonitorsLeftOfAndAboveTheFirst) {
     }
 }
 
+TEST(PanelPlacement, KnowsAMonitorRightOfTheFirstWithATaskBarOnTopAndItsOwnDpi) {
+    constexpr ScreenRect kRight{1920, 260, 5760, 2300};  // 3840 wide, its first row 220 lower, a bar of 40 on top
+    const struct {
+        std::int32_t storedX, storedY, x, y;
+    } rows[] = {{80, 80, 1920, 260}, {2000, 240, 2000, 260}, {5700, 2290, 4410, 1891}, {4410, 1891, 4410, 1891}};
+    for (const auto& row : rows) {
+        const PanelPlacement panel = placePanel(settingsAt(row.storedX, row.storedY), kRight, 144);
+        EXPECT_EQ(panel.width, 1350);
+        EXPECT_EQ(panel.height, 409);
+        EXPECT_EQ(panel.x, row.x) << row.storedX;
+        EXPECT_EQ(panel.y, row.y) << row.storedY;
+    }
+}
+
 TEST(PanelPlacement, AWorkAreaWithoutSizeLeavesSizeAndPositionAsTheyAreWanted) {
     for (const ScreenRect& area : {ScreenRect{}, ScreenRect{0, 0, 1920, 0}, ScreenRect{0, 0, 0, 1080},
                                    ScreenRect{1920, 1080, 0, 0}, ScreenRect{kMost, kMost, kLeast, kLeast}}) {

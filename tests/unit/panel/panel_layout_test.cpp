@@ -1,8 +1,10 @@
 #include "panel/panel_layout.h"
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <iterator>
 #include <limits>
-#include "tests/unit/panel/panel_tables_copy.h"
+#include <set>
+#include <vector>
 
 namespace {
 
@@ -53,76 +55,119 @@ PanelRect visibleArea(const ThemeLayout& layout) {
     return {layout.origin.x, layout.origin.y, layout.width, layout.height};
 }
 
+// What a theme has to be like, apart from its table: some of its places, and how many elements it has.
+struct Landmarks {
+    std::int32_t theme;
+    PanelRect area;
+    PanelRect activeDisplay;
+    PanelRect swapKey;
+    PanelRect volumeKnob;
+    PanelRect com2Key, com2Lamp;
+    std::int32_t com2LampStyle;
+    std::size_t elements;
+};
+
+constexpr Landmarks kLandmarks[] = {
+    // clang-format off
+    {kGeneralTheme, {43, 76, 1964, 595}, {160, 240, 696, 125}, {932, 233, 184, 145}, {231, 511, 111, 111},
+     {1677, 460, 222, 166}, {1776, 497, 32, 32}, kRoundLamp, 11},
+    {kBoeingTheme,  {29, 42, 1793, 793}, {239, 229, 535, 99},  {871, 236, 107, 72},  {138, 536, 215, 206},
+     {748, 668, 158, 60},   {755, 597, 140, 28}, kLightBar, 14},
+    {kAirbusTheme,  {18, 41, 1579, 924}, {180, 181, 480, 119}, {735, 202, 140, 90},  {144, 785, 102, 102},
+     {350, 599, 142, 90},   {410, 555, 24, 23},  kSquareLamp, 16},
+    // clang-format on
+};
+
+bool isKnob(std::int32_t element) {
+    return element == kVolumeKnob || element == kLargeKnob;
+}
+
 }  // namespace
 
-TEST(PanelLayout, HasTheThreeThemesWithTheirAreasAndDisplays) {
-    for (const ThemeCopy& copy : themeCopies()) {
-        SCOPED_TRACE(copy.theme);
-        const ThemeLayout& layout = themeLayout(copy.theme);
-        EXPECT_EQ(layout.origin.x, copy.origin.x);
-        EXPECT_EQ(layout.origin.y, copy.origin.y);
-        EXPECT_EQ(layout.width, copy.width);
-        EXPECT_EQ(layout.height, copy.height);
-        EXPECT_EQ(layout.displays[0], copy.displays[0]);
-        EXPECT_EQ(layout.displays[1], copy.displays[1]);
+TEST(PanelLayout, HasTheLandmarksOfEveryTheme) {
+    ASSERT_EQ(std::size(kLandmarks), static_cast<std::size_t>(kThemeCount));
+    for (const Landmarks& marks : kLandmarks) {
+        SCOPED_TRACE(marks.theme);
+        const ThemeLayout& layout = themeLayout(marks.theme);
+        EXPECT_EQ(visibleArea(layout), marks.area);
+        EXPECT_EQ(layout.displays[0], marks.activeDisplay);
+        EXPECT_EQ(layout.hotspots.size(), marks.elements);
+        for (const std::int32_t element : {kSwapKey, kVolumeKnob, kCom2Key}) ASSERT_TRUE(findHotspot(layout, element));
+        EXPECT_EQ(findHotspot(layout, kSwapKey)->rect, marks.swapKey);
+        EXPECT_EQ(findHotspot(layout, kVolumeKnob)->rect, marks.volumeKnob);
+        const PanelHotspot& com2 = *findHotspot(layout, kCom2Key);
+        EXPECT_EQ(com2.rect, marks.com2Key);
+        EXPECT_EQ(com2.indicator, marks.com2Lamp);
+        EXPECT_EQ(com2.indicatorStyle, marks.com2LampStyle);
     }
 }
 
-TEST(PanelLayout, HasEveryHotspotInItsPlaceAndOrder) {
-    for (const ThemeCopy& copy : themeCopies()) {
-        const ThemeLayout& layout = themeLayout(copy.theme);
-        ASSERT_EQ(layout.hotspots.size(), copy.hotspots.size());
-        for (std::size_t i = 0; i < copy.hotspots.size(); i++) {
-            SCOPED_TRACE(testing::Message() << "theme " << copy.theme << " element " << copy.hotspots[i].id);
-            EXPECT_EQ(layout.hotspots[i].id, copy.hotspots[i].id);
-            EXPECT_EQ(layout.hotspots[i].rect, copy.hotspots[i].rect);
-            EXPECT_EQ(layout.hotspots[i].round, copy.hotspots[i].round);
-            EXPECT_EQ(layout.hotspots[i].indicator, copy.hotspots[i].indicator);
-            EXPECT_EQ(layout.hotspots[i].indicatorStyle, copy.hotspots[i].style);
+TEST(PanelLayout, EveryThemeHasTheKeysThatAllHaveAndEachElementOnce) {
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        SCOPED_TRACE(theme);
+        const ThemeLayout& layout = themeLayout(theme);
+        for (const std::int32_t element : {kSwapKey, kCom1Key, kCom2Key, kActiveKey, kStandbyKey, kAutoKey, kVolumeKnob,
+                                           kPinKey, kSettingsKey, kMinimizeKey}) {
+            EXPECT_TRUE(findHotspot(layout, element)) << element;
+        }
+        EXPECT_NE(findHotspot(layout, kTextKey) != nullptr, findHotspot(layout, kCustomKeyA) != nullptr);
+        std::set<std::int32_t> seen;
+        for (const PanelHotspot& hotspot : layout.hotspots) {
+            EXPECT_TRUE(seen.insert(hotspot.id).second) << hotspot.id << " twice";
+            EXPECT_EQ(findHotspot(layout, hotspot.id), &hotspot);
+        }
+        EXPECT_FALSE(seen.contains(kSmallKnob));  // it has the large one's rectangle
+        EXPECT_FALSE(seen.contains(kBackground));
+    }
+}
+
+TEST(PanelLayout, OnlyKnobsAreRoundAndOnlyKeysHaveALampOfAKnownStyle) {
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        for (const PanelHotspot& hotspot : themeLayout(theme).hotspots) {
+            SCOPED_TRACE(testing::Message() << "theme " << theme << " element " << hotspot.id);
+            EXPECT_EQ(hotspot.round, isKnob(hotspot.id));
+            const bool isLit = hotspot.indicator != PanelRect{};
+            EXPECT_FALSE(isLit && isKnob(hotspot.id));
+            EXPECT_EQ(isLit, hotspot.indicator.width > 0.0f && hotspot.indicator.height > 0.0f);
+            EXPECT_GE(hotspot.indicatorStyle, kLightBar);
+            EXPECT_LE(hotspot.indicatorStyle, isLit ? std::int32_t{kRoundLamp} : 0);
         }
     }
 }
 
 TEST(PanelLayout, KeysDisplaysStripAndLampsLieInTheVisibleAreaAndApart) {
-    for (const ThemeCopy& copy : themeCopies()) {
-        const ThemeLayout& layout = themeLayout(copy.theme);
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        const ThemeLayout& layout = themeLayout(theme);
         std::vector<PanelRect> solid = {layout.displays[0], layout.displays[1], layout.statusStrip, layout.txLamp,
                                         layout.rxLamp};
         for (const PanelHotspot& hotspot : layout.hotspots) solid.push_back(hotspot.rect);
         for (std::size_t i = 0; i < solid.size(); i++) {
-            EXPECT_TRUE(isWithin(solid[i], visibleArea(layout))) << copy.theme << ' ' << i;
+            EXPECT_TRUE(isWithin(solid[i], visibleArea(layout))) << theme << ' ' << i;
             EXPECT_GT(solid[i].width, 0.0f);
             EXPECT_GT(solid[i].height, 0.0f);
             for (std::size_t k = 0; k < i; k++)
-                EXPECT_FALSE(overlap(solid[i], solid[k])) << copy.theme << ' ' << i << ' ' << k;
+                EXPECT_FALSE(overlap(solid[i], solid[k])) << theme << ' ' << i << ' ' << k;
         }
     }
 }
 
 TEST(PanelLayout, IndicatorsCoverNoOtherKeyAndNeitherStripNorLampsCoverThem) {
-    for (const ThemeCopy& copy : themeCopies()) {
-        const ThemeLayout& layout = themeLayout(copy.theme);
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        const ThemeLayout& layout = themeLayout(theme);
         for (const PanelHotspot& lit : layout.hotspots) {
             if (lit.indicator == PanelRect{}) continue;
-            EXPECT_TRUE(isWithin(lit.indicator, visibleArea(layout))) << copy.theme << ' ' << lit.id;
+            EXPECT_TRUE(isWithin(lit.indicator, visibleArea(layout))) << theme << ' ' << lit.id;
             for (const PanelHotspot& other : layout.hotspots)
                 EXPECT_TRUE(other.id == lit.id || !overlap(lit.indicator, other.rect)) << lit.id << ' ' << other.id;
             for (const PanelRect& rect : {layout.statusStrip, layout.txLamp, layout.rxLamp})
-                EXPECT_FALSE(overlap(lit.indicator, rect)) << copy.theme << ' ' << lit.id;
+                EXPECT_FALSE(overlap(lit.indicator, rect)) << theme << ' ' << lit.id;
         }
-    }
-}
-
-TEST(PanelLayout, HasACopyOfEveryTheme) {
-    ASSERT_EQ(themeCopies().size(), static_cast<std::size_t>(kThemeCount));
-    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
-        EXPECT_EQ(themeCopies()[static_cast<std::size_t>(theme)].theme, theme);
     }
 }
 
 TEST(PanelLayout, AnUnknownThemeIsGeneral) {
     for (const std::int32_t theme :
-         {-1, 3, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
+         {-1, kThemeCount, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
         EXPECT_EQ(&themeLayout(theme), &themeLayout(kGeneralTheme));
         EXPECT_EQ(knownTheme(theme), kGeneralTheme);
         EXPECT_EQ(hit_test(theme, {1000, 300}), kSwapKey);
@@ -143,12 +188,12 @@ TEST(PanelLayout, FindsTheHotspotOfAnElement) {
 }
 
 TEST(PanelHitTest, EveryHotspotFillsItsRectangleUpToTheRightAndBottomEdge) {
-    for (const ThemeCopy& copy : themeCopies())
-        for (const HotspotCopy& hotspot : copy.hotspots) {
-            SCOPED_TRACE(testing::Message() << "theme " << copy.theme << " element " << hotspot.id);
-            expectFillsItsRectangle(copy.theme, hotspot.rect, hotspot.id);
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++)
+        for (const PanelHotspot& hotspot : themeLayout(theme).hotspots) {
+            SCOPED_TRACE(testing::Message() << "theme " << theme << " element " << hotspot.id);
+            expectFillsItsRectangle(theme, hotspot.rect, hotspot.id);
             const bool isPair = hotspot.id == kLargeKnob;
-            EXPECT_EQ(hit_test(copy.theme, centreOf(hotspot.rect)), isPair ? kSmallKnob : hotspot.id);
+            EXPECT_EQ(hit_test(theme, centreOf(hotspot.rect)), isPair ? kSmallKnob : hotspot.id);
         }
 }
 
@@ -178,32 +223,33 @@ TEST(PanelHitTest, TheKnobPairsCornersAreTheLargeKnob) {
 }
 
 TEST(PanelHitTest, TheDisplaysOfBoeingAndAirbusAreOneElement) {
-    for (const ThemeCopy& copy : themeCopies()) {
-        if (copy.theme == kGeneralTheme) continue;
-        for (const PanelRect& display : copy.displays) {
-            expectFillsItsRectangle(copy.theme, display, kFrequencyDisplay);
-            EXPECT_EQ(hit_test(copy.theme, centreOf(display)), kFrequencyDisplay);
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        if (theme == kGeneralTheme) continue;
+        for (const PanelRect& display : themeLayout(theme).displays) {
+            expectFillsItsRectangle(theme, display, kFrequencyDisplay);
+            EXPECT_EQ(hit_test(theme, centreOf(display)), kFrequencyDisplay);
             for (const PanelRect& digit : layoutFrequency(display).digits)
-                EXPECT_EQ(hit_test(copy.theme, centreOf(digit)), kFrequencyDisplay);
+                EXPECT_EQ(hit_test(theme, centreOf(digit)), kFrequencyDisplay);
         }
     }
 }
 
 TEST(PanelHitTest, EverywhereElseIsBackground) {
-    for (const ThemeCopy& copy : themeCopies()) {
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        const ThemeLayout& layout = themeLayout(theme);
         const auto isActive = [&](PanelPoint point) {
             const auto has = [&](const PanelRect& rect) {
                 return point.x >= rect.x && point.x < rect.x + rect.width && point.y >= rect.y &&
                        point.y < rect.y + rect.height;
             };
-            return has(copy.displays[0]) || has(copy.displays[1]) ||
-                   std::ranges::any_of(copy.hotspots, [&](const HotspotCopy& hotspot) { return has(hotspot.rect); });
+            return has(layout.displays[0]) || has(layout.displays[1]) ||
+                   std::ranges::any_of(layout.hotspots, [&](const PanelHotspot& hotspot) { return has(hotspot.rect); });
         };
         int wrong = 0;
-        for (float y = 0; y < copy.origin.y * 2 + copy.height; y += 3)
-            for (float x = 0; x < copy.origin.x * 2 + copy.width; x += 3)
-                wrong += (hit_test(copy.theme, {x, y}) != kBackground) != isActive({x, y});
-        EXPECT_EQ(wrong, 0) << copy.theme;
+        for (float y = 0; y < layout.origin.y * 2 + layout.height; y += 3)
+            for (float x = 0; x < layout.origin.x * 2 + layout.width; x += 3)
+                wrong += (hit_test(theme, {x, y}) != kBackground) != isActive({x, y});
+        EXPECT_EQ(wrong, 0) << theme;
     }
 }
 
