@@ -1,13 +1,8 @@
 // panel_present_win.cpp - how the panel reaches the screen: PanelWindow's presentation.
 #include "base/monitor_win.h"
-#include "panel/panel_style.h"
 #include "panel/panel_window_win.h"
-#include "settings/texts.h"
 
 namespace {
-
-constexpr float kStatusFontShare = 0.60f;  // em height of a status line, of the strip's height
-constexpr std::int32_t kSmallestFont = 9;  // pixels: below this nothing can be read, so the strip is filled instead
 
 // The system tells of most changes of the screen (onDisplayChange); for the others, such as a task bar that hides, half
 // a second is soon enough. Asking costs as much as the rest of an idle tick.
@@ -91,16 +86,7 @@ PixelRect PanelWindow::drawPicture(const PanelPicture& picture) {
 void PanelWindow::paintStatus(const PanelLayers& layers, const PanelPicture& picture) {
     const std::array<const std::string*, 2> texts = {&picture.statusText, &picture.channelStatus};
     for (std::size_t i = 0; i < texts.size(); i++) {
-        const PixelRect& area = layers.statusAreas[i];
-        TextLine line;
-        line.text = *texts[i];
-        line.family = fontFamilyOf(rooms_.languageIndex);
-        line.width = area.right - area.left;
-        line.height = area.bottom - area.top;
-        line.fontPixels = std::max(static_cast<std::int32_t>(static_cast<float>(line.height) * kStatusFontShare + 0.5f),
-                                   std::min(kSmallestFont, line.height));
-        line.colour = panelStyle(picture.theme).statusText;
-        line.isRightAligned = i == 1;
+        TextLine line = statusLine(layers, i, *texts[i], rooms_.languageIndex);
         if (line == statusLines_[i]) continue;
         statusImages_[i] = paintTextLine(line);
         statusLines_[i] = std::move(line);

@@ -7,6 +7,9 @@
 
 namespace {
 
+constexpr std::int32_t kCursorGapX = 14;  // pixels from the cursor to the tip
+constexpr std::int32_t kCursorGapY = 22;
+
 // A linear value as whole percent; unknown ones (negative) count as 0.
 std::string percentText(float share) {
     return formatFixed(std::max(0.0, static_cast<double>(share) * 100.0), 0) + '%';
@@ -79,4 +82,8 @@ std::string panelTooltip(std::int32_t element, const TooltipInputs& inputs) {
         default:
             return std::string(fixedTip(element));
     }
+}
+
+TipPlace tipPlace(std::int32_t cursorX, std::int32_t cursorY) {
+    return {cursorX + kCursorGapX, cursorY + kCursorGapY};
 }

@@ -1,4 +1,4 @@
-// panel_tooltip.h - the tip for each element of the radio panel. UTF-8; empty where an element has none.
+// panel_tooltip.h - the tip for each element of the radio panel, and where it goes. Pure functions.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -16,4 +16,16 @@ struct TooltipInputs {
     std::array<std::string_view, 8> actionTexts;  // for each bind_* code, in the interface language
 };
 
+// UTF-8, lines parted by \n; empty where an element has none.
 std::string panelTooltip(std::int32_t element, const TooltipInputs& inputs);
+
+// The tip's top left corner, screen pixels.
+struct TipPlace {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+
+    bool operator==(const TipPlace&) const = default;
+};
+
+// Right of and below the cursor (screen pixels), so that it covers nothing of what it explains.
+TipPlace tipPlace(std::int32_t cursorX, std::int32_t cursorY);

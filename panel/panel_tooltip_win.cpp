@@ -1,13 +1,12 @@
 #include "panel/panel_tooltip_win.h"
 #include <commctrl.h>
 #include "base/wide_text_win.h"
+#include "panel/panel_tooltip.h"
 
 namespace {
 
 constexpr UINT_PTR kToolId = 1;
 constexpr LPARAM kMaxTipWidth = 480;  // pixels; long tips wrap, and line breaks count
-constexpr int kCursorGapX = 14;       // pixels from the cursor to the tip
-constexpr int kCursorGapY = 22;
 
 TTTOOLINFOW toolOf(HWND owner) {
     TTTOOLINFOW tool = {};
@@ -49,7 +48,8 @@ void PanelTooltip::show(std::string_view text) {
     setText(text);
     POINT cursor = {};
     GetCursorPos(&cursor);
-    const LPARAM position = MAKELPARAM(cursor.x + kCursorGapX, cursor.y + kCursorGapY);
+    const TipPlace place = tipPlace(cursor.x, cursor.y);
+    const LPARAM position = MAKELPARAM(place.x, place.y);
     if (position != position_ || !isShown_) SendMessageW(tooltip_window_, TTM_TRACKPOSITION, 0, position);
     position_ = position;
     activate(true);

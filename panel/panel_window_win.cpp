@@ -58,6 +58,8 @@ LRESULT PanelWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return onDestroy();
         case WM_ERASEBKGND:
             return 1;  // the whole picture is pushed; there is nothing to erase
+        case WM_PRINTCLIENT:
+            return onPrint(reinterpret_cast<HDC>(wParam));
         case WM_CLOSE:
             return onClose(wParam);
         case WM_KILLFOCUS:
@@ -112,6 +114,14 @@ LRESULT PanelWindow::onDestroy() {
     SetWindowLongPtrW(window_, GWLP_USERDATA, 0);  // later messages find only the default procedure
     rooms_.panel_window.exchange(nullptr);
     PostQuitMessage(0);
+    return 0;
+}
+
+// The picture as it was drawn last: the screen shows it blended with what lies behind.
+LRESULT PanelWindow::onPrint(HDC dc) const {
+    const ArgbView& picture = surface_.view();
+    if (drawn_) BitBlt(dc, 0, 0, picture.width, picture.height, surface_.dc(), 0, 0, SRCCOPY);
+    GdiFlush();  // whoever asked may look at the pixels
     return 0;
 }
 

@@ -36,6 +36,7 @@ class PanelWindow {
   private:
     LRESULT onMessage(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT onCreate();
+    LRESULT onPrint(HDC dc) const;
     LRESULT onClose(WPARAM reason);
     LRESULT onDestroy();
     LRESULT onTimer();

@@ -1,9 +1,15 @@
 #include "panel/text_line_win.h"
+#include <algorithm>
 #include <cwchar>
 #include "base/wide_text_win.h"
 #include "panel/memory_surface_win.h"
+#include "panel/panel_style.h"
+#include "settings/texts.h"
 
 namespace {
+
+constexpr float kStatusFontShare = 0.60f;  // em height of a status line, of the strip's height
+constexpr std::int32_t kSmallestFont = 9;  // pixels: below this nothing can be read, so the strip is filled instead
 
 // A font selected into a context.
 class SelectedFont {
@@ -49,6 +55,20 @@ void drawWhite(const MemorySurface& surface, const TextLine& line) {
 }
 
 }  // namespace
+
+TextLine statusLine(const PanelLayers& layers, std::size_t side, std::string_view text, std::int32_t language) {
+    const PixelRect& area = layers.statusAreas[side];
+    TextLine line;
+    line.text = text;
+    line.family = fontFamilyOf(language);
+    line.width = area.right - area.left;
+    line.height = area.bottom - area.top;
+    line.fontPixels = std::max(static_cast<std::int32_t>(static_cast<float>(line.height) * kStatusFontShare + 0.5f),
+                               std::min(kSmallestFont, line.height));
+    line.colour = panelStyle(layers.theme).statusText;
+    line.isRightAligned = side == 1;
+    return line;
+}
 
 ArgbImage paintTextLine(const TextLine& line) {
     MemorySurface surface;

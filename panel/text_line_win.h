@@ -3,7 +3,9 @@
 #include <windows.h>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include "panel/argb_image.h"
+#include "panel/panel_layers.h"
 
 struct TextLine {
     std::string text;              // UTF-8
@@ -16,6 +18,9 @@ struct TextLine {
 
     bool operator==(const TextLine&) const = default;
 };
+
+// A status line of the panel: side 0 left, 1 right; text in UTF-8, in the font of an interface language.
+TextLine statusLine(const PanelLayers& layers, std::size_t side, std::string_view text, std::int32_t language);
 
 // [ui] The line, vertically centred, with an ellipsis where it is too long, on transparent ground. Empty when there is
 // no text, no room or no memory.
