@@ -240,7 +240,7 @@ void presentPlainly(HWND window, Gdiplus::Bitmap& art, const ThemeLayout& layout
 }
 
 void measureBaseline(std::int32_t theme, std::uint64_t ms) {
-    useScreenPixels();
+    useDevicePixels();
     WNDCLASSW description = {};
     description.lpfnWndProc = DefWindowProcW;
     description.hInstance = GetModuleHandleW(nullptr);
@@ -304,7 +304,7 @@ void printResources(const char* when) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    useScreenPixels();
+    useDevicePixels();
     const auto ms = static_cast<std::uint64_t>(argc > 1 ? std::max(1, std::atoi(argv[1])) : 20) * 1000;
     const GdiPlusSession gdiPlus;
     Client client;

@@ -6,7 +6,7 @@
 #include "messages/message_page.h"
 #include "messages/message_paint_win.h"
 #include "settings/language.h"
-#include "tests/client/window_picture_win.h"
+#include "tests/client/picture_compare.h"
 #include "tests/unit/fakes.h"
 
 namespace {
@@ -110,6 +110,7 @@ class MessagePaint : public testing::TestWithParam<std::uint32_t> {
         ASSERT_TRUE(surface_.resize(static_cast<int>(kMessageWidth * scale), static_cast<int>(kMessageHeight * scale)));
         TextMeasurer measurer(painter_, surface_, scale);
         painter_.paint(surface_, scale, itemsOf(measurer));
+        GdiFlush();
         shown = coloursOf(surface_.view());
     }
 

@@ -6,6 +6,7 @@
 #include "messages/message_requests_win.h"
 #include "tests/client/message_driver_win.h"
 #include "tests/client/panel_test.h"
+#include "tests/client/picture_compare.h"
 #include "tests/client/wanted_page_win.h"
 #include "tests/client/window_picture_win.h"
 #include "tests/client/window_watch_win.h"
@@ -332,7 +333,7 @@ TEST_F(Messages, TheWindowIsSeenOnTheScreen) {
         return session.waitUntil(
             [&] {
                 backdrop.paint();
-                return isSamePicture(printScreen(place), wanted);
+                return isSamePicture(coloursOf(lookAtScreen(place)), wanted);
             },
             kLongMs);
     };
@@ -343,8 +344,9 @@ TEST_F(Messages, TheWindowIsSeenOnTheScreen) {
     const RECT again = messageWindowRect();
     ASSERT_TRUE(EqualRect(&again, &place));
     // The cursor blinks: the window's picture is taken anew for each look.
-    EXPECT_TRUE(session.waitUntil([&] { return isSamePicture(printScreen(place), printWindow(findMessageWindow())); },
-                                  kLongMs));
+    EXPECT_TRUE(session.waitUntil(
+        [&] { return isSamePicture(coloursOf(lookAtScreen(place)), coloursOf(askForPicture(findMessageWindow()))); },
+        kLongMs));
 }
 
 TEST_F(Messages, AreForgottenAtShutdown) {

@@ -56,11 +56,10 @@ class PanelArt : public PanelTest {
     }
     void expectWorkingPanels() {
         for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
-            ASSERT_TRUE(show(theme)) << kThemeNames[theme];
-            EXPECT_TRUE(clickSaves(kCom2Key, "radio=COM2")) << kThemeNames[theme];
+            ASSERT_TRUE(show(theme)) << themeName(theme);
+            EXPECT_TRUE(clickSaves(kCom2Key, "radio=COM2")) << themeName(theme);
             panel().wheel(theme == kGeneralTheme ? kStandbyMhzDigits : kLargeKnob, 120);
-            EXPECT_EQ(nextTuning(2), "standby 122975") << kThemeNames[theme];
-            answer();
+            EXPECT_EQ(nextTuning(2), "standby 122975") << themeName(theme);
             session.stop();
         }
     }

@@ -1,4 +1,5 @@
 #include "tests/client/panel_driver_win.h"
+#include "settings/dialog_rows.h"
 #include "tests/client/test_machine_win.h"
 
 namespace {
@@ -42,8 +43,12 @@ HWND findPanelTip() {
     return static_cast<HWND>(findOwnWindow(L"tooltips_class32"));
 }
 
-void useScreenPixels() {
-    SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+DPI_AWARENESS_CONTEXT useDevicePixels() {
+    return SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+}
+
+std::string_view themeName(std::int32_t theme) {
+    return optionText(*findRow(kThemeChoice), theme, 0);
 }
 
 double PanelDriver::scale() const {

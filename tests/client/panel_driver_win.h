@@ -4,6 +4,7 @@
 #pragma once
 #include <windows.h>
 #include <cstdint>
+#include <string_view>
 #include "panel/panel_layout.h"
 
 // The panel of this process, null while there is none.
@@ -11,8 +12,12 @@ HWND findPanel();
 // The panel's tooltip control, null while there is none.
 HWND findPanelTip();
 
-// Lets this thread see screen coordinates as the panel's own thread does, at every resolution.
-void useScreenPixels();
+// From here on this thread is told places and sizes in the screen's own pixels, as the panel's thread is; without it
+// the system scales them wherever the resolution is not 96 DPI. Answers what was in force before.
+DPI_AWARENESS_CONTEXT useDevicePixels();
+
+// A theme's name as the settings dialog calls it: "GENERAL".
+std::string_view themeName(std::int32_t theme);
 
 class PanelDriver {
   public:
@@ -24,6 +29,7 @@ class PanelDriver {
     // A client point on the element, well inside; of the large knob's ring for kLargeKnob, a free spot for kBackground.
     // {-1, -1} when the theme lacks it.
     POINT pointOn(std::int32_t element) const;
+    POINT toClient(PanelPoint point) const;
 
     // Each posts one message at a client point.
     void press(POINT at) const { postAt(WM_LBUTTONDOWN, MK_LBUTTON, at); }
@@ -39,7 +45,6 @@ class PanelDriver {
 
   private:
     void postAt(UINT message, WPARAM keys, POINT at) const;
-    POINT toClient(PanelPoint point) const;
     PanelPoint freeSpot() const;
 
     HWND panel_;

@@ -1,17 +1,18 @@
-// panel_test.h - a test with the radio panel on the screen: a flying aircraft, the real window, a hand to work it.
+// panel_test.h - a test with the radio panel in the real DLL: a flying aircraft, the real window, a hand to work it.
+// The pointer is parked where no panel is: a panel that appears below it would be told of a mouse that moves.
 #pragma once
 #include <string>
 #include "tests/client/client_session_win.h"
 #include "tests/client/command_reader.h"
 #include "tests/client/panel_driver_win.h"
-
-inline constexpr const char* kThemeNames[] = {"GENERAL", "BOEING", "AIRBUS"};
+#include "tests/client/window_picture_win.h"
 
 class PanelTest : public PluginTest {
   protected:
-    PanelTest() { useScreenPixels(); }
+    PanelTest();
+    ~PanelTest() override;
 
-    // Both radios on the air, the settings written, the plugin started, the panel on the screen in its theme's size.
+    // Both radios on the air, the settings written, the plugin started, the panel visible in its theme's size.
     // lines: "key=value\r\n" of the settings, without the theme.
     ::testing::AssertionResult show(std::int32_t theme, const std::string& lines = "");
     // The same without waiting for the window to be visible.
@@ -19,6 +20,14 @@ class PanelTest : public PluginTest {
     bool isShown() const;
     RECT screenRect() const;
     PanelDriver panel() const { return {findPanel(), theme_}; }
+
+    // Each returns when the panel's thread has done it.
+    LRESULT send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
+    LRESULT sendAt(UINT message, POINT client) const;
+    void presentNow() const { send(WM_DISPLAYCHANGE, 32); }
+    // No tick but those a test sends, no presentation: the panel believes the system moves it.
+    void stopTicks() const { send(WM_ENTERSIZEMOVE); }
+    void letTick() const { send(WM_EXITSIZEMOVE); }
 
     // The saved settings hold this line.
     bool isSaved(const std::string& line) const;
@@ -35,6 +44,7 @@ class PanelTest : public PluginTest {
 
   private:
     CommandReader commands_{session};
+    const DPI_AWARENESS_CONTEXT awarenessBefore_;
     std::int32_t theme_ = kGeneralTheme;
     std::string settingsBefore_;
 };

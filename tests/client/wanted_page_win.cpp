@@ -2,6 +2,7 @@
 #include <cmath>
 #include "settings/language.h"
 #include "settings/settings.h"
+#include "tests/client/picture_compare.h"
 #include "tests/client/window_picture_win.h"
 #include "tests/unit/fakes.h"
 
@@ -53,7 +54,7 @@ void WantedPages::add(const std::string& sender, const std::string& text, std::u
     MessageStore store;
     for (const Delivered& message : messages_)
         addMessage(store, message.sender, message.text, message.target, 0, clock.tickMs());
-    ArgbImage shown = printWindow(window);
+    ArgbImage shown = coloursOf(askForPicture(window));
     MemorySurface surface;
     if (!surface.resize(shown.width, shown.height)) return ::testing::AssertionFailure() << "no picture";
     TextMeasurer measurer(painter_, surface, scale);
@@ -66,6 +67,7 @@ void WantedPages::add(const std::string& sender, const std::string& text, std::u
     store.unread = wanted.unread;
     const PageLook look = page.look(store, Settings{}.text_scale, kEnglish, dpi);
     painter_.paint(surface, scale, page.items(page.layOut(store, look, {measure, wallClock, clock})));
+    GdiFlush();  // before our own code touches the pixels
     ArgbImage painted = coloursOf(surface.view());
     if (const auto cursor = page.cursor(0)) {
         blankPixels(shown, pixelsOf(cursor->rect, scale));

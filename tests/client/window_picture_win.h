@@ -1,16 +1,12 @@
-// window_picture_win.h - what a window of ours shows, by its own hand: WM_PRINTCLIENT into a bitmap. The screen, and
-// what stands in front of the window there, do not matter. [host] Used from a test's main thread.
+// window_picture_win.h - what a window of ours shows, from itself: neither the screen nor what lies behind matters.
+// [host] Used from the main thread of a test or the pictures.
 #pragma once
-#include <gtest/gtest.h>
 #include <windows.h>
 #include "panel/argb_image.h"
 
-// All of them colours without their fourth byte.
-ArgbImage coloursOf(const ArgbView& view);
-ArgbImage printWindow(HWND window);  // empty when there is no such window
-ArgbImage printScreen(const RECT& part);
+// The window's own picture (WM_PRINTCLIENT) in the size of its client area; empty without a window. What the window
+// does not draw is 0.
+ArgbImage askForPicture(HWND window);
 
-// Makes what need not be equal equal.
-void blankPixels(ArgbImage& image, const PixelRect& area);
-// Says how many pixels differ, and which one first.
-::testing::AssertionResult isSamePicture(const ArgbImage& shown, const ArgbImage& wanted);
+// A part of the screen as it is now: only to see that a window reaches it at all.
+ArgbImage lookAtScreen(const RECT& part);

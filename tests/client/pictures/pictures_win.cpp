@@ -3,6 +3,7 @@
 //                                                   the pictures whose name has it; --each: one of each window
 // Exits with 1 if a picture could not be taken.
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -13,7 +14,6 @@
 
 namespace {
 
-constexpr const char* kThemeNames[] = {"general", "boeing", "airbus"};
 constexpr int kMargin = 24;                 // of ground, where what is translucent is to be seen
 constexpr DWORD kBetweenMs = 25;            // two looks at the screen
 constexpr std::uint64_t kStillMs = 200;     // unchanged for so long is still: six ticks of the panel
@@ -94,14 +94,26 @@ ScreenPicture playScene(const Scene& scene, std::int32_t theme, Studio& studio) 
     if (!session.start()) return {};
     if (!session.waitUntil([] { return isOnScreen(findPanel()); })) return {};
     if (!session.waitPasses(3)) return {};  // the aircraft is read
-    Stage stage{session, {findPanel(), theme}, theme};
+    Stage stage{session, {findPanel(), theme}, theme, {}};
+    if (scene.prepare && !session.waitUntil([&] { return isConnected(stage); })) return {};
+    stage.before = askForPicture(findPanel());
     if (scene.act) scene.act(stage);
     if (!session.waitUntil([&] { return isOnScreen(scene.window()); })) return {};
+    if (scene.isReached && !session.waitUntil([&] { return scene.isReached(stage); })) {
+        std::printf("    %s does not show what it is named for\n", scene.name);
+        return {};
+    }
     RECT rect = {};
     GetWindowRect(scene.window(), &rect);
     if (studio.isDivided) studio.ground.divideAt((rect.left + rect.right) / 2);
     return scene.moment == Moment::kStill ? takeStill(session, studio, scene.window())
                                           : takeBrightest(session, studio, scene.window());
+}
+
+std::string lowerCase(std::string_view name) {
+    std::string lower(name);
+    for (char& letter : lower) letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    return lower;
 }
 
 // One of each window: what tells most about it.
@@ -138,7 +150,7 @@ std::vector<Picture> wantedPictures(const Order& order) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         for (const Scene& scene : panelScenes()) {
             if (scene.moment == Moment::kBrightest && theme == kGeneralTheme) continue;  // no lamp of its flashes
-            add(scene, theme, std::string("panel_") + kThemeNames[theme]);
+            add(scene, theme, "panel_" + lowerCase(themeName(theme)));
         }
     }
     for (const Scene& scene : messageScenes()) add(scene, kGeneralTheme, "messages");
@@ -174,7 +186,7 @@ int main(int argc, char** argv) {
         std::printf("usage: pictures OUT_FOLDER PERCENT [PART | --each]\n");
         return 2;
     }
-    useScreenPixels();
+    useDevicePixels();
     const GdiPlusSession gdiPlus;
     const std::string part = argc > 3 ? argv[3] : "";
     const bool isOneOfEach = part == "--each";

@@ -1,4 +1,6 @@
 #include "tests/client/pictures/scenes_win.h"
+#include <algorithm>
+#include "panel/panel_picture.h"
 
 namespace {
 
@@ -21,9 +23,15 @@ void holdSwapKey(Stage& stage) {
     stage.panel.press(stage.panel.pointOn(kSwapKey));
 }
 
+// A held knob looks as one let go: it is seen to be held by its having been turned.
 void holdKnob(Stage& stage) {
     const std::int32_t knob = stage.theme == kGeneralTheme ? kVolumeKnob : kLargeKnob;
-    stage.panel.press(stage.panel.pointOn(knob));
+    POINT at = stage.panel.pointOn(knob);
+    stage.panel.press(at);
+    for (int i = 0; i < 4; i++) {
+        at.y += 10;
+        stage.panel.move(at);
+    }
 }
 
 void talkBothWays(Stage& stage) {
@@ -61,31 +69,105 @@ void hoverVolume(Stage& stage) {
     hover(stage, kVolumeKnob);
 }
 
+// --- what the panel shows, in its own picture ---
+
+PixelRect pixelsOf(const Stage& stage, const PanelRect& part) {
+    const POINT first = stage.panel.toClient({part.x, part.y});
+    const POINT last = stage.panel.toClient({part.x + part.width, part.y + part.height});
+    return {static_cast<std::int32_t>(first.x), static_cast<std::int32_t>(first.y), static_cast<std::int32_t>(last.x),
+            static_cast<std::int32_t>(last.y)};
+}
+
+// Another picture than before the act in this part of the theme's layout.
+bool isChanged(const Stage& stage, const PanelRect& part) {
+    const ArgbImage now = askForPicture(stage.panel.window());
+    const PixelRect area = pixelsOf(stage, part);
+    return now.pixels.size() == stage.before.pixels.size() &&
+           cropImage(now, area).pixels != cropImage(stage.before, area).pixels;
+}
+
+bool isElementChanged(const Stage& stage, std::int32_t element) {
+    const PanelHotspot* hotspot = findHotspot(themeLayout(stage.theme), element);
+    return hotspot && (isChanged(stage, hotspot->rect) || isChanged(stage, hotspot->indicator));
+}
+
+// The left one: the right one is about the channel.
+bool isStatusChanged(const Stage& stage) {
+    PanelRect line = themeLayout(stage.theme).statusStrip;
+    line.width /= 2;
+    return isChanged(stage, line);
+}
+
+bool hasDeadDigits(const Stage& stage) {
+    const ArgbImage now = askForPicture(stage.panel.window());
+    const ArgbImage display = cropImage(now, pixelsOf(stage, themeLayout(stage.theme).displays[0]));
+    return std::ranges::find(display.pixels, kDisconnectedArgb) != display.pixels.end();
+}
+
+bool isKnobHeld(const Stage& stage) {
+    GUITHREADINFO thread = {};
+    thread.cbSize = sizeof thread;
+    return GetGUIThreadInfo(GetWindowThreadProcessId(stage.panel.window(), nullptr), &thread) &&
+           thread.hwndCapture == stage.panel.window() &&
+           isElementChanged(stage, stage.theme == kGeneralTheme ? kVolumeKnob : kLargeKnob);
+}
+
+bool isSwapKeyDown(const Stage& stage) {
+    return isElementChanged(stage, kSwapKey);
+}
+
+bool areLampsLit(const Stage& stage) {
+    return isChanged(stage, themeLayout(stage.theme).txLamp) && isChanged(stage, themeLayout(stage.theme).rxLamp);
+}
+
+// The turn is with the simulator's side, and the panel says so.
+bool isWritePending(const Stage& stage) {
+    return fileBytes(stage.session.dataFolder / "command.json") > 0 && isStatusChanged(stage) &&
+           isChanged(stage, themeLayout(stage.theme).displays[1]);
+}
+
+bool areKnobsTurned(const Stage& stage) {
+    return isElementChanged(stage, kVolumeKnob) &&
+           (stage.theme == kGeneralTheme || isElementChanged(stage, kLargeKnob));
+}
+
+bool isTextKeyLit(const Stage& stage) {
+    return isElementChanged(stage, kCustomKeyA);
+}
+
+bool isTipShown(const Stage&) {
+    return findPanelTip() && IsWindowVisible(findPanelTip());
+}
+
 // Everything that can shine does, on custom keys too: AUTO, COM2, target STANDBY, pin.
 constexpr const char* kLampSettings =
     "radio=COM2\r\ntarget=1\r\npin=1\r\nbind_B=2\r\nbind_C=4\r\nbind_D=6\r\nbind_E=7\r\n";
 
 // clang-format off
 constexpr Scene kPanelScenes[] = {
-    // name          settings                aircraft               act           window     moment              150 %
-    {"connected",    "",                     flyAlong,              nullptr,      findPanel, Moment::kStill,     true},
-    {"disconnected", "",                     nullptr,               nullptr,      findPanel, Moment::kStill,     true},
-    {"pressed",      "",                     flyAlong,              holdSwapKey,  findPanel, Moment::kStill,     true},
-    {"held",         "",                     flyAlong,              holdKnob,     findPanel, Moment::kStill,     false},
-    {"lamps",        kLampSettings,          flyAlong,              talkBothWays, findPanel, Moment::kStill,     true},
-    {"pending",      "enabled=0\r\n",        flyAlong,              turnStandby,  findPanel, Moment::kStill,     true},
-    {"turned",       "follow_volume=0\r\n",  flyAlong,              turnKnobs,    findPanel, Moment::kStill,     false},
-    {"text",         "text_auto_open=0\r\n", flyAlong,              receiveText,  findPanel, Moment::kBrightest, true},
-    {"unknown",      "",                     flyWithoutFrequencies, nullptr,      findPanel, Moment::kStill,     false},
-    {"refused",      "",                     flyWithLockedRadios,   turnStandby,  findPanel, Moment::kStill,     false},
-    {"tip",          "",                     flyAlong,              hoverVolume,  findPanel, Moment::kStill,     false},
-    {"scale50",      "panel_scale=50\r\n",   flyAlong,              nullptr,      findPanel, Moment::kStill,     false},
-    {"scale200",     "panel_scale=200\r\n",  flyAlong,              nullptr,      findPanel, Moment::kStill,     true},
-    {"opacity50",    "opacity=50\r\n",       flyAlong,              nullptr,      findPanel, Moment::kStill,     false},
+    // name          settings                aircraft               act           window     moment              150 %  shows
+    {"connected",    "",                     flyAlong,              nullptr,      findPanel, Moment::kStill,     true,  isConnected},
+    {"disconnected", "",                     nullptr,               nullptr,      findPanel, Moment::kStill,     true,  hasDeadDigits},
+    {"pressed",      "",                     flyAlong,              holdSwapKey,  findPanel, Moment::kStill,     true,  isSwapKeyDown},
+    {"held",         "",                     flyAlong,              holdKnob,     findPanel, Moment::kStill,     false, isKnobHeld},
+    {"lamps",        kLampSettings,          flyAlong,              talkBothWays, findPanel, Moment::kStill,     true,  areLampsLit},
+    {"pending",      "enabled=0\r\n",        flyAlong,              turnStandby,  findPanel, Moment::kStill,     true,  isWritePending},
+    {"turned",       "follow_volume=0\r\n",  flyAlong,              turnKnobs,    findPanel, Moment::kStill,     false, areKnobsTurned},
+    {"text",         "text_auto_open=0\r\n", flyAlong,              receiveText,  findPanel, Moment::kBrightest, true,  isTextKeyLit},
+    {"unknown",      "",                     flyWithoutFrequencies, nullptr,      findPanel, Moment::kStill,     false, isConnected},
+    {"refused",      "",                     flyWithLockedRadios,   turnStandby,  findPanel, Moment::kStill,     false, isStatusChanged},
+    {"tip",          "",                     flyAlong,              hoverVolume,  findPanel, Moment::kStill,     false, isTipShown},
+    {"scale50",      "panel_scale=50\r\n",   flyAlong,              nullptr,      findPanel, Moment::kStill,     false, isConnected},
+    {"scale200",     "panel_scale=200\r\n",  flyAlong,              nullptr,      findPanel, Moment::kStill,     true,  isConnected},
+    {"opacity50",    "opacity=50\r\n",       flyAlong,              nullptr,      findPanel, Moment::kStill,     false, isConnected},
 };
 // clang-format on
 
 }  // namespace
+
+bool isConnected(const Stage& stage) {
+    return !askForPicture(stage.panel.window()).isEmpty() && !hasDeadDigits(stage);
+}
 
 std::span<const Scene> panelScenes() {
     return kPanelScenes;

@@ -4,12 +4,14 @@
 #include <span>
 #include "tests/client/client_session_win.h"
 #include "tests/client/panel_driver_win.h"
+#include "tests/client/window_picture_win.h"
 
 // The running plugin while a scene is set.
 struct Stage {
     ClientSession& session;
     PanelDriver panel;
     std::int32_t theme;
+    ArgbImage before;  // the panel's own picture before the act
 };
 
 enum class Moment {
@@ -25,7 +27,12 @@ struct Scene {
     HWND (*window)();                       // what the picture is of
     Moment moment;
     bool atEveryResolution;  // not only at 100 %
+    // That the scene shows what it is named for; the picture is taken once it holds. Null: whatever stands there.
+    bool (*isReached)(const Stage& stage) = nullptr;
 };
+
+// The panel shows the aircraft's frequencies.
+bool isConnected(const Stage& stage);
 
 // Each is taken in every theme.
 std::span<const Scene> panelScenes();

@@ -1,6 +1,6 @@
 // screen_picture_win.h - pictures of the screen as a user sees it, translucent windows blended with what is behind
 // them: that needs a compositor on the screen (tools/screenshots starts one). [host] All of it on one thread, which
-// sees screen pixels (useScreenPixels).
+// is told device pixels (useDevicePixels).
 #pragma once
 #include <windows.h>
 #include <cstdint>

@@ -1,0 +1,87 @@
+// What the radio panel leaves behind: nothing. Counts are held to "less than one a step": another thread's own comings
+// and goings stay far below that, a leak does not.
+#include "tests/client/panel_test.h"
+#include "tests/client/resource_count_win.h"
+
+namespace {
+
+bool hasPanelClass() {
+    WNDCLASSEXW description = {};
+    description.cbSize = sizeof description;
+    return GetClassInfoExW(GetModuleHandleW(L"corvalis_win64.dll"), L"CorvalisRadioPanel", &description) != 0;
+}
+
+void expectLessThanOneAStep(const ResourceCount& before, const ResourceCount& after, int steps) {
+    EXPECT_LT(after.gdiObjects - before.gdiObjects, steps);
+    EXPECT_LT(after.userObjects - before.userObjects, steps);
+    EXPECT_LT(after.handles - before.handles, steps);
+    // A step's pictures take a megabyte and more.
+    EXPECT_LT(static_cast<double>(after.privateBytes) - static_cast<double>(before.privateBytes), 0.5e6 * steps);
+}
+
+}  // namespace
+
+class PanelResources : public PanelTest {
+  protected:
+    // Another theme in another size, drawn anew several times with its knob turning.
+    void present(std::int32_t theme, int percent) {
+        session.writeSettings("theme=" + std::to_string(theme) + "\r\npanel_scale=" + std::to_string(percent) + "\r\n");
+        ASSERT_TRUE(session.start());
+        const PanelDriver driver(findPanel(), theme);
+        presentNow();
+        POINT knob = driver.pointOn(theme == kGeneralTheme ? kStandbyMhzDigits : kLargeKnob);
+        ClientToScreen(findPanel(), &knob);
+        for (int i = 0; i < 5; i++) {
+            send(WM_MOUSEWHEEL, MAKEWPARAM(0, i % 2 ? 120 : -120), MAKELPARAM(knob.x, knob.y));
+            presentNow();
+        }
+    }
+    // The number of steps.
+    int presentAll() {
+        int steps = 0;
+        for (const std::int32_t theme : {kBoeingTheme, kAirbusTheme, kGeneralTheme}) {
+            for (const int percent : {60, 100, 75}) {
+                present(theme, percent);
+                steps++;
+            }
+        }
+        return steps;
+    }
+};
+
+TEST_F(PanelResources, DoNotGrowOverManyPresentations) {
+    ASSERT_TRUE(show(kGeneralTheme));
+    for (int i = 0; i < 2; i++) presentAll();  // what is cached is there now
+    const ResourceCount before = countResources();
+    ASSERT_GT(before.gdiObjects, 0);
+    ASSERT_GT(before.userObjects, 0);
+    ASSERT_GT(before.handles, 0);
+    int steps = 0;
+    for (int i = 0; i < 3; i++) steps += presentAll();
+    expectLessThanOneAStep(before, countResources(), steps);
+}
+
+TEST_F(PanelResources, AreGivenBackAtShutdown) {
+    const auto cycle = [&](std::int32_t theme) {
+        ASSERT_TRUE(show(theme));
+        session.stop();
+    };
+    for (int i = 0; i < kThemeCount; i++) cycle(i);
+    const ResourceCount before = countResources();
+    int steps = 0;
+    for (; steps < 3 * kThemeCount; steps++) cycle(steps % kThemeCount);
+    expectLessThanOneAStep(before, countResources(), steps);
+}
+
+TEST_F(PanelResources, NoClassAndNoWindowIsLeftOverTwoLoads) {
+    for (int i = 0; i < kThemeCount; i++) {
+        ASSERT_TRUE(show(i));
+        EXPECT_TRUE(hasPanelClass());
+        session.stop();
+        EXPECT_FALSE(hasPanelClass());
+        EXPECT_EQ(findPanel(), nullptr);
+        EXPECT_EQ(findPanelTip(), nullptr);
+        session.plugin.unload();
+        EXPECT_EQ(GetModuleHandleW(L"corvalis_win64.dll"), nullptr);
+    }
+}
