@@ -64,13 +64,20 @@ TEST_F(RadioWrites, AStepBecomesOneCommandOfThisForm) {
 }
 
 TEST_F(RadioWrites, CreatedIsTheTimeOfWriting) {
-    constexpr double kRounded = 0.0005;  // to three decimals
     fly();
-    const double before = session.clock.unixSeconds();
     step(1, kStandby, false, 1);
-    const double created = std::stod(jsonValue(nextCommand(), "created"));
-    EXPECT_GE(created, before + 0.2);  // it has waited 300 ms for another turn
-    EXPECT_LE(created, session.clock.unixSeconds() + kRounded);
+    nextCommand();
+    step(2, kStandby, false, 1);  // asked for now, written once the first is answered
+    ASSERT_TRUE(session.waitPasses(3));
+    const double answered = session.clock.unixSeconds();
+    acknowledge(true);
+    const std::string created = jsonValue(nextCommand(), "created");
+    const double seen = session.clock.unixSeconds();
+    // Cut or rounded to its three decimals.
+    constexpr double kMillisecond = 0.001;
+    EXPECT_EQ(created.find('.'), created.size() - 4) << created;
+    EXPECT_GE(std::stod(created), answered - kMillisecond) << created;
+    EXPECT_LE(std::stod(created), seen + kMillisecond) << created;
 }
 
 TEST_F(RadioWrites, StepsGoAlongTheGridAndWrapInsideTheMegahertz) {
