@@ -16,12 +16,14 @@ struct ConnectionEvent {
     std::string bytes;  // of Received
 };
 
+enum class Loopback : std::uint8_t { IPv4, IPv6 };
+
 class Connections {
   public:
     virtual ~Connections() = default;
 
     // port 0 takes a free one; 0 = it cannot be had. Only this computer can connect.
-    virtual std::uint16_t listenTcp(std::uint16_t port) = 0;
+    virtual std::uint16_t listenTcp(std::uint16_t port, Loopback loopback) = 0;
     // "Microsoft Flight Simulator\SimConnect". False where there are no such pipes, or somebody else has it.
     virtual bool listenPipe(const std::string& name) = 0;
     // While unreachable, the port and the pipe do not exist; those who are connected stay.

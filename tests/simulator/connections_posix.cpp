@@ -1,6 +1,5 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
-#include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -9,7 +8,7 @@
 #include <cerrno>
 #include <map>
 #include <utility>
-#include "tests/simulator/connections.h"
+#include "tests/simulator/loopback_address.h"
 
 namespace standin {
 
@@ -42,20 +41,17 @@ class PosixConnections : public Connections {
         wakeWrite_ = Descriptor(ends[1]);
     }
 
-    std::uint16_t listenTcp(std::uint16_t port) override {
-        Descriptor listener(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    std::uint16_t listenTcp(std::uint16_t port, Loopback loopback) override {
+        LoopbackAddress address(port, loopback);
+        Descriptor listener(::socket(address.family(), SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
         const int on = 1;
         ::setsockopt(listener.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        auto* general = reinterpret_cast<sockaddr*>(&address);
-        if (::bind(listener.get(), general, length) != 0 || ::listen(listener.get(), 16) != 0) return 0;
-        if (::getsockname(listener.get(), general, &length) != 0) return 0;
+        socklen_t length = address.length();
+        if (::bind(listener.get(), address.general(), length) != 0 || ::listen(listener.get(), 16) != 0) return 0;
+        if (::getsockname(listener.get(), address.general(), &length) != 0) return 0;
         listener_ = std::move(listener);
-        return port_ = ntohs(address.sin_port);
+        loopback_ = loopback;
+        return port_ = address.port();
     }
 
     bool listenPipe(const std::string&) override { return false; }
@@ -63,7 +59,7 @@ class PosixConnections : public Connections {
     void setReachable(bool reachable) override {
         if (port_ == 0 || reachable == (listener_.get() >= 0)) return;
         if (reachable)
-            listenTcp(port_);
+            listenTcp(port_, loopback_);
         else
             listener_ = Descriptor();
     }
@@ -134,6 +130,7 @@ class PosixConnections : public Connections {
     Descriptor wakeWrite_;
     Descriptor listener_;
     std::uint16_t port_ = 0;
+    Loopback loopback_ = Loopback::IPv4;
     std::map<int, Descriptor> sockets_;
     int last_ = 0;
 };

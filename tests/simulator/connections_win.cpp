@@ -1,10 +1,11 @@
 #include <winsock2.h>
+#include <ws2tcpip.h>
 // windows.h brings an older winsock unless it comes second.
 #include <windows.h>
 #include <array>
 #include <map>
 #include <utility>
-#include "tests/simulator/connections.h"
+#include "tests/simulator/loopback_address.h"
 
 namespace standin {
 
@@ -147,21 +148,18 @@ class WindowsConnections : public Connections {
         WSACleanup();
     }
 
-    std::uint16_t listenTcp(std::uint16_t port) override {
-        auto listener = std::make_unique<SocketEnd>(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP), FD_ACCEPT);
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        int length = sizeof address;
-        auto* general = reinterpret_cast<sockaddr*>(&address);
+    std::uint16_t listenTcp(std::uint16_t port, Loopback loopback) override {
+        LoopbackAddress address(port, loopback);
+        auto listener = std::make_unique<SocketEnd>(socket(address.family(), SOCK_STREAM, IPPROTO_TCP), FD_ACCEPT);
+        socklen_t length = address.length();
         // For the port of before: its old connections may still be ending.
         const BOOL on = TRUE;
         setsockopt(listener->get(), SOL_SOCKET, SO_REUSEADDR, reinterpret_cast<const char*>(&on), sizeof on);
-        if (bind(listener->get(), general, length) != 0 || listen(listener->get(), 16) != 0) return 0;
-        if (getsockname(listener->get(), general, &length) != 0) return 0;
+        if (bind(listener->get(), address.general(), length) != 0 || listen(listener->get(), 16) != 0) return 0;
+        if (getsockname(listener->get(), address.general(), &length) != 0) return 0;
         listener_ = std::move(listener);
-        return port_ = ntohs(address.sin_port);
+        loopback_ = loopback;
+        return port_ = address.port();
     }
 
     bool listenPipe(const std::string& name) override {
@@ -177,7 +175,7 @@ class WindowsConnections : public Connections {
         listener_.reset();
         nextPipe_.reset();
         if (!reachable) return;
-        if (port_ != 0) listenTcp(port_);
+        if (port_ != 0) listenTcp(port_, loopback_);
         if (!pipePath_.empty()) nextPipe_ = PipeEnd::create(pipePath_, false);
     }
 
@@ -282,6 +280,7 @@ class WindowsConnections : public Connections {
     Handle wake_;
     std::unique_ptr<SocketEnd> listener_;
     std::uint16_t port_ = 0;
+    Loopback loopback_ = Loopback::IPv4;
     std::string pipePath_;               // empty: no pipe
     std::unique_ptr<PipeEnd> nextPipe_;  // waits for the next client
     bool isReachable_ = true;

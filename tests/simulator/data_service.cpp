@@ -44,6 +44,7 @@ std::vector<std::string> DataService::endFrame(const Frame& frame, const Aircraf
 
 bool DataService::isPeriodOver(Request& request, const Frame& frame) {
     if (request.asked.period == kSimFrame && frame.isPaused) return false;
+    if ((request.asked.flags & kChangedFlag) != 0 && !frame.hasChanges) return false;
     if (request.asked.period == kSecond) {
         if (frame.timeMs < request.nextMs) return false;
         request.nextMs = (request.nextMs == 0 ? frame.timeMs : request.nextMs) + 1000;

@@ -18,6 +18,7 @@ struct Frame {
     std::uint64_t timeMs = 0;
     bool isPaused = false;  // the simulated time stands still
     double simulatedSeconds = 0.0;
+    bool hasChanges = true;  // else requests that want changes only get nothing, not even their first answer
 };
 
 class DataService {

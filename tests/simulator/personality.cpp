@@ -18,6 +18,7 @@ constexpr Personality kPersonalities[] = {
     {.name = "crashes", .onWrite = OnWrite::Crashes},
     {.name = "rough_packets", .isRough = true},
     {.name = "refuses_version_5", .edition = &kEdition2024, .oldestProtocol = 6},
+    {.name = "freezes_in_pause", .freezesInPause = true},
     {.name = "silent", .isSilent = true},
     {.name = "garbage", .talksGarbage = true},
     {.name = "in_menu", .script = "0 sim menu\n2 sim running"},

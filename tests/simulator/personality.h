@@ -18,6 +18,7 @@ struct Personality {
     std::uint32_t writeDelayMs = 0;  // until a write shows
     OnWrite onWrite = OnWrite::Applies;
     bool isRough = false;          // packets cut, joined, and mixed with unknown and very long ones
+    bool freezesInPause = false;   // sends no changes and carries out no key event until the pause is over
     bool isSilent = false;         // takes everything and answers nothing
     bool talksGarbage = false;     // answers Open with noise
     std::string_view script = "";  // counted from the first client's Open (script.h)

@@ -96,10 +96,21 @@ bool Program::isRunning() const {
     return process_ && WaitForSingleObject(process_, 0) == WAIT_TIMEOUT;
 }
 
+std::optional<std::uint32_t> Program::waitForEnd(std::uint32_t deadlineMs) const {
+    DWORD code = 0;
+    if (!process_ || WaitForSingleObject(process_, deadlineMs) != WAIT_OBJECT_0) return std::nullopt;
+    if (!GetExitCodeProcess(process_, &code)) return std::nullopt;
+    return code;
+}
+
 void Program::say(const std::string& line) {
     const std::string bytes = line + "\n";
     DWORD count = 0;
     if (input_) WriteFile(input_, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
+}
+
+void Program::endInput() {
+    closeHandle(input_);
 }
 
 std::vector<std::string> Program::lines() const {

@@ -3,6 +3,7 @@
 #pragma once
 #include <atomic>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,9 +23,12 @@ class Program {
     // Terminated as a crash would: it gets no chance to say goodbye.
     void kill();
     bool isRunning() const;
+    // Its exit code once it has ended by itself or was killed by others; nothing if it still runs after so long.
+    std::optional<std::uint32_t> waitForEnd(std::uint32_t deadlineMs) const;
     std::uint32_t processId() const { return processId_; }  // 0 before the first start
 
     void say(const std::string& line);       // to its standard input
+    void endInput();                         // no more of that
     std::vector<std::string> lines() const;  // of its standard output since the start
 
   private:

@@ -74,7 +74,7 @@ void Simulator::flyFrame() {
         if (frame_ % 120 == 0) session.raiseSystemEvent("4sec", 0);
         if (frame_ % 5 == 0) session.raiseSystemEvent("6Hz", 0);
         session.raiseFrameEvent(static_cast<float>(kFramesPerSecond));
-        session.endFrame({nowMs_, isPaused_, static_cast<double>(frame_) / kFramesPerSecond});
+        session.endFrame({nowMs_, isPaused_, static_cast<double>(frame_) / kFramesPerSecond, !isFrozen()});
     }
     flush(true);
 }
@@ -208,6 +208,7 @@ void Simulator::onKeyEvent(const KeyEvent& event, std::uint32_t data) {
 }
 
 void Simulator::applyWrites() {
+    if (isFrozen()) return;
     const auto isDue = [&](const PendingWrite& write) { return write.dueMs <= nowMs_; };
     for (const auto& write : pending_) {
         if (isDue(write)) press(*write.event, write.data);

@@ -73,6 +73,7 @@ class Simulator : private SimulatorDesk {
     void report(const std::string& text) override;
     bool isFlightRunning() const override { return isFlightRunning_; }
     bool isPaused() const override { return isPaused_; }
+    bool isFrozen() const { return isPaused_ && personality_->freezesInPause; }
 
     void flyFrame();
     void playTimelines();

@@ -82,6 +82,27 @@ TEST_F(PersonalityTest, RoughPacketsAreCutJoinedAndStrangeButAllThere) {
     EXPECT_EQ(visitor->packets(77).at(0).packet.size(), 200'012u);
 }
 
+TEST_F(PersonalityTest, FreezingInPauseSendsNoChangesAndTakesEventsWhenThePauseIsOver) {
+    begin("freezes_in_pause");
+    visitor->define(1, "COM ACTIVE FREQUENCY:1", "Hz");
+    visitor->request({1, 1, 0, kVisualFrame, kChangedFlag, 0, 0, 0});
+    visitor->fly(100);
+    EXPECT_EQ(visitor->count(kDataId), 1u);
+    act("pause on");
+    act("tune COM1 active 118.005");  // by hand, which works as ever
+    write("COM_STBY_RADIO_SET_HZ", 119'000'000);
+    visitor->fly(2000);
+    EXPECT_EQ(visitor->count(kDataId), 1u);
+    EXPECT_EQ(read("COM ACTIVE FREQUENCY:1", "Hz"), 118'005'000.0);  // asked for, it is told
+    EXPECT_EQ(read("COM STANDBY FREQUENCY:1", "Hz"), 121'500'000.0);
+    visitor->forget();
+    act("pause off");
+    visitor->fly(100);
+    ASSERT_EQ(visitor->count(kDataId), 1u);
+    EXPECT_EQ(visitor->packets(kDataId)[0].f64(40), 118'005'000.0);
+    EXPECT_EQ(read("COM STANDBY FREQUENCY:1", "Hz"), 119'000'000.0);
+}
+
 TEST_F(PersonalityTest, SilentAndGarbageNeverOpen) {
     begin("silent");
     visitor->fly(6000);
