@@ -14,7 +14,8 @@ struct TcpTransport::Lookup {
     std::vector<NetAddress> found GUARDED_BY(mutex);
 };
 
-TcpTransport::TcpTransport(HostPort address) : address_(std::move(address)) {}
+TcpTransport::TcpTransport(HostPort address, AddressLookUp lookUp)
+    : address_(std::move(address)), lookUp_(std::move(lookUp)) {}
 
 TcpTransport::~TcpTransport() = default;
 
@@ -22,13 +23,13 @@ void TcpTransport::connect() {
     close();
     problem_.clear();
     state_ = TransportState::Connecting;
-    untried_ = lookUp(address_, true);
+    untried_ = lookUp_(address_, true);
     std::reverse(untried_.begin(), untried_.end());
     if (!untried_.empty()) return tryNextAddress();
     if (lookup_) return;  // still at it for the connection before
     lookup_ = std::make_shared<Lookup>();
     try {
-        std::thread([lookup = lookup_, address = address_] {
+        std::thread([lookup = lookup_, lookUp = lookUp_, address = address_] {
             auto found = lookUp(address, false);
             const MutexLock lock(lookup->mutex);
             lookup->found = std::move(found);

@@ -1,6 +1,7 @@
 // tcp_transport.h - a simulator on another computer. Looks the name up on a thread of its own, tries the addresses one
 // after the other and keeps what the network has no room for yet.
 #pragma once
+#include <functional>
 #include <memory>
 #include <vector>
 #include "worker/host_port.h"
@@ -9,9 +10,12 @@
 
 namespace simconnect {
 
+// As lookUp (sockets.h) does it. Called from this thread and from one of its own, which may outlast the transport.
+using AddressLookUp = std::function<std::vector<NetAddress>(const HostPort& address, bool literalOnly)>;
+
 class TcpTransport : public Transport {
   public:
-    explicit TcpTransport(HostPort address);
+    explicit TcpTransport(HostPort address, AddressLookUp lookUp = simconnect::lookUp);
     ~TcpTransport() override;
     TcpTransport(const TcpTransport&) = delete;
     TcpTransport& operator=(const TcpTransport&) = delete;
@@ -33,6 +37,7 @@ class TcpTransport : public Transport {
     void end(std::string problem);
 
     HostPort address_;
+    AddressLookUp lookUp_;
     Sockets sockets_;  // outlives socket_
     std::shared_ptr<Lookup> lookup_;
     std::vector<NetAddress> untried_;  // the last one is next

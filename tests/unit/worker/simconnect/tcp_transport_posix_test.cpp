@@ -1,39 +1,49 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <array>
 #include <chrono>
 #include <functional>
+#include <future>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
+#include "tests/simulator/loopback_address.h"
+#include "worker/simconnect/connection.h"
 #include "worker/simconnect/tcp_transport.h"
 
 namespace {
 
+using simconnect::NetAddress;
 using simconnect::TcpTransport;
 using simconnect::TransportState;
+using standin::Loopback;
+using standin::LoopbackAddress;
 
 // Listens on a port of this machine that the system chooses; the kernel itself accepts into the backlog.
 class Listener {
   public:
-    Listener() : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        EXPECT_EQ(bind(socket_, reinterpret_cast<sockaddr*>(&address), length), 0);
-        EXPECT_EQ(listen(socket_, 4), 0);
-        EXPECT_EQ(getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length), 0);
-        port = ntohs(address.sin_port);
+    explicit Listener(Loopback loopback = Loopback::IPv4, int backlog = 4) {
+        LoopbackAddress address(0, loopback);
+        socket_ = socket(address.family(), SOCK_STREAM, 0);
+        socklen_t length = address.length();
+        if (bind(socket_, address.general(), length) != 0 || listen(socket_, backlog) != 0) return;
+        if (getsockname(socket_, address.general(), &length) == 0) port = address.port();
     }
     ~Listener() {
         drop();
         stop();
     }
     void accept() { peer = ::accept(socket_, nullptr, nullptr); }
+    bool hasVisitor() const {
+        pollfd waiting{socket_, POLLIN, 0};
+        return ::poll(&waiting, 1, 0) == 1;
+    }
     void drop() {
         if (peer >= 0) close(std::exchange(peer, -1));
     }
@@ -41,16 +51,41 @@ class Listener {
         if (socket_ >= 0) close(std::exchange(socket_, -1));
     }
 
-    std::uint16_t port = 0;
+    std::uint16_t port = 0;  // 0: this machine has no such address
     int peer = -1;
 
   private:
-    int socket_;
+    int socket_ = -1;
 };
 
-// Polls until the condition holds; false after two seconds.
+std::vector<NetAddress> addressOf(const Listener& listener) {
+    return simconnect::lookUp({"127.0.0.1", listener.port}, true);
+}
+
+// Whoever connects hears nothing, not even a refusal: its queue is full, so the kernel drops what comes.
+class SilentListener : public Listener {
+  public:
+    SilentListener() : Listener(Loopback::IPv4, 0) {
+        for (auto& filler : fillers_) EXPECT_TRUE(filler.startConnect(addressOf(*this).at(0)));
+    }
+
+  private:
+    std::array<simconnect::Socket, 4> fillers_;
+};
+
+// Polls the connection for a minute of its own clock; when somebody knocks at the listener, nothing if nobody does.
+std::optional<std::uint64_t> msUntilVisited(simconnect::Connection& connection, const Listener& listener,
+                                            std::uint64_t& nowMs) {
+    for (std::uint64_t ms = 0; ms < 60'000; ms += 20) {
+        connection.poll(nowMs += 20);
+        if (listener.hasVisitor()) return ms;
+    }
+    return std::nullopt;
+}
+
+// Polls until the condition holds; false after half a minute.
 bool becomes(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::yield();
@@ -106,12 +141,71 @@ TEST(TcpTransport, NobodyListeningIsNoProblemWorthAWord) {
     EXPECT_EQ(transport.problem(), "");
 }
 
+TEST(TcpTransport, ReachesAnIPv6Address) {
+    Listener listener(Loopback::IPv6);
+    if (listener.port == 0) GTEST_SKIP() << "this machine has no IPv6";
+    const auto address = parseHostPort("[::1]:" + std::to_string(listener.port));
+    ASSERT_TRUE(address);
+    TcpTransport transport(*address);
+    ASSERT_TRUE(opens(transport)) << transport.problem();
+    listener.accept();
+    const std::vector<std::uint8_t> bytes = {1, 2, 3};
+    EXPECT_TRUE(transport.send(bytes));
+    std::vector<std::uint8_t> arrived(3);
+    ASSERT_EQ(recv(listener.peer, arrived.data(), 3, MSG_WAITALL), 3);
+    EXPECT_EQ(arrived, bytes);
+}
+
+// A name with several addresses, of which the first does not listen.
+TEST(TcpTransport, TriesTheNextAddressAfterOneThatRefuses) {
+    Listener refusing, listening;
+    refusing.stop();
+    auto addresses = addressOf(refusing);
+    addresses.push_back(addressOf(listening).at(0));
+    for (const bool isLiteral : {true, false}) {  // known at once, or looked up on a thread
+        TcpTransport transport({"simpc", 500}, [=](const HostPort& address, bool literalOnly) {
+            EXPECT_EQ(address, (HostPort{"simpc", 500}));
+            return literalOnly == isLiteral ? addresses : std::vector<NetAddress>{};
+        });
+        ASSERT_TRUE(opens(transport)) << transport.problem();
+        listening.accept();
+        EXPECT_GE(listening.peer, 0);
+        listening.drop();
+    }
+}
+
+// Each attempt gives all its time to the first address, and the next one begins with it again.
+TEST(TcpTransport, DoesNotGetPastAnAddressThatSaysNothing) {
+    const SilentListener silent;
+    const Listener listening;
+    auto addresses = addressOf(silent);
+    addresses.push_back(addressOf(listening).at(0));
+    int lookUps = 0;
+    TcpTransport transport({"simpc", 500}, [&](const HostPort&, bool) {
+        lookUps++;
+        return addresses;
+    });
+    simconnect::Connection connection(transport, "test");
+    std::uint64_t nowMs = 0;
+    EXPECT_EQ(msUntilVisited(connection, listening, nowMs), std::nullopt);
+    EXPECT_EQ(connection.status(), "the simulator's computer does not answer");
+    EXPECT_EQ(lookUps, 5);  // in a minute: after 0, 11, 23, 38 and 53 seconds
+    addresses.erase(addresses.begin());
+    EXPECT_TRUE(msUntilVisited(connection, listening, nowMs));  // it was there all the time
+}
+
 TEST(TcpTransport, LooksANameUpWithoutWaitingForIt) {
     Listener listener;
-    TcpTransport transport({"localhost", listener.port});
-    const auto before = std::chrono::steady_clock::now();
+    std::promise<void> answer;
+    const std::shared_future<void> isAnswered(answer.get_future());
+    TcpTransport transport({"localhost", listener.port}, [=](const HostPort& address, bool literalOnly) {
+        if (!literalOnly) isAnswered.wait_for(std::chrono::seconds(30));
+        return simconnect::lookUp(address, literalOnly);
+    });
     transport.connect();
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(100));
+    EXPECT_EQ(transport.poll(), TransportState::Connecting);
+    EXPECT_FALSE(listener.hasVisitor());
+    answer.set_value();
     EXPECT_TRUE(becomes([&] { return transport.poll() == TransportState::Open; })) << transport.problem();
 }
 
