@@ -1,8 +1,17 @@
 #include <windows.h>
+#include <algorithm>
+#include <atomic>
 #include <sstream>
+#include "bridge/telemetry.h"
+#include "bridge/worker_command_line.h"
 #include "tests/client/client_session_win.h"
+#include "tests/client/import_patch_win.h"
+#include "tests/client/worker_at_work_win.h"
 
 namespace {
+
+constexpr const wchar_t* kLibrary = L"corvalis_win64.dll";
+constexpr const char* kStarted = "SimConnect worker started";
 
 // What a fake worker wrote about its start.
 struct StartReport {
@@ -34,18 +43,44 @@ std::string quoted(const std::filesystem::path& path) {
     return text += '"';
 }
 
+// What the plugin is given instead of the system's job functions.
+HANDLE WINAPI createNoJob(SECURITY_ATTRIBUTES*, const char*) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
+BOOL WINAPI refuseLimits(HANDLE, JOBOBJECTINFOCLASS, void*, DWORD) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+}
+
+std::atomic<int> gAssignments{0};
+
+BOOL WINAPI countAssignment(HANDLE, HANDLE) {
+    gAssignments++;
+    return TRUE;
+}
+
 }  // namespace
 
 class Worker : public PluginTest {
   protected:
     StartReport waitForReport(const std::filesystem::path& folder) {
         StartReport report;
-        session.waitUntil([&] {
-            const auto reports = startReports(folder);
-            if (!reports.empty()) report = reports[0];
-            return !reports.empty();
-        });
+        session.waitUntil(
+            [&] {
+                const auto reports = startReports(folder);
+                if (!reports.empty()) report = reports[0];
+                return !reports.empty();
+            },
+            kPatienceMs);
         return report;
+    }
+    static bool waitForEnd(std::uint32_t processId) {
+        return waitFor([&] { return !isProcessRunning(processId); }, kPatienceMs);
+    }
+    bool waitForReports(std::size_t count) {
+        return session.waitUntil([&] { return startReports(session.pluginFolder).size() == count; }, kPatienceMs);
     }
     // The fake worker beside the DLL, started; its report.
     StartReport startWithWorker() {
@@ -65,7 +100,7 @@ TEST_F(Worker, IsStartedHiddenInThePluginFolderWithDataFolderAndHost) {
     EXPECT_EQ(report.show, "1 0");  // use the show state: hidden
     const auto lines = host.logLines();
     ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[1], "SimConnect worker started");
+    EXPECT_EQ(lines[1], kStarted);
 }
 
 TEST_F(Worker, ProgramIsPreferredToTheScript) {
@@ -84,22 +119,22 @@ TEST_F(Worker, ScriptIsRunByTheInterpreterOfTheSettings) {
     EXPECT_EQ(report.commandLine,
               quoted(interpreter) + " " + quoted(session.pluginFolder / "hopline_worker.py") + commonArguments());
     EXPECT_EQ(report.folder, toCodePage(session.pluginFolder.wstring()));
-    EXPECT_TRUE(session.waitForLog("SimConnect worker started"));
+    EXPECT_TRUE(session.waitForLog(kStarted, kPatienceMs));
 }
 
 TEST_F(Worker, IsGoneAfterShutdown) {
     const StartReport report = startWithWorker();
     ASSERT_TRUE(isProcessRunning(report.processId));
     session.stop();
-    EXPECT_TRUE(waitFor([&] { return !isProcessRunning(report.processId); }, 2000));
+    EXPECT_TRUE(waitForEnd(report.processId));
 }
 
 TEST_F(Worker, OfAnEarlierStartIsEndedByTheNext) {
     const StartReport first = startWithWorker();
     ASSERT_TRUE(isProcessRunning(first.processId));
     ASSERT_TRUE(session.start());  // without a shutdown in between
-    ASSERT_TRUE(session.waitUntil([&] { return startReports(session.pluginFolder).size() == 2; }));
-    EXPECT_TRUE(waitFor([&] { return !isProcessRunning(first.processId); }, 2000));
+    ASSERT_TRUE(waitForReports(2));
+    EXPECT_TRUE(waitForEnd(first.processId));
     int running = 0;
     for (const StartReport& report : startReports(session.pluginFolder)) running += isProcessRunning(report.processId);
     EXPECT_EQ(running, 1);
@@ -110,8 +145,8 @@ TEST_F(Worker, IsStartedAgainAfterAReload) {
     session.stop();
     session.plugin.unload();
     ASSERT_TRUE(session.start());
-    ASSERT_TRUE(session.waitUntil([&] { return startReports(session.pluginFolder).size() == 2; }));
-    EXPECT_FALSE(isProcessRunning(first.processId));
+    ASSERT_TRUE(waitForReports(2));
+    EXPECT_TRUE(waitForEnd(first.processId));
 }
 
 TEST_F(Worker, DiesWithAHostThatIsKilled) {
@@ -120,28 +155,76 @@ TEST_F(Worker, DiesWithAHostThatIsKilled) {
     const auto ready = session.machine.path / "ready.txt";
     const std::uint32_t hostId = startHost(L"--play-host", session.dll, ready);
     ASSERT_NE(hostId, 0u);
-    ASSERT_TRUE(waitFor([&] { return readFile(ready) == "ready"; }));
+    ASSERT_TRUE(waitFor([&] { return readFile(ready) == "ready"; }, kPatienceMs));
     const StartReport report = waitForReport(session.pluginFolder);
     ASSERT_TRUE(isProcessRunning(report.processId));
     ASSERT_TRUE(killProcess(hostId));
-    EXPECT_TRUE(waitFor([&] { return !isProcessRunning(report.processId); }, 3000));
+    EXPECT_TRUE(waitForEnd(report.processId));
     killProcess(report.processId);  // nobody else would
+}
+
+// The job cannot be made, or cannot be told to kill: the worker is then only not tied to it.
+TEST_F(Worker, IsStartedAndStoppedAllTheSameWithoutAJob) {
+    const struct {
+        const char* what;
+        bool canCreate;
+    } rows[] = {{"creation", false}, {"configuration", true}};
+    ASSERT_TRUE(session.copyWorker(programFolder() / "fake_worker.exe"));
+    ASSERT_TRUE(session.load());
+    const ImportPatch assign(kLibrary, "AssignProcessToJobObject", reinterpret_cast<void*>(countAssignment));
+    ASSERT_TRUE(assign.isInPlace());
+    std::size_t starts = 0;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const ImportPatch patch =
+            row.canCreate ? ImportPatch(kLibrary, "SetInformationJobObject", reinterpret_cast<void*>(refuseLimits))
+                          : ImportPatch(kLibrary, "CreateJobObjectA", reinterpret_cast<void*>(createNoJob));
+        ASSERT_TRUE(patch.isInPlace());
+        gAssignments = 0;
+        ASSERT_TRUE(session.start());
+        ASSERT_TRUE(waitForReports(++starts));
+        const auto lines = host.logLines();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), kStarted), static_cast<std::ptrdiff_t>(starts));
+        EXPECT_EQ(gAssignments, 0);
+        std::uint32_t running = 0;
+        for (const StartReport& report : startReports(session.pluginFolder)) {
+            if (isProcessRunning(report.processId)) running = report.processId;
+        }
+        EXPECT_NE(running, 0u);
+        session.stop();
+        EXPECT_TRUE(waitForEnd(running));
+    }
+}
+
+TEST_F(Worker, EndsByItselfWithAKilledHostThatHadNoJob) {
+    ASSERT_TRUE(session.copyWorker(productFile(kWorkerProgram)));
+    std::filesystem::copy_file(productFile("corvalis_win64.dll"), session.dll);
+    const auto ready = session.machine.path / "ready.txt";
+    const std::uint32_t hostId = startHost(L"--play-jobless-host", session.dll, ready);
+    ASSERT_NE(hostId, 0u);
+    ASSERT_TRUE(waitFor([&] { return readFile(ready) == "ready"; }, kPatienceMs));
+    const auto waitForLine = [&](const std::string& line) {
+        const auto log = session.dataFolder / "hopline_worker.log";
+        return waitFor([&] { return readFile(log).find(line) != std::string::npos; }, kPatienceMs);
+    };
+    ASSERT_TRUE(waitForLine(", watching process " + std::to_string(hostId)));
+    ASSERT_TRUE(killProcess(hostId));
+    EXPECT_TRUE(waitForLine("ending: the watched process has ended"));
 }
 
 TEST_F(Worker, KilledFromOutsideLeavesThePluginRunningAndItsDataGoingStale) {
     const StartReport report = startWithWorker();
     session.telemetry.radios[0].activeKhz = 122800;
     session.publish();
-    ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
-    ASSERT_TRUE(session.waitUntil([&] { return host.ownChannel(kSchid) == kTower122800; }));
+    ASSERT_TRUE(session.waitForArrival(kTower122800));
     ASSERT_TRUE(killProcess(report.processId));
     session.stopPublishing();
-    ASSERT_TRUE(session.waitTicks(3200));
-    // Nothing is followed on old data, though the user sits elsewhere now.
-    host.moveByHand(kSchid, kOwnClient, kLobby);
-    const std::size_t looks = host.callsOf("getChannelList").size();
-    ASSERT_TRUE(session.waitTicks(2300));
-    EXPECT_EQ(host.callsOf("getChannelList").size(), looks);
+    // The last it wrote was another frequency, which becomes old before it has stood still for long enough.
+    session.telemetry.radios[0].activeKhz = 121500;
+    const double written = session.clock.unixSeconds() - kTelemetryMaxAgeSeconds + 0.15;
+    ASSERT_TRUE(replaceFile(session.dataFolder / kTelemetryFile, telemetryText(session.telemetry, written)));
+    ASSERT_TRUE(session.waitPasses(14));  // of 50 ms at least: twice as long as a fresh frequency has to stand still
+    EXPECT_EQ(host.callsOf("requestClientMove").size(), 1u);
     EXPECT_EQ(startReports(session.pluginFolder).size(), 1u);  // and it is not started again
     session.publish();                                         // somebody brought one back
     EXPECT_TRUE(session.waitForCalls("requestClientMove", 2));
@@ -150,6 +233,6 @@ TEST_F(Worker, KilledFromOutsideLeavesThePluginRunningAndItsDataGoingStale) {
 TEST_F(Worker, ThatIsNoProgramCountsAsNotStarted) {
     ASSERT_TRUE(writeFile(session.pluginFolder / "hopline_worker.exe", "not a program"));
     ASSERT_TRUE(session.start());
-    EXPECT_TRUE(session.waitForLog("无法启动 Python worker；请在设置中确认 Python 路径", 2000));
+    EXPECT_TRUE(session.waitForLog("无法启动 Python worker；请在设置中确认 Python 路径", kPatienceMs));
     ASSERT_TRUE(session.waitPasses(2));
 }

@@ -1,0 +1,106 @@
+// The simulator's pipe as the worker opens it, while others have it.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <memory>
+#include <utility>
+#include "tests/client/worker_at_work_win.h"
+#include "worker/simconnect/pipe_win.h"
+#include "worker/simconnect/simconnect_link.h"
+
+namespace {
+
+using simconnect::PipeTransport;
+using simconnect::TransportState;
+
+// The simulator's pipe with room for one program, which somebody else holds.
+class FullPipe {
+  public:
+    FullPipe()
+        : server_(CreateNamedPipeA(simconnect::kPipeName, PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED, PIPE_TYPE_BYTE, 1,
+                                   4096, 4096, 0, nullptr)),
+          guest_(
+              CreateFileA(simconnect::kPipeName, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr)),
+          connected_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+    ~FullPipe() {
+        if (guest_ != INVALID_HANDLE_VALUE) CloseHandle(guest_);
+        if (isListening_) {
+            CancelIoEx(server_, &listening_);
+            DWORD ignored = 0;
+            GetOverlappedResult(server_, &listening_, &ignored, TRUE);
+        }
+        if (server_ != INVALID_HANDLE_VALUE) CloseHandle(server_);
+        CloseHandle(connected_);
+    }
+    FullPipe(const FullPipe&) = delete;
+    FullPipe& operator=(const FullPipe&) = delete;
+
+    bool isFull() const { return server_ != INVALID_HANDLE_VALUE && guest_ != INVALID_HANDLE_VALUE; }
+    bool hasVisitor() const { return isListening_ && HasOverlappedIoCompleted(&listening_); }
+    // The guest leaves, and the simulator waits for the next one.
+    bool makeRoom() {
+        CloseHandle(std::exchange(guest_, INVALID_HANDLE_VALUE));
+        DisconnectNamedPipe(server_);
+        listening_.hEvent = connected_;
+        isListening_ = !ConnectNamedPipe(server_, &listening_) && GetLastError() == ERROR_IO_PENDING;
+        return isListening_;
+    }
+
+  private:
+    HANDLE server_;
+    HANDLE guest_;
+    HANDLE connected_;
+    OVERLAPPED listening_ = {};
+    bool isListening_ = false;
+};
+
+}  // namespace
+
+TEST(SimulatorPipe, ThatIsFullIsTriedForASecondsPassesAndThenSaidToBeFull) {
+    const FullPipe pipe;
+    ASSERT_TRUE(pipe.isFull());
+    PipeTransport transport;
+    for (int round = 0; round < 2; round++) {  // each attempt has its own tries
+        transport.connect();
+        int passes = 0;
+        EXPECT_EQ(transport.problem(), "");
+        while (passes < 1000 && transport.poll() == TransportState::Connecting) passes++;
+        EXPECT_EQ(transport.poll(), TransportState::Closed);
+        EXPECT_EQ(transport.problem(), "the simulator has no room for another program");
+        EXPECT_GT(passes, 40);
+        EXPECT_LT(passes, 50);
+    }
+}
+
+TEST(SimulatorPipe, ThatWasFullIsTakenInTheFirstPassWithRoom) {
+    FullPipe pipe;
+    ASSERT_TRUE(pipe.isFull());
+    PipeTransport transport;
+    transport.connect();
+    for (int pass = 0; pass < 10; pass++) ASSERT_EQ(transport.poll(), TransportState::Connecting);
+    ASSERT_TRUE(pipe.makeRoom());
+    EXPECT_EQ(transport.poll(), TransportState::Open);
+    EXPECT_EQ(transport.problem(), "");
+}
+
+TEST(SimulatorPipe, ThatIsNotThereIsNoProblemWorthAWord) {
+    PipeTransport transport;
+    transport.connect();
+    EXPECT_EQ(transport.poll(), TransportState::Closed);
+    EXPECT_EQ(transport.problem(), "");
+}
+
+TEST(SimulatorPipe, ThatIsFullIsShownUntilThereIsRoom) {
+    FullPipe pipe;
+    ASSERT_TRUE(pipe.isFull());
+    simconnect::SimConnectLink link(std::make_unique<PipeTransport>());
+    std::uint64_t nowMs = 1000;
+    const std::string full = "the simulator has no room for another program";
+    for (int pass = 0; pass < 50 && link.snapshot().status != full; pass++) link.poll(nowMs += 20);
+    EXPECT_EQ(link.snapshot().status, full);
+    EXPECT_FALSE(link.snapshot().ok);
+    ASSERT_TRUE(pipe.makeRoom());
+    link.poll(nowMs += simconnect::kRetryMs[0] - 1);
+    EXPECT_FALSE(pipe.hasVisitor());
+    link.poll(nowMs += 1);
+    EXPECT_TRUE(waitFor([&] { return pipe.hasVisitor(); }, kPatienceMs));
+}
