@@ -312,9 +312,9 @@ TEST_F(WorkerFlight, ShowsWithinFiveSecondsWhatChangesInAPauseWithoutAWord) {
     mayLagMs = kRereadMs;
     beginAndRead("freezes_in_pause");
     act("pause on");
-    for (const std::int32_t khz : {118005, 118010, 118015}) {
-        act(("tune COM1 active " + formatFixed(khz / 1000.0, 3)).c_str());
-        EXPECT_TRUE(flyUntil([&] { return telemetry().radios[0].active == khz; }, kRereadMs)) << khz;
+    for (const std::int32_t khz : {118000, 118025, 118050}) {
+        act(("tune COM2 active " + formatFixed(khz / 1000.0, 3)).c_str());  // COM1's is the heartbeat
+        EXPECT_TRUE(flyUntil([&] { return telemetry().radios[1].active == khz; }, kRereadMs)) << khz;
         EXPECT_TRUE(telemetry().ok);
         fly(170);  // another moment of the five seconds each time
     }
