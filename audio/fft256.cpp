@@ -10,6 +10,7 @@
 // A quad does two lengths on four points, so that each point is loaded and stored four times and not eight.
 #include "audio/fft256.h"
 #include <emmintrin.h>
+#include <cstddef>
 #include "audio/fft256_tables.h"
 
 namespace {
@@ -85,11 +86,12 @@ void quadsOfRealPoints(const float* x, Lanes* out) {
 // Lengths 2 half and 4 half on vectors half apart.
 template <int half>
 inline void quadsOfLanes(const FftTables& tables, Lanes* x) {
+    constexpr std::ptrdiff_t step = half;
     for (int k = 0; k < half; k++) {
         const Lanes w = wideTwiddle(tables, half + k);
         const Lanes wac = wideTwiddle(tables, 2 * half + k), wbd = wideTwiddle(tables, 3 * half + k);
-        for (Lanes* p = x + k; p < x + kVectors; p += 4 * half)
-            quad(p[0], p[half], p[2 * half], p[3 * half], w, wac, wbd);
+        for (Lanes* p = x + k; p < x + kVectors; p += 4 * step)
+            quad(p[0], p[step], p[2 * step], p[3 * step], w, wac, wbd);
     }
 }
 

@@ -2,6 +2,7 @@
 // the hiss generator advances from value to value, whichever slot they belong to.
 #include "audio/radio_effect.h"
 #include <algorithm>
+#include <cstddef>
 #include "audio/radio_effect_noise.h"
 #include "audio/radio_effect_run.h"
 
@@ -54,9 +55,9 @@ void runSlot(RadioChannel& channel, short* samples, const float* noise, int n, i
     if (length == 0) return;
     slot.noise[0] = channel.hissIn;
     if (noise != nullptr)
-        for (int k = 0; k < length; k++) slot.noise[1 + k] = noise[k * stride];
+        for (int k = 0; k < length; k++) slot.noise[1 + k] = noise[std::ptrdiff_t{k} * stride];
     (predenoise ? runDenoised : runClean)(channel, slot, noise == nullptr ? nullptr : slot.noise + 1, length);
-    for (int k = 0; k < length; k++) samples[k * stride] = slot.out[k];
+    for (int k = 0; k < length; k++) samples[std::ptrdiff_t{k} * stride] = slot.out[k];
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "audio/radio_effect_noise.h"
 #include <emmintrin.h>
 #include <array>
+#include <cstddef>
 
 namespace {
 
@@ -63,7 +64,7 @@ void drawBatch(std::uint32_t& state, float* noise) {
             row = noiseOf(s);
         }
         _MM_TRANSPOSE4_PS(n[0], n[1], n[2], n[3]);
-        for (int k = 0; k < 4; k++) _mm_storeu_ps(noise + k * kStretch + i, n[k]);
+        for (int k = 0; k < 4; k++) _mm_storeu_ps(noise + std::ptrdiff_t{k} * kStretch + i, n[k]);
     }
     state = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(s, _MM_SHUFFLE(3, 3, 3, 3))));
 }

@@ -9,6 +9,7 @@
 //     squelch thresholds          |    rounding                   four values at a time
 #include "audio/radio_effect_run.h"
 #include <algorithm>
+#include <cstddef>
 #include "audio/radio_effect_bandpass.h"
 #include "audio/radio_effect_lanes.h"
 #include "audio/radio_effect_recurrences.h"
@@ -106,8 +107,8 @@ void storeInputs(const Arrays& a, const float* noise, int n, RadioChannel& c) {
 void clearLastGroup(Arrays& a, int n) {
     const __m128 zero = _mm_setzero_ps();
     for (float* x : {a.peakIn + kBefore, a.voice, a.gate, a.burst, a.hiss, a.output}) _mm_storeu_ps(x + n, zero);
-    _mm_storeu_ps(a.followers + 2 * n, zero);
-    _mm_storeu_ps(a.followers + 2 * n + 4, zero);
+    _mm_storeu_ps(a.followers + std::ptrdiff_t{2} * n, zero);
+    _mm_storeu_ps(a.followers + std::ptrdiff_t{2} * n + 4, zero);
 }
 
 // Band-pass and resonator for the values of `fresh`, gate and burst for those of `old`. x is read kBandPassSkew ahead.
@@ -158,7 +159,7 @@ void followAndBlock(Chain& chain, const float* noise, Span fresh, Span old, Arra
         const float voice = cutPeak(peak, a.peakForward[i]);
         follow(followers, _mm_set1_ps(voice));
         a.voice[i] = voice;
-        _mm_storel_pi(reinterpret_cast<__m64*>(a.followers + 2 * i), followers.lanes);
+        _mm_storel_pi(reinterpret_cast<__m64*>(a.followers + std::ptrdiff_t{2} * i), followers.lanes);
         if (noise != nullptr) a.hiss[i] = filterHiss(filter, noise[i] - noise[i - 1]);
     };
     const auto blockAt = [&](int i) {
@@ -191,15 +192,15 @@ void findPeakForward(Span s, Arrays& a) {
 }
 
 __m128 thresholdAt(const Arrays& a, int i) {
-    const __m128 first = _mm_load_ps(a.followers + 2 * i);
-    const __m128 last = _mm_load_ps(a.followers + 2 * i + 4);
+    const __m128 first = _mm_load_ps(a.followers + std::ptrdiff_t{2} * i);
+    const __m128 last = _mm_load_ps(a.followers + std::ptrdiff_t{2} * i + 4);
     const __m128 floor = _mm_sub_ps(_mm_setzero_ps(), _mm_shuffle_ps(first, last, _MM_SHUFFLE(2, 0, 2, 0)));
     return _mm_max_ps(_mm_set1_ps(90.0f), _mm_mul_ps(_mm_set1_ps(3.0f), floor));
 }
 
 __m128 levelAt(const Arrays& a, int i) {
-    const __m128 first = _mm_load_ps(a.followers + 2 * i);
-    const __m128 last = _mm_load_ps(a.followers + 2 * i + 4);
+    const __m128 first = _mm_load_ps(a.followers + std::ptrdiff_t{2} * i);
+    const __m128 last = _mm_load_ps(a.followers + std::ptrdiff_t{2} * i + 4);
     return _mm_shuffle_ps(first, last, _MM_SHUFFLE(3, 1, 3, 1));
 }
 

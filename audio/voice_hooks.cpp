@@ -1,6 +1,7 @@
 #include "audio/voice_hooks.h"
 #include <emmintrin.h>
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 #include "audio/voice_gain.h"
@@ -34,7 +35,7 @@ int slotsOf(int channels) {
 }
 
 // One slot's values, each stride-th of those from samples on, up to end. Between the denoiser's frames they go in runs.
-void denoiseSlot(SpectralDenoiser& denoiser, short* samples, const short* end, int stride) {
+void denoiseSlot(SpectralDenoiser& denoiser, short* samples, const short* end, std::ptrdiff_t stride) {
     const auto isSpeech = [](short x) { return std::abs(int{x}) > kSpeechLevel; };
     float in[kDenoiserHop], out[kDenoiserHop];
     std::uint8_t speech[kDenoiserHop];

@@ -98,7 +98,7 @@ PageRect rowRect(const PageLayout& layout, std::int32_t row) {
 void addBody(std::vector<PageItem>& items, const PageLook& look, const PageLayout& layout) {
     const auto lines = static_cast<std::int32_t>(layout.lines.size());
     for (std::int32_t row = 0; row < layout.visibleRows && look.scroll + row < lines; row++) {
-        std::u16string line = layout.lines[static_cast<std::size_t>(look.scroll + row)];
+        std::u16string line = layout.lines[static_cast<std::size_t>(look.scroll) + static_cast<std::size_t>(row)];
         line.erase(line.find_last_not_of(u' ') + 1);  // thousands of spaces at a line's end draw nothing
         items.push_back(textItem(std::move(line), rowRect(layout, row), layout.style, kBrightGreen));
     }

@@ -119,7 +119,7 @@ bool hasSigns(const WCHAR* family) {
 
 // The interface font draws signs only, and may have to leave them to another.
 std::wstring familyFor(PageFont font) {
-    const std::wstring named = wideFromUtf8(pageFontFamily(font));
+    std::wstring named = wideFromUtf8(pageFontFamily(font));
     if (font != PageFont::kInterface || hasSigns(named.c_str())) return named;
     for (const WCHAR* family : kSymbolFamilies) {
         if (hasSigns(family) && Gdiplus::FontFamily(family).IsAvailable()) return family;

@@ -2,6 +2,7 @@
 #include <windowsx.h>
 #include <memory>
 #include "base/monitor_win.h"
+#include "base/pointer_argument_win.h"
 #include "messages/local_time_win.h"
 
 namespace {
@@ -57,11 +58,11 @@ void MessageWindow::create() {
 
 LRESULT CALLBACK MessageWindow::wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_NCCREATE) {
-        const auto* create = reinterpret_cast<CREATESTRUCTW*>(lParam);
+        const auto* create = pointerFrom<CREATESTRUCTW>(lParam);
         static_cast<MessageWindow*>(create->lpCreateParams)->window_ = window;
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
     }
-    auto* self = reinterpret_cast<MessageWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    auto* self = pointerFrom<MessageWindow>(GetWindowLongPtrW(window, GWLP_USERDATA));
     try {
         if (self) return self->onMessage(message, wParam, lParam);
     } catch (...) {
@@ -106,7 +107,7 @@ LRESULT MessageWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             model_.turnWheel(GET_WHEEL_DELTA_WPARAM(wParam));
             return 0;
         case WM_DPICHANGED:
-            return onDpiChanged(*reinterpret_cast<const RECT*>(lParam));
+            return onDpiChanged(*pointerFrom<const RECT>(lParam));
         case kShowMessages:
             model_.show();
             return 0;

@@ -26,10 +26,9 @@ ArgbView viewOf(ArgbImage& image) {
 std::uint32_t premultiplied(std::uint32_t argb, float opacity) {
     const float alpha = std::clamp(opacity, 0.0f, 1.0f) * static_cast<float>(argb >> 24U) / 255.0f;
     const auto channel = [&](unsigned shift) {
-        const float value = static_cast<float>(argb >> shift & 0xFFU) * alpha;
-        return static_cast<std::uint32_t>(value + 0.5f) << shift;
+        return nearestWhole(static_cast<float>(argb >> shift & 0xFFU) * alpha) << shift;
     };
-    return static_cast<std::uint32_t>(alpha * 255.0f + 0.5f) << 24U | channel(16) | channel(8) | channel(0);
+    return nearestWhole(alpha * 255.0f) << 24U | channel(16) | channel(8) | channel(0);
 }
 
 void copyPixels(const ArgbView& target, const ArgbImage& source, const PixelRect& rect) {

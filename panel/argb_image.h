@@ -47,6 +47,11 @@ struct ArgbView {
 };
 ArgbView viewOf(ArgbImage& image);
 
+// The nearest whole number, for values that are not negative.
+inline std::uint32_t nearestWhole(float value) {
+    return static_cast<std::uint32_t>(value + 0.5f);  // NOLINT(bugprone-incorrect-roundings): wrong below 0 only
+}
+
 // A premultiplied colour of opacity 0..1 from an ARGB one.
 std::uint32_t premultiplied(std::uint32_t argb, float opacity);
 

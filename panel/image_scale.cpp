@@ -72,7 +72,7 @@ std::uint32_t sumColumns(const std::vector<float>& sums, const Taps& taps) {
 
 // Where a sample lies between four neighbouring pixels, in 1/16384: at a pixel's centre that pixel alone counts.
 struct Weights {
-    alignas(16) short q[4];
+    alignas(16) short q[4] = {};
 
     explicit Weights(float t) {
         const float t2 = t * t;
@@ -156,6 +156,7 @@ ArgbImage scaleImage(const ArgbImage& source, PanelPoint origin, float scale, st
     ArgbImage target(width, height);
     if (target.isEmpty() || source.isEmpty()) return target;
     std::vector<Taps> columns;
+    columns.reserve(static_cast<std::size_t>(width));
     for (std::int32_t x = 0; x < width; x++) columns.push_back(tapsFor(x, origin.x, scale, source.width));
     std::vector<float> sums(static_cast<std::size_t>(source.width) * 4);
     for (std::int32_t y = 0; y < height; y++) {

@@ -20,7 +20,7 @@ std::uint32_t mixTowardsWhite(std::uint32_t argb, float share) {
     std::uint32_t mixed = 0xFF000000;
     for (unsigned shift = 0; shift < 24; shift += 8) {
         const auto channel = static_cast<float>(argb >> shift & 0xFFU);
-        mixed |= static_cast<std::uint32_t>(channel + (255.0f - channel) * share + 0.5f) << shift;
+        mixed |= nearestWhole(channel + (255.0f - channel) * share) << shift;
     }
     return mixed;
 }

@@ -50,7 +50,7 @@ Sprite cutSprite(const ArgbImage& face, const PanelRect& rect, Distance distance
         const float coverage = coverageOf(distance(point));
         std::uint32_t cut = 0;
         for (unsigned shift = 0; shift < 32; shift += 8)
-            cut |= static_cast<std::uint32_t>(static_cast<float>(pixel >> shift & 0xFFU) * coverage + 0.5f) << shift;
+            cut |= nearestWhole(static_cast<float>(pixel >> shift & 0xFFU) * coverage) << shift;
         pixel = cut;
     });
     return sprite;

@@ -1,5 +1,6 @@
 #include "panel/panel_window_win.h"
 #include <windowsx.h>
+#include "base/pointer_argument_win.h"
 #include "panel/panel_messages.h"
 #include "panel/panel_tooltip.h"
 #include "panel/panel_volume.h"
@@ -37,11 +38,11 @@ bool PanelWindow::create() {
 
 LRESULT CALLBACK PanelWindow::wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_NCCREATE) {
-        const auto* create = reinterpret_cast<CREATESTRUCTW*>(lParam);
+        const auto* create = pointerFrom<CREATESTRUCTW>(lParam);
         static_cast<PanelWindow*>(create->lpCreateParams)->window_ = window;
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
     }
-    auto* self = reinterpret_cast<PanelWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    auto* self = pointerFrom<PanelWindow>(GetWindowLongPtrW(window, GWLP_USERDATA));
     try {
         if (self) return self->onMessage(message, wParam, lParam);
     } catch (...) {

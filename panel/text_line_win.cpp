@@ -1,5 +1,6 @@
 #include "panel/text_line_win.h"
 #include <algorithm>
+#include <cmath>
 #include <cwchar>
 #include "base/wide_text_win.h"
 #include "panel/memory_surface_win.h"
@@ -63,8 +64,8 @@ TextLine statusLine(const PanelLayers& layers, std::size_t side, std::string_vie
     line.family = fontFamilyOf(language);
     line.width = area.right - area.left;
     line.height = area.bottom - area.top;
-    line.fontPixels = std::max(static_cast<std::int32_t>(static_cast<float>(line.height) * kStatusFontShare + 0.5f),
-                               std::min(kSmallestFont, line.height));
+    const float fontPixels = std::floor(static_cast<float>(line.height) * kStatusFontShare + 0.5f);
+    line.fontPixels = std::max(static_cast<std::int32_t>(fontPixels), std::min(kSmallestFont, line.height));
     line.colour = panelStyle(layers.theme).statusText;
     line.isRightAligned = side == 1;
     return line;

@@ -16,7 +16,7 @@ PluginState gPlugin;
 // Of the C++ library, which is ours alone and unloaded with us: gives back the 70 KB it keeps for exceptions without
 // memory. No header declares it; nothing may throw after it.
 namespace __gnu_cxx {
-void __freeres();
+void __freeres();  // NOLINT(bugprone-reserved-identifier): its own name
 }
 #endif
 

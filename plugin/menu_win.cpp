@@ -21,6 +21,7 @@ PluginMenuItem* newItem(std::int32_t entry, std::int32_t language) {
 
 PluginMenuItem** buildMenu(PluginState& plugin) {
     const auto language = chooseLanguage(copySettings(plugin.settings).language, GetUserDefaultUILanguage());
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers, as many as there are entries and a null
     auto** items = static_cast<PluginMenuItem**>(std::calloc(kMenuEntryCount + 1, sizeof(PluginMenuItem*)));
     if (!items) return nullptr;
     for (int i = 0; i < kMenuEntryCount; i++) items[i] = newItem(i + 1, language);  // a null here only ends it early

@@ -139,10 +139,10 @@ Page pageOf(int page) {
 }
 
 UnitRect rectOf(const Placement& placement, int index) {
-    const auto column = static_cast<float>(index % placement.columns);
-    const auto row = static_cast<float>(index / placement.columns);
-    return {placement.rect.x + column * placement.stepX, placement.rect.y + row * placement.stepY, placement.rect.width,
-            placement.rect.height};
+    const int column = index % placement.columns;
+    const int row = index / placement.columns;
+    return {placement.rect.x + static_cast<float>(column) * placement.stepX,
+            placement.rect.y + static_cast<float>(row) * placement.stepY, placement.rect.width, placement.rect.height};
 }
 
 float pageHeight(const Page& page) {

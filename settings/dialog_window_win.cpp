@@ -2,6 +2,7 @@
 #include <windowsx.h>
 #include "base/log_line.h"
 #include "base/monitor_win.h"
+#include "base/pointer_argument_win.h"
 #include "base/wide_text_win.h"
 #include "base/window_class_win.h"
 #include "settings/texts.h"
@@ -148,11 +149,11 @@ void DialogWindow::open() {
 
 LRESULT CALLBACK DialogWindow::wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_NCCREATE) {
-        const auto* create = reinterpret_cast<CREATESTRUCTW*>(lParam);
+        const auto* create = pointerFrom<CREATESTRUCTW>(lParam);
         static_cast<DialogWindow*>(create->lpCreateParams)->window_ = window;
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
     }
-    auto* self = reinterpret_cast<DialogWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    auto* self = pointerFrom<DialogWindow>(GetWindowLongPtrW(window, GWLP_USERDATA));
     try {
         if (self) return self->onMessage(message, wParam, lParam);
     } catch (...) {
@@ -193,7 +194,7 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CANCELMODE:
             return onCaptureChanged();
         case WM_DPICHANGED:
-            return onDpiChanged(*reinterpret_cast<const RECT*>(lParam));
+            return onDpiChanged(*pointerFrom<const RECT>(lParam));
         default:
             return DefWindowProcW(window_, message, wParam, lParam);
     }

@@ -766,6 +766,7 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Лицензия",
     },
     {  // 68
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): prefix and names are one text
         "界面语言：" LANGUAGE_NAMES,
         "介面語言：" LANGUAGE_NAMES,
         "Interface languages: " LANGUAGE_NAMES,

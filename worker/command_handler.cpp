@@ -6,7 +6,7 @@
 namespace {
 
 std::string successMessage(const RadioWrite& write, const ComRadio& radio) {
-    const auto title = slotTitle(write.radio, write.slot);
+    auto title = slotTitle(write.radio, write.slot);
     switch (write.slot) {
         case kSlotActive:
             return title + ' ' + mhzText(radio.activeKHz);
@@ -30,7 +30,7 @@ std::string notWritten(const RadioWrite& write, const std::string& status) {
 
 // For the log: "COM1 standby 121.500".
 std::string describeWrite(const RadioWrite& write) {
-    const auto title = slotTitle(write.radio, write.slot);
+    auto title = slotTitle(write.radio, write.slot);
     if (write.slot == kSlotSwap) return title;
     return title + ' ' + (write.slot == kSlotVolume ? percentText(write.value) : mhzText(write.value));
 }

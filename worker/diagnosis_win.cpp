@@ -170,7 +170,7 @@ std::string temporaryFolder() {
 std::string save(const std::string& report, const std::string& dataDir) {
     WindowsDataFiles files;
     for (const auto& folder : {dataDir, temporaryFolder()}) {
-        const auto path = joinPath(folder, kDiagnosisFile);
+        auto path = joinPath(folder, kDiagnosisFile);
         if (!folder.empty() && files.replace(path, report)) return path;
     }
     return {};

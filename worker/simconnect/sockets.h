@@ -21,7 +21,7 @@ struct NetAddress {
 class Sockets {
   public:
     Sockets();
-    ~Sockets();
+    ~Sockets();  // NOLINT(performance-trivially-destructible): not on Windows
     Sockets(const Sockets&) = delete;
     Sockets& operator=(const Sockets&) = delete;
 };
