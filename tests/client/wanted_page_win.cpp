@@ -10,16 +10,21 @@ namespace {
 
 constexpr double kClockStepS = 0.05;  // the tick that stamps a message and the wall clock do not step together
 
-// In the system's zone, by another way than the plugin's: with the offset that holds now.
+std::int64_t secondsOf(const SYSTEMTIME& time) {
+    FILETIME file = {};
+    SystemTimeToFileTime(&time, &file);
+    return static_cast<std::int64_t>(std::uint64_t{file.dwHighDateTime} << 32U | file.dwLowDateTime) / 10'000'000;
+}
+
+// In the system's zone, by another way than the plugin's: by the distance of both clocks now.
 TimeOfDay wallClock(double unixSeconds) {
-    constexpr std::int64_t kUnixEpoch = 116444736000000000LL;  // 1970 in 100 ns since 1601
-    const auto ticks = static_cast<std::uint64_t>(kUnixEpoch + static_cast<std::int64_t>(unixSeconds) * 10'000'000);
-    const FILETIME universal = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32U)};
-    FILETIME local = {};
-    FileTimeToLocalFileTime(&universal, &local);
-    SYSTEMTIME time = {};
-    FileTimeToSystemTime(&local, &time);
-    return {time.wHour, time.wMinute, time.wSecond};
+    constexpr std::int64_t kQuarterHour = 900;  // no zone's offset is finer
+    SYSTEMTIME universal = {}, local = {};
+    GetSystemTime(&universal);
+    GetLocalTime(&local);
+    const double distance = static_cast<double>(secondsOf(local) - secondsOf(universal)) / kQuarterHour;
+    const auto second = static_cast<std::int64_t>(unixSeconds) + std::llround(distance) * kQuarterHour;
+    return {static_cast<int>(second / 3600 % 24), static_cast<int>(second / 60 % 60), static_cast<int>(second % 60)};
 }
 
 PixelRect pixelsOf(const PageRect& rect, float scale) {
