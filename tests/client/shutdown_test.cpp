@@ -17,7 +17,8 @@ bool hasPanel() {
     return hasWindow(L"CorvalisRadioPanel");
 }
 bool hasDialog() {
-    return hasWindow(L"CorvalisSettingsClass");
+    const auto dialog = static_cast<HWND>(findOwnWindow(L"CorvalisSettingsClass"));
+    return dialog && IsWindowVisible(dialog);
 }
 
 // Of the fake worker beside the DLL, from the name of its report; 0 while it has written none.
