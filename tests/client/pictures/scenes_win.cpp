@@ -23,17 +23,6 @@ void holdSwapKey(Stage& stage) {
     stage.panel.press(stage.panel.pointOn(kSwapKey));
 }
 
-// A held knob looks as one let go: it is seen to be held by its having been turned.
-void holdKnob(Stage& stage) {
-    const std::int32_t knob = stage.theme == kGeneralTheme ? kVolumeKnob : kLargeKnob;
-    POINT at = stage.panel.pointOn(knob);
-    stage.panel.press(at);
-    for (int i = 0; i < 4; i++) {
-        at.y += 10;
-        stage.panel.move(at);
-    }
-}
-
 void talkBothWays(Stage& stage) {
     stage.session.host.setTalking(kSchid, kOwnClient, true);
     stage.session.host.setTalking(kSchid, kOtherClient, true);
@@ -58,15 +47,32 @@ void receiveText(Stage& stage) {
     stage.session.plugin.deliver(text);
 }
 
-void hover(Stage& stage, std::int32_t element) {
-    POINT at = stage.panel.pointOn(element);
+bool isTipShown(const Stage&) {
+    return findPanelTip() && IsWindowVisible(findPanelTip());
+}
+
+void hover(Stage& stage, POINT client) {
+    POINT at = client;
     ClientToScreen(stage.panel.window(), &at);
     SetCursorPos(at.x, at.y);  // the tip follows the real cursor
-    stage.panel.move(stage.panel.pointOn(element));
+    stage.panel.move(client);
 }
 
 void hoverVolume(Stage& stage) {
-    hover(stage, kVolumeKnob);
+    hover(stage, stage.panel.pointOn(kVolumeKnob));
+}
+
+// A held knob looks as one let go: it is seen to be held by its having been turned.
+void holdKnob(Stage& stage) {
+    POINT at = stage.panel.pointOn(stage.theme == kGeneralTheme ? kVolumeKnob : kLargeKnob);
+    hover(stage, at);
+    stage.session.waitUntil([&] { return isTipShown(stage); });  // the real mouse is there, and moves no more
+    at.y -= 16;
+    stage.panel.press(at);
+    for (int i = 0; i < 4; i++) {
+        at.y += 4;
+        stage.panel.move(at);
+    }
 }
 
 // --- what the panel shows, in its own picture ---
@@ -133,10 +139,6 @@ bool areKnobsTurned(const Stage& stage) {
 
 bool isTextKeyLit(const Stage& stage) {
     return isElementChanged(stage, kCustomKeyA);
-}
-
-bool isTipShown(const Stage&) {
-    return findPanelTip() && IsWindowVisible(findPanelTip());
 }
 
 // Everything that can shine does, on custom keys too: AUTO, COM2, target STANDBY, pin.
