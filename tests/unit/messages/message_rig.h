@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <functional>
-#include <optional>
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 #include "messages/display_text.h"
 #include "messages/message_model.h"
