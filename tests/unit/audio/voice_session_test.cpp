@@ -36,7 +36,7 @@ TEST(VoiceHookThreads, MayRunOnThreadsOfTheirOwnWhileTheSettingsChange) {
 }
 
 TEST(VoiceHookThreads, BeginAfreshWithEachSwitchThatIsToggledWhileTheyRun) {
-    constexpr std::uint32_t kToggles = 40;
+    constexpr std::uint32_t kToggles = 20;
     MemoryFiles files;
     SettingsStore settings(files);
     const BridgeOutputs bridge;
@@ -49,7 +49,7 @@ TEST(VoiceHookThreads, BeginAfreshWithEachSwitchThatIsToggledWhileTheyRun) {
         while (isSpeaking) {
             const VoiceControls controls = loadVoiceControls(settings, bridge);
             const bool isToggled = controls.dspGeneration != hooks.captured.stamp;
-            const auto block = blocks.take(Sound::kFullScaleNoise, 96);
+            const auto block = blocks.take(Sound::kFullScaleNoise, 960);  // more than the denoiser holds
             const auto heard = hooks.capture(controls, block, 1, edited);
             Hooks fresh;
             EXPECT_EQ(heard == fresh.capture(controls, block, 1, edited), isToggled) << controls.dspGeneration;
