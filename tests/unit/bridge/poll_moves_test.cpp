@@ -56,7 +56,7 @@ TEST_F(PollMoves, ToAnotherFrequencyWaitsForTheEndOfTheOutstandingOne) {
     tune("121500");
     rig.passFor(5000);
     // Looks at 750, before the report at 950, at 2750, which finds it, and at 4750.
-    EXPECT_EQ(requestTimes(), (Times{350, 4750}));
+    ASSERT_EQ(requestTimes(), (Times{350, 4750}));
     EXPECT_EQ(requests()[1].channelId, 12U);
 }
 
@@ -64,7 +64,7 @@ TEST_F(PollMoves, ToTheNextFrequencyIsAskedFor350MsAfterTheLastOneWasSeenConfirm
     rig.passFor(2400);
     tune("121500");
     rig.passFor(1000);
-    EXPECT_EQ(requestTimes(), (Times{350, 2750}));
+    ASSERT_EQ(requestTimes(), (Times{350, 2750}));
     EXPECT_EQ(requests()[1].channelId, 12U);
 }
 
@@ -72,6 +72,6 @@ TEST_F(PollMoves, OfAUserWhoLeftByHandIsAskedForAtTheNextLook) {
     rig.passFor(2400);
     rig.host.moveByHand(1, 5, 10);
     rig.passFor(2000);
-    EXPECT_EQ(requestTimes(), (Times{350, 4350}));
+    ASSERT_EQ(requestTimes(), (Times{350, 4350}));
     EXPECT_EQ(requests()[1].channelId, 11U);
 }
