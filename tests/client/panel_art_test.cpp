@@ -60,6 +60,7 @@ class PanelArt : public PanelTest {
             EXPECT_TRUE(clickSaves(kCom2Key, "radio=COM2")) << themeName(theme);
             panel().wheel(theme == kGeneralTheme ? kStandbyMhzDigits : kLargeKnob, 120);
             EXPECT_EQ(nextTuning(2), "standby 122975") << themeName(theme);
+            answer();
             session.stop();
         }
     }

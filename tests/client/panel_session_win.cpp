@@ -85,6 +85,7 @@ void PanelTest::answer() {
     const std::string settings = session.settings();
     panel().wheel(theme_ == kGeneralTheme ? kStandbyMhzDigits : kLargeKnob, WHEEL_DELTA);
     const std::string command = nextTuning();
+    answer();
     if (command != "standby 122500") return ::testing::AssertionFailure() << "this happened: " << command;
     if (settings != settingsBefore_) return ::testing::AssertionFailure() << "settings were saved:\n" << settings;
     return ::testing::AssertionSuccess();

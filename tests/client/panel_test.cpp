@@ -36,6 +36,7 @@ TEST_F(Panel, SwapKeyOfEveryThemeSwapsTheSelectedRadio) {
         ASSERT_TRUE(show(theme, "radio=COM2\r\n")) << themeName(theme);
         panel().click(kSwapKey);
         EXPECT_EQ(nextTuning(2), "swap 0") << themeName(theme);
+        answer();
         session.stop();
     }
 }
@@ -68,6 +69,7 @@ TEST_F(Panel, WheelOverTheKnobsTunesStandby) {
         answer();
         panel().wheel(kSmallKnob, -120);
         EXPECT_EQ(nextTuning(), "standby 121490") << themeName(theme);
+        answer();
         session.stop();
     }
 }
@@ -152,6 +154,7 @@ TEST_F(Panel, DraggingAKnobIsAStepForEachMoveOfTwoPixelsOrMore) {
         ASSERT_TRUE(show(row.theme));
         panel().drag(row.knob, row.pixels, row.moves);
         EXPECT_EQ(nextTuning(), row.command);
+        answer();
         session.stop();
     }
 }
