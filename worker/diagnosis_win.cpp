@@ -181,7 +181,6 @@ std::string save(const std::string& report, const std::string& dataDir) {
 bool diagnose(WorkerOptions options, const std::string& commandLineProblem, const MakeTransport& makeTransport) {
     try {
         Diagnosis found;
-        found.nowUnixSeconds = SystemClock().unixSeconds();
         found.commandLineProblem = commandLineProblem;
         found.accountNames = accountNames();
         const auto programFolder = findModuleFolder();
@@ -191,6 +190,8 @@ bool diagnose(WorkerOptions options, const std::string& commandLineProblem, cons
         found.programFolder = utf8FromNarrow(programFolder);
         findDataFolderOf(options, found);
         findFiles(options.dataDir, programFolder, found);
+        // Behind them: a worker writes on, and a file from the future would count as not used.
+        found.nowUnixSeconds = SystemClock().unixSeconds();
         examineLink(options, makeTransport, found);
         const auto report = composeDiagnosis(found, utf8FromNarrow);
         const auto path = save(report, options.dataDir);

@@ -1,11 +1,14 @@
 // The real worker program as a user starts it for a report: --diagnose on prepared folders, without plugin and client.
 #include <gtest/gtest.h>
 #include <windows.h>
+#include <atomic>
+#include <thread>
 #include "base/clock_win.h"
 #include "bridge/telemetry.h"
 #include "bridge/worker_command_line.h"
 #include "plugin/identity.h"
-#include "tests/client/test_machine_win.h"
+#include "tests/client/fake_telemetry.h"
+#include "tests/client/worker_at_work_win.h"
 #include "tests/simulator/program_win.h"
 #include "worker/diagnosis.h"
 
@@ -34,7 +37,7 @@ Outcome runWorker(const std::wstring& arguments, const std::filesystem::path& ou
     PROCESS_INFORMATION process = {};
     Outcome outcome;
     if (CreateProcessW(nullptr, text.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
-        outcome.ended = WaitForSingleObject(process.hProcess, 30'000) == WAIT_OBJECT_0;
+        outcome.ended = WaitForSingleObject(process.hProcess, 60'000) == WAIT_OBJECT_0;
         GetExitCodeProcess(process.hProcess, &outcome.exitCode);
         if (!outcome.ended) TerminateProcess(process.hProcess, 9);
         CloseHandle(process.hThread);
@@ -114,7 +117,8 @@ TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
     ASSERT_TRUE(worker.start(quoted(productFile(kWorkerProgram)) + L" --data-dir " + quoted(data)));
     // The telemetry that says so follows the line in the log.
     ASSERT_TRUE(
-        waitFor([&] { return isFresh(parseTelemetry(readFile(data / kTelemetryFile)), SystemClock().unixSeconds()); }));
+        waitFor([&] { return isFresh(parseTelemetry(readFile(data / kTelemetryFile)), SystemClock().unixSeconds()); },
+                kPatienceMs));
     const auto outcome = run(L"--diagnose");
     EXPECT_TRUE(worker.isRunning());  // and was left in peace
     worker.kill();
@@ -125,6 +129,22 @@ TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
     EXPECT_TRUE(has(report, "worker          one serves this folder; the link is its own and was not tried\r\n"));
     EXPECT_TRUE(has(report, "judgement       used by the plugin: it shows CONNECTED\r\n"));
     EXPECT_TRUE(has(report, "  link up: built-in aircraft\r\n"));
+}
+
+// A worker writes on while the report is made.
+TEST_F(Diagnose, JudgesTheTelemetryByTheTimeAtWhichItWasRead) {
+    prepare(L"jane");
+    std::atomic<bool> stops{false};
+    std::thread worker([&] {
+        for (; !stops; pauseBriefly()) {
+            replaceFile(data / kTelemetryFile, telemetryText(FakeTelemetry(), SystemClock().unixSeconds()));
+        }
+    });
+    const auto outcome = run(L"--diagnose --data-dir " + quoted(data));
+    stops = true;
+    worker.join();
+    EXPECT_EQ(outcome.exitCode, 0u);
+    EXPECT_TRUE(has(outcome.output, "judgement       used by the plugin: it shows CONNECTED\r\n")) << outcome.output;
 }
 
 TEST_F(Diagnose, SavesInTheFolderForTemporaryFilesIfThereIsNoDataFolder) {
