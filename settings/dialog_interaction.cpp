@@ -129,6 +129,16 @@ void forgetMouse(DialogInput& input) {
     input.isDragging = false;
 }
 
+DialogAction runCommand(DialogInput& input, DialogModel& model, const DialogCommand& command,
+                        std::uint16_t systemLanguage) {
+    const int page = model.page;
+    const std::int32_t language = dialogLanguage(model, systemLanguage);
+    const DialogAction action = runDialogCommand(model, command.id, command.option);
+    if (model.page != page) input.scroll = 0;
+    if (model.page != page || dialogLanguage(model, systemLanguage) != language) forgetMouse(input);
+    return action;
+}
+
 void moveMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at) {
     input.hover = hitDialog(layout, at);
     if (!input.isDragging) return;

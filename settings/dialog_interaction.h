@@ -35,7 +35,7 @@ struct DialogInput {
     bool operator==(const DialogInput&) const = default;
 };
 
-// What the window is to run (runDialogCommand).
+// What the window is to run (runCommand).
 struct DialogCommand {
     int id = kNothingHit;
     int option = -1;
@@ -45,6 +45,11 @@ struct DialogCommand {
 
 // What is hovered, dragged and pressed is forgotten: another page, another language, a lost mouse capture.
 void forgetMouse(DialogInput& input);
+
+// Carries a command out, whoever gave it (runDialogCommand). Another page begins at its top; with another page or
+// language the mouse stands on other controls than those it took hold of.
+DialogAction runCommand(DialogInput& input, DialogModel& model, const DialogCommand& command,
+                        std::uint16_t systemLanguage);
 
 void moveMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at);
 // The window's edge is left; a drag goes on.

@@ -324,3 +324,9 @@ PixelRect placeDialog(const PixelRect& workArea, unsigned dpi) {
     const std::int32_t y = (workArea.top + workArea.bottom - height) / 2;
     return {x, y, x + width, y + height};
 }
+
+PixelRect placeSuggested(const PixelRect& suggested, const PixelRect& workArea) {
+    const std::int32_t width = std::min(suggested.right - suggested.left, workArea.right - workArea.left);
+    const std::int32_t height = std::min(suggested.bottom - suggested.top, workArea.bottom - workArea.top);
+    return {suggested.left, suggested.top, suggested.left + width, suggested.top + height};
+}

@@ -101,3 +101,5 @@ std::int32_t scrollTo(const DialogLayout& layout, const DialogControl& control);
 
 // The window in a monitor's work area: its size at this resolution, at most the work area's, and centred.
 PixelRect placeDialog(const PixelRect& workArea, unsigned dpi);
+// The window where the system suggests it for another resolution, at most as large as the work area.
+PixelRect placeSuggested(const PixelRect& suggested, const PixelRect& workArea);

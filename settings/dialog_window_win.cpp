@@ -177,7 +177,7 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             refresh();
             return 0;
         case WM_COMMAND:
-            return onCommand(LOWORD(wParam), static_cast<int>(HIWORD(wParam)) - 1);
+            return onCommand({LOWORD(wParam), static_cast<int>(HIWORD(wParam)) - 1});
         case WM_KEYDOWN:
             return onKey(wParam);
         case WM_MOUSEMOVE:
@@ -226,12 +226,9 @@ LRESULT DialogWindow::onPaint() {
     return 0;
 }
 
-LRESULT DialogWindow::onCommand(int id, int option) {
-    const int page = model_.page;
+LRESULT DialogWindow::onCommand(const DialogCommand& command) {
     const std::int32_t before = language();
-    const DialogAction action = runDialogCommand(model_, id, option);
-    if (model_.page != page) input_.scroll = 0;
-    if (model_.page != page || language() != before) forgetMouse(input_);
+    const DialogAction action = runCommand(input_, model_, command, GetUserDefaultUILanguage());
     if (language() != before) SetWindowTextW(window_, wideFromUtf8(textOf(language(), kTextWindowTitle)).c_str());
     carryOut(action);
     if (window_) refresh();
@@ -274,8 +271,7 @@ void DialogWindow::preview() {
 LRESULT DialogWindow::onKey(WPARAM key) {
     const auto pressed = keyOf(key);
     if (!pressed) return 0;
-    if (const auto command = pressKey(input_, model_, layout(), *pressed))
-        return onCommand(command->id, command->option);
+    if (const auto command = pressKey(input_, model_, layout(), *pressed)) return onCommand(*command);
     refresh();
     return 0;
 }
@@ -314,7 +310,7 @@ LRESULT DialogWindow::onLeftDown(DialogPoint at) {
 LRESULT DialogWindow::onLeftUp(DialogPoint at) {
     const auto command = releaseMouse(input_, model_, layout(), at);
     ReleaseCapture();
-    if (command) return onCommand(command->id, command->option);
+    if (command) return onCommand(*command);
     refresh();
     return 0;
 }
@@ -334,9 +330,8 @@ LRESULT DialogWindow::onCaptureChanged() {
 
 LRESULT DialogWindow::onDpiChanged(const RECT& suggested) {
     const ScreenRect work = workAreaOf(window_);
-    const std::int32_t width = std::min<std::int32_t>(suggested.right - suggested.left, work.right - work.left);
-    const std::int32_t height = std::min<std::int32_t>(suggested.bottom - suggested.top, work.bottom - work.top);
-    moveTo({suggested.left, suggested.top, suggested.left + width, suggested.top + height});
+    moveTo(placeSuggested({suggested.left, suggested.top, suggested.right, suggested.bottom},
+                          {work.left, work.top, work.right, work.bottom}));
     refresh();
     return 0;
 }

@@ -27,7 +27,7 @@ class DialogWindow {
     LRESULT onCreate();
     LRESULT onDestroy();
     LRESULT onPaint();
-    LRESULT onCommand(int id, int option);
+    LRESULT onCommand(const DialogCommand& command);
     LRESULT onKey(WPARAM key);
     LRESULT onMouseMove(DialogPoint at);
     LRESULT onMouseLeave();

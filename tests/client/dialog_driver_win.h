@@ -1,12 +1,15 @@
 // dialog_driver_win.h - a user's hand on the settings dialog's real window: finds its controls and turns clicks, drags,
-// keys and commands into posted messages. Neither the real cursor nor the focus matters.
+// keys and commands into sent messages: what has returned has been done. Neither the real cursor nor the focus matters.
 // [host] Used from the main thread of a test or the pictures.
 #pragma once
 #include <windows.h>
+#include <functional>
 #include "settings/dialog_layout.h"
 
 // The dialog of this process, null while there is none.
 HWND findDialog();
+bool isDialogShown();
+int countDialogs();  // of this process
 
 class DialogDriver {
   public:
@@ -17,23 +20,34 @@ class DialogDriver {
     DialogLayout layout() const;
     // The middle of a control, or of one of its parts; {-1, -1} when the page lacks it.
     POINT pointOn(int id, int part = 0) const;
+    // A point of the title bar that moves the window.
+    POINT pointOnTitle() const;
 
-    // Each posts its messages.
+    // Runs work on the dialog's own thread as one message: nothing that the system has for the window, a move of the
+    // real pointer or a change of the focus, comes between what the hand does there.
+    void inOneGo(const std::function<void()>& work) const;
+
+    // Each returns when the dialog has carried it out; clicks and drags are in one go.
     void turnTo(int page);
-    void press(POINT at) const { postAt(WM_LBUTTONDOWN, MK_LBUTTON, at); }
-    void move(POINT at) const { postAt(WM_MOUSEMOVE, 0, at); }
-    void release(POINT at) const { postAt(WM_LBUTTONUP, 0, at); }
+    void press(POINT at) const { sendAt(WM_LBUTTONDOWN, MK_LBUTTON, at); }
+    void move(POINT at) const { sendAt(WM_MOUSEMOVE, 0, at); }
+    void release(POINT at) const { sendAt(WM_LBUTTONUP, 0, at); }
     void click(int id, int part = 0) const;
     // Takes a slider's thumb where it stands for `from` to where it stands for `to`.
     void drag(int id, float from, float to) const;
+    // The middle of a slider's thumb when it stands for value.
+    POINT pointOnTrack(int id, float value) const;
     void wheel(int id, int delta) const;
-    void key(WPARAM virtualKey) const { post(WM_KEYDOWN, virtualKey, 1); }
+    void key(WPARAM virtualKey) const { send(WM_KEYDOWN, virtualKey, 1); }
     // option as the dialog's WM_COMMAND takes it: its number + 1 in the upper word, or none.
-    void command(int id, int option = -1) const { post(WM_COMMAND, MAKEWPARAM(id, option + 1), 0); }
+    void command(int id, int option = -1) const { send(WM_COMMAND, MAKEWPARAM(id, option + 1), 0); }
+    void send(UINT message, WPARAM wParam, LPARAM lParam) const { SendMessageW(dialog_, message, wParam, lParam); }
+
+    // Returns at once: for what keeps the dialog until something else ends it.
     void post(UINT message, WPARAM wParam, LPARAM lParam) const { PostMessageW(dialog_, message, wParam, lParam); }
 
   private:
-    void postAt(UINT message, WPARAM keys, POINT at) const { post(message, keys, MAKELPARAM(at.x, at.y)); }
+    void sendAt(UINT message, WPARAM keys, POINT at) const { send(message, keys, MAKELPARAM(at.x, at.y)); }
 
     HWND dialog_;
     int page_;

@@ -3,29 +3,7 @@
 #include "bridge/poll_loop.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
-
-namespace {
-
-// Holds a file open so that nobody else may open it.
-class LockedFile {
-  public:
-    explicit LockedFile(const std::filesystem::path& file)
-        : handle_(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
-    ~LockedFile() { release(); }
-    LockedFile(const LockedFile&) = delete;
-    LockedFile& operator=(const LockedFile&) = delete;
-
-    bool isHeld() const { return handle_ != INVALID_HANDLE_VALUE; }
-    void release() {
-        if (isHeld()) CloseHandle(handle_);
-        handle_ = INVALID_HANDLE_VALUE;
-    }
-
-  private:
-    HANDLE handle_;
-};
-
-}  // namespace
+#include "tests/client/locked_file_win.h"
 
 class FileTrouble : public PluginTest {
   protected:
@@ -170,38 +148,4 @@ TEST_F(FileTrouble, ADataFolderThatVanishesAndComesBackIsLivedWith) {
     ASSERT_TRUE(session.waitPasses(5));
     session.tune(1, 122800);
     EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
-}
-
-TEST_F(FileTrouble, ReadOnlySettingsAreReadAndASaveThatFailsIsLivedWith) {
-    ASSERT_TRUE(session.writeSettings("theme=2\r\n"));
-    const std::filesystem::path file = session.dataFolder / "settings.ini";
-    ASSERT_TRUE(SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY));
-    ASSERT_TRUE(session.start());
-    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
-    ASSERT_TRUE(session.waitPasses(2));
-    session.stop();
-    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
-    EXPECT_NE(session.settings().find("theme=2\r\n"), std::string::npos);  // the old text or a whole new one
-}
-
-TEST_F(FileTrouble, LockedSettingsAreNotTornByASave) {
-    ASSERT_TRUE(session.writeSettings("theme=2\r\n"));
-    ASSERT_TRUE(session.start());
-    LockedFile lock(session.dataFolder / "settings.ini");
-    ASSERT_TRUE(lock.isHeld());
-    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
-    lock.release();
-    EXPECT_EQ(session.settings(), "theme=2\r\n");
-    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
-    EXPECT_NE(session.settings().find("\r\ntheme=2\r\n"), std::string::npos);
-}
-
-TEST_F(FileTrouble, BinarySettingsAreSkippedLineByLine) {
-    std::string bytes = "theme=1\r\n";
-    for (int i = 0; i < 10'000; i++) bytes += static_cast<char>(i * 31 + (i >> 8));
-    ASSERT_TRUE(session.writeSettings(bytes + "\nopacity=77\n"));
-    ASSERT_TRUE(session.start());
-    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
-    EXPECT_NE(session.settings().find("\r\ntheme=1\r\n"), std::string::npos);
-    EXPECT_NE(session.settings().find("\r\nopacity=77\r\n"), std::string::npos);
 }

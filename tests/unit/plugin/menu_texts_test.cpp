@@ -3,6 +3,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include "settings/language.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ TEST(MenuTexts, AreTheAgreedOnes) {
 }
 
 TEST(MenuTexts, FillEveryCellWithUtf8ThatFitsTheHostsRecord) {
-    for (std::int32_t language = 0; language < 9; language++) {
+    for (std::int32_t language = 0; language < kLanguageCount; language++) {
         std::set<std::string> ofLanguage;
         for (std::int32_t entry = 1; entry <= 3; entry++) {
             const std::string text = menuText(entry, language);
@@ -61,16 +62,16 @@ TEST(MenuTexts, FillEveryCellWithUtf8ThatFitsTheHostsRecord) {
 TEST(MenuTexts, DifferBetweenLanguagesSaveTheOneThatJapaneseAndTraditionalChineseShare) {
     for (std::int32_t entry = 1; entry <= 3; entry++) {
         std::set<std::string> texts;
-        for (std::int32_t language = 0; language < 9; language++) texts.insert(menuText(entry, language));
-        EXPECT_EQ(texts.size(), entry == 1 ? 8u : 9u) << entry;
+        for (std::int32_t language = 0; language < kLanguageCount; language++) texts.insert(menuText(entry, language));
+        EXPECT_EQ(texts.size(), kLanguageCount - (entry == 1 ? 1u : 0u)) << entry;
     }
     EXPECT_STREQ(menuText(1, 1), menuText(1, 3));
 }
 
 TEST(MenuTexts, OfAnIndexOutsideTheNineAreThoseOfTheNearestLanguage) {
     for (std::int32_t entry = 1; entry <= 3; entry++) {
-        EXPECT_STREQ(menuText(entry, 12), menuText(entry, 8));
-        EXPECT_STREQ(menuText(entry, INT32_MAX), menuText(entry, 8));
+        EXPECT_STREQ(menuText(entry, kLanguageCount + 3), menuText(entry, kLanguageCount - 1));
+        EXPECT_STREQ(menuText(entry, INT32_MAX), menuText(entry, kLanguageCount - 1));
         EXPECT_STREQ(menuText(entry, -3), menuText(entry, 0));
         EXPECT_STREQ(menuText(entry, INT32_MIN), menuText(entry, 0));
     }

@@ -1,6 +1,7 @@
 #include "settings/dialog_interaction.h"
 #include <gtest/gtest.h>
 #include <set>
+#include "settings/language.h"
 #include "tests/unit/settings/dialog_rig.h"
 
 namespace {
@@ -21,10 +22,11 @@ TEST_F(DialogHand, AClickWorksEveryControlOfEveryPage) {
             model = {};
             model.page = page;
             last = DialogAction::kNone;
-            click(control.id, control.look == ControlLook::kSegments   ? 2
+            const DialogRow& clicked = row(control.id);
+            const int lastOption = optionCount(clicked) - 1;
+            click(control.id, control.look == ControlLook::kSegments   ? lastOption
                               : control.look == ControlLook::kSelector ? 1
                                                                        : 0);
-            const DialogRow& clicked = row(control.id);
             switch (clicked.kind) {
                 case RowKind::kTab:
                     EXPECT_EQ(model.page, clicked.value);
@@ -36,7 +38,7 @@ TEST_F(DialogHand, AClickWorksEveryControlOfEveryPage) {
                     EXPECT_NE(rowSwitch(clicked, model.working), rowSwitch(clicked, Settings{})) << control.id;
                     break;
                 case RowKind::kChoice:
-                    EXPECT_EQ(model.working.theme, 2);
+                    EXPECT_EQ(rowNumber(clicked, model.working), lastOption) << control.id;
                     break;
                 case RowKind::kOption:
                     EXPECT_EQ(rowNumber(clicked, model.working), clicked.value);
@@ -69,6 +71,7 @@ TEST_F(DialogHand, TheTitleBarAndEmptyGroundCaptureNothing) {
     EXPECT_EQ(input.hover.id, kTitleBarHit);
     EXPECT_FALSE(pressMouse(input, model, layout(), {930, 400}));
     EXPECT_FALSE(pressMouse(input, model, layout(), middleOf(rect(kLiveRow))));
+    EXPECT_TRUE(pressMouse(input, model, layout(), middleOf(rect(kWindowButton))));  // though it lies in the title bar
 }
 
 TEST_F(DialogHand, HoverFollowsTheMouse) {
@@ -235,10 +238,9 @@ TEST_F(DialogHand, ArrowsHomeAndEndMoveASlider) {
 
 TEST_F(DialogHand, ArrowsStepChoicesWithinTheirEnds) {
     focus(6002);
-    press(DialogKey::kRight);
-    press(DialogKey::kRight);
-    press(DialogKey::kRight);
-    EXPECT_EQ(model.working.theme, 2);
+    const int last = optionCount(row(6002)) - 1;
+    for (int i = 0; i < last + 1; i++) press(DialogKey::kRight);
+    EXPECT_EQ(model.working.theme, last);
     press(DialogKey::kHome);
     EXPECT_EQ(model.working.theme, 0);
     model.page = 2;
@@ -280,4 +282,42 @@ TEST_F(DialogHand, PageKeysScroll) {
     EXPECT_EQ(input.scroll, layout().scrollRange);
     press(DialogKey::kHome);
     EXPECT_EQ(input.scroll, 0);
+}
+
+TEST_F(DialogHand, AnotherPageBeginsAtItsTopAndLetsGoOfTheMouse) {
+    height = 450;
+    press(DialogKey::kPageDown);
+    ASSERT_GT(input.scroll, 0);
+    const DialogLayout now = layout();
+    ASSERT_TRUE(pressMouse(input, model, now, {now.scrollBar.left + 2, now.scrollThumb.top + 2}));
+    command(kFirstTab + 1);
+    EXPECT_EQ(input.scroll, 0);
+    EXPECT_FALSE(input.isDragging);
+    EXPECT_EQ(input.pressed, DialogHit{});
+    EXPECT_EQ(input.hover, DialogHit{});
+    input.scroll = 5;
+    command(kFirstTab + 1);  // the same page once more
+    EXPECT_EQ(input.scroll, 5);
+}
+
+TEST_F(DialogHand, AnotherLanguageEndsADragWhereItStands) {
+    const DialogLayout now = layout();
+    const PixelRect track = trackRect(now, *findControl(now, 6003));
+    pressMouse(input, model, now, {(track.left + track.right) / 2, track.top});
+    ASSERT_EQ(model.working.opacity, 65.0f);
+    command(kFirstLanguage + int{kEnglish});  // it is English already
+    EXPECT_TRUE(input.isDragging);
+    command(kFirstLanguage + int{kKorean});
+    EXPECT_FALSE(input.isDragging);
+    EXPECT_EQ(input.hover, DialogHit{});
+    moveMouse(input, model, now, {track.right, track.top});
+    EXPECT_EQ(releaseMouse(input, model, now, {track.right, track.top}), std::nullopt);
+    EXPECT_EQ(model.working.opacity, 65.0f);
+    EXPECT_EQ(model.working.language, "ko");
+}
+
+TEST_F(DialogHand, AToggleLeavesTheMouseWhereItIs) {
+    moveMouse(input, model, layout(), middleOf(rect(6081)));
+    command(6000);
+    EXPECT_EQ(input.hover.id, 6081);
 }

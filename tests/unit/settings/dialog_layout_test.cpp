@@ -1,8 +1,13 @@
 #include "settings/dialog_layout.h"
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <set>
+#include <utility>
 #include "settings/texts.h"
 #include "tests/unit/settings/dialog_rig.h"
+#include "tests/unit/settings/settings_copy.h"
 #include "tests/unit/settings/text_characters.h"
 
 namespace {
@@ -81,9 +86,8 @@ TEST(DialogLayoutTest, TheMiddleOfEachControlHitsIt) {
     forEachLayout([](const DialogLayout& layout) {
         for (const DialogControl& control : layout.controls) {
             EXPECT_EQ(hitDialog(layout, middleOf(control.rect)).id, control.id);
-            const int parts = optionCount(*findRow(control.id)) == 0   ? 0
-                              : control.look == ControlLook::kSegments ? 3
-                                                                       : 2;
+            const int options = optionCount(*findRow(control.id));
+            const int parts = control.look == ControlLook::kSegments ? options : options > 0 ? 2 : 0;
             for (int part = 0; part < parts; part++) {
                 const PixelRect rect = partRect(layout, control, part);
                 EXPECT_TRUE(isWithin(rect, control.rect)) << control.id;
@@ -99,8 +103,8 @@ TEST(DialogLayoutTest, TheMiddleOfEachControlHitsIt) {
 TEST(DialogLayoutTest, KeepsTheGivenDistancesAndSizes) {
     const DialogLayout layout = wholeDialog(96, 0);
     const auto rect = [&](int id) { return findControl(layout, id)->rect; };
-    for (int n = 1; n < 4; n++) EXPECT_EQ(rect(5000 + n).top - rect(5000 + n - 1).top, 48);
-    for (int n = 0; n < 9; n++) {
+    for (int n = 1; n < kPageCount; n++) EXPECT_EQ(rect(5000 + n).top - rect(5000 + n - 1).top, 48);
+    for (int n = 0; n < kLanguageCount; n++) {
         EXPECT_EQ(rect(5100 + n).top, rect(5100).top + n / 3 * 40);
         EXPECT_EQ(rect(5100 + n).left, rect(5100 + n % 3).left);
     }
@@ -112,29 +116,35 @@ TEST(DialogLayoutTest, KeepsTheGivenDistancesAndSizes) {
     }
 }
 
-TEST(DialogLayoutTest, EachPageHasItsControls) {
-    const std::vector<std::vector<int>> pages = {
-        {5100, 5101, 5102, 5103, 5104, 5105, 5106, 5107, 5108, 6000, 6001,
-         6002, 6003, 6004, 6005, 6020, 6021, 6026, 6027, 6028, 6029},
-        {6021, 6022, 6023, 6024, 6025, 6026, 6027, 6028, 6029, 6030, 6031},
-        {6040, 6041, 6042, 6043, 6044, 6045, 6046, 6047, 6048, 6049, 6050, 6060, 6061, 6062, 6063, 6064},
-        {}};
-    const std::vector<std::vector<int>> headings = {{9, 10, 18}, {27, 32, 33}, {38, 39, 44, 52}, {}};
+TEST(DialogLayoutTest, EachSettingHasItsControlsOnItsPages) {
+    for (int page = 0; page < kPageCount; page++) {
+        std::set<int> onPage, expected;
+        for (const DialogControl& control : wholeDialog(96, page).controls) {
+            if (control.isOnPage) onPage.insert(control.id);
+        }
+        for (const SettingCopy& setting : settingsCopy()) {
+            const ControlCopy& control = setting.control;
+            if (std::find(control.pages.begin(), control.pages.end(), page) == control.pages.end()) continue;
+            for (int i = 0; i < control.count; i++) expected.insert(control.id + i);
+        }
+        if (page == 0) expected.insert(kResetPanel);
+        if (page == 2) expected.insert({kPreviewMessages, kClearMessages});
+        EXPECT_EQ(onPage, expected) << page;
+    }
+}
+
+TEST(DialogLayoutTest, EachPageHasItsHeadingsAndWhatEveryPageHas) {
+    const std::set<int> headings[] = {{9, 10, 18}, {27, 32, 33}, {38, 39, 44, 52}, {}};
     for (int page = 0; page < kPageCount; page++) {
         const DialogLayout layout = wholeDialog(96, page);
-        std::vector<int> onPage, headed;
-        for (const DialogControl& control : layout.controls) {
-            if (control.isOnPage) onPage.push_back(control.id);
-        }
+        std::set<int> headed;
         for (const DialogPageText& text : layout.pageTexts) {
-            if (text.style == DialogTextStyle::kHeading) headed.push_back(text.entry);
+            if (text.style == DialogTextStyle::kHeading) headed.insert(text.entry);
         }
-        std::sort(onPage.begin(), onPage.end());
-        std::sort(headed.begin(), headed.end());
-        EXPECT_EQ(onPage, pages[static_cast<std::size_t>(page)]);
-        EXPECT_EQ(headed, headings[static_cast<std::size_t>(page)]);
-        for (const int id : {5000, 5001, 5002, 5003, 5150, 6006, 6080, 6081, 6082})
-            EXPECT_TRUE(findControl(layout, id));
+        EXPECT_EQ(headed, headings[page]);
+        for (int tab = 0; tab < kPageCount; tab++) EXPECT_TRUE(findControl(layout, kFirstTab + tab)) << page;
+        for (const int id : {kWindowButton, kLiveRow, kApply, kSaveAndClose, kCancel})
+            EXPECT_TRUE(findControl(layout, id)) << page << ' ' << id;
     }
 }
 
@@ -154,13 +164,13 @@ TEST(DialogLayoutTest, EveryTextOfEveryLanguageFits) {
             }
         }
     });
-    EXPECT_GT(texts, 4 * 4 * 9 * 20);
+    EXPECT_GT(texts, 4 * kPageCount * kLanguageCount * 20);
 }
 
 TEST(DialogLayoutTest, EveryActionFitsItsSelector) {
     const DialogLayout layout = wholeDialog(96, 2);
     for (std::int32_t language = 0; language < kLanguageCount; language++) {
-        for (std::int32_t action = 0; action < 8; action++) {
+        for (std::int32_t action = 0; action < optionCount(*findRow(6062)); action++) {
             DialogView view = viewIn(language);
             view.settings.bind_C = action;
             for (const DialogText& text : dialogTexts(layout, view)) {
@@ -195,9 +205,12 @@ TEST(DialogLayoutTest, ScrollsALowWindowUntilEverythingWasSeen) {
         EXPECT_TRUE(isWithin(bottom.scrollThumb, bottom.scrollBar));
         EXPECT_GT(bottom.scrollThumb.top, top.scrollThumb.top);
         for (const DialogControl& control : top.controls) {
-            EXPECT_TRUE(isWithin(
-                control.isOnPage ? intersectRects(control.rect, {0, -9999, top.client.right, 9999}) : control.rect,
-                control.isOnPage ? PixelRect{0, -9999, top.client.right, 9999} : top.client));
+            if (control.isOnPage) {  // beside the scroll bar, however far down
+                EXPECT_GE(control.rect.left, top.pageView.left) << control.id;
+                EXPECT_LE(control.rect.right, top.scrollBar.left) << control.id;
+            } else {
+                EXPECT_TRUE(isWithin(control.rect, top.client)) << control.id;
+            }
             const DialogLayout shown = layoutDialog(1366, 728, 144, page, scrollTo(top, control));
             const DialogControl& there = *findControl(shown, control.id);
             EXPECT_TRUE(isWithin(there.rect, there.isOnPage ? shown.pageView : shown.client)) << control.id;
@@ -211,11 +224,13 @@ TEST(DialogLayoutTest, WhatIsScrolledAwayIsNotHit) {
     const DialogControl& first = *findControl(layout, 5100);
     ASSERT_LT(first.rect.top, layout.pageView.top);
     EXPECT_NE(hitDialog(layout, {first.rect.left + 5, first.rect.top + 2}).id, 5100);
+    int labels = 0;
     for (const DialogText& text : dialogTexts(layout, viewIn(kEnglish))) {
-        if (text.id == 5100) {
-            EXPECT_TRUE(text.clip.isEmpty() || text.clip.top >= layout.pageView.top);
-        }
+        if (text.id != 5100) continue;
+        labels++;
+        EXPECT_TRUE(text.clip.isEmpty() || text.clip.top >= layout.pageView.top);
     }
+    EXPECT_GT(labels, 0);
 }
 
 TEST(DialogLayoutTest, ShrinksWhenTooNarrowOrVeryLow) {
@@ -248,7 +263,36 @@ TEST(DialogLayoutTest, StandsInTheMiddleOfTheWorkArea) {
     EXPECT_EQ(placeDialog({0, 0, 1920, 1040}, 96), (PixelRect{490, 190, 1430, 850}));
     EXPECT_EQ(placeDialog({0, 0, 2560, 1400}, 144), (PixelRect{575, 205, 1985, 1195}));  // 1410 x 990
     EXPECT_EQ(placeDialog({-1920, 0, 0, 1080}, 96), (PixelRect{-1430, 210, -490, 870}));
-    EXPECT_EQ(placeDialog({0, 0, 1366, 728}, 144), (PixelRect{0, 0, 1366, 728}));
-    EXPECT_EQ(placeDialog({100, 0, 900, 600}, 96), (PixelRect{100, 0, 900, 600}));
     EXPECT_EQ(placeDialog({0, 0, 1920, 1040}, 0), placeDialog({0, 0, 1920, 1040}, 96));
+}
+
+TEST(DialogLayoutTest, FillsAWorkAreaThatIsTooNarrowOrTooLowButOnlyThatWay) {
+    EXPECT_EQ(placeDialog({0, 0, 1366, 728}, 144), (PixelRect{0, 0, 1366, 728}));
+    EXPECT_EQ(placeDialog({100, 0, 900, 2000}, 96), (PixelRect{100, 670, 900, 1330}));
+    EXPECT_EQ(placeDialog({-3000, 40, -1000, 600}, 96), (PixelRect{-2470, 40, -1530, 600}));
+}
+
+TEST(DialogLayoutTest, StandsOnTheMonitorItIsGivenWhereverThatIs) {
+    const PixelRect monitors[] = {{1920, 0, 3840, 1040},    // right of the primary one, which begins at 0, 0
+                                  {-1920, -200, 0, 840},    // left and a little higher
+                                  {300, -1440, 2860, -40},  // above, a bar at its lower edge
+                                  {-1080, 900, 0, 2820},    // upright, below
+                                  {1920, 300, 2720, 900}};  // a small one
+    for (const PixelRect& work : monitors) {
+        for (const unsigned dpi : kResolutions) {
+            const PixelRect place = placeDialog(work, dpi);
+            EXPECT_TRUE(isWithin(place, work)) << work.left << ' ' << dpi;
+            EXPECT_LE(std::abs((place.left - work.left) - (work.right - place.right)), 1) << work.left << ' ' << dpi;
+            EXPECT_LE(std::abs((place.top - work.top) - (work.bottom - place.bottom)), 1) << work.left << ' ' << dpi;
+        }
+    }
+}
+
+TEST(DialogLayoutTest, TakesTheSizeSuggestedForAResolutionAsFarAsTheWorkAreaHasRoom) {
+    const auto sizeOf = [](const PixelRect& rect) { return std::pair(rect.right - rect.left, rect.bottom - rect.top); };
+    const PixelRect right = {1920, 0, 4480, 1400};
+    EXPECT_EQ(sizeOf(placeSuggested({2000, 100, 3410, 1090}, right)), std::pair(1410, 990));
+    EXPECT_EQ(placeSuggested({2000, 100, 3410, 1090}, right), (PixelRect{2000, 100, 3410, 1090}));
+    EXPECT_EQ(sizeOf(placeSuggested({2000, 100, 3880, 1420}, {1920, 0, 3286, 728})), std::pair(1366, 728));
+    EXPECT_EQ(sizeOf(placeSuggested({-1900, 0, -20, 700}, {-1080, -900, 0, 1020})), std::pair(1080, 700));
 }

@@ -1,7 +1,11 @@
 #include "settings/dialog_model.h"
 #include <gtest/gtest.h>
 #include "settings/language.h"
+#include "settings/settings_text.h"
 #include "tests/unit/fakes.h"
+#include "tests/unit/settings/dialog_rig.h"
+#include "tests/unit/settings/dialog_walk.h"
+#include "tests/unit/settings/settings_copy.h"
 
 namespace {
 
@@ -51,11 +55,12 @@ TEST_F(DialogModelTest, OptionsSetRadioAndTarget) {
 }
 
 TEST_F(DialogModelTest, ChoicesTakeAnOptionOrGoOnAroundTheEnd) {
-    runDialogCommand(model, 6002, 2);
-    EXPECT_EQ(model.working.theme, 2);
-    runDialogCommand(model, 6002);
+    const int themes = optionCount(*findRow(kThemeChoice));
+    runDialogCommand(model, kThemeChoice, themes - 1);
+    EXPECT_EQ(model.working.theme, themes - 1);
+    runDialogCommand(model, kThemeChoice);
     EXPECT_EQ(model.working.theme, 0);
-    runDialogCommand(model, 6002, 3);
+    runDialogCommand(model, kThemeChoice, themes);
     EXPECT_EQ(model.working.theme, 0);
     std::int32_t Settings::*const keys[] = {&Settings::bind_A, &Settings::bind_B, &Settings::bind_C, &Settings::bind_D,
                                             &Settings::bind_E};
@@ -208,4 +213,24 @@ TEST_F(DialogModelTest, CommitCountsTheVoiceGenerationOnlyForVoiceSwitches) {
     EXPECT_EQ(store.AudioFlags & kAudioNrSelf, static_cast<std::uint32_t>(kAudioNrSelf));
     commit();
     EXPECT_EQ(store.DspGeneration, 1u);
+}
+
+TEST_F(DialogModelTest, EverySettingSetByTheMouseStandsInTheFile) {
+    DialogRig rig;
+    const Settings expected = clickEverySetting(rig);
+    for (const SettingCopy& setting : settingsCopy()) {
+        if (setting.control.id == 0) continue;
+        Settings unchanged = expected;
+        putValue(unchanged, setting, setting.standard);
+        EXPECT_NE(unchanged, expected) << setting.key << " was not changed";
+    }
+    commitDialog(rig.model, store, languageIndex, kGermanSystem);
+    EXPECT_EQ(file(), writeSettingsText(expected));
+}
+
+TEST_F(DialogModelTest, EverySettingSetByCommandStandsInTheFile) {
+    DialogRig rig;
+    const Settings expected = commandEverySetting(rig);
+    commitDialog(rig.model, store, languageIndex, kGermanSystem);
+    EXPECT_EQ(file(), writeSettingsText(expected));
 }

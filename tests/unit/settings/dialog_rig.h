@@ -8,6 +8,8 @@ inline DialogPoint middleOf(const PixelRect& rect) {
     return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
 }
 
+inline constexpr std::uint16_t kRigSystemLanguage = 0x0409;  // English
+
 struct DialogRig {
     DialogModel model;
     DialogInput input;
@@ -19,7 +21,7 @@ struct DialogRig {
     const DialogRow& row(int id) const { return *findRow(id); }
 
     void run(const std::optional<DialogCommand>& command) {
-        if (command) last = runDialogCommand(model, command->id, command->option);
+        if (command) last = runCommand(input, model, *command, kRigSystemLanguage);
     }
     void click(DialogPoint at) {
         pressMouse(input, model, layout(), at);
@@ -28,6 +30,17 @@ struct DialogRig {
     void click(int id, int part = 0) {
         const DialogLayout now = layout();
         click(middleOf(partRect(now, *findControl(now, id), part)));
+    }
+    void command(int id, int option = -1) { run(DialogCommand{id, option}); }
+    void turnTo(int page) { click(kFirstTab + page); }
+    // Takes a slider's thumb where it stands for `from` to where it stands for `to`.
+    void drag(int id, float from, float to) {
+        const DialogLayout now = layout();
+        const DialogControl& control = *findControl(now, id);
+        const PixelRect track = trackRect(now, control);
+        const std::int32_t y = (track.top + track.bottom) / 2;
+        pressMouse(input, model, now, {thumbX(now, control, row(id).range, from), y});
+        run(releaseMouse(input, model, now, {thumbX(now, control, row(id).range, to), y}));
     }
     void press(DialogKey key) { run(pressKey(input, model, layout(), key)); }
     void focus(int id) { input.focus = id; }

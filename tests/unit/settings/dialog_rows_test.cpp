@@ -3,128 +3,114 @@
 #include <set>
 #include "settings/language.h"
 #include "settings/texts.h"
+#include "tests/unit/settings/settings_copy.h"
 
 namespace {
 
-// What the dialog's controls are, told a second time: a row changed by mistake shows here.
-struct ToggleFact {
-    int id, label, description;
-    bool Settings::*field;
-};
-const ToggleFact kToggles[] = {
-    {6000, 13, 14, &Settings::master},       {6001, 15, 16, &Settings::panel_visible},
-    {6020, 19, 20, &Settings::enabled},      {6021, 21, 22, &Settings::follow_volume},
-    {6026, 23, -1, &Settings::distort_self}, {6027, 24, -1, &Settings::distort_others},
-    {6028, 25, -1, &Settings::tail_self},    {6029, 26, -1, &Settings::tail_others},
-    {6030, 34, 35, &Settings::equalize},     {6031, 36, 37, &Settings::nrSelf},
-    {6044, 40, 41, &Settings::pin},          {6045, 42, 43, &Settings::radio_lamps},
-    {6046, 45, 46, &Settings::text_alert},   {6047, 47, 48, &Settings::text_auto_open},
-};
-struct SliderFact {
-    int id, label;
-    float Settings::*field;
-    float min, max, step;
-    const char* unit;
-    int decimals;
-};
-const SliderFact kSliders[] = {
-    {6003, 12, &Settings::opacity, 30, 100, 1, "%", 0},       {6004, 11, &Settings::panel_scale, 50, 200, 5, "%", 0},
-    {6022, 28, &Settings::receive_volume, 0, 100, 1, "%", 0}, {6023, 29, &Settings::transmit_gain, 0, 18, 1, "dB", 0},
-    {6024, 30, &Settings::volume_min, 0, 1, 0.05f, "", 2},    {6025, 31, &Settings::volume_max, 0, 1, 0.05f, "", 2},
-    {6048, 49, &Settings::text_scale, 12, 22, 1, "px", 0},
-};
-struct NumberFact {
+// The controls that are no setting's, told a second time; those of settings are in settings_copy.h.
+const struct {
     int id;
     RowKind kind;
-    std::int32_t Settings::*field;
-    int value;
-    const char* caption;
-};
-const NumberFact kNumbers[] = {
-    {6040, RowKind::kOption, &Settings::radio, 1, "COM1"},    {6041, RowKind::kOption, &Settings::radio, 2, "COM2"},
-    {6042, RowKind::kOption, &Settings::target, 0, "ACTIVE"}, {6043, RowKind::kOption, &Settings::target, 1, "STANDBY"},
-    {6060, RowKind::kSelector, &Settings::bind_A, 0, "A"},    {6061, RowKind::kSelector, &Settings::bind_B, 0, "B"},
-    {6062, RowKind::kSelector, &Settings::bind_C, 0, "C"},    {6063, RowKind::kSelector, &Settings::bind_D, 0, "D"},
-    {6064, RowKind::kSelector, &Settings::bind_E, 0, "E"},
+    int label;
+} kOtherControls[] = {
+    {5000, RowKind::kTab, 5},    {5001, RowKind::kTab, 6},     {5002, RowKind::kTab, 7},
+    {5003, RowKind::kTab, 8},    {5150, RowKind::kButton, -1}, {6005, RowKind::kButton, 17},
+    {6006, RowKind::kLive, 69},  {6049, RowKind::kButton, 50}, {6050, RowKind::kButton, 51},
+    {6080, RowKind::kButton, 4}, {6081, RowKind::kButton, 2},  {6082, RowKind::kButton, 3},
 };
 
 }  // namespace
 
-TEST(DialogRows, HoldEveryToggleWithItsTextsAndField) {
-    for (const auto& fact : kToggles) {
-        const DialogRow* row = findRow(fact.id);
-        ASSERT_TRUE(row) << fact.id;
-        EXPECT_EQ(row->kind, RowKind::kToggle) << fact.id;
-        EXPECT_EQ(row->label, fact.label) << fact.id;
-        EXPECT_EQ(row->description, fact.description) << fact.id;
-        EXPECT_EQ(row->field, SettingsField(fact.field)) << fact.id;
+TEST(DialogRows, BindEverySettingsControlsToItsFieldAndTexts) {
+    for (const SettingCopy& setting : settingsCopy()) {
+        const ControlCopy& control = setting.control;
+        for (int i = 0; control.id != 0 && i < control.count; i++) {
+            const DialogRow* row = findRow(control.id + i);
+            ASSERT_TRUE(row) << setting.key << ' ' << i;
+            EXPECT_EQ(row->kind, control.kind) << setting.key;
+            EXPECT_EQ(row->label, control.label) << setting.key;
+            EXPECT_EQ(row->description, control.description) << setting.key;
+            EXPECT_EQ(row->field, setting.field) << setting.key;
+            EXPECT_FALSE(rowText(*row, kEnglish).empty()) << setting.key;
+        }
     }
 }
 
-TEST(DialogRows, HoldEverySliderWithItsRange) {
-    for (const auto& fact : kSliders) {
-        const DialogRow* row = findRow(fact.id);
-        ASSERT_TRUE(row) << fact.id;
-        EXPECT_EQ(row->kind, RowKind::kSlider) << fact.id;
-        EXPECT_EQ(row->label, fact.label) << fact.id;
-        EXPECT_EQ(row->field, SettingsField(fact.field)) << fact.id;
-        EXPECT_EQ(row->range.min, fact.min) << fact.id;
-        EXPECT_EQ(row->range.max, fact.max) << fact.id;
-        EXPECT_EQ(row->range.step, fact.step) << fact.id;
-        EXPECT_EQ(row->range.decimals, fact.decimals) << fact.id;
-        EXPECT_STREQ(row->range.unit, fact.unit) << fact.id;
+TEST(DialogRows, GiveASliderItsSettingsRange) {
+    for (const SettingCopy& setting : settingsCopy()) {
+        if (setting.control.kind != RowKind::kSlider) continue;
+        const SliderRange& range = findRow(setting.control.id)->range;
+        EXPECT_EQ(range.min, setting.range.min) << setting.key;
+        EXPECT_EQ(range.max, setting.range.max) << setting.key;
+        EXPECT_EQ(range.step, setting.range.step) << setting.key;
+        EXPECT_EQ(range.decimals, setting.range.decimals) << setting.key;
+        EXPECT_STREQ(range.unit, setting.range.unit) << setting.key;
     }
 }
 
-TEST(DialogRows, HoldTheOptionsAndTheKeySelectors) {
-    for (const auto& fact : kNumbers) {
-        const DialogRow* row = findRow(fact.id);
-        ASSERT_TRUE(row) << fact.id;
-        EXPECT_EQ(row->kind, fact.kind) << fact.id;
-        EXPECT_EQ(row->field, SettingsField(fact.field)) << fact.id;
-        EXPECT_EQ(row->value, fact.value) << fact.id;
-        EXPECT_EQ(rowText(*row, kEnglish), fact.caption) << fact.id;
+TEST(DialogRows, GiveAChoiceAsManyOptionsAsItsSettingHasValues) {
+    for (const SettingCopy& setting : settingsCopy()) {
+        if (setting.control.kind != RowKind::kChoice && setting.control.kind != RowKind::kSelector) continue;
+        EXPECT_EQ(optionCount(*findRow(setting.control.id)), static_cast<int>(setting.range.max) + 1) << setting.key;
+        EXPECT_EQ(setting.range.min, 0.0f) << setting.key;  // an option's number is its value
     }
 }
 
-TEST(DialogRows, HoldTabsLanguagesButtonsAndNothingElse) {
-    std::set<int> ids;
+TEST(DialogRows, HoldTabsButtonsTheLiveRowTheSettingsAndNothingElse) {
+    std::set<int> ids, expected;
     for (const DialogRow& row : dialogRows()) ids.insert(row.id);
-    std::set<int> expected = {5150, 6002, 6005, 6006, 6049, 6050, 6080, 6081, 6082};
-    for (int page = 0; page < 4; page++) {
-        expected.insert(5000 + page);
-        EXPECT_EQ(rowText(*findRow(5000 + page), kEnglish), textOf(kEnglish, 5 + page));
+    for (const auto& control : kOtherControls) {
+        expected.insert(control.id);
+        const DialogRow* row = findRow(control.id);
+        ASSERT_TRUE(row) << control.id;
+        EXPECT_EQ(row->kind, control.kind) << control.id;
+        EXPECT_EQ(row->label, control.label) << control.id;
+        EXPECT_EQ(row->field, SettingsField{}) << control.id;
     }
-    const char* const names[] = {"简体中文", "繁體中文", "English", "日本語", "한국어",
-                                 "Deutsch",  "Français", "Español", "Русский"};
-    for (int language = 0; language < 9; language++) {
-        expected.insert(5100 + language);
-        EXPECT_EQ(rowText(*findRow(5100 + language), kRussian), names[language]);
+    for (const SettingCopy& setting : settingsCopy()) {
+        for (int i = 0; setting.control.id != 0 && i < setting.control.count; i++)
+            expected.insert(setting.control.id + i);
     }
-    for (const auto& fact : kToggles) expected.insert(fact.id);
-    for (const auto& fact : kSliders) expected.insert(fact.id);
-    for (const auto& fact : kNumbers) expected.insert(fact.id);
     EXPECT_EQ(ids, expected);
-    const struct {
-        int id, label;
-    } buttons[] = {{6080, 4}, {6081, 2}, {6082, 3}, {6049, 50}, {6050, 51}, {6005, 17}, {6002, 10}, {6006, 69}};
-    for (const auto& button : buttons) EXPECT_EQ(findRow(button.id)->label, button.label) << button.id;
-    for (const int id : {-1, 0, 4999, 5004, 5109, 6007, 6083}) EXPECT_EQ(findRow(id), nullptr) << id;
+    for (int page = 0; page < kPageCount; page++) EXPECT_EQ(findRow(kFirstTab + page)->value, page);
+    for (int id = -1; id <= *ids.rbegin() + 1; id++) EXPECT_EQ(findRow(id) != nullptr, ids.count(id) == 1) << id;
 }
 
-TEST(DialogRows, OfferThreeThemesAndEightActions) {
-    const DialogRow& theme = *findRow(6002);
-    EXPECT_EQ(theme.kind, RowKind::kChoice);
-    EXPECT_EQ(theme.field, SettingsField(&Settings::theme));
-    ASSERT_EQ(optionCount(theme), 3);
+TEST(DialogRows, CallOptionsAndKeysByWhatIsEngravedOnThePanel) {
+    const struct {
+        int id, value;
+        const char* caption;
+    } rows[] = {{6040, 1, "COM1"}, {6041, 2, "COM2"}, {6042, 0, "ACTIVE"}, {6043, 1, "STANDBY"}, {6060, 0, "A"},
+                {6061, 0, "B"},    {6062, 0, "C"},    {6063, 0, "D"},      {6064, 0, "E"}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(findRow(row.id)->value, row.value) << row.id;
+        for (std::int32_t language = 0; language < kLanguageCount; language++)
+            EXPECT_EQ(rowText(*findRow(row.id), language), row.caption) << row.id;
+    }
+}
+
+TEST(DialogRows, CallTheThemesByTheirNamesAndTheActionsByTheirTexts) {
+    const DialogRow& theme = *findRow(kThemeChoice);
     const char* const names[] = {"GENERAL", "BOEING", "AIRBUS"};
     for (int i = 0; i < 3; i++) EXPECT_EQ(optionText(theme, i, kGerman), names[i]);
-    const DialogRow& key = *findRow(6062);
-    ASSERT_EQ(optionCount(key), 8);
-    for (int code = 0; code < 8; code++) EXPECT_EQ(optionText(key, code, kFrench), textOf(kFrench, 55 + code));
-    EXPECT_EQ(optionText(key, 8, kFrench), "");
+    const DialogRow& key = *findRow(kFirstKeySelector);
+    for (int code = 0; code < optionCount(key); code++)
+        EXPECT_EQ(optionText(key, code, kFrench), textOf(kFrench, kTextActionFirst + code));
+    EXPECT_EQ(optionText(key, optionCount(key), kFrench), "");
     EXPECT_EQ(optionText(key, -1, kFrench), "");
     EXPECT_EQ(optionCount(*findRow(6000)), 0);
+}
+
+TEST(DialogRows, CallALanguageByItsOwnNameInEveryLanguage) {
+    std::string names;
+    for (std::int32_t language = 0; language < kLanguageCount; language++) {
+        const std::string name(rowText(*findRow(kFirstLanguage + language), kRussian));
+        EXPECT_EQ(rowText(*findRow(kFirstLanguage + language), language), name);
+        EXPECT_EQ(findRow(kFirstLanguage + language)->value, language);
+        names += (names.empty() ? "" : " / ") + name;
+    }
+    const std::string_view listed = textOf(kEnglish, 68);
+    EXPECT_EQ(listed.substr(listed.size() - std::min(listed.size(), names.size())), names);
 }
 
 TEST(DialogRows, WriteSliderValuesWithUnitAndDecimals) {
@@ -146,12 +132,9 @@ TEST(DialogRows, SnapToStepsWithinTheRange) {
     }
 }
 
-TEST(DialogRows, NameTheFirstCodeOfEachLanguage) {
-    const char* const codes[] = {"zh-CN", "zh-TW", "en", "ja", "ko", "de", "fr", "es", "ru"};
-    for (int language = 0; language < 9; language++) {
-        EXPECT_STREQ(languageCode(language), codes[language]);
+TEST(DialogRows, NameACodeOfEachLanguageThatReadsAsIt) {
+    for (std::int32_t language = 0; language < kLanguageCount; language++)
         EXPECT_EQ(languageOfCode(languageCode(language)), language);
-    }
-    EXPECT_STREQ(languageCode(-1), "zh-CN");
-    EXPECT_STREQ(languageCode(9), "ru");
+    EXPECT_STREQ(languageCode(-1), languageCode(0));
+    EXPECT_STREQ(languageCode(kLanguageCount), languageCode(kLanguageCount - 1));
 }

@@ -1,5 +1,6 @@
 #include "settings/language.h"
 #include <gtest/gtest.h>
+#include "settings/dialog_rows.h"
 
 TEST(Language, OfEveryKnownCodeIsTheOneOfItsTable) {
     const struct {
@@ -13,6 +14,14 @@ TEST(Language, OfEveryKnownCodeIsTheOneOfItsTable) {
         EXPECT_EQ(chooseLanguage(row.code, 0x0419), row.index) << row.code;  // whatever the system speaks
         EXPECT_EQ(chooseLanguage(row.code, 0x0407), row.index) << row.code;
     }
+    // The dialog stores the first one of each.
+    std::int32_t next = 0;
+    for (const auto& row : rows) {
+        if (row.index != next) continue;
+        EXPECT_STREQ(languageCode(row.index), row.code);
+        next++;
+    }
+    EXPECT_EQ(next, kLanguageCount);
 }
 
 TEST(Language, OfAutoAndOfCodesOutsideTheTableIsTheSystems) {

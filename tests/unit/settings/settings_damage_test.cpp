@@ -5,39 +5,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <utility>
 #include <vector>
 #include "settings/settings_text.h"
 #include "tests/unit/settings/settings_ranges.h"
 
 namespace {
-
-// A record that differs from the defaults in every line.
-Settings unusual() {
-    Settings s;
-    s.master = s.enabled = s.follow_volume = s.distort_self = s.distort_others = s.tail_self = s.tail_others = false;
-    s.panel_visible = s.radio_lamps = s.text_alert = s.text_auto_open = false;
-    s.nrSelf = s.pin = s.equalize = true;
-    s.radio = 2;
-    s.target = 1;
-    s.theme = 2;
-    s.volume_min = 0.25f;
-    s.volume_max = 0.75f;
-    s.panel_scale = 150.0f;
-    s.opacity = 62.5f;
-    s.receive_volume = 37.5f;
-    s.transmit_gain = 6.5f;
-    s.text_scale = 20.5f;
-    s.panel_x = -1920;
-    s.panel_y = 1234;
-    s.bind_A = 1;
-    s.bind_B = 2;
-    s.bind_C = 3;
-    s.bind_D = 4;
-    s.bind_E = 5;
-    s.python = "py.exe";
-    s.language = "ja";
-    return s;
-}
 
 std::vector<std::string> linesOf(const Settings& settings) {
     std::vector<std::string> lines;
@@ -59,9 +32,6 @@ std::size_t linesThatDiffer(const Settings& a, const Settings& b) {
     return count;
 }
 
-bool coin(std::mt19937& random) {
-    return random() % 2 == 0;
-}
 float between(std::mt19937& random, float min, float max) {
     return std::uniform_real_distribution<float>(min, max)(random);
 }
@@ -79,27 +49,21 @@ std::string randomText(std::mt19937& random) {
     return text + "!";  // blanks at the very end would be trimmed
 }
 
+void putRandomValue(std::mt19937& random, const SettingCopy& copy, Settings& s) {
+    const bool isPixel = copy.rule == ValueRule::kPixel;
+    if (const auto* flag = std::get_if<bool Settings::*>(&copy.field)) s.*(*flag) = random() % 2 == 0;
+    if (const auto* number = std::get_if<std::int32_t Settings::*>(&copy.field))
+        s.*(*number) = whole(random, isPixel ? INT32_MIN : static_cast<std::int32_t>(copy.range.min),
+                             isPixel ? INT32_MAX : static_cast<std::int32_t>(copy.range.max));
+    if (const auto* real = std::get_if<float Settings::*>(&copy.field))
+        s.*(*real) = between(random, copy.range.min, copy.range.max);
+    if (const auto* text = std::get_if<std::string Settings::*>(&copy.field)) s.*(*text) = randomText(random);
+}
+
 Settings randomRecord(std::mt19937& random) {
     Settings s;
-    for (bool* flag :
-         {&s.master, &s.enabled, &s.nrSelf, &s.follow_volume, &s.distort_self, &s.distort_others, &s.tail_self,
-          &s.tail_others, &s.panel_visible, &s.pin, &s.equalize, &s.radio_lamps, &s.text_alert, &s.text_auto_open})
-        *flag = coin(random);
-    s.radio = whole(random, 1, 2);
-    s.target = whole(random, 0, 1);
-    s.theme = whole(random, 0, 2);
-    for (std::int32_t* key : {&s.bind_A, &s.bind_B, &s.bind_C, &s.bind_D, &s.bind_E}) *key = whole(random, 0, 7);
-    s.panel_x = whole(random, INT32_MIN, INT32_MAX);
-    s.panel_y = whole(random, INT32_MIN, INT32_MAX);
-    s.volume_min = between(random, 0, 1);
-    s.volume_max = between(random, s.volume_min, 1);
-    s.panel_scale = between(random, 50, 200);
-    s.opacity = between(random, 30, 100);
-    s.receive_volume = between(random, 0, 100);
-    s.transmit_gain = between(random, 0, 18);
-    s.text_scale = between(random, 12, 22);
-    s.python = randomText(random);
-    s.language = randomText(random);
+    for (const SettingCopy& copy : settingsCopy()) putRandomValue(random, copy, s);
+    if (s.volume_min > s.volume_max) std::swap(s.volume_min, s.volume_max);
     return s;
 }
 
@@ -113,9 +77,9 @@ float sixDigits(float value) {
 }  // namespace
 
 TEST(SettingsDamage, AFileCutAnywhereKeepsTheValuesOfItsWholeLines) {
-    const std::string text = writeSettingsText(unusual());
+    const std::string text = writeSettingsText(otherSettings());
     const auto defaults = linesOf(Settings{});
-    const auto full = linesOf(unusual());
+    const auto full = linesOf(otherSettings());
     for (std::size_t length = 0; length <= text.size(); length++) {
         const Settings s = readSettingsText(std::string_view(text).substr(0, length));
         ASSERT_EQ(fieldOutOfRange(s), "") << length;
@@ -134,11 +98,11 @@ TEST(SettingsDamage, AFileCutAnywhereKeepsTheValuesOfItsWholeLines) {
             start = end + 2;
         }
     }
-    EXPECT_EQ(readSettingsText(text), unusual());
+    EXPECT_EQ(readSettingsText(text), otherSettings());
 }
 
 TEST(SettingsDamage, OneDamagedByteChangesAtMostTheTwoValuesBesideIt) {
-    for (const Settings& record : {Settings{}, unusual()}) {
+    for (const Settings& record : {Settings{}, otherSettings()}) {
         const std::string text = writeSettingsText(record);
         for (std::size_t at = 0; at < text.size(); at++) {
             for (const char byte : {'\0', '\xFF', '\n', '\r', '=', '[', ' ', '0', '9', '-', '.', 'e', 'A',
@@ -154,14 +118,14 @@ TEST(SettingsDamage, OneDamagedByteChangesAtMostTheTwoValuesBesideIt) {
 }
 
 TEST(SettingsDamage, AByteLostOrDoubledLeavesEveryValueInRange) {
-    const std::string text = writeSettingsText(unusual());
+    const std::string text = writeSettingsText(otherSettings());
     for (std::size_t at = 0; at < text.size(); at++) {
         const Settings lost = readSettingsText(std::string(text).erase(at, 1));
         const Settings doubled = readSettingsText(std::string(text).insert(at, 1, text[at]));
         EXPECT_EQ(fieldOutOfRange(lost), "") << at;
         EXPECT_EQ(fieldOutOfRange(doubled), "") << at;
-        EXPECT_LE(linesThatDiffer(lost, unusual()), 2u) << at;
-        EXPECT_LE(linesThatDiffer(doubled, unusual()), 2u) << at;
+        EXPECT_LE(linesThatDiffer(lost, otherSettings()), 2u) << at;
+        EXPECT_LE(linesThatDiffer(doubled, otherSettings()), 2u) << at;
     }
 }
 
@@ -200,10 +164,9 @@ TEST(SettingsDamage, EveryRecordReadsBackAsItWasWrittenUpToSixDigits) {
     for (int i = 0; i < 2000; i++) {
         Settings s = randomRecord(random);
         const Settings back = readSettingsText(writeSettingsText(s));
-        for (float Settings::*field :
-             {&Settings::volume_min, &Settings::volume_max, &Settings::panel_scale, &Settings::opacity,
-              &Settings::receive_volume, &Settings::transmit_gain, &Settings::text_scale})
-            s.*field = sixDigits(s.*field);
+        for (const SettingCopy& copy : settingsCopy()) {
+            if (const auto* real = std::get_if<float Settings::*>(&copy.field)) s.*(*real) = sixDigits(s.*(*real));
+        }
         ASSERT_EQ(back, s) << writeSettingsText(s);
         ASSERT_EQ(readSettingsText(writeSettingsText(back)), back);
     }

@@ -1,141 +1,89 @@
-// The rules of settings.ini, one test per rule.
+// The rules of settings.ini, one test per rule. The keys come from the copy of all settings.
 #include "settings/settings_text.h"
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <climits>
 #include <string>
 #include <vector>
+#include "tests/unit/settings/settings_copy.h"
 
 namespace {
-
-// Every line of a file with the defaults, in order.
-const char* const kDefaultLines[] = {
-    "[Hopline]",       "master=1",        "nrSelf=0",           "enabled=1",         "radio=COM1",
-    "follow_volume=1", "volume_min=0",    "volume_max=1",       "distort_self=1",    "distort_others=1",
-    "tail_self=1",     "tail_others=1",   "python=pythonw.exe", "language=auto",     "target=0",
-    "theme=0",         "panel_scale=100", "opacity=100",        "receive_volume=80", "transmit_gain=0",
-    "panel_visible=1", "pin=0",           "equalize=0",         "panel_x=80",        "panel_y=80",
-    "radio_lamps=1",   "text_alert=1",    "text_auto_open=1",   "text_scale=15",     "bind_A=0",
-    "bind_B=0",        "bind_C=0",        "bind_D=0",           "bind_E=0"};
 
 // The record that a file of this one line gives.
 Settings read(const std::string& line) {
     return readSettingsText(line + "\r\n");
 }
 
-struct FlagCase {
-    const char* key;
-    bool Settings::*field;
-};
-
-// Reads each value as the flag's; the values named in others read as !rest, all the rest as rest.
-void expectFlag(const FlagCase& flag, bool rest, const std::vector<std::string>& others) {
-    for (const std::string value :
-         {"0",    "1",    "false", "true", "",    "2",  "-1", "00", "01", "0.0",     "False",  "FALSE",
-          "True", "TRUE", "on",    "off",  "yes", "no", " 0", " 1", "0x", "falsely", "truely", "10"}) {
-        const bool isOther = std::find(others.begin(), others.end(), value) != others.end();
-        EXPECT_EQ(read(flag.key + ("=" + value)).*flag.field, isOther ? !rest : rest) << flag.key << '=' << value;
-    }
+// The file of a record with one of the copy's two values in every line.
+std::string fileOf(const char* SettingCopy::*value) {
+    std::string text = "[Hopline]\r\n";
+    for (const SettingCopy& copy : settingsCopy()) text += copy.key + std::string("=") + copy.*value + "\r\n";
+    return text;
 }
 
-struct RealCase {
-    const char* key;
-    float Settings::*field;
-    float min, max;
-};
-const RealCase kReals[] = {
-    {"panel_scale", &Settings::panel_scale, 50, 200},      {"opacity", &Settings::opacity, 30, 100},
-    {"receive_volume", &Settings::receive_volume, 0, 100}, {"transmit_gain", &Settings::transmit_gain, 0, 18},
-    {"text_scale", &Settings::text_scale, 12, 22},         {"volume_max", &Settings::volume_max, 0, 1}};
+// Every switch of this rule reads the values named in others as !rest, all the rest as rest.
+void expectSwitches(ValueRule rule, bool rest, const std::vector<std::string>& others) {
+    int switches = 0;
+    for (const SettingCopy& copy : settingsCopy()) {
+        if (copy.rule != rule) continue;
+        switches++;
+        const auto field = std::get<bool Settings::*>(copy.field);
+        for (const std::string value :
+             {"0",    "1",    "false", "true", "",    "2",  "-1", "00", "01", "0.0",     "False",  "FALSE",
+              "True", "TRUE", "on",    "off",  "yes", "no", " 0", " 1", "0x", "falsely", "truely", "10"}) {
+            const bool isOther = std::find(others.begin(), others.end(), value) != others.end();
+            EXPECT_EQ(read(copy.key + ("=" + value)).*field, isOther ? !rest : rest) << copy.key << '=' << value;
+        }
+    }
+    EXPECT_GT(switches, 0);
+}
 
 }  // namespace
 
 TEST(SettingsText, OfTheDefaultsIsExactlyTheseLinesEachEndedByCarriageReturnAndLineFeed) {
-    std::string expected;
-    for (const char* line : kDefaultLines) expected += std::string(line) + "\r\n";
-    EXPECT_EQ(writeSettingsText(Settings{}), expected);
+    EXPECT_EQ(writeSettingsText(Settings{}), fileOf(&SettingCopy::standard));
 }
 
 TEST(SettingsText, WritesEveryFieldInItsOwnLine) {
+    EXPECT_EQ(writeSettingsText(otherSettings()), fileOf(&SettingCopy::other));
+    for (const SettingCopy& copy : settingsCopy()) {
+        EXPECT_STRNE(copy.standard, copy.other) << copy.key;
+        Settings one;
+        putValue(one, copy, copy.other);
+        EXPECT_EQ(read(copy.key + std::string("=") + copy.other), one) << copy.key;
+    }
+}
+
+TEST(SettingsText, WritesSixDigitsOfANumber) {
     Settings s;
-    s.master = s.enabled = s.follow_volume = s.distort_self = s.distort_others = s.tail_self = s.tail_others = false;
-    s.panel_visible = s.radio_lamps = s.text_alert = s.text_auto_open = false;
-    s.nrSelf = s.pin = s.equalize = true;
-    s.radio = 2;
-    s.target = 1;
-    s.theme = 2;
-    s.volume_min = 0.25f;
-    s.volume_max = 0.85f;
-    s.panel_scale = 133.5f;
     s.opacity = 62.1234567f;
     s.receive_volume = 33.3333333f;
     s.transmit_gain = 0.00001f;
-    s.text_scale = 17.5f;
-    s.panel_x = -1920;
-    s.panel_y = INT32_MIN;
-    s.bind_A = 1;
-    s.bind_B = 2;
-    s.bind_C = 3;
-    s.bind_D = 4;
-    s.bind_E = 5;
-    s.python = "C:\\Program Files\\Python\\python.exe";
-    s.language = "zh-TW";
-    EXPECT_EQ(writeSettingsText(s),
-              "[Hopline]\r\nmaster=0\r\nnrSelf=1\r\nenabled=0\r\nradio=COM2\r\nfollow_volume=0\r\nvolume_min=0.25\r\n"
-              "volume_max=0.85\r\ndistort_self=0\r\ndistort_others=0\r\ntail_self=0\r\ntail_others=0\r\n"
-              "python=C:\\Program Files\\Python\\python.exe\r\nlanguage=zh-TW\r\ntarget=1\r\ntheme=2\r\n"
-              "panel_scale=133.5\r\nopacity=62.1235\r\nreceive_volume=33.3333\r\ntransmit_gain=1e-05\r\n"
-              "panel_visible=0\r\npin=1\r\nequalize=1\r\npanel_x=-1920\r\npanel_y=-2147483648\r\nradio_lamps=0\r\n"
-              "text_alert=0\r\ntext_auto_open=0\r\ntext_scale=17.5\r\nbind_A=1\r\nbind_B=2\r\nbind_C=3\r\nbind_D=4\r\n"
-              "bind_E=5\r\n");
+    const std::string text = writeSettingsText(s);
+    for (const char* line : {"opacity=62.1235", "receive_volume=33.3333", "transmit_gain=1e-05"})
+        EXPECT_NE(text.find("\r\n" + std::string(line) + "\r\n"), std::string::npos) << line;
 }
 
 TEST(SettingsText, OfNothingReadsAsTheDefaults) {
-    Settings d;  // said once more here, so that a changed default is noticed
-    d.master = d.enabled = d.follow_volume = d.distort_self = d.distort_others = d.tail_self = d.tail_others = true;
-    d.panel_visible = d.radio_lamps = d.text_alert = d.text_auto_open = true;
-    d.nrSelf = d.pin = d.equalize = false;
-    d.radio = 1;
-    d.target = d.theme = d.bind_A = d.bind_B = d.bind_C = d.bind_D = d.bind_E = 0;
-    d.volume_min = d.transmit_gain = 0.0f;
-    d.volume_max = 1.0f;
-    d.panel_scale = d.opacity = 100.0f;
-    d.receive_volume = 80.0f;
-    d.text_scale = 15.0f;
-    d.panel_x = d.panel_y = 80;
-    d.python = "pythonw.exe";
-    d.language = "auto";
-    EXPECT_EQ(Settings{}, d);
+    EXPECT_EQ(Settings{}, defaultSettings());
     for (const char* text : {"", "\n", "\r\n\r\n", "[Hopline]\r\n", "=", "=1\n", "nonsense", "[master=0"})
-        EXPECT_EQ(readSettingsText(text), d) << text;
+        EXPECT_EQ(readSettingsText(text), Settings{}) << text;
 }
 
 TEST(SettingsText, TakesZeroAndFalseAsOffForTheSwitchesThatKnowTheWord) {
-    for (const FlagCase& flag : {FlagCase{"master", &Settings::master},
-                                 {"enabled", &Settings::enabled},
-                                 {"follow_volume", &Settings::follow_volume},
-                                 {"distort_self", &Settings::distort_self},
-                                 {"distort_others", &Settings::distort_others},
-                                 {"tail_self", &Settings::tail_self},
-                                 {"tail_others", &Settings::tail_others}})
-        expectFlag(flag, true, {"0", "false"});
+    expectSwitches(ValueRule::kOffByWord, true, {"0", "false"});
 }
 
 TEST(SettingsText, TakesOnlyOneAndTrueAsOnForNrSelf) {
-    expectFlag({"nrSelf", &Settings::nrSelf}, false, {"1", "true"});
+    expectSwitches(ValueRule::kOnByWord, false, {"1", "true"});
 }
 
 TEST(SettingsText, TakesOnlyOneAsOnForPinAndEqualizeSoTrueIsOff) {
-    expectFlag({"pin", &Settings::pin}, false, {"1"});
-    expectFlag({"equalize", &Settings::equalize}, false, {"1"});
+    expectSwitches(ValueRule::kOnByDigit, false, {"1"});
 }
 
 TEST(SettingsText, TakesOnlyZeroAsOffForThePanelLampsAndMessagesSoFalseIsOn) {
-    for (const FlagCase& flag : {FlagCase{"panel_visible", &Settings::panel_visible},
-                                 {"radio_lamps", &Settings::radio_lamps},
-                                 {"text_alert", &Settings::text_alert},
-                                 {"text_auto_open", &Settings::text_auto_open}})
-        expectFlag(flag, true, {"0"});
+    expectSwitches(ValueRule::kOffByDigit, true, {"0"});
 }
 
 TEST(SettingsText, TakesOnlyOneAsStandbyForTarget) {
@@ -152,33 +100,35 @@ TEST(SettingsText, TakesOnlyCom2AsTheSecondRadio) {
 }
 
 TEST(SettingsText, ClampsEveryRealNumberToItsRange) {
-    for (const RealCase& real : kReals) {
-        const float middle = (real.min + real.max) / 2;
+    for (const SettingCopy& real : settingsCopy()) {
+        if (!real.isReal()) continue;
+        const auto field = std::get<float Settings::*>(real.field);
+        const float min = real.range.min, max = real.range.max, middle = (min + max) / 2;
         const struct {
             std::string value;
             float result;
-        } rows[] = {{std::to_string(real.min), real.min},
-                    {std::to_string(real.max), real.max},
+        } rows[] = {{std::to_string(min), min},
+                    {std::to_string(max), max},
                     {std::to_string(middle), middle},
                     {std::to_string(middle) + "percent", middle},
                     {"  " + std::to_string(middle), middle},
                     {"+" + std::to_string(middle), middle},
-                    {std::to_string(real.max + 0.01), real.max},
-                    {"1000", real.max},
-                    {"1e300", real.max},
-                    {"1e999", real.max},
-                    {"inf", real.max},
-                    {"-1e999", real.min},
-                    {"-inf", real.min},
-                    {"-5", real.min},
-                    {std::to_string(real.min - 0.01), real.min},
-                    {"nan", real.min},
-                    {"", real.min},  // no number is 0, which is no range's upper end
-                    {"percent", real.min},
-                    {",5", real.min},
-                    {"--3", real.min}};
+                    {std::to_string(max + 0.01), max},
+                    {"1000", max},
+                    {"1e300", max},
+                    {"1e999", max},
+                    {"inf", max},
+                    {"-1e999", min},
+                    {"-inf", min},
+                    {"-5", min},
+                    {std::to_string(min - 0.01), min},
+                    {"nan", min},
+                    {"", min},  // no number is 0, which is no range's upper end
+                    {"percent", min},
+                    {",5", min},
+                    {"--3", min}};
         for (const auto& row : rows)
-            EXPECT_EQ(read(real.key + ("=" + row.value)).*real.field, row.result) << real.key << '=' << row.value;
+            EXPECT_EQ(read(real.key + ("=" + row.value)).*field, row.result) << real.key << '=' << row.value;
     }
     EXPECT_EQ(read("opacity=5").opacity, 30.0f);
     EXPECT_EQ(read("panel_scale=1000").panel_scale, 200.0f);
@@ -204,22 +154,30 @@ TEST(SettingsText, SwapsAMinimumVolumeAboveTheMaximum) {
     EXPECT_EQ(equal.volume_max, 0.5f);
 }
 
-TEST(SettingsText, ClampsTheThemeToThreeAndABindingToEightChoices) {
+TEST(SettingsText, ClampsEveryWholeNumberToItsRange) {
     const struct {
         const char* value;
-        int theme, binding;
-    } rows[] = {{"0", 0, 0},           {"1", 1, 1},   {"2", 2, 2},     {"7", 2, 7},
-                {"9", 2, 7},           {"-1", 0, 0},  {"", 0, 0},      {"x", 0, 0},
-                {" 1", 1, 1},          {"1.9", 1, 1}, {"1 key", 1, 1}, {"99999999999", 2, 7},
-                {"-99999999999", 0, 0}};
-    for (const auto& row : rows) {
-        const std::string value = row.value;
-        EXPECT_EQ(read("theme=" + value).theme, row.theme) << value;
-        EXPECT_EQ(read("bind_A=" + value).bind_A, row.binding) << value;
-        EXPECT_EQ(read("bind_B=" + value).bind_B, row.binding) << value;
-        EXPECT_EQ(read("bind_C=" + value).bind_C, row.binding) << value;
-        EXPECT_EQ(read("bind_D=" + value).bind_D, row.binding) << value;
-        EXPECT_EQ(read("bind_E=" + value).bind_E, row.binding) << value;
+        int number;
+    } rows[] = {{"0", 0},
+                {"1", 1},
+                {"2", 2},
+                {"7", 7},
+                {"9", 9},
+                {"-1", -1},
+                {"", 0},
+                {"x", 0},
+                {" 1", 1},
+                {"1.9", 1},
+                {"1 key", 1},
+                {"99999999999", 1000},
+                {"-99999999999", -1000}};
+    for (const SettingCopy& whole : settingsCopy()) {
+        if (whole.rule != ValueRule::kWhole) continue;
+        const auto field = std::get<std::int32_t Settings::*>(whole.field);
+        const int min = static_cast<int>(whole.range.min), max = static_cast<int>(whole.range.max);
+        for (const auto& row : rows)
+            EXPECT_EQ(read(whole.key + ("=" + std::string(row.value))).*field, std::clamp(row.number, min, max))
+                << whole.key << '=' << row.value;
     }
 }
 

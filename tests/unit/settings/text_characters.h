@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 #include "settings/texts.h"
 
 inline constexpr int kLanguageNames = 68;
@@ -79,10 +80,19 @@ inline std::string nameOf(std::int32_t language, int entry) {
            std::string(textOf(language, entry));
 }
 
+// The entries that hold a text, in every language.
+inline std::vector<int> filledEntries() {
+    std::vector<int> entries;
+    for (int entry = 0; entry < kTextCount; entry++) {
+        if (entry != kTextEmpty) entries.push_back(entry);
+    }
+    return entries;
+}
+
 // Calls check(language, entry) for every cell that holds a text.
 template <class Check>
 void forEachText(Check check) {
     for (std::int32_t language = 0; language < kLanguageCount; language++) {
-        for (int entry = 0; entry < kTextEmpty; entry++) check(language, entry);
+        for (const int entry : filledEntries()) check(language, entry);
     }
 }

@@ -33,7 +33,7 @@ TEST(Texts, AreTranslatedIntoTheirLanguagesOwnLetters) {
                                         "COM1",     "COM2",   "TX",   "RX",        "PDC",     "ACARS", "TEXT",
                                         "BOEING",   "AIRBUS", "A",    "ACTIVE",    "STANDBY", "DEL",   "ESC"};
     for (const auto language : {kSimplifiedChinese, kTraditionalChinese, kJapanese, kKorean, kRussian}) {
-        for (int entry = 0; entry < kTextEmpty; entry++) {
+        for (const int entry : filledEntries()) {
             const auto text = ownText(language, entry);
             for (const auto& word : asciiWords(text)) EXPECT_TRUE(kept.count(word)) << word << nameOf(language, entry);
             const auto characters = charactersOf(text).value();
@@ -74,7 +74,7 @@ TEST(Texts, InChineseKeepToOneScript) {
         U"刪歷預覽獲沒過閉規處稱隊務類專單圖塊頭備導層師帶廣總戶執擴報擔擬擁擺樣檢歡漢測瀏滅點熱狀現盤穩筆簡級紀純"
         U"終組細紹結給絡絕統繼續維縮羅聯腳節慮見覺計訂訓記講論證評識訴詢該詳誤請讀課誰謝負責敗賬質費";
     ASSERT_EQ(simplified.size(), traditional.size());
-    for (int entry = 0; entry < kTextEmpty; entry++) {
+    for (const int entry : filledEntries()) {
         const auto inTaiwan = charactersOf(ownText(kTraditionalChinese, entry)).value();
         EXPECT_EQ(inTaiwan.find_first_of(simplified), std::u32string::npos) << nameOf(kTraditionalChinese, entry);
         const auto inMainland = charactersOf(ownText(kSimplifiedChinese, entry)).value();
@@ -91,7 +91,7 @@ TEST(Texts, InChineseAndJapanesePunctuateInFullWidthAndSpaceLatinWords) {
     int marks = 0;
     for (const auto language : {kSimplifiedChinese, kTraditionalChinese, kJapanese}) {
         const auto own = [&](char32_t c) { return isOwnLetter(language, c); };
-        for (int entry = 0; entry < kTextEmpty; entry++) {
+        for (const int entry : filledEntries()) {
             const auto text = charactersOf(ownText(language, entry)).value();
             EXPECT_EQ(text.find_first_of(U",.:;!?()&'\"~’“”"), std::u32string::npos) << nameOf(language, entry);
             marks += static_cast<int>(std::count_if(text.begin(), text.end(), isFullWidth));
@@ -112,7 +112,7 @@ TEST(Texts, InChineseAndJapanesePunctuateInFullWidthAndSpaceLatinWords) {
 TEST(Texts, InFrenchPutANoBreakSpaceBeforeTallPunctuation) {
     int marks = 0;
     for (std::int32_t language = 0; language < kLanguageCount; language++) {
-        for (int entry = 0; entry < kTextEmpty; entry++) {
+        for (const int entry : filledEntries()) {
             const auto text = charactersOf(ownText(language, entry)).value();
             for (std::size_t i = 0; i < text.size(); i++) {
                 const bool tall = std::u32string(U":;!?»").find(text[i]) != std::u32string::npos;

@@ -1,0 +1,121 @@
+// How the settings dialog begins and ends: on which thread, how often, with a shutdown in between, and what is left.
+#include <atomic>
+#include <thread>
+#include "tests/client/dialog_test.h"
+#include "tests/client/resource_count_win.h"
+
+class DialogLife : public DialogFixture {
+  protected:
+    bool isClassRegistered() const {
+        WNDCLASSEXW description = {};
+        description.cbSize = sizeof description;
+        const HMODULE module = GetModuleHandleW(L"corvalis_win64.dll");
+        return GetClassInfoExW(module, L"CorvalisSettingsClass", &description) != 0;
+    }
+    // As the host does when its user asks for the plugin's configuration.
+    std::thread configureOnAThread() {
+        return std::thread([this] {
+            session.plugin.exports().configure(nullptr, nullptr);
+            hasReturned = true;
+        });
+    }
+    std::atomic<bool> hasReturned{false};
+};
+
+TEST_F(DialogLife, IsOneHoweverOftenItIsOpened) {
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    openFromMenu();
+    openFromMenu();
+    ASSERT_TRUE(becomesOpen());
+    const HWND first = findDialog();
+    openFromMenu();
+    session.plugin.exports().configure(nullptr, nullptr);  // returns: the dialog is there
+    EXPECT_EQ(findDialog(), first);
+    EXPECT_EQ(countDialogs(), 1);
+    dialog().command(kCancel);
+    EXPECT_EQ(countDialogs(), 0);
+    ASSERT_TRUE(open());  // on a new thread
+    EXPECT_EQ(countDialogs(), 1);
+}
+
+TEST_F(DialogLife, OpenedBeforeInitItLoadsAndSavesTheSettings) {
+    ASSERT_TRUE(session.writeSettings("theme=1\r\npanel_x=-12\r\n"));
+    ASSERT_TRUE(session.load());
+    std::thread hosts = configureOnAThread();
+    EXPECT_TRUE(becomesOpen());
+    dialog().click(6000);
+    dialog().click(kSaveAndClose);
+    hosts.join();
+    Settings expected;
+    expected.theme = 1;
+    expected.panel_x = -12;
+    expected.master = false;
+    expectSaved(expected);
+    EXPECT_EQ(host.logLines(), std::vector<std::string>{kSavedLine});
+}
+
+TEST_F(DialogLife, ShutdownClosesIt) {
+    ASSERT_TRUE(openWith(""));
+    EXPECT_TRUE(isClassRegistered());
+    session.stop();
+    EXPECT_EQ(findDialog(), nullptr);
+    EXPECT_FALSE(isClassRegistered());
+    session.plugin.unload();
+    ASSERT_TRUE(open());  // the DLL again
+    session.stop();
+    EXPECT_EQ(findDialog(), nullptr);
+}
+
+TEST_F(DialogLife, ShutdownOvertakesOneThatIsJustOpening) {
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    for (int i = 0; i < 6; i++) {
+        ASSERT_TRUE(session.start());
+        openFromMenu();
+        for (int pause = 0; pause < i; pause++) pauseBriefly();  // each time a little further
+        session.stop();
+        EXPECT_EQ(findDialog(), nullptr) << i;
+        EXPECT_FALSE(isClassRegistered()) << i;
+    }
+}
+
+TEST_F(DialogLife, ShutdownClosesOneOnTheHostsThread) {
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    std::thread hosts = configureOnAThread();
+    EXPECT_TRUE(becomesOpen());
+    EXPECT_FALSE(hasReturned);
+    session.stop();
+    EXPECT_EQ(findDialog(), nullptr);
+    hosts.join();
+    EXPECT_TRUE(hasReturned);
+}
+
+// With the title bar held, the system's own loop has the thread.
+TEST_F(DialogLife, ShutdownClosesOneThatIsBeingMoved) {
+    ASSERT_TRUE(openWith(""));
+    holdTitle();
+    ASSERT_TRUE(becomesMoved());
+    session.stop();
+    EXPECT_EQ(findDialog(), nullptr);
+}
+
+TEST_F(DialogLife, OpenedAgainAndAgainItLeavesNothingBehind) {
+    constexpr int kTurns = 8;
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    const auto openAndClose = [&] {
+        ASSERT_TRUE(open());
+        for (int page = 0; page < kPageCount; page++) dialog().command(kFirstTab + page);
+        dialog().command(kCancel);
+        EXPECT_EQ(findDialog(), nullptr);
+    };
+    for (int i = 0; i < 2; i++) openAndClose();
+    const ResourceCount before = countResources();
+    for (int i = 0; i < kTurns; i++) openAndClose();
+    const ResourceCount after = countResources();
+    // Other threads come and go by some; what a dialog left behind each time would be more.
+    EXPECT_LT(after.gdiObjects - before.gdiObjects, kTurns);
+    EXPECT_LT(after.userObjects - before.userObjects, kTurns);
+    EXPECT_LT(after.handles - before.handles, kTurns);
+}

@@ -1,0 +1,227 @@
+// The settings dialog as a window among others: its place, the title bar, minimised, another resolution, what it
+// paints, and the message window that it shows and empties.
+#include <atomic>
+#include <string_view>
+#include "settings/language.h"
+#include "tests/client/dialog_test.h"
+#include "tests/client/message_driver_win.h"
+
+namespace {
+
+// Counts the WM_PAINT that a window's own thread sends it: those it asked for itself, as soon as it had drawn.
+class PaintCount {
+  public:
+    explicit PaintCount(HWND window) {
+        painted_ = window;
+        count_ = 0;
+        hook_ = SetWindowsHookExW(WH_CALLWNDPROC, onMessage, nullptr, GetWindowThreadProcessId(window, nullptr));
+    }
+    ~PaintCount() { UnhookWindowsHookEx(hook_); }
+    PaintCount(const PaintCount&) = delete;
+    PaintCount& operator=(const PaintCount&) = delete;
+
+    bool isCounting() const { return hook_ != nullptr; }
+    int take() { return count_.exchange(0); }
+
+  private:
+    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
+        const auto* message = reinterpret_cast<const CWPSTRUCT*>(lParam);
+        if (code == HC_ACTION && message->hwnd == painted_ && message->message == WM_PAINT) count_++;
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline std::atomic<HWND> painted_{nullptr};
+    static inline std::atomic<int> count_{0};
+    HHOOK hook_;
+};
+
+// What the message window shows where a message's text stands, as its own context has it.
+std::string messageArea() {
+    constexpr int kLeft = 24, kTop = 100, kWidth = 560, kHeight = 240;
+    std::string pixels(std::size_t{4} * kWidth * kHeight, '\0');
+    const HWND window = findMessageWindow();
+    const HDC from = GetDC(window), to = CreateCompatibleDC(from);
+    const HBITMAP bitmap = CreateCompatibleBitmap(from, kWidth, kHeight);
+    const HGDIOBJ before = SelectObject(to, bitmap);
+    BitBlt(to, 0, 0, kWidth, kHeight, from, kLeft, kTop, SRCCOPY);
+    SelectObject(to, before);
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof info.bmiHeader, kWidth, kHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    GetDIBits(to, bitmap, 0, kHeight, pixels.data(), &info, DIB_RGB_COLORS);
+    DeleteObject(bitmap);
+    DeleteDC(to);
+    ReleaseDC(window, from);
+    return pixels;
+}
+
+int widthOf(const RECT& rect) {
+    return rect.right - rect.left;
+}
+int heightOf(const RECT& rect) {
+    return rect.bottom - rect.top;
+}
+
+}  // namespace
+
+class DialogWindowTest : public DialogFixture {
+  protected:
+    RECT workArea() const {
+        MONITORINFO monitor = {};
+        monitor.cbSize = sizeof monitor;
+        GetMonitorInfoW(MonitorFromWindow(findDialog(), MONITOR_DEFAULTTONEAREST), &monitor);
+        return monitor.rcWork;
+    }
+    bool hasMessage(const std::string& empty) {
+        return session.waitUntil([&] { return messageArea() != empty; }, kPatienceMs);
+    }
+    bool hasNone(const std::string& empty) {
+        return session.waitUntil([&] { return messageArea() == empty; }, kPatienceMs);
+    }
+};
+
+TEST_F(DialogWindowTest, OpensInTheMiddleOfTheScreenWithItsStyleAndTitle) {
+    ASSERT_TRUE(openWith("language=fr\r\n"));
+    EXPECT_EQ(title(), L"Corvalis · Paramètres");
+    const auto style = static_cast<DWORD>(GetWindowLongW(findDialog(), GWL_STYLE));
+    EXPECT_TRUE(style & WS_POPUP);
+    EXPECT_TRUE(style & WS_CLIPCHILDREN);
+    EXPECT_FALSE(style & (WS_CAPTION | WS_THICKFRAME));
+    EXPECT_TRUE(static_cast<DWORD>(GetWindowLongW(findDialog(), GWL_EXSTYLE)) & WS_EX_APPWINDOW);
+    EXPECT_EQ(GetWindow(findDialog(), GW_OWNER), nullptr);
+
+    const RECT work = workArea();
+    const PixelRect place = placeDialog({work.left, work.top, work.right, work.bottom}, GetDpiForWindow(findDialog()));
+    RECT rect = {};
+    EXPECT_TRUE(session.waitUntil([&] {
+        rect = dialogRect();
+        return PixelRect{rect.left, rect.top, rect.right, rect.bottom} == place;
+    })) << rect.left
+        << ", " << rect.top << ": " << widthOf(rect) << " x " << heightOf(rect);
+}
+
+TEST_F(DialogWindowTest, ThePressedTitleBarMovesItUntilItIsReleased) {
+    ASSERT_TRUE(openWith("language=en\r\n"));
+    holdTitle();
+    ASSERT_TRUE(becomesMoved());
+    dialog().command(kFirstLanguage + int{kGerman});  // works meanwhile
+    EXPECT_EQ(title(), L"Corvalis · Einstellungen");
+    dialog().post(WM_LBUTTONUP, 0, 0);
+    EXPECT_TRUE(session.waitUntil([&] { return !isMoved(); }, kPatienceMs));
+    dialog().click(6000);
+    ASSERT_TRUE(save());
+    EXPECT_TRUE(isSaved("language=de"));
+    EXPECT_TRUE(isSaved("master=0"));
+}
+
+TEST_F(DialogWindowTest, MinimisedItIsRestoredByTheMenu) {
+    ASSERT_TRUE(openWith(""));
+    const HWND window = findDialog();
+    const RECT before = dialogRect();
+    ShowWindow(window, SW_MINIMIZE);
+    ASSERT_TRUE(session.waitUntil([&] { return IsIconic(window) != FALSE; }, kPatienceMs));
+    openFromMenu();
+    EXPECT_TRUE(session.waitUntil([&] { return !IsIconic(window) && IsWindowVisible(window); }, kPatienceMs));
+    EXPECT_EQ(findDialog(), window);
+    const RECT after = dialogRect();
+    EXPECT_TRUE(EqualRect(&after, &before));
+    dialog().click(6000);
+    ASSERT_TRUE(save());
+    EXPECT_TRUE(isSaved("master=0"));
+}
+
+TEST_F(DialogWindowTest, ALanguageChosenWhileASliderIsDraggedEndsTheDrag) {
+    ASSERT_TRUE(openWith("language=en\r\n"));
+    const DialogDriver hand = dialog();
+    hand.inOneGo([&] {
+        hand.press(hand.pointOnTrack(6003, 100.0f));
+        hand.move(hand.pointOnTrack(6003, 70.0f));
+        hand.command(kFirstLanguage + int{kJapanese});
+        hand.move(hand.pointOnTrack(6003, 40.0f));
+        hand.release(hand.pointOnTrack(6003, 40.0f));
+    });
+    ASSERT_TRUE(save());
+    EXPECT_TRUE(isSaved("opacity=70"));
+    EXPECT_TRUE(isSaved("language=ja"));
+}
+
+TEST_F(DialogWindowTest, ALostCaptureEndsADrag) {
+    ASSERT_TRUE(openWith(""));
+    const DialogDriver hand = dialog();
+    for (const UINT message : {WM_CANCELMODE, WM_CAPTURECHANGED}) {
+        hand.inOneGo([&] {
+            hand.press(hand.pointOnTrack(6003, 70.0f));
+            hand.send(message, 0, 0);
+            hand.move(hand.pointOnTrack(6003, 40.0f));
+            hand.release(hand.pointOnTrack(6003, 40.0f));
+        });
+    }
+    ASSERT_TRUE(save());
+    EXPECT_TRUE(isSaved("opacity=70"));
+}
+
+TEST_F(DialogWindowTest, TakesTheSizeOfAnotherResolutionAndWorksInIt) {
+    ASSERT_TRUE(openWith(""));
+    const RECT work = workArea();
+    RECT suggested = {work.left + 30, work.top + 40, work.left + 30 + 1128, work.top + 40 + 792};  // 120 dpi
+    dialog().send(WM_DPICHANGED, MAKEWPARAM(120, 120), reinterpret_cast<LPARAM>(&suggested));
+    EXPECT_EQ(widthOf(dialogRect()), 1128);
+    EXPECT_EQ(heightOf(dialogRect()), 792);
+    dialog().click(6000);  // where it stands now
+    suggested.right = suggested.left + 5000;
+    suggested.bottom = suggested.top + 4000;
+    dialog().send(WM_DPICHANGED, MAKEWPARAM(480, 480), reinterpret_cast<LPARAM>(&suggested));
+    EXPECT_EQ(widthOf(dialogRect()), widthOf(work));
+    EXPECT_EQ(heightOf(dialogRect()), heightOf(work));
+    dialog().click(6001);  // the second toggle of the first page
+    ASSERT_TRUE(save());
+    EXPECT_TRUE(isSaved("master=0"));
+    EXPECT_TRUE(isSaved("panel_visible=1"));
+}
+
+TEST_F(DialogWindowTest, AtRestItPaintsNothingAndAChangeOnce) {
+    ASSERT_TRUE(openWith(""));
+    PaintCount paints(findDialog());
+    ASSERT_TRUE(paints.isCounting());
+    const auto tick = [&] { dialog().send(WM_TIMER, 1, 0); };
+    // The pointer of the screen may lie over it and light something up, once.
+    EXPECT_TRUE(session.waitUntil([&] {
+        paints.take();
+        for (int i = 0; i < 20; i++) tick();
+        return paints.take() == 0;
+    }));
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);  // shows the panel: the toggle turns
+    tick();
+    EXPECT_EQ(paints.take(), 1);
+    tick();
+    EXPECT_EQ(paints.take(), 0);
+}
+
+TEST_F(DialogWindowTest, PreviewShowsTheMessageWindowWithItsAlert) {
+    ASSERT_TRUE(show(kGeneralTheme, "text_auto_open=0\r\n"));  // the UI thread has its windows
+    ASSERT_TRUE(open());
+    dialog().command(kPreviewMessages);
+    EXPECT_EQ(host.callsOf("playWaveFile").size(), 1u);
+    EXPECT_TRUE(session.waitUntil([] { return isMessageWindowShown(); }, kPatienceMs));
+}
+
+TEST_F(DialogWindowTest, PreviewIsSilentWithoutTextAlert) {
+    ASSERT_TRUE(openWith("text_alert=0\r\n"));
+    dialog().command(kPreviewMessages);
+    EXPECT_TRUE(host.callsOf("playWaveFile").empty());
+}
+
+TEST_F(DialogWindowTest, ClearEmptiesTheMessageWindowThatIsOpen) {
+    ASSERT_TRUE(show(kGeneralTheme, "text_auto_open=0\r\n"));
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 3, 0);  // the message window, empty
+    ASSERT_TRUE(session.waitUntil([] { return isMessageWindowShown(); }, kPatienceMs));
+    SendMessageW(findMessageWindow(), WM_TIMER, 1, 0);  // drawn
+    const std::string empty = messageArea();
+    ASSERT_NE(empty.find_first_not_of(empty[0]), std::string::npos);  // words that say so
+    ASSERT_TRUE(open());
+    dialog().command(kPreviewMessages);
+    ASSERT_TRUE(hasMessage(empty));
+    dialog().command(kClearMessages);
+    EXPECT_TRUE(hasNone(empty));
+    dialog().command(kPreviewMessages);
+    EXPECT_TRUE(hasMessage(empty));
+}

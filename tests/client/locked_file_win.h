@@ -1,0 +1,24 @@
+// locked_file_win.h - a file that somebody else keeps open, as a virus scanner or a backup does.
+// [any] Its own handle and nothing else.
+#pragma once
+#include <windows.h>
+#include <filesystem>
+
+// Nobody else may open the file meanwhile.
+class LockedFile {
+  public:
+    explicit LockedFile(const std::filesystem::path& file)
+        : handle_(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+    ~LockedFile() { release(); }
+    LockedFile(const LockedFile&) = delete;
+    LockedFile& operator=(const LockedFile&) = delete;
+
+    bool isHeld() const { return handle_ != INVALID_HANDLE_VALUE; }
+    void release() {
+        if (isHeld()) CloseHandle(handle_);
+        handle_ = INVALID_HANDLE_VALUE;
+    }
+
+  private:
+    HANDLE handle_;
+};
