@@ -34,7 +34,8 @@ inline constexpr std::array<Variable, kRadioCount* kComVariables> kVariables = {
 
 // By radio, then by RadioSlot. Frequencies in Hz, volume in whole percent, a swap takes nothing. COM1 has no number in
 // its frequency events, but has one in the others.
-inline constexpr std::array<const char*, kRadioCount* kSlotCount> kKeyEvents = {{
+inline constexpr std::size_t kKeyEventCount = std::size_t{kRadioCount} * kSlotCount;
+inline constexpr std::array<const char*, kKeyEventCount> kKeyEvents = {{
     "COM_RADIO_SET_HZ",
     "COM_STBY_RADIO_SET_HZ",
     "COM1_VOLUME_SET",

@@ -17,7 +17,7 @@ bool isGone(DWORD error) {
 PipeTransport::PipeTransport() : readEvent_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
 
 PipeTransport::~PipeTransport() {
-    close();
+    PipeTransport::close();
 }
 
 void PipeTransport::connect() {
