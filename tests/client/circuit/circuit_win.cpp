@@ -289,7 +289,7 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
 
 int main(int argc, char** argv) {
     SetConsoleOutputCP(CP_UTF8);
-    useScreenPixels();
+    useDevicePixels();
     if (argc < 2) {
         std::printf("usage: circuit OUT_FOLDER [--full] [--simconnect]\n");
         return 2;

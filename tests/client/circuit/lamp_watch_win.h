@@ -1,6 +1,6 @@
 // lamp_watch_win.h - which lamps of the plugin's panel shine, as the pilot sees them on the screen. For the flight's
 // record, not for its checks: another window may stand in front.
-// [host] One thread, which sees screen pixels (useScreenPixels).
+// [host] One thread, which sees screen pixels (useDevicePixels).
 #pragma once
 #include <array>
 #include <cstdint>
