@@ -103,7 +103,7 @@ bool replaceFile(const std::filesystem::path& file, std::string_view bytes) {
     std::filesystem::path beside = file;
     beside += L".test.tmp";
     if (!writeFile(beside, bytes)) return false;
-    return waitFor([&] { return MoveFileExW(beside.c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING) != 0; }, 1000);
+    return waitFor([&] { return MoveFileExW(beside.c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING) != 0; });
 }
 
 std::uintmax_t fileBytes(const std::filesystem::path& file) {
