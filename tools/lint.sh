@@ -17,9 +17,10 @@ write_database() {
     library=$($target-g++-posix -print-file-name=include/c++)
     clang="clang++ --target=$target -nostdinc++ -isystem $library -isystem $library/$target -Wthread-safety"
     sed -E "s#\"command\": \"[^ ]*/$target-g[^ ]* #\"command\": \"$clang #; s# -Wno-restrict # #" \
-        build/lint/compile_commands.json >"$CORVALIS_LINT_DATABASE/compile_commands.json"
-    grep -q -- "--target=$target" "$CORVALIS_LINT_DATABASE/compile_commands.json" ||
+        build/lint/compile_commands.json >"$CORVALIS_LINT_DATABASE/new"
+    grep -q -- "--target=$target" "$CORVALIS_LINT_DATABASE/new" ||
         { echo "lint.sh: build/lint/compile_commands.json is not as expected" >&2; return 1; }
+    mv "$CORVALIS_LINT_DATABASE/new" "$CORVALIS_LINT_DATABASE/compile_commands.json"  # another run may be reading it
 }
 
 # lint_one PLACE FILE - prints what there is to say of one file at once, for two of these run side by side.
