@@ -9,6 +9,10 @@ Server::Server(const Personality& personality, Listener listener)
     : connections_(makeConnections()), listener_(std::move(listener)), simulator_(personality, nowMs()) {}
 
 Server::~Server() {
+    stop();
+}
+
+void Server::stop() {
     stops_ = true;
     connections_->wake();
     if (thread_.joinable()) thread_.join();

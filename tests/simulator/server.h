@@ -31,6 +31,8 @@ class Server {
     }
     bool listenPipe(const std::string& name) { return connections_->listenPipe(name); }
     void start();
+    // From then on nobody is answered.
+    void stop();
 
     // [any thread] One action (script.h), done at once. False with the reason in error.
     bool act(std::string_view line, std::string& error);

@@ -158,6 +158,7 @@ void Session::onData(const DataPacket& data, std::uint64_t nowMs) {
     if (!requesting_ || data.requestId < first || data.requestId - first > 2 * readings_.size()) return;
     const auto offset = data.requestId - first;
     const std::size_t variable = offset == 2 * readings_.size() ? heartbeat_ : offset / 2;
+    if (variable == readings_.size()) return;  // a heartbeat from before the last variable turned out to be missing
     auto& reading = readings_[variable];
     const auto value = decodeValue(data.values, plan_.variables[variable].type);
     if (!value || reading.state == Reading::State::Missing) return;

@@ -276,6 +276,18 @@ TEST_F(SimConnectSession, TheHeartbeatMovesWhenItsVariableTurnsOutToBeMissing) {
     EXPECT_FALSE(noted("to report ALPHA"));  // follows from the first, no news
 }
 
+TEST_F(SimConnectSession, AHeartbeatOnItsWayIsNobodysOnceNoVariableIsLeft) {
+    fly();
+    const auto heartbeat = simulator.changeRequestOf("GAMMA") + 2;
+    for (const auto& variable : kThree) {
+        simulator.exception(7, simulator.sendIdOf(FakeSimulator::kVariable, variable.name));
+    }
+    simulator.sayData(heartbeat, "ALPHA", 122.8);
+    pass();
+    for (std::size_t i = 0; i < kThree.size(); i++) EXPECT_EQ(stateOf(i), State::Missing);
+    EXPECT_EQ(session.dataMs(), std::nullopt);
+}
+
 TEST_F(SimConnectSession, TracesExceptionsToWhatCausedThem) {
     fly();
     simulator.exception(7, simulator.sendIdOf(FakeSimulator::kMap, "SECOND_SET"));
