@@ -39,8 +39,8 @@ class PanelTest : public PluginTest {
     ::testing::AssertionResult nothingHappened();
     // "standby 122500" for COM1's next command; "" if none comes.
     std::string nextTuning(std::int32_t com = 1);
-    // The worker has done as the last command says, and the plugin knows. Without it the next command waits its time out,
-    // in the next init too.
+    // The worker has done as the last command says, and the plugin knows. Without it the next command waits its time
+    // out, in the next init too.
     void answer();
 
   private:
