@@ -145,6 +145,7 @@ test_natively() {
     build native realtime_tests &&
         check realtime "an audio hook allocates, locks or calls the system" build/native/bin/realtime_tests
     check artwork "the artwork does not fit the layout tables" /usr/bin/python3 tools/artwork/check_art.py --prove
+    check page "the page of run.sh does not show what was flown" /usr/bin/python3 -B tools/page/page_test.py
     check format "the formatting is not the house's" tools/format.sh --check
 }
 

@@ -10,6 +10,8 @@ export WINEDEBUG=-all
 export WINEARCH=win64
 # Wine names files in the locale's character set: without UTF-8 nobody called Jürgen could log in.
 export LC_ALL=C.UTF-8
+# Not universal time, or nobody would see one mistaken for the other. A rule, not a name: that needs no zone files.
+export TZ=CET-1CEST,M3.5.0,M10.5.0/3
 # Wine would offer to download these.
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
 
@@ -18,7 +20,8 @@ screen_pids=()
 
 stop_wine() {
     local prefix
-    for prefix in "${wine_prefixes[@]}"; do WINEPREFIX="$prefix" wineserver -k 2>/dev/null || true; done
+    for prefix in "${wine_prefixes[@]}"; do WINEPREFIX="$prefix" wineserver -k 2>/dev/null & done
+    wait $!
     [ ${#screen_pids[@]} -eq 0 ] || kill "${screen_pids[@]}" 2>/dev/null || true
 }
 
