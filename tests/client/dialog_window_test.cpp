@@ -120,10 +120,13 @@ TEST_F(DialogWindowTest, MinimisedItIsRestoredByTheMenu) {
     ShowWindow(window, SW_MINIMIZE);
     ASSERT_TRUE(session.waitUntil([&] { return IsIconic(window) != FALSE; }, kPatienceMs));
     openFromMenu();
-    EXPECT_TRUE(session.waitUntil([&] { return !IsIconic(window) && IsWindowVisible(window); }, kPatienceMs));
+    EXPECT_TRUE(session.waitUntil(
+        [&] {
+            const RECT now = dialogRect();
+            return !IsIconic(window) && IsWindowVisible(window) && EqualRect(&now, &before);
+        },
+        kPatienceMs));
     EXPECT_EQ(findDialog(), window);
-    const RECT after = dialogRect();
-    EXPECT_TRUE(EqualRect(&after, &before));
     dialog().click(6000);
     ASSERT_TRUE(save());
     EXPECT_TRUE(isSaved("master=0"));
