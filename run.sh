@@ -54,7 +54,7 @@ build() {
         { sed -n '/^FAILED/,$p' "$log" | head -40 >&2; return 1; }
 }
 
-tools/packages.sh build wine pictures
+tools/packages.sh product wine pictures
 SECONDS=0
 step "Building; the package"
 targets=(corvalis_win64 hopline_worker circuit pictures audition_chain)

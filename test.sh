@@ -10,7 +10,7 @@ cd "$(dirname "$0")"
 export LC_ALL=C.UTF-8
 
 if [ "${1:-}" = --lint ]; then
-    tools/packages.sh build lint && exec tools/lint.sh
+    tools/packages.sh product lint && exec tools/lint.sh
     exit 1
 fi
 
@@ -150,7 +150,7 @@ test_natively() {
 }
 
 say "Installing what is missing"
-tools/packages.sh build wine test node || exit 1
+tools/packages.sh product native wine test node || exit 1
 . tools/wine.sh
 
 say "Building for Windows"

@@ -3,16 +3,13 @@
 # Does nothing, and asks no package server, on a machine that has them all.
 set -euo pipefail
 
-build_packages=(
-    ca-certificates cmake ninja-build git python3-minimal
-    g++ clang g++-mingw-w64-x86-64-posix
-    googletest libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev
-    pkg-config libsndfile1-dev zip
-)
+# The plugin and all that loads it.
+product_packages=(ca-certificates cmake ninja-build git python3-minimal g++-mingw-w64-x86-64-posix googletest zip)
+# The tests of this machine itself, and the benchmarks with their peers.
+native_packages=(g++ clang libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev)
 # With the fonts that stand in for Windows' (wine.sh).
 wine_packages=(wine wine64 xvfb xauth sox fonts-noto-cjk fonts-open-sans fonts-dejavu-core fonts-liberation)
 pictures_packages=(xcompmgr)
-voice_packages=(sox python3-matplotlib python3-numpy)
 test_packages=(libclang-rt-dev clang-format python3-numpy python3-pil)
 lint_packages=(clang-tidy)
 # Whoever has Node from elsewhere has npm with it, and not from Debian's package.
@@ -23,10 +20,10 @@ artwork_packages=(blender fonts-b612 python3-numpy python3-pil)
 wanted=()
 for group in "$@"; do
     case "$group" in
-        build) wanted+=("${build_packages[@]}") ;;
+        product) wanted+=("${product_packages[@]}") ;;
+        native) wanted+=("${native_packages[@]}") ;;
         wine) wanted+=("${wine_packages[@]}") ;;
         pictures) wanted+=("${pictures_packages[@]}") ;;
-        voice) wanted+=("${voice_packages[@]}") ;;
         lint) wanted+=("${lint_packages[@]}") ;;
         test) wanted+=("${test_packages[@]}") ;;
         node) wanted+=("${node_packages[@]}") ;;
