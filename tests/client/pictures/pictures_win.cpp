@@ -15,10 +15,11 @@
 namespace {
 
 constexpr int kMargin = 24;                 // of ground, where what is translucent is to be seen
+constexpr int kTakes = 3;                   // now and then Wine leaves a window behind the ground
 constexpr DWORD kBetweenMs = 25;            // two looks at the screen
 constexpr std::uint64_t kStillMs = 200;     // unchanged for so long is still: six ticks of the panel
 constexpr std::uint64_t kWatchedMs = 1200;  // a whole flash, and a bit
-constexpr std::uint64_t kDeadlineMs = 6000;
+constexpr std::uint64_t kDeadlineMs = 20'000;
 
 // Where the pictures are taken.
 struct Studio {
@@ -91,18 +92,22 @@ ScreenPicture playScene(const Scene& scene, std::int32_t theme, Studio& studio) 
         session.host.moveByHand(kSchid, kOwnClient, kApproach118005);  // where flyAlong's frequency is talked on
     }
     SetCursorPos(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1);  // off every window
-    if (!session.start()) return {};
-    if (!session.waitUntil([] { return isOnScreen(findPanel()); })) return {};
-    if (!session.waitPasses(3)) return {};  // the aircraft is read
+    const auto fail = [](const char* what) {
+        std::printf("    %s\n", what);
+        return ScreenPicture();
+    };
+    if (!session.start()) return fail("the plugin does not start");
+    if (!session.waitUntil([] { return isOnScreen(findPanel()); }, kDeadlineMs)) return fail("no panel on the screen");
+    if (!session.waitPasses(3)) return fail("the aircraft is not read");
     Stage stage{session, {findPanel(), theme}, theme, {}};
-    if (scene.prepare && !session.waitUntil([&] { return isConnected(stage); })) return {};
+    if (scene.prepare && !session.waitUntil([&] { return isConnected(stage); }, kDeadlineMs))
+        return fail("the panel is not connected");
     stage.before = askForPicture(findPanel());
     if (scene.act) scene.act(stage);
-    if (!session.waitUntil([&] { return isOnScreen(scene.window()); })) return {};
-    if (scene.isReached && !session.waitUntil([&] { return scene.isReached(stage); })) {
-        std::printf("    %s does not show what it is named for\n", scene.name);
-        return {};
-    }
+    if (!session.waitUntil([&] { return isOnScreen(scene.window()); }, kDeadlineMs))
+        return fail("the window is not on the screen");
+    if (scene.isReached && !session.waitUntil([&] { return scene.isReached(stage); }, kDeadlineMs))
+        return fail("it does not show what it is named for");
     RECT rect = {};
     GetWindowRect(scene.window(), &rect);
     if (studio.isDivided) studio.ground.divideAt((rect.left + rect.right) / 2);
@@ -171,7 +176,9 @@ bool takePictures(const Order& order) {
                     picture.name.c_str());
         std::fflush(stdout);
         const auto file = order.folder / (picture.name + "_" + order.percent + ".png");
-        const bool saved = savePicture(playScene(*picture.scene, picture.theme, studio), file);
+        bool saved = false;
+        for (int take = 0; take < kTakes && !saved; take++)
+            saved = savePicture(playScene(*picture.scene, picture.theme, studio), file);
         if (saved) taken++;
         if (!saved) std::printf("    no picture %s\n", picture.name.c_str());
     }
