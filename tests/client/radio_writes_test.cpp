@@ -2,7 +2,6 @@
 #include "panel/panel_messages.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/command_reader.h"
-#include "tests/client/message_driver_win.h"
 
 namespace {
 
@@ -40,11 +39,6 @@ class RadioWrites : public PluginTest {
         if (jsonValue(command, "com") == "2" && jsonValue(command, "slot") == "swap")
             return ::testing::AssertionSuccess();
         return ::testing::AssertionFailure() << "written: " << command;
-    }
-    // What was posted to the panel has been done when the message window, which the same thread serves, is there.
-    bool waitForPosted() {
-        session.plugin.exports().onMenuItemEvent(kSchid, 0, 3, 0);
-        return session.waitUntil([] { return isMessageWindowShown(); });
     }
 
   private:
@@ -114,8 +108,8 @@ TEST_F(RadioWrites, TwoSwapsAreTwoCommandsOneAfterTheOther) {
     post(kPanelSwapMessage, 1, 0);
     const std::string first = nextCommand();
     ASSERT_NE(first, "");
-    ASSERT_TRUE(waitForPosted());
-    ASSERT_TRUE(session.waitPasses(3));
+    ASSERT_TRUE(waitForPosted(panel()));
+    ASSERT_TRUE(session.waitPasses(2));
     EXPECT_EQ(readFile(session.dataFolder / "command.json"), first);  // not acknowledged yet
     acknowledge(true);
     EXPECT_NE(nextCommand(), "");
@@ -127,7 +121,7 @@ TEST_F(RadioWrites, ARefusalDropsWhatWaitsForTheSameSlot) {
     ASSERT_NE(nextCommand(), "");
     post(kPanelSwapMessage, 1, 0);
     post(kPanelSwapMessage, 1, 0);
-    ASSERT_TRUE(waitForPosted());
+    ASSERT_TRUE(waitForPosted(panel()));
     acknowledge(false);
     EXPECT_TRUE(nothingElseIsWritten());
 }
@@ -146,8 +140,8 @@ TEST_F(RadioWrites, HoldChannelFollowingWhileUnderWay) {
     step(1, kActive, true, 3);
     const std::string command = nextCommand();
     EXPECT_EQ(jsonValue(command, "target"), "122000");
-    session.tune(1, 122800);              // half-way, as it were
-    ASSERT_TRUE(session.waitPasses(10));  // 350 ms are seven of them
+    session.tune(1, 122800);             // half-way, as it were
+    ASSERT_TRUE(session.waitPasses(9));  // 350 ms are seven or eight of them
     EXPECT_TRUE(host.callsOf("requestClientMove").empty());
     acknowledge(true);
     EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
@@ -170,7 +164,7 @@ TEST_F(RadioWrites, ALockedCommandFileCostsThatCommandOnly) {
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
     post(kPanelSwapMessage, 1, 0);
-    EXPECT_TRUE(waitForPosted());
+    EXPECT_TRUE(waitForPosted(panel()));
     EXPECT_TRUE(session.waitPasses(2));  // the second of them begins after it was posted, and has tried in vain
     CloseHandle(lock);
     EXPECT_TRUE(nothingElseIsWritten());
