@@ -23,5 +23,8 @@ esac
 mapfile -t files < <(find . \( -path './.*' -o -path ./build -o -path ./out -o -path ./dist \) -prune -o \
     \( -name '*.cpp' -o -name '*.h' -o -name '*.inc' \) -print | sort)
 [ ${#files[@]} -gt 0 ] || { echo "format.sh: no sources found" >&2; exit 1; }
-printf '%s\0' "${files[@]}" | xargs -0 -n 64 -P 2 "$format" "${how[@]}" || { echo "format: run tools/format.sh" >&2; exit 1; }
+if ! printf '%s\0' "${files[@]}" | xargs -0 -n 64 -P 2 "$format" "${how[@]}"; then
+    echo "format: run tools/format.sh" >&2
+    exit 1
+fi
 echo "format: ${#files[@]} files are as clang-format $version has them"

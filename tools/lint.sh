@@ -6,7 +6,10 @@ cd "$(dirname "$0")/.."
 
 export CORVALIS_TIDY=${CLANG_TIDY:-clang-tidy}
 export CORVALIS_LINT_DATABASE=build/lint/clang
-command -v "$CORVALIS_TIDY" >/dev/null || { echo "lint.sh: no $CORVALIS_TIDY (Debian's package clang-tidy)" >&2; exit 1; }
+if ! command -v "$CORVALIS_TIDY" >/dev/null; then
+    echo "lint.sh: no $CORVALIS_TIDY (Debian's package clang-tidy)" >&2
+    exit 1
+fi
 
 # The Windows build's commands as clang understands them: the same flags, and the C++ library that comes with mingw-w64.
 write_database() {
