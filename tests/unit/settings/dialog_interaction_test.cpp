@@ -238,9 +238,9 @@ TEST_F(DialogHand, ArrowsHomeAndEndMoveASlider) {
 
 TEST_F(DialogHand, ArrowsStepChoicesWithinTheirEnds) {
     focus(6002);
-    const int count = optionCount(row(6002));
-    for (int i = 0; i < count; i++) press(DialogKey::kRight);
-    EXPECT_EQ(model.working.theme, count - 1);
+    const int themes = optionCount(row(6002));
+    for (int i = 0; i < themes; i++) press(DialogKey::kRight);
+    EXPECT_EQ(model.working.theme, themes - 1);
     press(DialogKey::kHome);
     EXPECT_EQ(model.working.theme, 0);
     model.page = 2;
