@@ -4,15 +4,23 @@
 # sanitizers, those with threads under the thread sanitizer, and what no sanitizer allows as it is; the stand-in
 # simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (2) each on new ones; the
 # formatting. Logs stand in build/test-logs. Ends with the sum of all runs.
+# test.sh --full - the same with every unit test under Wine too; otherwise those whose results depend on the compiler.
 # test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
 cd "$(dirname "$0")"
 export LC_ALL=C.UTF-8
 
-if [ "${1:-}" = --lint ]; then
-    tools/packages.sh product lint && exec tools/lint.sh
-    exit 1
-fi
+windows_tests=(client_tests number_tests restarts)
+windows_without=(-E '^unit_tests')
+case "${1:-}" in
+    "") ;;
+    --full) windows_tests+=(unit_tests); windows_without=() ;;
+    --lint)
+        tools/packages.sh product lint && exec tools/lint.sh
+        exit 1
+        ;;
+    *) echo "usage: ./test.sh [--full | --lint]" >&2; exit 2 ;;
+esac
 
 fuzz_seconds=${FUZZ_SECONDS:-2}
 fuzz_jobs=$(nproc)
@@ -45,11 +53,11 @@ count() {
     fi
 }
 
-# build PRESET TARGET... - built out of the way of the tests that run meanwhile.
+# build PRESET TARGET...
 build() {
     local preset=$1 log="$logs/build-$1.log"
     { [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"; } >"$log" 2>&1 &&
-        nice cmake --build "build/$preset" --target "${@:2}" >>"$log" 2>&1
+        cmake --build "build/$preset" --target "${@:2}" >>"$log" 2>&1
     local result=$?
     [ $result -eq 0 ] || tail -40 "$log"
     count $result "build of $preset"
@@ -57,10 +65,11 @@ build() {
     return $result
 }
 
-# Runs the preset's tests and adds what the runner counted; a run that counts nothing is a failure.
+# run_tests PRESET JOBS [OPTION...] - runs the preset's tests and adds what the runner counted; a run that counts nothing
+# is a failure.
 run_tests() {
     local preset=$1 jobs=$2 log="$logs/test-$1.log" total bad cases
-    ctest --preset "$preset" -j "$jobs" >"$log" 2>&1
+    ctest --preset "$preset" -j "$jobs" "${@:3}" >"$log" 2>&1
     read -r bad total < <(sed -nE 's/^[0-9]+% tests passed, ([0-9]+) tests? failed out of ([0-9]+)$/\1 \2/p' "$log" | tail -1)
     if [ -z "${total:-}" ] || [ "$total" -eq 0 ]; then
         tail -40 "$log"
@@ -153,17 +162,16 @@ say "Installing what is missing"
 tools/packages.sh product native wine test node || exit 1
 . tools/wine.sh
 
-say "Building for Windows"
-build windows client_tests unit_tests restarts &
-windows_build=$!
-start_wine_slots "$wine_slots"
-wait $windows_build
-windows_built=$?
-
-say "Testing under Wine, and building the rest meanwhile"
+# The one is mostly waiting, the other mostly compiling: beside each other they leave no core idle, and the one that
+# takes longer goes first.
+say "Building for Windows, then testing under Wine; the rest meanwhile"
 test_natively &
 natively=$!
-[ $windows_built -ne 0 ] || run_tests windows "$wine_slots"
+renice -n 15 -p $natively >/dev/null
+build windows "${windows_tests[@]}" &
+windows_build=$!
+start_wine_slots "$wine_slots"
+wait $windows_build && run_tests windows "$wine_slots" "${windows_without[@]}"
 wait $natively
 
 read -r passed failed < <(awk '{ passed += $1; failed += $2 } END { print passed + 0, failed + 0 }' "$counts")
