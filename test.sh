@@ -167,7 +167,7 @@ tools/packages.sh product native wine test node || exit 1
 say "Building for Windows, then testing under Wine; the rest meanwhile"
 test_natively &
 natively=$!
-renice -n 15 -p $natively >/dev/null
+renice -n 4 -p $natively >/dev/null  # more, and beside a busy program it would hardly run at all
 build windows "${windows_tests[@]}" &
 windows_build=$!
 start_wine_slots "$wine_slots"
