@@ -86,7 +86,7 @@ LRESULT MessageWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_PAINT:
             return onPaint();
         case WM_PRINTCLIENT:
-            return onPrint(reinterpret_cast<HDC>(wParam));
+            return onPrint(pointerFrom<HDC__>(static_cast<LONG_PTR>(wParam)));
         case WM_TIMER:
         case kRepaintMessages:
             model_.refresh();

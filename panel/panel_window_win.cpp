@@ -60,7 +60,7 @@ LRESULT PanelWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_ERASEBKGND:
             return 1;  // the whole picture is pushed; there is nothing to erase
         case WM_PRINTCLIENT:
-            return onPrint(reinterpret_cast<HDC>(wParam));
+            return onPrint(pointerFrom<HDC__>(static_cast<LONG_PTR>(wParam)));
         case WM_CLOSE:
             return onClose(wParam);
         case WM_KILLFOCUS:
