@@ -2,6 +2,7 @@
 #include "panel/panel_messages.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/command_reader.h"
+#include "tests/client/window_watch_win.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
 #include "tests/client/test_machine_win.h"
 #include <windows.h>
-#include <atomic>
 #include <fstream>
 // tlhelp32.h needs windows.h before it.
 #include <tlhelp32.h>
@@ -43,15 +42,6 @@ BOOL CALLBACK onTopWindow(HWND window, LPARAM parameter) {
     if (owner != GetCurrentProcessId() || std::wstring(name) != search.windowClass) return TRUE;
     search.found = window;
     return FALSE;
-}
-
-constexpr UINT kMarker = WM_APP + 0x2000;  // no window of ours knows it
-std::atomic<LPARAM> gMarkerTaken{0};       // [ui] stores, the test loads
-
-LRESULT CALLBACK onMessageTaken(int code, WPARAM removed, LPARAM parameter) {
-    const auto& message = *reinterpret_cast<const MSG*>(parameter);
-    if (code == HC_ACTION && removed == PM_REMOVE && message.message == kMarker) gMarkerTaken = message.lParam;
-    return CallNextHookEx(nullptr, code, removed, parameter);
 }
 
 }  // namespace
@@ -169,18 +159,6 @@ void* findOwnWindow(const wchar_t* windowClass) {
     WindowSearch search = {windowClass, nullptr};
     EnumWindows(onTopWindow, reinterpret_cast<LPARAM>(&search));
     return search.found;
-}
-
-bool waitForPosted(void* window) {
-    static LPARAM serial = 0;
-    const LPARAM marker = ++serial;
-    const auto target = static_cast<HWND>(window);
-    const DWORD thread = GetWindowThreadProcessId(target, nullptr);
-    const HHOOK hook = SetWindowsHookExW(WH_GETMESSAGE, onMessageTaken, nullptr, thread);
-    if (!hook) return false;
-    const bool isTaken = PostMessageW(target, kMarker, 0, marker) && waitFor([&] { return gMarkerTaken == marker; });
-    UnhookWindowsHookEx(hook);
-    return isTaken;
 }
 
 std::vector<std::uint32_t> childProcesses(const wchar_t* program) {

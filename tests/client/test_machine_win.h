@@ -65,8 +65,6 @@ int threadCount();  // of this process
 int handleCount();  // of this process, each looked up: not every system keeps the sum
 // The window of the class that this process owns; null if there is none.
 void* findOwnWindow(const wchar_t* windowClass);
-// Waits until the window's thread has done all that was posted to it before: a marker posted last has been taken up.
-bool waitForPosted(void* window);
 std::vector<std::uint32_t> childProcesses(const wchar_t* program);  // those that run; by the program's bare name
 bool isProcessRunning(std::uint32_t processId);
 bool killProcess(std::uint32_t processId);
