@@ -134,11 +134,13 @@ TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
 // A worker writes on while the report is made.
 TEST_F(Diagnose, JudgesTheTelemetryByTheTimeAtWhichItWasRead) {
     prepare(L"jane");
+    const auto write = [&] {
+        return replaceFile(data / kTelemetryFile, telemetryText(FakeTelemetry(), SystemClock().unixSeconds()));
+    };
+    ASSERT_TRUE(write());  // before the report is begun: a busy machine may take long to start the thread
     std::atomic<bool> stops{false};
     std::thread worker([&] {
-        for (; !stops; pauseBriefly()) {
-            replaceFile(data / kTelemetryFile, telemetryText(FakeTelemetry(), SystemClock().unixSeconds()));
-        }
+        for (; !stops; pauseBriefly()) write();
     });
     const auto outcome = run(L"--diagnose --data-dir " + quoted(data));
     stops = true;
