@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdlib>
 #include <new>
+#include "audio/capture_mode.h"
 #include "audio/voice_gain.h"
-#include "bridge/capture_mode.h"
 
 namespace {
 

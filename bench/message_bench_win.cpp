@@ -8,12 +8,12 @@
 #include <cstdlib>
 #include "base/clock_win.h"
 #include "base/data_files_win.h"
+#include "base/display_text.h"
 #include "base/number_text.h"
-#include "messages/display_text.h"
 #include "messages/message_intake.h"
 #include "messages/message_page.h"
 #include "messages/message_paint_win.h"
-#include "tests/unit/messages/plain_word_wrap.h"
+#include "tests/unit/ui/plain_word_wrap.h"
 
 namespace {
 

@@ -14,7 +14,6 @@
 #include <thread>
 #include "base/clock_win.h"
 #include "base/number_text.h"
-#include "panel/gdiplus_win.h"
 #include "tests/client/fake_telemetry.h"
 #include "tests/client/host_model.h"
 #include "tests/client/message_driver_win.h"
@@ -22,6 +21,7 @@
 #include "tests/client/plugin_library_win.h"
 #include "tests/client/resource_count_win.h"
 #include "tests/client/test_machine_win.h"
+#include "ui/gdiplus_win.h"
 
 namespace {
 

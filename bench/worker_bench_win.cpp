@@ -15,7 +15,7 @@
 #include <psapi.h>
 #include "base/clock_win.h"
 #include "base/number_text.h"
-#include "bridge/telemetry.h"
+#include "exchange/telemetry.h"
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
 #include "tests/simulator/server.h"

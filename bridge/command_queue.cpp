@@ -1,6 +1,6 @@
 #include "bridge/command_queue.h"
 #include <algorithm>
-#include "bridge/frequency_grid.h"
+#include "exchange/frequency_grid.h"
 
 namespace {
 

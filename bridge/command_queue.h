@@ -7,8 +7,8 @@
 #include "base/clock.h"
 #include "base/data_files.h"
 #include "base/mutex.h"
-#include "bridge/command_file.h"
 #include "bridge/sim_state.h"
+#include "exchange/command_file.h"
 #include "settings/settings_store.h"
 
 inline constexpr std::size_t kMaxCommands = 32;

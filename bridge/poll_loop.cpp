@@ -1,6 +1,6 @@
 #include "bridge/poll_loop.h"
-#include "bridge/capture_mode.h"
-#include "bridge/receive_gain.h"
+#include "audio/capture_mode.h"
+#include "audio/receive_gain.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include "audio/talk_tracker.h"
 #include "bridge/command_queue.h"
 #include "bridge/sim_state.h"
-#include "bridge/telemetry.h"
 #include "channels/follow_frequency.h"
+#include "exchange/telemetry.h"
 
 inline constexpr std::uint32_t kPollPeriodMs = 50;
 inline constexpr std::uint64_t kStableMs = 350;          // a frequency is followed once it has stood still so long

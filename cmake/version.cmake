@@ -1,10 +1,10 @@
-# The version stands in plugin/identity.h and nowhere else: the project, the version resources of both programs and the
+# The version stands in base/identity.h and nowhere else: the project, the version resources of both programs and the
 # package take it from there.
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/plugin/identity.h)
-file(STRINGS ${CMAKE_CURRENT_SOURCE_DIR}/plugin/identity.h line REGEX "kPluginVersion = \"[0-9.]+\"")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/base/identity.h)
+file(STRINGS ${CMAKE_CURRENT_SOURCE_DIR}/base/identity.h line REGEX "kPluginVersion = \"[0-9.]+\"")
 string(REGEX MATCH "[0-9]+[.][0-9]+[.][0-9]+" CORVALIS_VERSION "${line}")
 if(NOT CORVALIS_VERSION)
-    message(FATAL_ERROR "plugin/identity.h names no kPluginVersion")
+    message(FATAL_ERROR "base/identity.h names no kPluginVersion")
 endif()
 
 # add_version_resource(TARGET FILE TYPE DESCRIPTION): TYPE is VFT_DLL or VFT_APP.

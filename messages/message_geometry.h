@@ -2,7 +2,7 @@
 // functions.
 #pragma once
 #include <cstdint>
-#include "base/screen_rect.h"
+#include "ui/screen_rect.h"
 
 // The window in design pixels: screen pixels at 96 DPI.
 inline constexpr std::int32_t kMessageWidth = 620;

@@ -2,8 +2,8 @@
 #include <cstring>
 #include <string_view>
 #include "audio/alert_player.h"
+#include "base/display_text.h"
 #include "base/log_line.h"
-#include "messages/display_text.h"
 
 namespace {
 

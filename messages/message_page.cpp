@@ -3,8 +3,8 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include "messages/display_text.h"
-#include "settings/texts.h"
+#include "base/display_text.h"
+#include "settings/interface_texts.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "base/clock.h"
 #include "messages/message_geometry.h"
 #include "messages/message_store.h"
-#include "messages/word_wrap.h"
+#include "ui/word_wrap.h"
 
 enum class PageFont { kMono, kChinese, kInterface };
 // "Consolas", "Microsoft YaHei UI", "Segoe UI".

@@ -1,9 +1,9 @@
 // message_page_items.cpp - every shape and text of the message window, in its design pixels.
 #include <algorithm>
 #include <string>
-#include "messages/display_text.h"
+#include "base/display_text.h"
 #include "messages/message_page.h"
-#include "settings/texts.h"
+#include "settings/interface_texts.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cwchar>
 #include "base/wide_text_win.h"
-#include "panel/shapes.h"
+#include "ui/shapes.h"
 
 namespace {
 

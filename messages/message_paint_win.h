@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 #include "messages/message_page.h"
-#include "panel/gdiplus_win.h"
-#include "panel/memory_surface_win.h"
+#include "ui/gdiplus_win.h"
+#include "ui/memory_surface_win.h"
 
 // [ui] Lives while the thread's GDI+ does. What cannot be made (a font, a brush) is left out of the picture.
 class MessagePainter {

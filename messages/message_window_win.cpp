@@ -1,9 +1,9 @@
 #include "messages/message_window_win.h"
 #include <windowsx.h>
 #include <memory>
-#include "base/monitor_win.h"
-#include "base/pointer_argument_win.h"
 #include "messages/local_time_win.h"
+#include "ui/monitor_win.h"
+#include "ui/pointer_argument_win.h"
 
 namespace {
 

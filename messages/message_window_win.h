@@ -5,8 +5,8 @@
 #include "messages/message_model.h"
 #include "messages/message_paint_win.h"
 #include "messages/message_requests_win.h"
-#include "panel/memory_surface_win.h"
 #include "panel/ui_rooms_win.h"
+#include "ui/memory_surface_win.h"
 
 inline constexpr const wchar_t* kMessageClass = L"CorvalisTextMessage";
 

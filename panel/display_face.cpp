@@ -3,7 +3,7 @@
 #include <cmath>
 #include "panel/panel_style.h"
 #include "panel/segment_glyphs.h"
-#include "panel/shapes.h"
+#include "ui/shapes.h"
 
 namespace {
 

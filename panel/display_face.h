@@ -3,9 +3,9 @@
 // [ui] The painted digits are kept without a lock.
 #pragma once
 #include <array>
-#include "panel/argb_image.h"
 #include "panel/panel_layout.h"
 #include "panel/panel_picture.h"
+#include "ui/argb_image.h"
 
 class DisplayFace {
   public:

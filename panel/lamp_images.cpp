@@ -1,7 +1,7 @@
 #include "panel/lamp_images.h"
 #include <algorithm>
 #include <cmath>
-#include "panel/shapes.h"
+#include "ui/shapes.h"
 
 namespace {
 

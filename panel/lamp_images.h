@@ -1,7 +1,7 @@
 // lamp_images.h - what a lit lamp adds to the picture: its glass and the glow around it. Pure functions; pixels.
 #pragma once
-#include "panel/argb_image.h"
 #include "panel/panel_layout.h"
+#include "ui/argb_image.h"
 
 // A picture and where its top left corner belongs.
 struct PlacedImage {

@@ -1,7 +1,7 @@
 #include "panel/panel_draw.h"
 #include <algorithm>
 #include <cmath>
-#include "panel/shapes.h"
+#include "ui/shapes.h"
 
 namespace {
 

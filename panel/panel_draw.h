@@ -3,9 +3,9 @@
 #pragma once
 #include <array>
 #include <vector>
-#include "panel/argb_image.h"
 #include "panel/panel_layers.h"
 #include "panel/panel_picture.h"
+#include "ui/argb_image.h"
 
 // The two status lines as the glue's fonts paint them: the size of their areas, transparent ground.
 using StatusImages = std::array<ArgbImage, 2>;

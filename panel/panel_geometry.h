@@ -1,8 +1,8 @@
 // panel_geometry.h - where on the screen the panel is, how large and how opaque. Pure functions; screen pixels.
 #pragma once
 #include <cstdint>
-#include "base/screen_rect.h"
 #include "settings/settings.h"
+#include "ui/screen_rect.h"
 
 struct PanelPlacement {
     float scale = 1.0f;  // pixels per logical unit, above 0

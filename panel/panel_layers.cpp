@@ -3,7 +3,7 @@
 #include <cmath>
 #include "panel/panel_style.h"
 #include "panel/plain_face.h"
-#include "panel/shapes.h"
+#include "ui/shapes.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 #include <array>
 #include <list>
 #include <vector>
-#include "panel/argb_image.h"
 #include "panel/display_face.h"
-#include "panel/image_scale.h"
 #include "panel/lamp_images.h"
 #include "panel/panel_layout.h"
+#include "ui/argb_image.h"
+#include "ui/image_scale.h"
 
 inline constexpr float kPressDepth = 2.5f;  // logical units a pressed key moves down
 

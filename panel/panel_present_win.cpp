@@ -1,6 +1,6 @@
 // panel_present_win.cpp - how the panel reaches the screen: PanelWindow's presentation.
-#include "base/monitor_win.h"
 #include "panel/panel_window_win.h"
+#include "ui/monitor_win.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include "panel/panel_window_win.h"
 #include <windowsx.h>
-#include "base/pointer_argument_win.h"
-#include "panel/panel_messages.h"
+#include "panel/panel_requests.h"
 #include "panel/panel_tooltip.h"
 #include "panel/panel_volume.h"
-#include "settings/texts.h"
+#include "settings/interface_texts.h"
+#include "ui/pointer_argument_win.h"
 
 namespace {
 

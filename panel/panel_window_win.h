@@ -2,7 +2,6 @@
 #pragma once
 #include <windows.h>
 #include <optional>
-#include "panel/memory_surface_win.h"
 #include "panel/panel_draw.h"
 #include "panel/panel_layers.h"
 #include "panel/panel_model.h"
@@ -10,6 +9,7 @@
 #include "panel/panel_tooltip_win.h"
 #include "panel/text_line_win.h"
 #include "panel/ui_rooms_win.h"
+#include "ui/memory_surface_win.h"
 
 inline constexpr const wchar_t* kPanelClass = L"CorvalisRadioPanel";
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include "panel/panel_style.h"
-#include "panel/shapes.h"
+#include "ui/shapes.h"
 
 namespace {
 

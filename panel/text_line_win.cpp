@@ -3,9 +3,9 @@
 #include <cmath>
 #include <cwchar>
 #include "base/wide_text_win.h"
-#include "panel/memory_surface_win.h"
 #include "panel/panel_style.h"
-#include "settings/texts.h"
+#include "settings/interface_texts.h"
+#include "ui/memory_surface_win.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include "panel/argb_image.h"
 #include "panel/panel_layers.h"
+#include "ui/argb_image.h"
 
 struct TextLine {
     std::string text;              // UTF-8

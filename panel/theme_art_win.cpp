@@ -2,7 +2,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
-#include "panel/gdiplus_win.h"
+#include "ui/gdiplus_win.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "panel/ui_thread_win.h"
-#include "base/window_class_win.h"
 #include "messages/message_window_win.h"
-#include "panel/gdiplus_win.h"
 #include "panel/panel_window_win.h"
 #include "panel/theme_art_win.h"
+#include "ui/gdiplus_win.h"
+#include "ui/window_class_win.h"
 
 namespace {
 

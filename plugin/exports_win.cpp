@@ -3,12 +3,12 @@
 #include <cstdlib>
 #include <cstring>
 #include "audio/voice_threads_win.h"
+#include "base/identity.h"
 #include "plugin/host_events.h"
-#include "plugin/identity.h"
 #include "plugin/lifecycle_win.h"
 #include "plugin/menu_win.h"
+#include "plugin/message_receipt_win.h"
 #include "plugin/settings_dialog_win.h"
-#include "plugin/text_messages_win.h"
 
 PluginState gPlugin;
 

@@ -3,11 +3,11 @@
 #include <system_error>
 #include "audio/tones.h"
 #include "base/code_page_win.h"
+#include "base/data_folder_win.h"
+#include "base/identity.h"
 #include "base/log_line.h"
 #include "panel/ui_thread_win.h"
-#include "plugin/identity.h"
 #include "plugin/settings_dialog_win.h"
-#include "settings/data_folder_win.h"
 #include "settings/language.h"
 
 namespace {

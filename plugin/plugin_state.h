@@ -17,7 +17,7 @@
 #include "messages/message_store.h"
 #include "plugin/host_table.h"
 #include "plugin/panel_actions_win.h"
-#include "settings/dialog_run_win.h"
+#include "settings/dialog/dialog_run_win.h"
 #include "settings/settings_store.h"
 
 // A joinable thread or none. Unlike std::thread it may be destroyed running: when a process ends without shutdown,

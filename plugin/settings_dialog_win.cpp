@@ -2,7 +2,7 @@
 #include <system_error>
 #include "base/log_line.h"
 #include "plugin/lifecycle_win.h"
-#include "plugin/text_messages_win.h"
+#include "plugin/message_receipt_win.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include "worker/command_text.h"
+#include "exchange/command_text.h"
 #include "worker/sim_link.h"
 #include "worker/worker_log.h"
 

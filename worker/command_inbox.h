@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 #include "base/data_files.h"
-#include "worker/command_text.h"
+#include "exchange/command_text.h"
 #include "worker/worker_folder.h"
 #include "worker/worker_log.h"
 

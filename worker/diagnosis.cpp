@@ -4,9 +4,9 @@
 #include <utility>
 #include "base/log_line.h"
 #include "base/number_text.h"
-#include "bridge/command_file.h"
-#include "bridge/telemetry.h"
-#include "worker/command_text.h"
+#include "exchange/command_file.h"
+#include "exchange/command_text.h"
+#include "exchange/telemetry.h"
 #include "worker/user_names.h"
 #include "worker/worker_log.h"
 

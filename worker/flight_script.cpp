@@ -5,7 +5,7 @@
 #include <iterator>
 #include <utility>
 #include "base/number_text.h"
-#include "bridge/frequency_grid.h"
+#include "exchange/frequency_grid.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 // 3 another worker serves the folder.
 #include <exception>
 #include "base/data_files_win.h"
-#include "plugin/identity.h"
+#include "base/identity.h"
 #include "worker/diagnosis_win.h"
 #include "worker/make_link.h"
 #include "worker/simconnect/pipe_win.h"

@@ -1,7 +1,7 @@
 #include "worker/radio_types.h"
 #include <cmath>
 #include "base/number_text.h"
-#include "bridge/frequency_grid.h"
+#include "exchange/frequency_grid.h"
 
 std::string radioName(std::size_t radio) {
     return radio == 0 ? "COM1" : "COM2";

@@ -1,7 +1,7 @@
 #include "worker/readable_text.h"
 #include <algorithm>
 #include <cstdint>
-#include "messages/display_text.h"
+#include "base/display_text.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "worker/simulated_aircraft.h"
 #include <algorithm>
 #include <utility>
-#include "bridge/frequency_grid.h"
+#include "exchange/frequency_grid.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 #include "base/data_files.h"
-#include "worker/telemetry_text.h"
+#include "exchange/telemetry_text.h"
 #include "worker/worker_log.h"
 
 inline constexpr std::uint64_t kMinWriteGapMs = 51;  // ticks are cut to whole ms: 51 apart is never under 50 ms

@@ -1,7 +1,7 @@
 #include "worker/user_names.h"
 #include <algorithm>
 #include <optional>
-#include "messages/display_text.h"
+#include "base/display_text.h"
 
 namespace {
 

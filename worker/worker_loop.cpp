@@ -1,8 +1,8 @@
 #include "worker/worker_loop.h"
 #include <algorithm>
 #include <utility>
-#include "bridge/command_file.h"
-#include "bridge/telemetry.h"
+#include "exchange/command_file.h"
+#include "exchange/telemetry.h"
 
 namespace {
 

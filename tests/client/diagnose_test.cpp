@@ -4,9 +4,9 @@
 #include <atomic>
 #include <thread>
 #include "base/clock_win.h"
-#include "bridge/telemetry.h"
+#include "base/identity.h"
 #include "bridge/worker_command_line.h"
-#include "plugin/identity.h"
+#include "exchange/telemetry.h"
 #include "tests/client/fake_telemetry.h"
 #include "tests/client/worker_at_work_win.h"
 #include "tests/simulator/program_win.h"

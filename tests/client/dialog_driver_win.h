@@ -4,7 +4,7 @@
 #pragma once
 #include <windows.h>
 #include <functional>
-#include "settings/dialog_layout.h"
+#include "settings/dialog/dialog_layout.h"
 
 // The dialog of this process, null while there is none.
 HWND findDialog();

@@ -1,9 +1,9 @@
 // The settings dialog's texts and pictures in the fonts of this system, on surfaces in memory: no window, no plugin.
 #include <gtest/gtest.h>
 #include <memory>
-#include "settings/dialog_fonts_win.h"
-#include "settings/dialog_paint_win.h"
-#include "settings/texts.h"
+#include "settings/dialog/dialog_fonts_win.h"
+#include "settings/dialog/dialog_paint_win.h"
+#include "settings/interface_texts.h"
 #include "tests/client/resource_count_win.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The settings dialog's real window worked by mouse, keyboard and commands, and what stands in settings.ini afterwards.
 #include "tests/client/dialog_test.h"
-#include "settings/texts.h"
-#include "tests/unit/settings/dialog_walk.h"
+#include "settings/interface_texts.h"
+#include "tests/unit/settings/dialog/dialog_walk.h"
 
 namespace {
 

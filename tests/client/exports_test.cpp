@@ -4,7 +4,7 @@
 #include <cstring>
 #include <set>
 #include <vector>
-#include "plugin/identity.h"
+#include "base/identity.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
 #include "tests/client/pe_image.h"

@@ -1,5 +1,5 @@
 #include <windows.h>
-#include "panel/panel_messages.h"
+#include "panel/panel_requests.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/command_reader.h"
 

@@ -1,6 +1,6 @@
 #include <algorithm>
 #include "audio/talk_tracker.h"
-#include "panel/panel_messages.h"
+#include "panel/panel_requests.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/command_reader.h"
 #include "tests/client/panel_driver_win.h"

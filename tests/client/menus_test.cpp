@@ -1,7 +1,7 @@
 #include <windows.h>
 #include <set>
 #include "plugin/menu_texts.h"
-#include "settings/dialog_rows.h"
+#include "settings/dialog/dialog_rows.h"
 #include "settings/language.h"
 #include "tests/client/client_session_win.h"
 // tlhelp32.h needs windows.h before it.

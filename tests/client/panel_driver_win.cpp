@@ -1,5 +1,5 @@
 #include "tests/client/panel_driver_win.h"
-#include "settings/dialog_rows.h"
+#include "settings/dialog/dialog_rows.h"
 #include "tests/client/test_machine_win.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include "panel/panel_geometry.h"
 #include "panel/panel_layers.h"
 #include "panel/text_line_win.h"
+#include "settings/interface_texts.h"
 #include "settings/language.h"
-#include "settings/texts.h"
 #include "tests/client/panel_driver_win.h"
 
 namespace {

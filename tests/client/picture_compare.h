@@ -1,7 +1,7 @@
 // picture_compare.h - two pictures held against each other, pixel for pixel. Values.
 #pragma once
 #include <gtest/gtest.h>
-#include "panel/argb_image.h"
+#include "ui/argb_image.h"
 
 // The colours without their fourth byte: GDI leaves it at any value.
 ArgbImage coloursOf(ArgbImage image);

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <memory>
 #include <thread>
-#include "settings/dialog_rows.h"
+#include "settings/dialog/dialog_rows.h"
 #include "tests/client/dialog_driver_win.h"
 #include "tests/client/voice_test.h"
 #include "tests/unit/audio/voice_blocks.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 #include "messages/message_paint_win.h"
-#include "panel/gdiplus_win.h"
+#include "ui/gdiplus_win.h"
 
 struct WantedPage {
     std::int32_t page = 0;  // 0 the newest

@@ -1,6 +1,6 @@
 #include "tests/client/window_picture_win.h"
 #include <algorithm>
-#include "panel/memory_surface_win.h"
+#include "ui/memory_surface_win.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // [host] Used from the main thread of a test or the pictures.
 #pragma once
 #include <windows.h>
-#include "panel/argb_image.h"
+#include "ui/argb_image.h"
 
 // The window's own picture (WM_PRINTCLIENT) in the size of its client area; empty without a window. What the window
 // does not draw is 0.

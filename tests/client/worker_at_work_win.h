@@ -3,7 +3,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
-#include "bridge/telemetry.h"
+#include "exchange/telemetry.h"
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <atomic>
 #include <sstream>
-#include "bridge/telemetry.h"
 #include "bridge/worker_command_line.h"
+#include "exchange/telemetry.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
 #include "tests/client/worker_at_work_win.h"

@@ -1,7 +1,7 @@
 // flight_script_fuzz.cpp - a flight script of any bytes, flown for a while, and worker.ini from the same bytes.
 #include <cstdint>
 #include <cstdlib>
-#include "bridge/frequency_grid.h"
+#include "exchange/frequency_grid.h"
 #include "worker/simulated_aircraft.h"
 #include "worker/worker_options.h"
 

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include "messages/display_text.h"
+#include "base/display_text.h"
 #include "messages/message_page.h"
 #include "tests/unit/fakes.h"
-#include "tests/unit/messages/plain_word_wrap.h"
+#include "tests/unit/ui/plain_word_wrap.h"
 
 namespace {
 

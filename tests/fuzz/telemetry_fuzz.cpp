@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include "bridge/telemetry.h"
-#include "tests/unit/bridge/telemetry_reference.h"
+#include "exchange/telemetry.h"
+#include "tests/unit/exchange/telemetry_reference.h"
 #include "tests/unit/fakes.h"
 
 namespace {

@@ -2,8 +2,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include "worker/command_text.h"
-#include "worker/telemetry_text.h"
+#include "exchange/command_text.h"
+#include "exchange/telemetry_text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);

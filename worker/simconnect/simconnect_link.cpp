@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
-#include "bridge/frequency_grid.h"
+#include "exchange/frequency_grid.h"
 #include "worker/simconnect/com_tables.h"
 
 namespace simconnect {

@@ -8,7 +8,7 @@
 #include <fstream>
 #include "base/clock_win.h"
 #include "base/number_text.h"
-#include "panel/panel_messages.h"
+#include "panel/panel_requests.h"
 #include "tests/client/circuit/flight_plan.h"
 #include "tests/client/circuit/flight_watch_win.h"
 #include "tests/client/message_driver_win.h"

@@ -9,7 +9,7 @@
 #include <functional>
 #include <string>
 #include <vector>
-#include "bridge/telemetry.h"
+#include "exchange/telemetry.h"
 #include "tests/client/circuit/flight_record.h"
 #include "tests/client/circuit/lamp_watch_win.h"
 #include "tests/client/host_model.h"

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include "base/clock_win.h"
-#include "panel/panel_messages.h"
+#include "panel/panel_requests.h"
 #include "tests/client/circuit/flight_plan.h"
 #include "tests/client/plugin_library_win.h"
 #include "tests/client/test_machine_win.h"

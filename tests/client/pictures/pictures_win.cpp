@@ -8,9 +8,9 @@
 #include <string>
 #include <utility>
 #include <vector>
-#include "panel/gdiplus_win.h"
 #include "tests/client/pictures/scenes_win.h"
 #include "tests/client/pictures/screen_picture_win.h"
+#include "ui/gdiplus_win.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "tests/client/pictures/screen_picture_win.h"
 #include <algorithm>
-#include "panel/gdiplus_win.h"
+#include "ui/gdiplus_win.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 // C library's functions, so they are there only where no sanitizer has taken that place.
 #include <gtest/gtest.h>
 #include <vector>
+#include "audio/capture_mode.h"
 #include "audio/voice_hooks.h"
-#include "bridge/capture_mode.h"
 #include "tests/unit/audio/voice_blocks.h"
 
 #if defined(__linux__) && !defined(CORVALIS_SANITIZED)

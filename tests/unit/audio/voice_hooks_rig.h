@@ -2,8 +2,8 @@
 #pragma once
 #include <gtest/gtest.h>
 #include <vector>
+#include "audio/capture_mode.h"
 #include "audio/voice_hooks.h"
-#include "bridge/capture_mode.h"
 #include "tests/reference/plain_voice_hooks.h"
 #include "tests/unit/audio/voice_blocks.h"
 

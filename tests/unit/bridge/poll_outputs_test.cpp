@@ -1,6 +1,6 @@
 // What a pass publishes besides the following: receive gain, own talk, tails, capture mode.
 #include <gtest/gtest.h>
-#include "bridge/capture_mode.h"
+#include "audio/capture_mode.h"
 #include "tests/unit/bridge/rig.h"
 
 namespace {

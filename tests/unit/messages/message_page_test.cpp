@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <optional>
-#include "messages/display_text.h"
+#include "base/display_text.h"
 #include "settings/language.h"
 #include "tests/unit/fakes.h"
 

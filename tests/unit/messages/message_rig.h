@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 #include <vector>
-#include "messages/display_text.h"
+#include "base/display_text.h"
 #include "messages/message_model.h"
 #include "settings/language.h"
 #include "tests/unit/fakes.h"

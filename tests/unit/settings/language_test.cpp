@@ -1,6 +1,6 @@
 #include "settings/language.h"
 #include <gtest/gtest.h>
-#include "settings/dialog_rows.h"
+#include "settings/dialog/dialog_rows.h"
 
 TEST(Language, OfEveryKnownCodeIsTheOneOfItsTable) {
     const struct {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 #include <vector>
-#include "settings/dialog_rows.h"
+#include "settings/dialog/dialog_rows.h"
 #include "settings/language.h"
 
 // How a value in the file is understood.

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 #include <vector>
-#include "settings/texts.h"
+#include "settings/interface_texts.h"
 
 inline constexpr int kLanguageNames = 68;
 

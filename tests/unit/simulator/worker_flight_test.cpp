@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <deque>
-#include "bridge/telemetry.h"
+#include "exchange/telemetry.h"
 #include "tests/simulator/simulator.h"
 #include "tests/unit/worker/worker_fakes.h"
 #include "worker/simconnect/simconnect_link.h"

@@ -1,6 +1,6 @@
 #include "worker/flight_script.h"
 #include <gtest/gtest.h>
-#include "bridge/frequency_grid.h"
+#include "exchange/frequency_grid.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "worker/telemetry_writer.h"
 #include <gtest/gtest.h>
+#include "exchange/flat_json.h"
 #include "tests/unit/worker/worker_fakes.h"
-#include "worker/flat_json.h"
 
 namespace {
 

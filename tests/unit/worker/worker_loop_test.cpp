@@ -1,6 +1,6 @@
 #include "worker/worker_loop.h"
 #include <gtest/gtest.h>
-#include "bridge/telemetry.h"
+#include "exchange/telemetry.h"
 #include "tests/unit/worker/worker_fakes.h"
 #include "worker/simulated_aircraft.h"
 

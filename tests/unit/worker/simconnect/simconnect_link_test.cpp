@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <cmath>
 #include <map>
-#include "bridge/frequency_grid.h"
+#include "exchange/frequency_grid.h"
 #include "tests/unit/worker/simconnect/fake_simulator.h"
 #include "tests/unit/worker/worker_fakes.h"
 #include "worker/command_handler.h"

@@ -1,0 +1,39 @@
+#include "plugin/message_receipt_win.h"
+#include "audio/tones.h"
+#include "base/code_page_win.h"
+#include "base/data_files.h"
+
+namespace {
+
+class MessageWindowOpener final : public NewestMessageOpener {
+  public:
+    explicit MessageWindowOpener(const MessageWindowLink& link) : link_(link) {}
+    void openNewest() override {
+        if (!link_.isVisible) requestOfMessageWindow(link_, kShowNewestMessage);
+    }
+
+  private:
+    const MessageWindowLink& link_;
+};
+
+// Before init and after shutdown the host is not called: its functions may be gone.
+const HostFunctions kNoHost;
+
+template <class Body>
+void withAlertRooms(PluginState& plugin, Body body) {
+    const std::string alertPath = utf8FromNarrow(joinPath(plugin.dataFolder, kAlertFile));
+    MessageWindowOpener window(plugin.messageWindow);
+    const HostFunctions& host = plugin.running ? plugin.host : kNoHost;
+    body(AlertRooms{host, plugin.settings, plugin.currentServer, alertPath, window});
+}
+
+}  // namespace
+
+void receiveTextMessage(PluginState& plugin, const HostText& message) {
+    withAlertRooms(plugin,
+                   [&](const AlertRooms& rooms) { takeTextMessage(message, plugin.messages, plugin.clock, rooms); });
+}
+
+void playTextAlert(PluginState& plugin) {
+    withAlertRooms(plugin, [](const AlertRooms& rooms) { playTextAlert(rooms); });
+}

@@ -1,0 +1,86 @@
+// dialog_rows.h - the controls of the settings dialog as data: one row per control, bound to a field of a Settings
+// record. Identifiers are WM_COMMAND identifiers too. Static data and pure functions. [any]
+#pragma once
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include "settings/settings.h"
+
+enum class RowKind {
+    kTab,       // turns to page `value`
+    kLanguage,  // interface language `value`
+    kToggle,    // switches a bool
+    kSlider,    // a number in a range
+    kChoice,    // one of several options side by side in one control
+    kOption,    // a button that sets the field to `value`
+    kSelector,  // steps through the actions of a custom key
+    kButton,    // does something
+    kLive,      // shows the simulator's radio
+};
+
+enum DialogId : int {
+    kFirstTab = 5000,       // + page
+    kFirstLanguage = 5100,  // + language
+    kWindowButton = 5150,
+    kThemeChoice = 6002,
+    kResetPanel = 6005,
+    kLiveRow = 6006,
+    kPreviewMessages = 6049,
+    kClearMessages = 6050,
+    kFirstKeySelector = 6060,  // A; B to E follow
+    kApply = 6080,
+    kSaveAndClose = 6081,
+    kCancel = 6082,
+};
+inline constexpr int kPageCount = 4;  // General, Voice & audio, Radio & functions, About
+
+// Nothing, or the member that a row shows and changes.
+using SettingsField = std::variant<std::monostate, bool Settings::*, std::int32_t Settings::*, float Settings::*,
+                                   std::string Settings::*>;
+
+struct SliderRange {
+    float min = 0.0f;
+    float max = 0.0f;
+    float step = 0.0f;
+    int decimals = 0;       // of the value's text: 0 or 2
+    const char* unit = "";  // behind the value, after a space; may be empty
+};
+
+inline constexpr int kNoText = -1;
+
+struct DialogRow {
+    int id;
+    RowKind kind;
+    int label;        // text entry (settings/interface_texts.h), or kNoText
+    int description;  // the same, the smaller line under the label
+    SettingsField field;
+    std::int32_t value;   // of a tab, a language or an option
+    SliderRange range;    // of a slider
+    const char* caption;  // what the control is called in every language; null: its label
+};
+
+std::span<const DialogRow> dialogRows();
+// Null for an identifier that is no row's.
+const DialogRow* findRow(int id);
+
+// Of the field that the row is bound to; false or 0 when it is bound to none of that type.
+bool rowSwitch(const DialogRow& row, const Settings& settings);
+std::int32_t rowNumber(const DialogRow& row, const Settings& settings);
+float rowLevel(const DialogRow& row, const Settings& settings);
+
+// The options of a choice (3) or a selector (8), 0 for any other row, and what each is called.
+int optionCount(const DialogRow& row);
+std::string_view optionText(const DialogRow& row, int option, std::int32_t language);
+
+// What a control is called: its caption, the language's own name, or its label.
+std::string_view rowText(const DialogRow& row, std::int32_t language);
+
+// "0.85", "80 %", "12 dB".
+std::string sliderText(const SliderRange& range, float value);
+// The nearest step from the minimum within the range; exact to the shown decimals.
+float snapToStep(const SliderRange& range, float value);
+
+// The `language` setting that stands for an index 0..8 (clamped): the first code of its row.
+const char* languageCode(std::int32_t language);

@@ -1,0 +1,323 @@
+#include "settings/dialog/dialog_interaction.h"
+#include <gtest/gtest.h>
+#include <set>
+#include "settings/language.h"
+#include "tests/unit/settings/dialog/dialog_rig.h"
+
+namespace {
+
+struct DialogHand : ::testing::Test, DialogRig {
+    PixelRect rect(int id) const {
+        const DialogLayout now = layout();
+        return findControl(now, id)->rect;
+    }
+};
+
+}  // namespace
+
+TEST_F(DialogHand, AClickWorksEveryControlOfEveryPage) {
+    for (int page = 0; page < kPageCount; page++) {
+        const DialogLayout first = layoutDialog(width, height, dpi, page, 0);
+        for (const DialogControl& control : first.controls) {
+            model = {};
+            model.page = page;
+            last = DialogAction::kNone;
+            const DialogRow& clicked = row(control.id);
+            const int lastOption = optionCount(clicked) - 1;
+            click(control.id, control.look == ControlLook::kSegments   ? lastOption
+                              : control.look == ControlLook::kSelector ? 1
+                                                                       : 0);
+            switch (clicked.kind) {
+                case RowKind::kTab:
+                    EXPECT_EQ(model.page, clicked.value);
+                    break;
+                case RowKind::kLanguage:
+                    EXPECT_EQ(model.working.language, languageCode(clicked.value));
+                    break;
+                case RowKind::kToggle:
+                    EXPECT_NE(rowSwitch(clicked, model.working), rowSwitch(clicked, Settings{})) << control.id;
+                    break;
+                case RowKind::kChoice:
+                    EXPECT_EQ(rowNumber(clicked, model.working), lastOption) << control.id;
+                    break;
+                case RowKind::kOption:
+                    EXPECT_EQ(rowNumber(clicked, model.working), clicked.value);
+                    break;
+                case RowKind::kSelector:
+                    EXPECT_EQ(rowNumber(clicked, model.working), 1);
+                    break;
+                case RowKind::kButton:
+                    EXPECT_EQ(last != DialogAction::kNone, control.id != kResetPanel) << control.id;
+                    break;
+                case RowKind::kSlider:
+                case RowKind::kLive:
+                    break;
+            }
+        }
+    }
+}
+
+TEST_F(DialogHand, APressThatEndsElsewhereDoesNothing) {
+    const DialogLayout now = layout();
+    EXPECT_TRUE(pressMouse(input, model, now, middleOf(rect(6000))));
+    EXPECT_EQ(input.pressed.id, 6000);
+    EXPECT_EQ(releaseMouse(input, model, now, middleOf(rect(6001))), std::nullopt);
+    EXPECT_EQ(input.pressed, DialogHit{});
+    EXPECT_EQ(model.working, Settings{});
+}
+
+TEST_F(DialogHand, TheTitleBarAndEmptyGroundCaptureNothing) {
+    EXPECT_FALSE(pressMouse(input, model, layout(), {400, 20}));
+    EXPECT_EQ(input.hover.id, kTitleBarHit);
+    EXPECT_FALSE(pressMouse(input, model, layout(), {930, 400}));
+    EXPECT_FALSE(pressMouse(input, model, layout(), middleOf(rect(kLiveRow))));
+    EXPECT_TRUE(pressMouse(input, model, layout(), middleOf(rect(kWindowButton))));  // though it lies in the title bar
+}
+
+TEST_F(DialogHand, HoverFollowsTheMouse) {
+    moveMouse(input, model, layout(), middleOf(rect(6081)));
+    EXPECT_EQ(input.hover.id, 6081);
+    leaveMouse(input);
+    EXPECT_EQ(input.hover, DialogHit{});
+}
+
+TEST_F(DialogHand, ASliderIsDraggedBeyondItsEnds) {
+    const DialogLayout now = layout();
+    const PixelRect track = trackRect(now, *findControl(now, 6003));
+    const std::int32_t y = track.top + 1;
+    EXPECT_TRUE(pressMouse(input, model, now, {(track.left + track.right) / 2, y}));
+    EXPECT_TRUE(input.isDragging);
+    EXPECT_EQ(model.working.opacity, 65.0f);
+    moveMouse(input, model, now, {track.left - 500, y + 300});
+    EXPECT_EQ(model.working.opacity, 30.0f);
+    EXPECT_EQ(releaseMouse(input, model, now, {track.right + 500, y}), std::nullopt);
+    EXPECT_EQ(model.working.opacity, 100.0f);
+    moveMouse(input, model, now, {track.left, y});
+    EXPECT_EQ(model.working.opacity, 100.0f);
+}
+
+TEST_F(DialogHand, AClickOnASlidersWordsChangesNothing) {
+    model.working.opacity = 47.0f;
+    const PixelRect slider = rect(6003);
+    click({slider.left + 30, slider.top + 10});
+    EXPECT_EQ(model.working.opacity, 47.0f);
+}
+
+TEST_F(DialogHand, ALostCaptureEndsTheDrag) {
+    const DialogLayout now = layout();
+    const PixelRect track = trackRect(now, *findControl(now, 6003));
+    pressMouse(input, model, now, {track.left, track.top});
+    forgetMouse(input);
+    moveMouse(input, model, now, {track.right, track.top});
+    EXPECT_EQ(model.working.opacity, 30.0f);
+    EXPECT_FALSE(input.isDragging);
+}
+
+TEST_F(DialogHand, TheWheelStepsSlidersAndSelectors) {
+    model.page = 1;
+    wheel(6022, 120);
+    EXPECT_EQ(model.working.receive_volume, 81.0f);
+    wheel(6022, -360);
+    EXPECT_EQ(model.working.receive_volume, 78.0f);
+    wheel(6022, 60);
+    EXPECT_EQ(model.working.receive_volume, 78.0f);
+    wheel(6022, 60);
+    EXPECT_EQ(model.working.receive_volume, 79.0f);
+    wheel(6022, 60);
+    wheel(6022, -60);  // the other way: the half notch is forgotten
+    EXPECT_EQ(model.working.receive_volume, 79.0f);
+    model.page = 2;
+    wheel(6061, -240);
+    EXPECT_EQ(model.working.bind_B, 2);
+    wheel(6061, 1200);
+    EXPECT_EQ(model.working.bind_B, 0);
+}
+
+TEST_F(DialogHand, TheWheelScrollsALowWindow) {
+    height = 450;
+    wheel(6000, -120);
+    EXPECT_EQ(input.scroll, 48);
+    wheel(6000, 1200);
+    EXPECT_EQ(input.scroll, 0);
+    wheel(6000, -12000);
+    EXPECT_EQ(input.scroll, layout().scrollRange);
+}
+
+TEST_F(DialogHand, TheScrollBarIsDragged) {
+    height = 450;
+    const DialogLayout now = layout();
+    const std::int32_t x = (now.scrollBar.left + now.scrollBar.right) / 2;
+    EXPECT_TRUE(pressMouse(input, model, now, {x, now.scrollThumb.top + 3}));
+    EXPECT_EQ(input.scroll, 0);
+    moveMouse(input, model, now, {x, 5000});
+    EXPECT_EQ(input.scroll, now.scrollRange);
+    EXPECT_EQ(releaseMouse(input, model, now, {x, -5000}), std::nullopt);
+    EXPECT_EQ(input.scroll, 0);
+}
+
+TEST_F(DialogHand, TabReachesEveryControlAndComesAround) {
+    for (int page = 0; page < kPageCount; page++) {
+        model.page = page;
+        std::set<int> expected, forward, backward;
+        for (const DialogControl& control : layout().controls) {
+            if (control.id != kLiveRow) expected.insert(control.id);
+        }
+        input.focus = kNothingHit;
+        for (std::size_t i = 0; i < expected.size(); i++) {
+            press(DialogKey::kTab);
+            forward.insert(input.focus);
+            EXPECT_TRUE(input.isFocusShown);
+        }
+        EXPECT_EQ(forward, expected);
+        const int before = input.focus;
+        for (std::size_t i = 0; i < expected.size(); i++) {
+            press(DialogKey::kBackTab);
+            backward.insert(input.focus);
+        }
+        EXPECT_EQ(backward, expected);
+        EXPECT_EQ(input.focus, before);
+    }
+}
+
+TEST_F(DialogHand, TabScrollsTheFocusIntoView) {
+    height = 450;
+    for (int i = 0; i < 60; i++) {
+        press(DialogKey::kTab);
+        const DialogLayout now = layout();
+        const DialogControl& focused = *findControl(now, input.focus);
+        if (!focused.isOnPage) continue;
+        EXPECT_EQ(intersectRects(focused.rect, now.pageView), focused.rect) << focused.id;
+    }
+}
+
+TEST_F(DialogHand, SpaceAndEnterWorkTheFocusedControl) {
+    focus(6000);
+    press(DialogKey::kSpace);
+    EXPECT_FALSE(model.working.master);
+    press(DialogKey::kEnter);
+    EXPECT_TRUE(model.working.master);
+    focus(6080);
+    press(DialogKey::kEnter);
+    EXPECT_EQ(last, DialogAction::kApply);
+    focus(6002);
+    press(DialogKey::kSpace);
+    EXPECT_EQ(model.working.theme, 1);
+    focus(5105);
+    press(DialogKey::kSpace);
+    EXPECT_EQ(model.working.language, "de");
+    const Settings before = model.working;
+    focus(kNothingHit);
+    press(DialogKey::kEnter);
+    focus(6031);  // on another page
+    press(DialogKey::kEnter);
+    EXPECT_EQ(model.working, before);
+}
+
+TEST_F(DialogHand, EscapeClosesWhereverTheFocusIs) {
+    for (const int id : {kNothingHit, 6000, 6081}) {
+        focus(id);
+        last = DialogAction::kNone;
+        press(DialogKey::kEscape);
+        EXPECT_EQ(last, DialogAction::kClose);
+    }
+}
+
+TEST_F(DialogHand, ArrowsHomeAndEndMoveASlider) {
+    focus(6004);
+    press(DialogKey::kRight);
+    press(DialogKey::kUp);
+    EXPECT_EQ(model.working.panel_scale, 110.0f);
+    press(DialogKey::kLeft);
+    press(DialogKey::kDown);
+    EXPECT_EQ(model.working.panel_scale, 100.0f);
+    press(DialogKey::kEnd);
+    EXPECT_EQ(model.working.panel_scale, 200.0f);
+    press(DialogKey::kHome);
+    EXPECT_EQ(model.working.panel_scale, 50.0f);
+}
+
+TEST_F(DialogHand, ArrowsStepChoicesWithinTheirEnds) {
+    focus(6002);
+    const int themes = optionCount(row(6002));
+    for (int i = 0; i < themes; i++) press(DialogKey::kRight);
+    EXPECT_EQ(model.working.theme, themes - 1);
+    press(DialogKey::kHome);
+    EXPECT_EQ(model.working.theme, 0);
+    model.page = 2;
+    focus(6063);
+    press(DialogKey::kEnd);
+    EXPECT_EQ(model.working.bind_D, 7);
+    press(DialogKey::kLeft);
+    EXPECT_EQ(model.working.bind_D, 6);
+}
+
+TEST_F(DialogHand, ArrowsMoveBetweenTabsLanguagesAndOptions) {
+    focus(5000);
+    press(DialogKey::kDown);
+    EXPECT_EQ(model.page, 1);
+    EXPECT_EQ(input.focus, 5001);
+    press(DialogKey::kUp);
+    press(DialogKey::kUp);
+    EXPECT_EQ(model.page, 0);
+    focus(5104);
+    press(DialogKey::kDown);
+    EXPECT_EQ(input.focus, 5107);
+    press(DialogKey::kDown);
+    EXPECT_EQ(input.focus, 5107);
+    press(DialogKey::kRight);
+    EXPECT_EQ(input.focus, 5108);
+    EXPECT_EQ(model.working.language, "auto");  // chosen with Space only
+    model.page = 2;
+    focus(6040);
+    press(DialogKey::kDown);
+    EXPECT_EQ(input.focus, 6042);
+    EXPECT_EQ(model.working.target, 0);
+}
+
+TEST_F(DialogHand, PageKeysScroll) {
+    height = 450;
+    press(DialogKey::kPageDown);
+    EXPECT_GT(input.scroll, 0);
+    press(DialogKey::kEnd);
+    EXPECT_EQ(input.scroll, layout().scrollRange);
+    press(DialogKey::kHome);
+    EXPECT_EQ(input.scroll, 0);
+}
+
+TEST_F(DialogHand, AnotherPageBeginsAtItsTopAndLetsGoOfTheMouse) {
+    height = 450;
+    press(DialogKey::kPageDown);
+    ASSERT_GT(input.scroll, 0);
+    const DialogLayout now = layout();
+    ASSERT_TRUE(pressMouse(input, model, now, {now.scrollBar.left + 2, now.scrollThumb.top + 2}));
+    command(kFirstTab + 1);
+    EXPECT_EQ(input.scroll, 0);
+    EXPECT_FALSE(input.isDragging);
+    EXPECT_EQ(input.pressed, DialogHit{});
+    EXPECT_EQ(input.hover, DialogHit{});
+    input.scroll = 5;
+    command(kFirstTab + 1);  // the same page once more
+    EXPECT_EQ(input.scroll, 5);
+}
+
+TEST_F(DialogHand, AnotherLanguageEndsADragWhereItStands) {
+    const DialogLayout now = layout();
+    const PixelRect track = trackRect(now, *findControl(now, 6003));
+    pressMouse(input, model, now, {(track.left + track.right) / 2, track.top});
+    ASSERT_EQ(model.working.opacity, 65.0f);
+    command(kFirstLanguage + int{kEnglish});  // it is English already
+    EXPECT_TRUE(input.isDragging);
+    command(kFirstLanguage + int{kKorean});
+    EXPECT_FALSE(input.isDragging);
+    EXPECT_EQ(input.hover, DialogHit{});
+    moveMouse(input, model, now, {track.right, track.top});
+    EXPECT_EQ(releaseMouse(input, model, now, {track.right, track.top}), std::nullopt);
+    EXPECT_EQ(model.working.opacity, 65.0f);
+    EXPECT_EQ(model.working.language, "ko");
+}
+
+TEST_F(DialogHand, AToggleLeavesTheMouseWhereItIs) {
+    moveMouse(input, model, layout(), middleOf(rect(6081)));
+    command(6000);
+    EXPECT_EQ(input.hover.id, 6081);
+}

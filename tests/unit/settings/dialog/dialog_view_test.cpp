@@ -1,0 +1,98 @@
+#include "settings/dialog/dialog_view.h"
+#include <gtest/gtest.h>
+
+namespace {
+
+SimState flying() {
+    SimState sim;
+    sim.connected = true;
+    sim.readTick = 10'000;
+    sim.radios[0].active = 122800;
+    sim.radios[0].volume = 0.85f;
+    sim.radios[1].active = 118005;
+    return sim;
+}
+
+LiveStatus lookAt(const SimState& sim, std::int32_t com, std::uint64_t nowMs = 10'050) {
+    LiveMemory memory;
+    return liveStatusOf(sim, com, memory, nowMs);
+}
+
+}  // namespace
+
+TEST(DialogLive, ShowsTheSelectedRadio) {
+    const LiveStatus first = lookAt(flying(), 1);
+    EXPECT_EQ(first.frequency, "COM1   122.800 MHz");
+    EXPECT_EQ(first.volume, "VOL 85%");
+    EXPECT_EQ(first.stateEntry, 70);
+    EXPECT_TRUE(first.isConnected);
+    const LiveStatus second = lookAt(flying(), 2);
+    EXPECT_EQ(second.frequency, "COM2   118.005 MHz");
+    EXPECT_EQ(second.volume, "");
+}
+
+TEST(DialogLive, ShowsDashesWithoutTheSimulator) {
+    const LiveStatus live = lookAt(SimState{}, 1);
+    EXPECT_EQ(live.frequency, "COM  ---.--- MHz");
+    EXPECT_EQ(live.volume, "");
+    EXPECT_EQ(live.stateEntry, 72);
+    EXPECT_FALSE(live.isConnected);
+}
+
+TEST(DialogLive, CallsAVolumeOfZeroKnown) {
+    SimState sim = flying();
+    sim.radios[0].volume = 0.0f;
+    EXPECT_EQ(lookAt(sim, 1).volume, "VOL 0%");
+}
+
+TEST(DialogLive, CallsAnOldSnapshotStale) {
+    EXPECT_EQ(lookAt(flying(), 1, 13'000).stateEntry, 70);
+    EXPECT_EQ(lookAt(flying(), 1, 13'001).stateEntry, 71);
+    EXPECT_EQ(lookAt(flying(), 1, 9'000).stateEntry, 70);  // read after the look began
+}
+
+TEST(DialogLive, CallsAConnectionJustLostStaleForTenSeconds) {
+    LiveMemory memory;
+    SimState sim = flying();
+    liveStatusOf(sim, 1, memory, 10'000);
+    sim.connected = false;
+    EXPECT_EQ(liveStatusOf(sim, 1, memory, 10'100).stateEntry, 71);
+    EXPECT_EQ(liveStatusOf(sim, 1, memory, 10'100).frequency, "COM  ---.--- MHz");
+    EXPECT_EQ(liveStatusOf(sim, 1, memory, 19'999).stateEntry, 71);
+    EXPECT_EQ(liveStatusOf(sim, 1, memory, 20'000).stateEntry, 72);
+}
+
+TEST(DialogViewTexts, BreakAtSpacesAndBetweenIdeographs) {
+    DialogText text;
+    text.wraps = true;
+    text.fontPixels = 10;
+    text.rect = {0, 0, 60, 100};
+    const auto tenPerByte = [](const DialogText&, const std::string& piece) {
+        return static_cast<std::int32_t>(10 * piece.size());
+    };
+    text.text = "ab cde fg";
+    EXPECT_EQ(linesOf(text, tenPerByte), (std::vector<std::string>{"ab cde", "fg"}));
+    text.text = "机型主题";  // three bytes each
+    EXPECT_EQ(linesOf(text, tenPerByte), (std::vector<std::string>{"机型", "主题"}));
+    text.text = "机型。主";  // the full stop goes with its word
+    EXPECT_EQ(linesOf(text, tenPerByte), (std::vector<std::string>{"机", "型。", "主"}));
+    text.wraps = false;
+    text.text = "ab cde fg";
+    EXPECT_EQ(linesOf(text, tenPerByte), (std::vector<std::string>{"ab cde fg"}));
+}
+
+TEST(DialogViewTexts, ShowWhatIsSetInTheLanguageChosen) {
+    DialogView view;
+    view.language = 5;
+    view.settings.opacity = 55.0f;
+    const DialogLayout layout = layoutDialog(940, 660, 96, 0, 0);
+    bool hasOpacity = false, hasLabel = false, hasOwnFont = false;
+    for (const DialogText& text : dialogTexts(layout, view)) {
+        if (text.id == 6003 && text.text == "55 %") hasOpacity = true;
+        if (text.id == 6000 && text.text == "Hauptschalter") hasLabel = true;
+        if (text.id == 5103 && text.language == 3) hasOwnFont = true;
+    }
+    EXPECT_TRUE(hasOpacity);
+    EXPECT_TRUE(hasLabel);
+    EXPECT_TRUE(hasOwnFont);
+}

@@ -1,0 +1,27 @@
+// memory_surface_win.h - a picture that both Windows and our own code draw into: a top-down 32-bit device-independent
+// section, selected into a memory device context.
+#pragma once
+#include <windows.h>
+#include "ui/argb_image.h"
+
+class MemorySurface {
+  public:
+    MemorySurface() = default;
+    ~MemorySurface() { release(); }
+    MemorySurface(const MemorySurface&) = delete;
+    MemorySurface& operator=(const MemorySurface&) = delete;
+
+    // Makes the surface anew when its size is another; what it shows is then undefined. False when the system has no
+    // room for it: the surface is then empty.
+    bool resize(std::int32_t width, std::int32_t height);
+    void release();
+
+    HDC dc() const { return dc_; }
+    const ArgbView& view() const { return view_; }
+
+  private:
+    HDC dc_ = nullptr;
+    HBITMAP section_ = nullptr;
+    HGDIOBJ before_ = nullptr;  // what the context held; it goes back before the section is freed
+    ArgbView view_;
+};
