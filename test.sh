@@ -155,6 +155,7 @@ test_natively() {
         check realtime "an audio hook allocates, locks or calls the system" build/native/bin/realtime_tests
     check artwork "the artwork does not fit the layout tables" /usr/bin/python3 tools/artwork/check_art.py --prove
     check page "the page of run.sh does not show what was flown" /usr/bin/python3 -B tools/page/page_test.py
+    check rooms "a room uses one that it may not" /usr/bin/python3 tools/check_rooms.py
     check format "the formatting is not the house's" tools/format.sh --check
 }
 

@@ -5,7 +5,7 @@
 #include "base/host_functions.h"
 #include "settings/settings_store.h"
 
-// [host] Plays alertPath (UTF-8) on the current server when text_alert is on; also with master off. Nothing without a
-// server (schid 0) or without playWaveFile.
+// [host] Plays alertPath (UTF-8) on the current server when text_alert is on; even with master off. Does nothing
+// without a server (schid 0) or without playWaveFile.
 void playTextAlertSound(const HostFunctions& host, SettingsStore& settings, std::uint64_t schid,
                         const std::string& alertPath);

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::int64_t kHundredthsPerTurn = 4'800'000;  // 48000 samples a second, in hundredths
+constexpr std::int64_t kHundredthsPerTurn = 4'800'000;  // 48000 samples per second, in hundredths of a hertz
 constexpr double kPi = 3.14159265358979323846;
 
 // Coefficients of a power series, highest first: c[0] x^(n-1) + ... + c[n-1], evaluated in this order.
@@ -15,7 +15,7 @@ double series(const double (&c)[N], double x) {
     return sum;
 }
 
-// Taylor series of sin(x) / x and cos(x) in x squared; on 0..pi/4 the first term left out is below 1e-19.
+// Taylor series of sin(x) / x and cos(x) in x squared; on 0..pi/4 the first term left out is below 3e-18.
 double sineOfEighth(double x) {
     constexpr double kTerms[] = {1.0 / 355687428096000.0,
                                  -1.0 / 1307674368000.0,
@@ -42,7 +42,7 @@ double cosineOfEighth(double x) {
     return series(kTerms, x * x);
 }
 
-// Sine of a phase of the first quarter turn, 0..kHundredthsPerTurn/4.
+// Sine of a phase in the first quarter turn, 0..kHundredthsPerTurn/4.
 double sineOfQuarter(std::int64_t phase) {
     constexpr std::int64_t kQuarter = kHundredthsPerTurn / 4;
     constexpr double kRadians = 2.0 * kPi / static_cast<double>(kHundredthsPerTurn);
@@ -62,7 +62,7 @@ double exactSine(std::int64_t hundredthsHz, std::int64_t n) {
 }
 
 double exactDecay(double x) {
-    // ln 2 in two pieces: the upper one has zeros at its end, so k times it is exact.
+    // ln 2 in two pieces: the upper one ends in zero bits, so k times it is exact.
     constexpr double kLn2High = 6.93147180369123816490e-01;
     constexpr double kLn2Low = 1.90821492927058770002e-10;
     constexpr double kLog2E = 1.44269504088896338700;

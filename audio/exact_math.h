@@ -4,7 +4,7 @@
 #pragma once
 #include <cstdint>
 
-// sin(2 pi f n / 48000) with f in hundredths of a hertz. The phase is a whole number, so it does not drift with n >= 0.
+// sin(2 pi f n / 48000) with f in hundredths of a hertz. n >= 0; the phase is a whole number and does not drift.
 double exactSine(std::int64_t hundredthsHz, std::int64_t n);
 
 // e^x for x <= 0; 0 below the smallest double.

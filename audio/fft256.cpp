@@ -1,4 +1,4 @@
-// The schedule. The 256 points are four interleaved transforms of 64, one per lane:
+// fft256.cpp - the schedule. The 256 points are four interleaved transforms of 64, one per lane:
 //
 //     vector m = x[4m] x[4m+1] x[4m+2] x[4m+3]      lane j: points 4m + j, that is block 0, 2, 1, 3
 //
@@ -7,7 +7,7 @@
 //     quadsOfLanes     lengths  32,  64    lanes apart
 //     quadOfBlocks     lengths 128, 256    four vectors transposed: lane j is now point k + j of one block
 //
-// A quad does two lengths on four points, so that each point is loaded and stored four times and not eight.
+// A quad does two lengths on four points, so that each point is loaded and stored four times instead of eight.
 #include "audio/fft256.h"
 #include <emmintrin.h>
 #include <cstddef>
@@ -39,7 +39,7 @@ inline void butterfly(Lanes& u, Lanes& x, const Lanes& w) {
     u = {_mm_add_ps(u.re, tr), _mm_add_ps(u.im, ti)};
 }
 
-// Two lengths on points that are half a short length apart: (a, b) and (c, d) with w, then (a, c) and (b, d).
+// Two lengths on points that are half the shorter length apart: (a, b) and (c, d) with w, then (a, c) and (b, d).
 inline void quad(Lanes& a, Lanes& b, Lanes& c, Lanes& d, const Lanes& w, const Lanes& wac, const Lanes& wbd) {
     butterfly(a, b, w);
     butterfly(c, d, w);
@@ -63,7 +63,7 @@ void quadsOfPoints(const float* re, const float* im, Lanes* out) {
     }
 }
 
-// The same for a real signal: what the quad leaves when every imaginary part is +0. The additions of zero stay, they
+// The same for a real signal: what the quad leaves when every imaginary part is +0. The additions of zero stay: they
 // decide the sign of a zero.
 void quadsOfRealPoints(const float* x, Lanes* out) {
     const __m128 zero = _mm_setzero_ps();
@@ -83,7 +83,7 @@ void quadsOfRealPoints(const float* x, Lanes* out) {
     }
 }
 
-// Lengths 2 half and 4 half on vectors half apart.
+// Lengths 2 x half and 4 x half, on vectors `half` apart.
 template <int half>
 inline void quadsOfLanes(const FftTables& tables, Lanes* x) {
     constexpr std::ptrdiff_t step = half;

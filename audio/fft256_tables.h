@@ -17,7 +17,7 @@ constexpr double seriesSine(double x) {
     return sum;
 }
 
-// cos(x) for x in 0..pi: exactly 1 at 0, and at kTau / 4 the tiny number it is (second part of pi/2) and not 0.
+// cos(x) for x in 0..pi: exactly 1 at 0, and at kTau / 4 its true tiny value (the low part of pi/2), not 0.
 constexpr double seriesCosine(double x) {
     constexpr double kLowHalfPi = 6.123233995736766e-17;
     const double half = seriesSine(x < 1.0 ? x / 2.0 : 0.0);
@@ -36,7 +36,7 @@ constexpr std::array<float, kFftSize> makeHannWindow() {
 
 // Twiddles for lengths 4..256: those of length 2 h stand at h .. 2 h - 1. Each length starts at 1 + 0i (the zero
 // positive in both directions) and is advanced by a complex product in float; that order of operations is part of the
-// samples.
+// result.
 struct FftTwiddles {
     std::array<float, kFftSize> re{};
     std::array<float, kFftSize> im{};

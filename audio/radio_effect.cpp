@@ -13,7 +13,7 @@ constexpr int kMaxSlots = 2;
 // The values of one slot in a chunk of the block.
 struct SlotRun {
     float in[kRadioRun];
-    float noise[1 + kRadioRun];  // behind that of the value before
+    float noise[1 + kRadioRun];  // after that of the previous value
     short out[kRadioRun + kRadioPadding];
 };
 
@@ -23,8 +23,8 @@ void runClean(RadioChannel& channel, SlotRun& slot, const float* noise, int n) {
 }
 
 // From one frame of the denoiser to the next: its speech flag for a value is the squelch's state after the value
-// before, so what it returns between frames goes through the squelch first and the flags follow. Returns how many of
-// the n values are done.
+// before, so what it returns between frames goes through the squelch first and the flags are passed in afterwards.
+// Returns how many of the n values are done.
 int runToNextFrame(RadioChannel& channel, const float* in, const float* noise, short* out, int n) {
     float x[kDenoiserHop];
     std::uint8_t voiceFlags[1 + kDenoiserHop + kRadioPadding];
@@ -46,8 +46,8 @@ void runDenoised(RadioChannel& channel, SlotRun& slot, const float* noise, int n
         i += runToNextFrame(channel, slot.in + i, noise == nullptr ? nullptr : noise + i, slot.out + i, n - i);
 }
 
-// The slot's values of a chunk of n: every stride-th of samples from the first on. noise is the generator's for each
-// value of the chunk, or null.
+// Processes one slot's values of a chunk of n: every stride-th sample from the first on. noise holds the generator's
+// value for each value of the chunk, or is null.
 void runSlot(RadioChannel& channel, short* samples, const float* noise, int n, int stride, bool predenoise) {
     SlotRun slot;
     int length = 0;
@@ -67,7 +67,7 @@ void applyRadioEffect(short* samples, int count, int channels, RadioEffectState&
     const int slots = channels < 2 ? 1 : kMaxSlots;
     float noise[kMaxSlots * kRadioRun];
     for (int done = 0; done < count;) {
-        const int n = std::min(count - done, slots * kRadioRun);  // even in stereo while more is to come
+        const int n = std::min(count - done, slots * kRadioRun);  // in stereo an even number, except in the last chunk
         if (hiss) drawNoise(state.hissState, noise, n);
         for (int s = 0; s < slots; s++)
             runSlot(state.channels[static_cast<std::size_t>(s)], samples + done + s, hiss ? noise + s : nullptr, n - s,

@@ -16,7 +16,7 @@ struct RadioChannel {
     float peakX1 = 0.0f, peakX2 = 0.0f;  // peaking filter
     float peakY1 = 0.0f, peakY2 = 0.0f;
     float level = 0.0f;      // fast-attack envelope of the filtered voice
-    float gateGain = 0.0f;   // squelch, 0.06..1
+    float gateGain = 0.0f;   // squelch gain: towards 0.06 when shut, 1 when open
     float floor = 0.0f;      // slow noise-floor estimate
     float burstGain = 1.0f;  // dips when the squelch opens
     bool burstArmed = true;
@@ -33,7 +33,7 @@ struct RadioEffectState {
     std::uint32_t hissState = 0x2545F491;  // xorshift generator, shared by both channels
 };
 
-// Edits exactly count values in place; with channels of 2 or more they alternate between the two slots. hiss adds the
-// band-limited noise of a receiver, predenoise runs the spectral denoiser in front. Nothing happens without samples or
+// Edits exactly count values in place; with 2 or more channels they alternate between two slots. hiss adds the
+// band-limited noise of a receiver, predenoise runs the spectral denoiser in front. Does nothing without samples or
 // with a count below 1. Any split into blocks gives the same samples.
 void applyRadioEffect(short* samples, int count, int channels, RadioEffectState& state, bool hiss, bool predenoise);

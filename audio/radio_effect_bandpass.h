@@ -1,6 +1,6 @@
 // radio_effect_bandpass.h - the eight one-pole stages of the radio's band-pass, as two vectors. Lane k of the high-pass
-// works on value t-k, lane k of the low-pass on value t-4-k, so every stage takes what its neighbour made in the step
-// before:
+// works on value t-k, lane k of the low-pass on value t-4-k, so every stage takes what its neighbour produced in the
+// previous step:
 //
 //     step      HP0  HP1  HP2  HP3  LP0  LP1  LP2  LP3  -> value of the run
 //     t=0        0
@@ -10,7 +10,7 @@
 //     t=8        8    7    6    5    4    3    2    1       1
 //
 // In the first and the last kBandPassSkew steps of a run the lanes without a value are masked out and keep their
-// memory: between runs it is that of a chain which works on one value at a time. [audio] Values; nothing here
+// memory: between runs it equals that of a chain that works on one value at a time. [audio] Values; nothing here
 // allocates, locks or throws. Sums and products run in a fixed order, which is part of the result.
 #pragma once
 #include <emmintrin.h>
@@ -72,7 +72,7 @@ inline __m128 lanesWithin(int first, int n) {
     return _mm_castsi128_ps(_mm_andnot_si128(early, _mm_cmplt_epi32(value, _mm_set1_epi32(n))));
 }
 
-// Step t of a run of n values, with the stages masked out that have no value in it.
+// Step t of a run of n values; stages that have no value in it are masked out.
 inline BandPass stepBandPassEdge(const BandPass& b, const float* x, int t, int n) {
     const BandPass next = stepBandPass(b, t < n ? x[t] : 0.0f);
     const __m128 highPass = lanesWithin(t, n);

@@ -1,6 +1,6 @@
-// radio_effect_noise.cpp - four stretches of the sequence at a time, one in each lane. A step is linear over bits: the
-// state any number of steps on is the exclusive or of what each single bit of it becomes, and kLeap tables that for the
-// length of a stretch.
+// radio_effect_noise.cpp - four stretches of the sequence at a time, one per lane. A step is linear over bits: the
+// state after any number of steps is the exclusive or of what each of its bits alone becomes, and kLeap tabulates that
+// for one stretch.
 #include "audio/radio_effect_noise.h"
 #include <emmintrin.h>
 #include <array>

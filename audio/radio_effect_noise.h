@@ -1,4 +1,4 @@
-// radio_effect_noise.h - the hiss generator: a 32-bit xorshift, the same sequence wherever it is cut.
+// radio_effect_noise.h - the hiss generator: a 32-bit xorshift, the same sequence however it is split into calls.
 // [audio] Nothing here allocates, locks or throws.
 #pragma once
 #include <cstdint>

@@ -1,5 +1,5 @@
-// radio_effect_recurrences.h - the filters and followers of the radio effect that need their own last value: one small
-// function each, a step per value.
+// radio_effect_recurrences.h - the filters and followers of the radio effect that need their own previous value: one
+// small function each, one step per value.
 // [audio] Values; nothing here allocates, locks or throws. Sums and products run in a fixed order, which is part of the
 // result.
 #pragma once
@@ -17,7 +17,7 @@ inline float resonate(Resonator& s, float x) {
     return x + 1.1f * r;
 }
 
-// Peaking equalizer at 700 Hz (-4 dB, Q 1), behind its three forward terms.
+// Peaking equalizer at 700 Hz (-4 dB, Q 1): its feedback, given the sum of its three forward terms.
 struct PeakCut {
     float y1, y2;
 };
@@ -54,8 +54,8 @@ inline float pullGate(float gate, float target, float rise, float fall) {
     return gate + (up > down ? up : down);
 }
 
-// The dip when the gate opens, back to 1 in 150 ms; it arms again when the gate has all but shut.
-// gain never is below 0.72, so the minimum sets it.
+// The dip when the gate opens, back to 1 with a time constant of 150 ms; armed again once the gate has nearly shut.
+// gain is never below 0.72, so the minimum sets it to 0.72.
 inline void runBurst(float& gain, bool& armed, float gate) {
     if (armed && gate > 0.5f) {
         gain = gain < 0.72f ? gain : 0.72f;
@@ -66,7 +66,7 @@ inline void runBurst(float& gain, bool& armed, float gate) {
     gain += (1.0f - gain) * 0.000138879f;
 }
 
-// 300 Hz high-pass, whose input comes as the step from the value before; two 3000 Hz low-pass stages.
+// 300 Hz high-pass, fed with the difference from the previous value; then two 3000 Hz low-pass stages.
 struct HissFilter {
     float highPass, lowPass1, lowPass2;
 };
@@ -78,7 +78,7 @@ inline float filterHiss(HissFilter& s, float step) {
     return s.lowPass2;
 }
 
-// DC blocker, whose input comes as the step from the value before.
+// DC blocker, fed with the difference from the previous value.
 inline float blockDc(float y1, float step) {
     return step + 0.999f * y1;
 }

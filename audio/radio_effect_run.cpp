@@ -1,6 +1,6 @@
-// radio_effect_run.cpp - the order of work within a run. Every recurrence of the chain waits some ten cycles for its
-// own last value, so two or three that do not wait for each other share a loop: the run goes through in blocks, and the
-// second half of the chain works one block behind the first.
+// radio_effect_run.cpp - the order of work within a run. Every recurrence of the chain waits about ten cycles for its
+// own previous value, so two or three that do not wait for each other share a loop: the run goes through in blocks, and
+// the second half of the chain works one block behind the first.
 //
 //     block b                          block b-1
 //     band-pass, resonator        |    squelch gate, burst        one loop
@@ -22,20 +22,20 @@ static_assert(kBlock % 4 == 0 && kRadioRun % kBlock == 0);
 
 constexpr int kArray = kRadioRun + kRadioPadding;
 
-// What one stage leaves to the next.
+// What one stage leaves for the next.
 struct Arrays {
-    alignas(16) float peakIn[kBefore + kArray];  // behind the last two values of the run before
+    alignas(16) float peakIn[kBefore + kArray];  // after the last two values of the previous run
     alignas(16) float peakForward[kArray];       // forward terms of the peaking cut
     alignas(16) float voice[kArray];             // filtered voice
     alignas(16) float followers[2 * kArray];     // negated noise floor, level
     alignas(16) float shutBelow[kArray];         // the squelch shuts below this magnitude
-    alignas(16) float target[kArray];            // pull on the gate
+    alignas(16) float target[kArray];            // where the gate is pulled to
     alignas(16) float rise[kArray];
     alignas(16) float fall[kArray];
     alignas(16) float gate[kArray];
     alignas(16) float burst[kArray];
     alignas(16) float hiss[kArray];                 // filtered noise
-    alignas(16) float saturated[kBefore + kArray];  // behind the last value of the run before
+    alignas(16) float saturated[kBefore + kArray];  // after the last value of the previous run
     alignas(16) float output[kArray];
 };
 
@@ -45,7 +45,7 @@ struct Span {
     int n;
 };
 
-// The memory of a channel in the shape the loops want it.
+// The memory of a channel in the form the loops need.
 struct Chain {
     BandPass band;
     Resonator resonator;
@@ -78,7 +78,7 @@ void storeChain(const Chain& s, RadioChannel& c) {
     c.resonance2 = s.resonator.r2;
     c.peakY1 = s.peak.y1;
     c.peakY2 = s.peak.y2;
-    c.floor = 0.0f - followers[0];  // a difference: an empty floor is +0
+    c.floor = 0.0f - followers[0];  // a subtraction, so that a floor of zero is +0
     c.level = followers[1];
     c.gateGain = s.gate;
     c.burstGain = s.burst;
@@ -103,7 +103,7 @@ void storeInputs(const Arrays& a, const float* noise, int n, RadioChannel& c) {
     if (noise != nullptr) c.hissIn = noise[n - 1];
 }
 
-// The last group of four may be part of one: its idle lanes are worked on, and must not be what the stack held.
+// The last group of four may be incomplete: its idle lanes are computed too, and must not hold what was on the stack.
 void clearLastGroup(Arrays& a, int n) {
     const __m128 zero = _mm_setzero_ps();
     for (float* x : {a.peakIn + kBefore, a.voice, a.gate, a.burst, a.hiss, a.output}) _mm_storeu_ps(x + n, zero);
@@ -204,7 +204,7 @@ __m128 levelAt(const Arrays& a, int i) {
     return _mm_shuffle_ps(first, last, _MM_SHUFFLE(3, 1, 3, 1));
 }
 
-// The squelch opens above three times the noise floor, at least 90, and shuts below 0.55 of that.
+// The squelch opens above a threshold of three times the noise floor, at least 90, and shuts below 0.55 of it.
 void findPull(Span s, Arrays& a, std::uint8_t* voiceFlags) {
     for (int i = s.first; i < s.first + s.n; i += 4) {
         const __m128 magnitude = magnitudeOf(_mm_load_ps(a.voice + i));

@@ -110,7 +110,7 @@ void windowInput(const SpectralDenoiser& state, float* x) {
     }
 }
 
-// The first half of a frame joins the second half of the one before it.
+// The first half of a frame is added to the second half of the one before it.
 void overlapAdd(SpectralDenoiser& state, const float* x) {
     const __m128 scale = _mm_set1_ps(1.0f / kDenoiserFrame);
     float* out = state.output.data() + state.writePosition;
@@ -166,7 +166,7 @@ int samplesBeforeFrame(const SpectralDenoiser& state) {
     return kDenoiserHop - 1 - state.hopCount;
 }
 
-// No frame ends inside a run, and positions at a frame are multiples of 128: neither ring wraps before a run's end.
+// No frame falls inside a run, and positions at a frame are multiples of 128: neither ring wraps before a run's end.
 void takeRun(SpectralDenoiser& state, const float* in, float* out, int n) {
     assert(n >= 0 && n <= samplesBeforeFrame(state));
     std::copy_n(in, n, state.input.data() + state.inputPosition);
@@ -181,7 +181,7 @@ void takeRun(SpectralDenoiser& state, const float* in, float* out, int n) {
     state.outputCount -= n;
 }
 
-// A steady flag brings the presence to a value that it keeps; from there the rest of a steady run is skipped.
+// Under a steady flag the presence reaches a value where it stays; from there the rest of the steady run is skipped.
 void trackSpeech(SpectralDenoiser& state, const std::uint8_t* flags, int n) {
     float presence = state.speechPresence;
     for (int i = 0; i < n; i++) {

@@ -9,7 +9,7 @@ inline constexpr int kDenoiserFrame = 256;
 inline constexpr int kDenoiserHop = 128;
 inline constexpr int kDenoiserBins = 129;  // 0..128: the rest of the spectrum is their mirror
 
-// The default is the fresh state: silence behind it, nothing learned.
+// The default is the fresh state: silence so far, nothing learned.
 struct SpectralDenoiser {
     std::array<float, kDenoiserFrame> input{};   // ring, the last 256 samples
     std::array<float, kDenoiserHop> overlap{};   // second half of the previous frame's output
@@ -28,11 +28,11 @@ struct SpectralDenoiser {
 
 // One sample in, one out; speech says whether the speaker was heard. A frame runs inside every 128th call, which
 // already returns that frame's first sample: the first 127 calls of a fresh state return 0, and a sample comes out 255
-// calls after it went in (what comes before it is the rounding of silence).
+// calls after it went in (before the first one, only rounding noise).
 float denoiseSample(SpectralDenoiser& state, float x, bool speech);
 
-// The same in runs, for callers whose speech flags come out of what the denoiser returns. Between frames the returned
-// samples do not depend on the flags, so a run is taken first and its flags are told afterwards:
+// The same in runs, for callers that derive the speech flags from what the denoiser returns. Between frames the
+// returned samples do not depend on the flags, so a run is taken first and its flags are passed in afterwards:
 //   samplesBeforeFrame(state)        how many calls (0..127) can be made before the one that runs a frame
 //   takeRun(state, in, out, n)       n <= samplesBeforeFrame calls' worth of samples
 //   trackSpeech(state, flags, n)     the same n calls' speech flags, 0 or 1, in order

@@ -1,4 +1,4 @@
-// tail_player.h - plays the squelch tails that became due through the host, at most one every 350 ms.
+// tail_player.h - plays the squelch tails that are due, through the host and at most one every 350 ms.
 #pragma once
 #include <string>
 #include "audio/talk_tracker.h"
@@ -9,12 +9,12 @@
 inline constexpr std::uint32_t kTailSpacingMs = 350;
 inline constexpr std::uint32_t kTailLogSpacingMs = 1000;
 
-// [poll] alone. Times are the low 32 bits of the tick, as they wrap.
+// [poll] alone. Times are the low 32 bits of the tick, which wrap.
 struct TailThrottle {
     std::uint32_t lastPlay = 0;
     std::uint32_t lastPlayedLog = 0;
     std::uint32_t lastThrottledLog = 0;
-    std::uint32_t suppressed = 0;  // tails dropped since the last throttled line
+    std::uint32_t suppressed = 0;  // tails dropped since the last log line about them
 };
 
 struct TailPlayer {

@@ -13,7 +13,7 @@ void updateLampsLocked(TalkTracker& tracker, std::uint64_t nowMs) REQUIRES(track
 
 void queueTailLocked(TalkTracker& tracker, const TalkEntry& entry, Tail tail, std::uint64_t nowMs)
     REQUIRES(tracker.mutex) {
-    // By addition: the other thread's tick may be older than the start.
+    // Compared by addition: the other thread's tick may be older than the start.
     const bool longEnough = entry.talking && nowMs >= entry.start + kShortestTransmissionMs;
     if (longEnough && tracker.tails.size() < kMaxQueuedTails) tracker.tails.push_back(tail);
 }

@@ -31,7 +31,7 @@ struct Tail {
 struct TalkTracker {
     Mutex mutex;  // the tail lock: [host] talk events, [poll] own talk state and drain
     std::unordered_map<SpeakerKey, TalkEntry> speakers GUARDED_BY(mutex);
-    std::unordered_set<std::uint16_t> talking GUARDED_BY(mutex);  // by client alone, whichever the server
+    std::unordered_set<std::uint16_t> talking GUARDED_BY(mutex);  // by client alone, whatever the server
     std::deque<Tail> tails GUARDED_BY(mutex);                     // at most kMaxQueuedTails
 
     std::atomic<std::uint16_t> ownClientId{0};  // [poll] stores, [any] loads
@@ -41,10 +41,10 @@ struct TalkTracker {
     std::atomic<std::uint64_t> lastTalkEventTick{0};  // ms
 };
 
-// [host][poll] A speaker began or stopped (or still is) talking.
+// [host][poll] A speaker began or stopped talking, or is still talking.
 void talkChanged(TalkTracker& tracker, std::uint64_t schid, std::uint16_t clientId, bool talking, std::uint64_t nowMs);
 
-// [host] A client has left the server: forgotten, and the lamps as if it had never talked. No tail.
+// [host] A client has left the server: it is forgotten, and the lamps are as if it had never talked. No tail.
 void forgetClient(TalkTracker& tracker, std::uint64_t schid, std::uint16_t clientId, std::uint64_t nowMs);
 
 // [host] The server connection is gone: nobody talks, the lamps are dark.

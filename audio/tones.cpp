@@ -7,14 +7,14 @@ namespace {
 
 using Buffer = std::vector<float>;
 
-constexpr double kTailPeak = 6537.876;   // -14 dBFS of 32767
-constexpr double kAlertPeak = 8230.698;  // -12 dBFS of 32767
+constexpr double kTailPeak = 6537.876;   // -14 dBFS, full scale 32767
+constexpr double kAlertPeak = 8230.698;  // -12 dBFS, full scale 32767
 
 double secondsAt(int n) {
     return static_cast<double>(n) / kToneRateHz;
 }
 
-// Rises linearly over attackSeconds, then falls with the time constant: the shape of every sound here.
+// A linear attack times an exponential decay: the shape of every sound here.
 double envelope(double t, double attackSeconds, double decaySeconds) {
     return exactDecay(-t / decaySeconds) * std::min(t / attackSeconds, 1.0);
 }
@@ -97,7 +97,7 @@ std::vector<std::int16_t> toSamples(const Buffer& buffer, double peak) {
     return samples;
 }
 
-// One note of the chime and its octave partner, by sample number since its start.
+// One note of the chime with its octave; times in samples from the chime's start.
 struct Note {
     std::int64_t hundredthsHz;
     std::int64_t overtoneHundredthsHz;
@@ -147,9 +147,9 @@ std::string wavFileOf(const std::vector<std::int16_t>& samples) {
     appendLittleEndian(file, 1, 2);   // PCM
     appendLittleEndian(file, 1, 2);   // mono
     appendLittleEndian(file, kToneRateHz, 4);
-    appendLittleEndian(file, kToneRateHz * 2, 4);  // bytes a second
-    appendLittleEndian(file, 2, 2);                // bytes a sample
-    appendLittleEndian(file, 16, 2);               // bits a sample
+    appendLittleEndian(file, kToneRateHz * 2, 4);  // bytes per second
+    appendLittleEndian(file, 2, 2);                // bytes per sample
+    appendLittleEndian(file, 16, 2);               // bits per sample
     file += "data";
     appendLittleEndian(file, dataBytes, 4);
     for (const std::int16_t sample : samples) appendLittleEndian(file, static_cast<std::uint16_t>(sample), 2);

@@ -14,7 +14,7 @@ inline constexpr int kAlertSamples = 24000;  // 0.5 s
 // [host] 115 Hz thump under band-limited hiss of twice its RMS, a click at the start; peak -14 dBFS.
 std::vector<std::int16_t> synthesizeTail();
 
-// [host] Two notes, C6 and G6, with their octave; peak -12 dBFS.
+// [host] Two notes, C6 and G6, each with its octave; peak -12 dBFS.
 std::vector<std::int16_t> synthesizeAlert();
 
 // A canonical mono 16-bit 48 kHz WAV file: 44 bytes of header and the samples.

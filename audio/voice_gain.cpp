@@ -7,21 +7,21 @@
 
 namespace {
 
-constexpr double kQuietRms = 180.0;    // silence and breath: -45 dB of full scale
+constexpr double kQuietRms = 180.0;    // silence and breath: -45 dBFS
 constexpr double kTargetRms = 3277.0;  // one tenth of full scale
 constexpr double kLeastGain = 0.25;    // -12 dB
 constexpr double kMostGain = 4.0;      // +12 dB
 constexpr double kFallSeconds = 0.025;
 constexpr double kRiseSeconds = 0.4;
 
-constexpr int kLanes = 8;  // 16-bit values of a register
+constexpr int kLanes = 8;  // 16-bit values per register
 
 __m128i loadSamples(const short* samples) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(samples));
 }
 
-// Four values times gain, truncated. A product beyond 32 bits converts to the least integer, which is right on the
-// negative side only, so the positive one is clamped first; packing clamps the rest.
+// Four values times gain, truncated. A product beyond 32 bits converts to the lowest integer, which is right on the
+// negative side only, so the positive side is clamped first; packing clamps the rest.
 __m128i scaled(__m128i wide, __m128 gain) {
     const __m128 product = _mm_mul_ps(_mm_cvtepi32_ps(wide), gain);
     return _mm_cvttps_epi32(_mm_min_ps(product, _mm_set1_ps(32767.0f)));
@@ -33,7 +33,7 @@ short truncateToSample(float x) {
     return static_cast<short>(std::clamp(x, -32768.0f, 32767.0f));
 }
 
-// Eight values a step: doubled up to fill both halves of 32 bits, then shifted down with their sign.
+// Eight values per step: each is put into both halves of 32 bits, then shifted down with its sign.
 void applyGain(short* samples, int n, float gain) {
     const __m128 gains = _mm_set1_ps(gain);
     int i = 0;
@@ -46,7 +46,7 @@ void applyGain(short* samples, int n, float gain) {
     for (; i < n; i++) samples[i] = truncateToSample(static_cast<float>(samples[i]) * gain);
 }
 
-// Sums of whole numbers: the same as in double as long as that is exact, 2^23 values of full scale.
+// Sums of whole numbers: the same as in double as long as those are exact, up to 2^23 values of full scale.
 double blockRms(const short* samples, int n) {
     const __m128i zero = _mm_setzero_si128();
     __m128i sums = zero;  // two of 64 bits

@@ -4,16 +4,15 @@
 #include <cstddef>
 #include <cstdlib>
 #include <new>
-#include "audio/capture_mode.h"
 #include "audio/voice_gain.h"
 
 namespace {
 
 constexpr double kSampleRateHz = 48000.0;
-constexpr int kSpeechLevel = 300;  // -41 dB of full scale: above it the noise reduction hears the speaker
+constexpr int kSpeechLevel = 300;  // -41 dBFS: above it the noise reduction counts a sample as speech
 
 // The processor's floating-point rules while a block is edited: denormals are zero (the decay of silent filters would
-// take a hundred times as long), rounding to nearest and no traps, whatever the host has set. Puts the host's back.
+// take a hundred times as long), rounding to nearest and no traps, whatever the host has set. Then restores the host's.
 class FloatRules {
   public:
     FloatRules() : hosts_(_mm_getcsr()) { _mm_setcsr(kMaskedToNearest | kFlushToZero | kDenormalsAreZero); }
@@ -34,7 +33,7 @@ int slotsOf(int channels) {
     return std::clamp(channels, 1, 2);
 }
 
-// One slot's values, each stride-th of those from samples on, up to end. Between the denoiser's frames they go in runs.
+// Denoises one slot: every stride-th value from samples on, up to end. Between the denoiser's frames they go in runs.
 void denoiseSlot(SpectralDenoiser& denoiser, short* samples, const short* end, std::ptrdiff_t stride) {
     const auto isSpeech = [](short x) { return std::abs(int{x}) > kSpeechLevel; };
     float in[kDenoiserHop], out[kDenoiserHop];
@@ -88,7 +87,7 @@ void refresh(SpeakerState& speaker, std::uint32_t generation) {
     speaker.stamp = generation;
 }
 
-// The level is that of the processed voice: the equalizer comes after the radio.
+// The level is that of the processed voice: the equalizer comes after the radio effect.
 void equalize(SpeakerState& speaker, bool isOn, const short* samples, int sampleCount, int channels) {
     if (!isOn) {
         speaker.equalizerGain = 1.0f;
@@ -100,13 +99,13 @@ void equalize(SpeakerState& speaker, bool isOn, const short* samples, int sample
 
 }  // namespace
 
-VoiceControls loadVoiceControls(const SettingsStore& settings, const BridgeOutputs& bridge) {
+VoiceControls loadVoiceControls(const SettingsStore& settings, const VoiceLevels& levels) {
     VoiceControls controls;
     controls.dspGeneration = settings.DspGeneration;
     controls.audioFlags = settings.AudioFlags;
     controls.transmitGain = settings.TransmitGain;
-    controls.receiveGain = bridge.ReceiveGain;
-    controls.captureMode = bridge.CaptureMode;
+    controls.receiveGain = levels.ReceiveGain;
+    controls.captureMode = levels.CaptureMode;
     return controls;
 }
 

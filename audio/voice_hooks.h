@@ -1,14 +1,14 @@
 // voice_hooks.h - what happens to each block of voice the host hands over: the radio sound, noise reduction, the
 // speakers' equalizer and the gains, all in place.
-// [audio] Every function here: no lock, no system call, and no allocation but the first block of a new speaker.
+// [audio] Every function here: no lock, no system call, and no allocation except for the first block of a new speaker.
 // Samples are signed 16 bit at 48 kHz, interleaved when channels is 2. Exactly sampleCount values are edited, also in
-// stereo. Nothing throws; a hook in doubt leaves the block as it came.
+// stereo. Nothing throws; when in doubt a hook leaves the block unchanged.
 #pragma once
 #include <cstdint>
 #include <unordered_map>
 #include "audio/radio_effect.h"
 #include "audio/talk_tracker.h"
-#include "bridge/poll_loop.h"
+#include "audio/voice_levels.h"
 #include "settings/settings_store.h"
 
 inline constexpr std::size_t kMaxHeardSpeakers = 512;  // with more, the table of a thread starts afresh
@@ -23,17 +23,17 @@ struct VoiceControls {
     std::uint32_t dspGeneration = 0;
 };
 
-// [audio] Loads each value once. The generation comes first: when the settings raise it last, a state that was reset
+// [audio] Loads each value once. The generation is loaded first, and the settings raise it last: a state that was reset
 // for it never runs with older switches.
-VoiceControls loadVoiceControls(const SettingsStore& settings, const BridgeOutputs& bridge);
+VoiceControls loadVoiceControls(const SettingsStore& settings, const VoiceLevels& levels);
 
-// Whether a block is edited at all: master is on and there are samples. Without it no state is needed.
+// Whether a block is edited at all: master is on and there are samples. If not, no state is needed.
 bool isVoiceEdited(const VoiceControls& controls, const short* samples, int sampleCount);
 
-// The own voice on one capture thread.
+// The user's own voice on one capture thread.
 struct CapturedVoice {
     RadioEffectState effect;
-    std::uint32_t stamp = 0xFFFFFFFF;  // generation of effect; this one never is current at first
+    std::uint32_t stamp = 0xFFFFFFFF;  // generation of effect; no settings have had the initial one
 };
 
 // One speaker on one playback thread.
@@ -49,11 +49,11 @@ struct PlaybackVoices {
     std::unordered_map<SpeakerKey, SpeakerState> speakers{kFirstSpeakerBuckets};  // load factor at most 1
 };
 
-// The own voice, after capture. *edited (may be null) is set to 1 with kCaptureEdited, else left as the host set it;
-// kCaptureUntouched leaves everything alone.
+// The user's own voice, after capture. *edited (edited may be null) is set to 1 with kCaptureEdited, else left as it
+// was; kCaptureUntouched leaves everything alone.
 void editCapturedVoice(CapturedVoice& voice, const VoiceControls& controls, short* samples, int sampleCount,
                        int channels, int* edited);
 
-// A remote speaker's voice, before playback. When there is no memory for a new speaker the block stays as it came.
+// A remote speaker's voice, before playback. When there is no memory for a new speaker, the block stays unchanged.
 void editPlaybackVoice(PlaybackVoices& voices, const VoiceControls& controls, SpeakerKey speaker, short* samples,
                        int sampleCount, int channels);

@@ -12,7 +12,7 @@ struct VoiceThread {
 
 DWORD gSlot = FLS_OUT_OF_INDEXES;  // written under the loader lock, when no hook can run
 
-// On the thread that ends, or on the one that gives the slot back.
+// Called on the thread that ends, or on the one that frees the slot.
 void WINAPI dropVoiceThread(void* state) {
     delete static_cast<VoiceThread*>(state);
 }

@@ -1,4 +1,4 @@
-// clock.h - the two times the core works with. It never asks the system: the glue and the tests each hand one in.
+// clock.h - the two times the core works with; it never asks the system itself: glue and tests pass in a Clock.
 #pragma once
 #include <cstdint>
 

@@ -6,7 +6,7 @@ std::uint64_t SystemClock::tickMs() const {
 }
 
 double unixSecondsOfFileTime(std::uint64_t hundredNs) {
-    constexpr std::uint64_t kUnixEpoch = 116444736000000000ULL;  // 1970 in 100 ns since 1601
+    constexpr std::uint64_t kUnixEpoch = 116444736000000000ULL;  // 1970 in units of 100 ns since 1601
     return static_cast<double>(static_cast<std::int64_t>(hundredNs - kUnixEpoch)) / 10000000.0;
 }
 

@@ -4,7 +4,7 @@
 namespace {
 
 std::optional<std::string> convertExactly(const std::wstring& wide) {
-    // With UTF-8 as the system code page every path can be expressed, and Windows refuses to be asked.
+    // With UTF-8 as the system code page every path can be expressed, and Windows rejects both the flag and &replaced.
     const bool isUtf8 = GetACP() == CP_UTF8;
     const DWORD flags = isUtf8 ? 0 : WC_NO_BEST_FIT_CHARS;
     BOOL replaced = FALSE;

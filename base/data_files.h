@@ -17,7 +17,7 @@ class DataFiles {
     virtual bool replace(const std::string& path, std::string_view bytes) = 0;
 };
 
-// Joins with one backslash, also when folder already ends in one; an empty folder gives the bare name.
+// Joins with a backslash, adding it even when folder already ends in one; an empty folder gives the bare name.
 inline std::string joinPath(std::string_view folder, std::string_view name) {
     std::string path(folder);
     if (!path.empty()) path += '\\';

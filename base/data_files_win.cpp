@@ -5,8 +5,8 @@
 
 namespace {
 
-// Between one try and the next. The other side's rename takes well under a millisecond; who reads a file that is to be
-// replaced (a virus scanner, a backup) holds it for longer, and what is not written then is lost.
+// Pauses between tries. The other side's rename takes well under a millisecond; another reader of the file to be
+// replaced (a virus scanner, a backup) holds it for longer, and what cannot be written by then is lost.
 constexpr DWORD kOpenPausesMs[] = {3, 3};
 constexpr DWORD kReplacePausesMs[] = {3, 3, 6, 12, 25, 50};
 constexpr DWORD kWriteChunk = 1U << 20U;
@@ -16,7 +16,7 @@ bool isBusy(DWORD error) {
            error == ERROR_LOCK_VIOLATION;
 }
 
-// Runs attempt until it succeeds, fails for a lasting reason, or all pauses have been made.
+// Runs attempt until it succeeds, fails for a lasting reason, or the pauses are used up.
 template <class Attempt>
 bool retryWhileBusy(std::span<const DWORD> pausesMs, Attempt attempt) {
     for (const DWORD pauseMs : pausesMs) {

@@ -2,8 +2,8 @@
 #pragma once
 #include "base/data_files.h"
 
-// [any] No state: every call stands alone. A file that is just being replaced (sharing violation, access denied, delete
-// pending) is tried three times, a few milliseconds apart.
+// [any] No state: every call stands alone. While another process has the file (sharing or lock violation, access
+// denied, delete pending), opening is tried three times and the final move seven times, with pauses of 3 to 50 ms.
 class WindowsDataFiles : public DataFiles {
   public:
     bool read(const std::string& path, std::string& bytes) override;

@@ -1,11 +1,10 @@
 #include "base/display_text.h"
 #include <algorithm>
 #include <array>
-#include "base/log_line.h"
+#include "base/utf8.h"
 
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kJoiner = 0x200D;
 
 struct PointRange {
@@ -13,7 +12,7 @@ struct PointRange {
     char32_t last;
 };
 
-// What is drawn onto the character before it. By block: the few unassigned points in them do no harm.
+// Characters drawn onto the one before. Listed by block: the few unassigned points in a block do no harm.
 constexpr PointRange kAttached[] = {
     {0x0300, 0x036F},                                        // combining marks
     {0x0483, 0x0489},                                        // Cyrillic
@@ -52,28 +51,7 @@ bool isNoCharacter(char32_t point) {
     return (point & 0xFFFE) == 0xFFFE || (point >= 0xFDD0 && point <= 0xFDEF);
 }
 
-// The bytes that may follow a first byte, after Unicode's table of well-formed UTF-8: no detours, no surrogates,
-// nothing above U+10FFFF.
-struct Sequence {
-    unsigned char firstLow, firstHigh;    // of the first byte
-    unsigned char secondLow, secondHigh;  // of the second
-    std::size_t bytes;
-};
-constexpr Sequence kSequences[] = {
-    {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3}, {0xE1, 0xEC, 0x80, 0xBF, 3}, {0xED, 0xED, 0x80, 0x9F, 3},
-    {0xEE, 0xEF, 0x80, 0xBF, 3}, {0xF0, 0xF0, 0x90, 0xBF, 4}, {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4},
-};
-
-void append(std::u16string& text, char32_t point) {
-    if (point < 0x10000) {
-        text += static_cast<char16_t>(point);
-        return;
-    }
-    text += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10U));
-    text += static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FFU));
-}
-
-// The code point at `at` and its units; a surrogate alone is a point of its own.
+// The code point at `at` and its units; an unpaired surrogate is a point of its own.
 struct Utf16Point {
     char32_t point;
     std::size_t units;
@@ -87,24 +65,6 @@ Utf16Point pointAt(std::u16string_view text, std::size_t at) {
 }
 
 }  // namespace
-
-DecodedPoint decodePoint(std::string_view text) {
-    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char first = byteAt(0);
-    if (first < 0x80) return {first, 1};
-    const auto* sequence = std::find_if(std::begin(kSequences), std::end(kSequences), [=](const Sequence& row) {
-        return first >= row.firstLow && first <= row.firstHigh;
-    });
-    if (sequence == std::end(kSequences)) return {kReplacement, 1};
-    char32_t point = first & (0x7FU >> sequence->bytes);
-    for (std::size_t i = 1; i < sequence->bytes; i++) {
-        const unsigned char low = i == 1 ? sequence->secondLow : 0x80;
-        const unsigned char high = i == 1 ? sequence->secondHigh : 0xBF;
-        if (i == text.size() || byteAt(i) < low || byteAt(i) > high) return {kReplacement, i};
-        point = (point << 6U) | (byteAt(i) & 0x3FU);
-    }
-    return {point, sequence->bytes};
-}
 
 bool isControl(char32_t point) {
     return point < 0x20 || (point >= 0x7F && point < 0xA0);
@@ -130,9 +90,9 @@ std::u16string displayText(std::string_view utf8) {
         else if (point == '\t')
             text += u' ';
         else if (isNoCharacter(point))
-            append(text, kReplacement);
+            appendUtf16(text, kReplacementPoint);
         else if (!isControl(point) && !isDirectionControl(point) && !isFormat(point))
-            append(text, point);
+            appendUtf16(text, point);
     }
     return text;
 }

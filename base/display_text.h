@@ -4,33 +4,25 @@
 #include <string>
 #include <string_view>
 
-// One code point, read from UTF-8.
-struct DecodedPoint {
-    char32_t point = 0;     // U+FFFD where the bytes are not UTF-8
-    std::size_t bytes = 0;  // read, 1..4
-};
-// text is not empty. Of damaged bytes the longest beginning of a character counts as one U+FFFD.
-DecodedPoint decodePoint(std::string_view text);
-
-// What must reach neither a line of text nor a log: the control characters, and those that turn the direction of the
-// text around them (embeddings, overrides, isolates, marks).
+// Characters that must not reach a line of text or a log: control characters, and those that change the direction of
+// the text around them (embeddings, overrides, isolates, marks).
 bool isControl(char32_t point);
 bool isDirectionControl(char32_t point);
 
-// The text in lines ended by U+000A: CR LF, CR and Unicode's own line ends become one, a tab becomes a space, other
-// controls and direction controls are left out, what is not UTF-8 becomes U+FFFD. Surrogates come in pairs only.
+// The text with U+000A as its only line end: CR LF, CR and Unicode's own line ends become it, a tab becomes a space,
+// other controls and direction controls are left out, invalid UTF-8 becomes U+FFFD. Surrogates come only in pairs.
 std::u16string displayText(std::string_view utf8);
-// The same on one line: a space for every line end. Of the text no more than maxBytes are read.
+// The same on one line: a space for every line end. At most maxBytes of the text are read.
 std::u16string displayLine(std::string_view utf8, std::size_t maxBytes = std::string_view::npos);
 
-// U+2E80 and above: drawn in the font that has Chinese, Japanese and Korean; a line may break at each of them.
+// U+2E80 and above: drawn in the font that has Chinese, Japanese and Korean; a line may break around each of them.
 inline bool isWide(char16_t unit) {
     return unit >= 0x2E80;
 }
 bool holdsWide(std::u16string_view text);
 
-// Where the character that begins at start ends: a surrogate pair counts as one, and what attaches to it (combining
-// marks, variation selectors, joined emoji) belongs to it, up to kMaxCharacterUnits. A space and a line feed stand
-// alone. start < text.size().
+// The end of the character that begins at start: a surrogate pair is one character, and what attaches to a character
+// (combining marks, variation selectors, joined emoji) belongs to it, up to kMaxCharacterUnits. A space and a line feed
+// stand alone. start < text.size().
 inline constexpr std::size_t kMaxCharacterUnits = 16;
 std::size_t characterEnd(std::u16string_view text, std::size_t start);

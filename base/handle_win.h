@@ -8,7 +8,7 @@ struct HandleCloser {
 };
 using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 
-// CreateFile's answer as an owner; null if it failed.
+// The owner of CreateFile's result; null if it failed.
 inline OwnedHandle ownFile(HANDLE file) {
     return OwnedHandle(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }

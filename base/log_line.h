@@ -1,4 +1,4 @@
-// log_line.h - lines for the host's log: formatted into a fixed size, cut there, but never inside a UTF-8 character.
+// log_line.h - lines for the host's log: cut to a fixed size, but never inside a UTF-8 character.
 #pragma once
 #include <cstddef>
 #include <string>
@@ -6,9 +6,6 @@
 #include "base/host_functions.h"
 
 inline constexpr std::size_t kLogLineBytes = 512;  // buffer with its final zero: at most 511 bytes of text
-
-// The longest prefix of text of at most maxBytes bytes that does not end inside a UTF-8 character.
-std::string_view cutUtf8(std::string_view text, std::size_t maxBytes);
 
 // [host][poll] Logs text at level information on channel "Corvalis", cut to bufferBytes - 1 bytes.
 // Does nothing when the host has no logMessage.

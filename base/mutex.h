@@ -1,6 +1,6 @@
 // mutex.h - a plain mutex whose guarded fields Clang checks in the native build (GUARDED_BY).
-// Every lock of ours is held for a copy, an assignment or a short scan, never across a file, window or host call;
-// the settings-file mutex is the one exception, because saving a file is what it guards.
+// Each of our locks is held for a copy, an assignment or a short scan, never across a file, window or host call;
+// the one exception is the settings-file mutex, which guards the file work itself.
 #pragma once
 #include <mutex>
 

@@ -1,4 +1,4 @@
-// number_text.h - numbers in our files: always a point, whatever setlocale the host has called.
+// number_text.h - numbers in our files: always with a decimal point, whatever locale the host has set.
 // [any] Nothing here locks, throws or looks at the C locale.
 #pragma once
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <string_view>
 
 // Reads a number from the start of text as strtod does in the "C" locale: blanks, a sign, decimal or 0x-hexadecimal
-// digits, an exponent, "inf", "nan". False if no number stands there (value stays as it was). Too large gives infinity.
+// digits, an exponent, "inf", "nan". False if there is no number (value is unchanged). Too large gives infinity.
 bool parseDoublePrefix(std::string_view text, double& value);
 
 // The leading number as atof reads it; 0 if there is none.

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr const char* kFolder = "C:\\Data";
-constexpr std::size_t kFileBytes = 2048;  // our worker's file and what a talkative one adds
+constexpr std::size_t kFileBytes = 2048;  // the worker's file plus what a talkative worker would add
 constexpr std::size_t kChannels = 2000;
 constexpr double kNow = 1790000000.0;  // ManualClock's wall clock
 
@@ -53,7 +53,7 @@ std::string telemetryText() {
     return text + std::string(kFileBytes - text.size() - 2, 'm') + "\"}";
 }
 
-// Table functions without bookkeeping: the cheapest host there can be, so that what is measured is ours.
+// Table functions without bookkeeping: the cheapest host possible, so that only our own code is measured.
 namespace bare {
 std::vector<std::string> gNames;
 
@@ -122,8 +122,8 @@ BENCHMARK(parsePeer)->Name("telemetry 2 KB/peer nlohmann::json");
 
 // --- a pass of the poll loop ---
 
-struct PassRooms {
-    PassRooms() {
+struct PassRig {
+    PassRig() {
         host.addServer(1, 5, 11);
         host.addChannel(1, {11, "TWR 122.800"});
         functions = resolveHostFunctions(host.table());
@@ -135,34 +135,43 @@ struct PassRooms {
     HostFunctions functions;
     std::atomic<std::uint64_t> server{1};
     SettingsStore settings{files};
-    SharedSimState sim;
-    CommandQueue commands;
+    SimRadios radios;
     MoveTracker moves;
     TalkTracker talk;
     TailPlayer tails{functions, settings, clock, "C:/Data/radio_tail.wav", {}};
-    BridgeOutputs outputs;
+    VoiceLevels voice;
     PollMemory memory;
-    PollRooms rooms{functions, files,    clock, kFolder, 4242,  server, settings,
-                    sim,       commands, moves, talk,    tails, outputs};
+    PollContext context{.host = functions,
+                        .files = files,
+                        .clock = clock,
+                        .dataFolder = kFolder,
+                        .processId = 4242,
+                        .currentServer = server,
+                        .settings = settings,
+                        .radios = radios,
+                        .moves = moves,
+                        .talk = talk,
+                        .tails = tails,
+                        .voice = voice};
 };
 
 void passUnchanged(benchmark::State& state) {
-    PassRooms pass;
+    PassRig pass;
     int since = 0;
     for (auto _ : state) {
-        pollOnce(pass.memory, pass.rooms);
+        pollOnce(pass.memory, pass.context);
         if (++since < 1000) continue;
         state.PauseTiming();
-        pass.host.forgetCalls();  // the model's records would grow without end
+        pass.host.forgetCalls();  // the model's records would grow forever
         since = 0;
         state.ResumeTiming();
     }
-    if (!copySimState(pass.sim).connected) state.SkipWithError("the telemetry was not read");
+    if (!copySimState(pass.radios.sim).connected) state.SkipWithError("the telemetry was not read");
 }
 BENCHMARK(passUnchanged)->Name("poll pass/unchanged telemetry");
 
 void passBaseline(benchmark::State& state) {
-    PassRooms pass;
+    PassRig pass;
     const std::string path = joinPath(kFolder, kTelemetryFile);
     std::string text;
     for (auto _ : state) {
@@ -177,10 +186,10 @@ BENCHMARK(passBaseline)->Name("poll pass/baseline: read and parse alone");
 void followChannels(benchmark::State& state) {
     const HostFunctions host = bare::host();
     MoveTracker tracker;
-    SharedSimState sim;
     const ManualClock clock;
-    for (auto _ : state) benchmark::DoNotOptimize(followFrequency(tracker, host, sim, clock, 1, 122800));
-    if (copySimState(sim).channelStatus != "No matching TS3 channel") state.SkipWithError("not walked to the end");
+    MoveReport report;
+    for (auto _ : state) benchmark::DoNotOptimize(report = followFrequency(tracker, host, clock, 1, 122800));
+    if (report.stage != MoveStage::kNoChannel) state.SkipWithError("not walked to the end");
 }
 BENCHMARK(followChannels)->Name("follow 2000 channels/ours")->Unit(benchmark::kMicrosecond);
 
@@ -233,7 +242,7 @@ void alertSound(benchmark::State& state) {
 }
 BENCHMARK(alertSound)->Name("sounds/alert, 0.5 s")->Unit(benchmark::kMicrosecond);
 
-// The alert's sines and exponentials from the C library, nothing else done with them.
+// The alert's sines and exponentials computed with the C library, and nothing else.
 void libmSound(benchmark::State& state) {
     for (auto _ : state) {
         double sum = 0.0;

@@ -1,6 +1,6 @@
 // denoiser_bench.cpp - what the spectral denoiser costs, beside its plain version and beside peers, in the same run.
-//   one second of 48 kHz voice: ours sample by sample and in runs, the plain one, speexdsp's preprocessor (20 ms
-//   frames) one pair of 256-point transforms: ours, the plain one, kissfft, FFTW (both complex and, as ours is, real)
+//   one second of 48 kHz voice: ours by sample and in runs, the plain one, speexdsp's preprocessor (20 ms frames)
+//   one pair of 256-point transforms: ours, the plain one, kissfft, FFTW (both complex and, as ours is, real)
 // Run with --benchmark_repetitions=15 --benchmark_report_aggregates_only=true and compare medians: the clock wanders.
 #include <benchmark/benchmark.h>
 #include <fftw3.h>

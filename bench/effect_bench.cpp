@@ -1,6 +1,6 @@
 // effect_bench.cpp - the radio effect on blocks of 20 ms, beside the same effect written plainly (tests/reference), in
-// the same run: a block has 20 ms, so its time over 20 ms is the share of a processor a speaker costs. Denormals are
-// off, as in the voice hooks.
+// the same run. A block's time divided by 20 ms is the share of a processor that a speaker costs. Denormals are off, as
+// in the voice hooks.
 #include <benchmark/benchmark.h>
 #include <emmintrin.h>
 #include <algorithm>
@@ -28,7 +28,7 @@ void applyFast(short* x, int n, int channels, RadioEffectState& state, bool hiss
     applyRadioEffect(x, n, channels, state, hiss, predenoise);
 }
 
-// Two seconds of speech, then two of what `after` holds, block by block; the time of the latter counts.
+// Two seconds of speech, then the blocks of `after` over and over; only the latter are timed.
 template <class State, class Apply>
 void runBlocks(benchmark::State& run, Apply apply, const std::vector<short>& after) {
     const unsigned control = _mm_getcsr();
@@ -57,7 +57,7 @@ void effectPlain(benchmark::State& run) {
 void effectFast(benchmark::State& run) {
     runBlocks<RadioEffectState>(run, applyFast, speech());
 }
-// Exact silence behind speech: the filters run down towards zero, and must not slow down there.
+// Exact silence after speech: the filters decay towards zero, which must not slow them down.
 void effectFastSilence(benchmark::State& run) {
     runBlocks<RadioEffectState>(run, applyFast, std::vector<short>(kBlock * kBlocks));
 }

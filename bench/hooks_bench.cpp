@@ -1,10 +1,10 @@
 // hooks_bench.cpp - what a voice block costs the host's audio thread, beside the plain hooks in the same run: the whole
 // playback hook with everything on for 1, 16 and 64 speakers, the worst block of a million, a new speaker, the dropping
 // of 513, and the silence after speech, where denormal numbers would cost most.
-//   hooks_bench [blocks of the worst-block search, default 1000000]
-// Portable: also run under Wine. The worst block by the clock is the machine's as well: beside it stands the worst of a
-// spin of the same length that computes nothing, which is what the system took away, and on Linux the worst block in
-// processor time.
+//   hooks_bench [blocks to search for the worst one, default 1000000]
+// Portable: also run under Wine. By the clock, the worst block includes what the system took away. So it is printed
+// beside the most that was taken from an equally long spin that computes nothing, and on Linux beside the worst block
+// in processor time.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -29,7 +29,7 @@ double nowUs() {
     return std::chrono::duration<double, std::micro>(steady_clock::now().time_since_epoch()).count();
 }
 
-// Processor time of this thread; by the clock where the system counts it in whole ticks only.
+// Processor time of this thread; wall-clock time if the system only counts whole ticks.
 double threadUs() {
 #ifdef __linux__
     timespec now;
@@ -77,7 +77,7 @@ double costOf(const std::vector<std::vector<short>>& blocks, int rounds, Edit ed
     return (threadUs() - start) * 1000.0 / (static_cast<double>(number) * kBlockSamples);
 }
 
-// Medians of runs taken in turn, so that both meet the same machine.
+// Medians of alternating runs, so that both meet the same machine.
 template <class Fast, class Plain>
 void compare(const char* name, const std::vector<std::vector<short>>& blocks, Fast fast, Plain plain) {
     std::vector<double> fastNs, plainNs;
@@ -115,7 +115,7 @@ void compareCapture(const char* name, std::uint32_t flags) {
         [&](int, short* x) { plainEditCapturedVoice(plainVoice, controls, x, kBlockSamples, 1, &edited); });
 }
 
-// One radio, then nothing: the filters ring out into numbers ever smaller.
+// One radio, then nothing: the filters ring out into ever smaller numbers.
 void measureSilence() {
     VoiceControls controls = everythingOn();
     CapturedVoice voice;
@@ -134,7 +134,7 @@ void measureSilence() {
 
 struct Worst {
     double us = 0.0;
-    int late = 0;  // of the blocks
+    int late = 0;  // blocks over the deadline
     void add(double took) {
         us = std::max(us, took);
         late += took > kDeadlineUs;
@@ -176,7 +176,7 @@ void measureWorst(int blocks) {
     print("taken away from a spin meanwhile", spin);
 }
 
-// What a speaker's first block takes more than the next.
+// How much longer a speaker's first block takes than the next ones.
 void measureNewSpeakers() {
     const VoiceControls controls = everythingOn();
     std::vector<double> first, dropping;
@@ -191,7 +191,7 @@ void measureNewSpeakers() {
         for (std::uint16_t client = 1; client <= 513; client++) first.push_back(timed(client));
         dropping.push_back(timed(1));
     }
-    // The worst of so many is the machine's (a page of memory it has to find first, an interruption): with its share.
+    // The worst of so many is the machine's (a memory page to be found, an interruption): hence the share of slow ones.
     std::printf(
         "new speaker, block of one sample, processor time: median %.2f us, worst %.2f us, %td of %zu over %.0f us\n",
         median(first), *std::max_element(first.begin(), first.end()),

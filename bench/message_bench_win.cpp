@@ -1,6 +1,6 @@
-// message_bench_win.cpp - how long a message keeps the host, and the message window takes to lay out and to draw the
-// longest messages the host can deliver (8 KiB), with the fonts it shows them in; beside them the same lines found by
-// measuring token by token, as one would write it first.
+// message_bench_win.cpp - how long a message keeps the host waiting, and how long the message window takes to lay out
+// and draw the longest messages the host can deliver (8 KiB), in the fonts it uses; beside them the same lines found by
+// measuring token by token, the obvious first version.
 //   message_bench [ROUNDS]      5; under Wine: wine build/windows/bin/message_bench.exe
 #include <windows.h>
 #include <algorithm>
@@ -47,7 +47,7 @@ Times measureOnce(const std::string& message, std::uint32_t dpi, float textSize,
     const float scale = messageScale(dpi);
     MemorySurface surface;
     surface.resize(static_cast<int>(kMessageWidth * scale), static_cast<int>(kMessageHeight * scale));
-    static MessagePainter painter;  // its fonts are made once, as the window's
+    static MessagePainter painter;  // its fonts are made once, as the window's are
     TextMeasurer measurer(painter, surface, scale);
     Times times;
     const PageTools tools{[&](const PageTextStyle& style, std::u16string_view text) {
@@ -129,7 +129,7 @@ int main(int argc, char** argv) {
     for (const auto& message : messages) {
         for (const auto& [dpi, size] : {std::pair{96U, 15.0f}, std::pair{144U, 22.0f}}) {
             Times worst;
-            for (int round = -1; round < rounds; round++) {  // the first one fills the font caches
+            for (int round = -1; round < rounds; round++) {  // the first round fills the font caches
                 const Times times = measureOnce(message.text, dpi, size, round == 0 && dpi == 96);
                 if (round < 0) continue;
                 worst.layoutMs = std::max(worst.layoutMs, times.layoutMs);

@@ -2,7 +2,7 @@
 // knob turns or the TEXT lamp flashes, and while it is hidden, beside a window that draws itself plainly thirty times a
 // second; and what the process holds after 10,000 presentations in changing themes and sizes.
 //   panel_bench [SECONDS]      seconds of each measurement, 20; under Wine: wine build/windows/bin/panel_bench.exe
-// Under Wine the work of its server and of the X server is not in these times.
+// Under Wine these times do not include the work of its server and of the X server.
 #include <windows.h>
 #include <algorithm>
 #include <cmath>
@@ -53,7 +53,7 @@ class Client {
         plugin_.exports().registerPluginID("bench");
         return true;
     }
-    // Shows the panel so; a second time the settings are read anew and the window stays.
+    // Shows the panel like this; when called again, the window stays and the settings are read anew.
     void show(std::int32_t theme, int scalePercent, bool isVisible = true) {
         writeFile(data_ / "settings.ini", "theme=" + std::to_string(theme) +
                                               "\r\ntext_auto_open=0\r\npanel_scale=" + std::to_string(scalePercent) +
@@ -65,7 +65,7 @@ class Client {
     }
     void publish() {
         publishedAtMs_ = systemTickMs();
-        host_.forgetCalls();  // what the model remembers must not look like the panel's memory
+        host_.forgetCalls();  // what the model remembers must not count as the panel's memory
         replaceFile(data_ / "telemetry.json", telemetryText(telemetry_, clock_.unixSeconds()));
     }
     void keepFlying() {
@@ -119,7 +119,7 @@ void printRow(const std::string& what, double spentMs, double wallMs, const char
     std::fflush(stdout);
 }
 
-// Runs eachFrame thirty times a second for so long and prints what the panel's thread spent meanwhile.
+// Runs eachFrame thirty times a second for that time and prints what the panel's thread used meanwhile.
 template <class EachFrame>
 void measure(Client& client, const std::string& what, std::uint64_t ms, const char* limit, EachFrame eachFrame) {
     const PanelThread thread;
@@ -140,7 +140,7 @@ void settle() {
 // Watches the lamp above BOEING's TEXT key for more than a flash.
 bool textFlashes() {
     const ThemeLayout& layout = themeLayout(kBoeingTheme);
-    const PanelRect& lamp = findHotspot(layout, kCustomKeyA)->indicator;
+    const UnitRect& lamp = findHotspot(layout, kCustomKeyA)->indicator;
     const float scale = static_cast<float>(PanelDriver(findPanel(), kBoeingTheme).scale());
     POINT at = {static_cast<LONG>((lamp.x + lamp.width / 2.0f - layout.origin.x) * scale),
                 static_cast<LONG>((lamp.y + lamp.height / 2.0f - layout.origin.y) * scale)};
@@ -184,9 +184,9 @@ void measurePanel(Client& client, std::uint64_t ms) {
     measure(client, "message window hidden again", ms, "(limit 0.3)", [](std::uint64_t) {});
 }
 
-// --- the baseline: everything drawn anew each time, as one would write it first ---
+// --- the baseline: everything drawn anew each time, the obvious first version ---
 
-// The theme's image from the DLL's resources, as it stands in the file.
+// The theme's image from the DLL's resources, unchanged.
 std::unique_ptr<Gdiplus::Bitmap> loadArt(std::int32_t theme) {
     const HMODULE dll = GetModuleHandleW(L"corvalis_win64.dll");
     const HRSRC resource = FindResourceW(dll, MAKEINTRESOURCEW(2001 + theme), RT_RCDATA);
@@ -315,7 +315,7 @@ int main(int argc, char** argv) {
     measurePanel(client, ms);
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) std::thread(measureBaseline, theme, ms).join();
     client.show(kGeneralTheme, 100);
-    presentManyTimes(client, 1000);  // what is kept from one to the next is there now
+    presentManyTimes(client, 1000);  // fills what is kept between presentations
     printResources("after 1,000 presentations");
     for (const char* when : {"after 2,500 more", "after 5,000 more", "after 7,500 more", "after 10,000 more"}) {
         presentManyTimes(client, 2500);

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kInitRounds = 15;
 constexpr int kRounds = 6;
-constexpr DWORD kRoundMs = 2500;  // the telemetry is written once a round and stays fresh for three seconds
+constexpr DWORD kRoundMs = 2500;  // the telemetry is written once per round and stays fresh for three seconds
 
 double processorMs() {
     FILETIME created, exited, kernel, user;
@@ -55,8 +55,8 @@ void measureInit(const PluginLibrary& plugin) {
                 formatFixed(*std::max_element(rounds.begin(), rounds.end()), 1).c_str(), kInitRounds);
 }
 
-// Processor time of this process in milliseconds per poll period, while the plugin's threads are at work. Before each
-// round prepare does what a round needs. Wine counts in steps of 10 ms, so a single round would be too coarse.
+// Processor time of this process in milliseconds per poll period, while the plugin's threads are at work. prepare runs
+// before each round. Wine counts in steps of 10 ms, so a single round would be too coarse.
 template <class Prepare>
 double costPerPass(Prepare prepare) {
     double spentMs = 0.0;

@@ -1,7 +1,7 @@
 // worker_bench_win.cpp - how quick the real worker is between the simulator's pipe and the plugin's files, and what it
-// costs: a frequency turned in the cockpit until telemetry.json shows it, a command.json until the simulator has its
-// key event, processor time and memory while flying; beside them the worker with its built-in aircraft, and one that
-// waits for a simulator. The simulator is the stand-in, at 30 frames a second, and sends at a frame's end.
+// costs: the time from a turn in the cockpit to telemetry.json and from command.json to the simulator's key event,
+// processor time and memory while flying; beside them the worker with its built-in aircraft, and one that waits for a
+// simulator. The simulator is the stand-in, at 30 frames a second, and sends at a frame's end.
 //   worker_bench [ROUNDS [SECONDS]]      100, 20; under Wine: wine build/windows/bin/worker_bench.exe
 #include <windows.h>
 #include <algorithm>
@@ -15,7 +15,7 @@
 #include <psapi.h>
 #include "base/clock_win.h"
 #include "base/number_text.h"
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
 #include "tests/simulator/server.h"
@@ -36,8 +36,8 @@ struct Cost {
     double residentMB = 0.0;
 };
 
-// The process as Linux sees it, found by its command line; empty on Windows. Wine answers for the processor time of
-// another process with the asker's own.
+// The process as Linux sees it, found by its command line; empty on Windows. Asked for another process's processor
+// time, Wine answers with the asker's own.
 std::filesystem::path linuxProcess(const std::string& commandLinePart) {
     std::error_code error;
     std::filesystem::directory_iterator entry("Z:\\proc", error);
@@ -106,7 +106,7 @@ class BenchedWorker {
     standin::Program program_;
 };
 
-// Rounds spread over the frames and the worker's passes.
+// Spreads the rounds over the frames and the worker's passes.
 void waitUnevenly(int round) {
     Sleep(static_cast<DWORD>(40 + round * 17 % 67));
 }
@@ -137,7 +137,7 @@ void measureTelemetry(standin::Server& server, const BenchedWorker& worker, int 
     print("cockpit to telemetry.json, up to a frame in it", delays, 60);
 }
 
-// The simulator notes whole milliseconds of its clock when a packet arrives; heardMs is where its thread leaves them.
+// The simulator notes its clock in whole milliseconds when a packet arrives; its thread leaves that in heardMs.
 void measureCommands(const BenchedWorker& worker, const std::atomic<std::uint64_t>& heardMs,
                      const std::atomic<int>& heard, int rounds) {
     std::vector<double> delays;

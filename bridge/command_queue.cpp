@@ -1,10 +1,10 @@
 #include "bridge/command_queue.h"
 #include <algorithm>
+#include "audio/volume_policy.h"
+#include "exchange/command_text.h"
 #include "exchange/frequency_grid.h"
 
 namespace {
-
-constexpr float kUnityVolumePercent = 80.0f;
 
 bool isFor(const Command& command, std::int32_t com, std::int32_t slot) {
     return command.com == com && command.slot == slot;
@@ -16,7 +16,7 @@ bool isSlotWritable(const SimState& state, std::int32_t com, std::int32_t slot) 
     return radio->writable[static_cast<std::size_t>(slot)];
 }
 
-// Takes the new value into a waiting command of the same slot; false if there is none.
+// Puts the new value into a waiting command for the same slot; false if there is none.
 bool mergeLocked(CommandQueue& queue, const Command& command) REQUIRES(queue.mutex) {
     if (command.slot == kSlotSwap) return false;
     for (auto& waiting : queue.commands) {
@@ -39,9 +39,9 @@ bool add(CommandQueue& queue, const Command& command, std::uint64_t nowMs) {
     return true;
 }
 
-// What one pass has to do with the oldest command, decided under the lock and done after it.
+// What one pass is to do about the oldest command, decided under the lock and done after its release.
 struct NextStep {
-    enum Kind { Nothing, Write, Succeeded, TimedOut } kind = Nothing;
+    enum Kind { kNothing, kWrite, kSucceeded, kTimedOut } kind = kNothing;
     Command command;
 };
 
@@ -55,9 +55,9 @@ NextStep takeAcknowledgedLocked(CommandQueue& queue, bool ackOk) REQUIRES(queue.
     const Command command = queue.commands.front();
     if (ackOk) {
         queue.commands.pop_front();
-        return {NextStep::Succeeded, command};
+        return {NextStep::kSucceeded, command};
     }
-    // A refused slot stays refused: nothing else is sent there.
+    // The slot refused: its other queued commands are dropped too.
     std::erase_if(queue.commands, [&](const Command& c) { return isFor(c, command.com, command.slot); });
     return {};
 }
@@ -70,12 +70,12 @@ NextStep nextStep(CommandQueue& queue, const SimState& state, const CommandWrite
     if (oldest.writtenAt == 0) {
         if (nowMs < oldest.notBefore) return {};
         assignIdLocked(oldest, writer, nowMs);
-        return {NextStep::Write, oldest};
+        return {NextStep::kWrite, oldest};
     }
     if (state.ackId == oldest.id) return takeAcknowledgedLocked(queue, state.ackOk);
     if (nowMs - oldest.writtenAt <= kAckTimeoutMs) return {};
     queue.commands.clear();
-    return {NextStep::TimedOut, {}};
+    return {NextStep::kTimedOut, {}};
 }
 
 void dropCommand(CommandQueue& queue, const std::string& id) {
@@ -83,35 +83,41 @@ void dropCommand(CommandQueue& queue, const std::string& id) {
     std::erase_if(queue.commands, [&](const Command& c) { return c.id == id; });
 }
 
-void writeCommand(CommandQueue& queue, SharedSimState& sim, const CommandWriter& writer, const Command& command) {
-    const auto text = writeCommandText(command, writer.clock.unixSeconds());
+// As the worker reads it.
+CommandRequest requestOf(const Command& command, double createdUnixSeconds) {
+    const RadioWrite write{static_cast<std::size_t>(command.com - 1), static_cast<RadioSlot>(command.slot),
+                           command.value};
+    return {command.id, write, createdUnixSeconds};
+}
+
+void writeCommand(CommandQueue& queue, StatusLines& status, const CommandWriter& writer, const Command& command) {
+    const auto text = writeCommandText(requestOf(command, writer.clock.unixSeconds()));
     if (writer.files.replace(joinPath(writer.dataFolder, kCommandFile), text)) {
-        setStatusText(sim, "Writing; awaiting simulator readback");
+        setStatusText(status, "Writing; awaiting simulator readback");
         return;
     }
     dropCommand(queue, command.id);
-    setStatusText(sim, "Cannot write simulator command");
+    setStatusText(status, "Cannot write simulator command");
 }
 
-// The simulator now carries any attenuation; only a boost above unity stays ours.
+// The simulator now applies any attenuation; only a boost above unity is left to us.
 void keepBoost(SettingsStore& settings, const Command& command) {
     if (command.slot != kSlotVolume || !(command.localVolume >= 0.0f)) return;
-    const float volume = std::max(command.localVolume, kUnityVolumePercent);
-    updateSettings(settings, [&](Settings& live) { live.receive_volume = volume; });
+    updateSettings(settings, [&](Settings& live) { live.receive_volume = boostPercentOf(command.localVolume); });
 }
 
-std::int32_t startFrequency(CommandQueue& queue, const RadioReading& radio, std::int32_t com, std::int32_t slot) {
-    if (const auto pending = pendingCommand(queue, com, slot)) return static_cast<std::int32_t>(pending->value);
+std::int32_t startFrequency(const Commands& commands, const RadioReading& radio, std::int32_t com, std::int32_t slot) {
+    if (const auto pending = pendingCommand(commands, com, slot)) return static_cast<std::int32_t>(pending->value);
     return slot == kSlotActive ? radio.active : radio.standby;
 }
 
 }  // namespace
 
-bool enqueue(CommandQueue& queue, SharedSimState& sim, std::int32_t com, std::int32_t slot, double value,
-             float localVolume, std::uint64_t nowMs) {
-    const SimState state = copySimState(sim);
-    if (!isSlotWritable(state, com, slot)) {
-        setStatusText(sim, slot == kSlotVolume ? "Volume controlled by simulator" : "Write unavailable / DISCONNECTED");
+bool enqueue(SimRadios& radios, std::int32_t com, std::int32_t slot, double value, float localVolume,
+             std::uint64_t nowMs) {
+    if (!isSlotWritable(copySimState(radios.sim), com, slot)) {
+        setStatusText(radios.status,
+                      slot == kSlotVolume ? "Volume controlled by simulator" : "Write unavailable / DISCONNECTED");
         return false;
     }
     Command command;
@@ -120,25 +126,25 @@ bool enqueue(CommandQueue& queue, SharedSimState& sim, std::int32_t com, std::in
     command.value = value;
     command.localVolume = localVolume;
     command.notBefore = slot == kSlotSwap ? nowMs : nowMs + kCoalesceMs;
-    if (add(queue, command, nowMs)) return true;
-    setStatusText(sim, "Command queue busy");
+    if (add(radios.commands, command, nowMs)) return true;
+    setStatusText(radios.status, "Command queue busy");
     return false;
 }
 
-void stepFrequency(CommandQueue& queue, SharedSimState& sim, std::int32_t com, std::int32_t slot, bool wholeMegahertz,
-                   std::int32_t steps, std::uint64_t nowMs) {
-    const SimState state = copySimState(sim);
+void stepFrequency(SimRadios& radios, std::int32_t com, std::int32_t slot, bool wholeMegahertz, std::int32_t steps,
+                   std::uint64_t nowMs) {
+    const SimState state = copySimState(radios.sim);
     std::int32_t next = 0;
     if (const RadioReading* radio = radioOf(state, com)) {
-        const auto start = startFrequency(queue, *radio, com, slot);
+        const auto start = startFrequency(copyCommands(radios.commands), *radio, com, slot);
         const FrequencyRange range{state.rangeMin, state.rangeMax};
         next = wholeMegahertz ? stepMegahertz(start, radio->spacing, range, steps)
                               : stepChannel(start, radio->spacing, range, steps);
     }
     if (next == 0)
-        setStatusText(sim, "Radio spacing unavailable or frequency limit");
+        setStatusText(radios.status, "Radio spacing unavailable or frequency limit");
     else
-        enqueue(queue, sim, com, slot, next, -1.0f, nowMs);
+        enqueue(radios, com, slot, next, -1.0f, nowMs);
 }
 
 bool isBusy(CommandQueue& queue, std::uint64_t nowMs) {
@@ -147,28 +153,32 @@ bool isBusy(CommandQueue& queue, std::uint64_t nowMs) {
     return !queue.commands.empty() || nowMs < queue.lastEnqueueTick + kQuietAfterWriteMs;
 }
 
-std::optional<Command> pendingCommand(CommandQueue& queue, std::int32_t com, std::int32_t slot) {
-    MutexLock lock(queue.mutex);
-    const auto last = std::find_if(queue.commands.rbegin(), queue.commands.rend(),
-                                   [&](const Command& c) { return isFor(c, com, slot); });
-    if (last == queue.commands.rend()) return std::nullopt;
+Commands copyCommands(CommandQueue& queue) {
+    const MutexLock lock(queue.mutex);
+    return queue.commands;
+}
+
+std::optional<Command> pendingCommand(const Commands& commands, std::int32_t com, std::int32_t slot) {
+    const auto last =
+        std::find_if(commands.rbegin(), commands.rend(), [&](const Command& c) { return isFor(c, com, slot); });
+    if (last == commands.rend()) return std::nullopt;
     return *last;
 }
 
-void processCommands(CommandQueue& queue, SharedSimState& sim, SettingsStore& settings, const CommandWriter& writer) {
+void processCommands(SimRadios& radios, SettingsStore& settings, const CommandWriter& writer) {
     const std::uint64_t nowMs = writer.clock.tickMs();
-    const NextStep step = nextStep(queue, copySimState(sim), writer, nowMs);
+    const NextStep step = nextStep(radios.commands, copySimState(radios.sim), writer, nowMs);
     switch (step.kind) {
-        case NextStep::Nothing:
+        case NextStep::kNothing:
             break;
-        case NextStep::Write:
-            writeCommand(queue, sim, writer, step.command);
+        case NextStep::kWrite:
+            writeCommand(radios.commands, radios.status, writer, step.command);
             break;
-        case NextStep::Succeeded:
+        case NextStep::kSucceeded:
             keepBoost(settings, step.command);
             break;
-        case NextStep::TimedOut:
-            setStatusText(sim, "Write timed out; showing simulator readback");
+        case NextStep::kTimedOut:
+            setStatusText(radios.status, "Write timed out; showing simulator readback");
             break;
     }
 }

@@ -1,6 +1,7 @@
 #include "bridge/poll_loop.h"
-#include "audio/capture_mode.h"
-#include "audio/receive_gain.h"
+#include "audio/volume_policy.h"
+#include "bridge/move_status.h"
+#include "bridge/telemetry_file.h"
 
 namespace {
 
@@ -14,17 +15,22 @@ struct Pass {
     bool queueBusy = false;
 };
 
-void readSimulator(Pass& pass, PollRooms& rooms) {
-    std::string workerStatus;
-    pass.telemetryOk = readTelemetry(rooms.files, rooms.dataFolder, rooms.clock, rooms.settings, rooms.sim,
-                                     pass.selected, workerStatus);
-    if (!pass.telemetryOk) setDisconnected(rooms.sim);
+void readSimulator(Pass& pass, PollContext& context) {
+    if (const auto reading = readTelemetry(context.files, context.dataFolder, context.clock)) {
+        pass.selected = selectRadio(copySettings(context.settings), *reading);
+        pass.telemetryOk = reading->fresh;
+        publishTelemetry(*reading, context.radios.sim, context.radios.status);
+    }
+    if (!pass.telemetryOk) setDisconnected(context.radios.sim, context.radios.status);
 }
 
-void sendCommands(Pass& pass, PollRooms& rooms) {
-    const CommandWriter writer{rooms.files, rooms.clock, rooms.processId, rooms.dataFolder};
-    processCommands(rooms.commands, rooms.sim, rooms.settings, writer);
-    pass.queueBusy = isBusy(rooms.commands, pass.nowMs);
+void sendCommands(Pass& pass, PollContext& context) {
+    const CommandWriter writer{.files = context.files,
+                               .clock = context.clock,
+                               .processId = context.processId,
+                               .dataFolder = context.dataFolder};
+    processCommands(context.radios, context.settings, writer);
+    pass.queueBusy = isBusy(context.radios.commands, pass.nowMs);
 }
 
 bool startsAfresh(const Pass& pass, const PollMemory& memory) {
@@ -39,7 +45,7 @@ bool mayFollow(const Pass& pass, const PollMemory& memory) {
            pass.nowMs - memory.lastFollowAttempt >= kFollowSpacingMs;
 }
 
-void followWhenStill(const Pass& pass, PollMemory& memory, PollRooms& rooms) {
+void followWhenStill(const Pass& pass, PollMemory& memory, PollContext& context) {
     if (startsAfresh(pass, memory)) {
         memory.lastFrequency = pass.selected.frequencyKHz;
         memory.lastSchid = pass.schid;
@@ -47,45 +53,47 @@ void followWhenStill(const Pass& pass, PollMemory& memory, PollRooms& rooms) {
         memory.lastFollowAttempt = 0;
     }
     if (!mayFollow(pass, memory)) return;
-    followFrequency(rooms.moves, rooms.host, rooms.sim, rooms.clock, pass.schid, pass.selected.frequencyKHz);
+    const MoveReport report =
+        followFrequency(context.moves, context.host, context.clock, pass.schid, pass.selected.frequencyKHz);
+    if (const auto text = channelStatusOf(report)) setChannelStatus(context.radios.status, *text);
     memory.lastFollowAttempt = pass.nowMs;
 }
 
-void trackOwnTalk(const Pass& pass, PollRooms& rooms) {
-    const HostFunctions& host = rooms.host;
+void trackOwnTalk(const Pass& pass, PollContext& context) {
+    const HostFunctions& host = context.host;
     if (pass.schid == 0 || !host.getClientID || !host.getClientSelfVariableAsInt) return;
     std::uint16_t ownId = 0;
     if (host.getClientID(pass.schid, &ownId) != 0) return;
-    rooms.talk.ownClientId = ownId;
+    context.talk.ownClientId = ownId;
     int flag = 0;
     if (host.getClientSelfVariableAsInt(pass.schid, kClientFlagTalking, &flag) != 0) return;
-    talkChanged(rooms.talk, pass.schid, ownId, flag == 1, rooms.clock.tickMs());
+    talkChanged(context.talk, pass.schid, ownId, flag == 1, context.clock.tickMs());
 }
 
-void readCaptureMode(const Pass& pass, PollMemory& memory, PollRooms& rooms) {
+void readCaptureMode(const Pass& pass, PollMemory& memory, PollContext& context) {
     if (pass.nowMs - memory.lastCaptureRead <= kCaptureReadMs) return;
     std::string text;
-    rooms.files.read(joinPath(rooms.dataFolder, kCaptureModeFile), text);
-    rooms.outputs.CaptureMode = captureModeOf(text);
+    context.files.read(joinPath(context.dataFolder, kCaptureModeFile), text);
+    context.voice.CaptureMode = captureModeOf(text);
     memory.lastCaptureRead = pass.nowMs;
 }
 
 }  // namespace
 
-void pollOnce(PollMemory& memory, PollRooms& rooms) {
+void pollOnce(PollMemory& memory, PollContext& context) {
     Pass pass;
-    pass.nowMs = rooms.clock.tickMs();
-    pass.settings = copySettings(rooms.settings);
-    pass.schid = rooms.currentServer;
-    readSimulator(pass, rooms);
-    sendCommands(pass, rooms);
-    followWhenStill(pass, memory, rooms);
-    rooms.outputs.ReceiveGain = receiveGainOf(copySettings(rooms.settings), pass.selected.volume);
-    trackOwnTalk(pass, rooms);
-    drainTails(rooms.talk, rooms.tails);
-    readCaptureMode(pass, memory, rooms);
+    pass.nowMs = context.clock.tickMs();
+    pass.settings = copySettings(context.settings);
+    pass.schid = context.currentServer;
+    readSimulator(pass, context);
+    sendCommands(pass, context);
+    followWhenStill(pass, memory, context);
+    context.voice.ReceiveGain = receiveGainOf(copySettings(context.settings), pass.selected.volume);
+    trackOwnTalk(pass, context);
+    drainTails(context.talk, context.tails);
+    readCaptureMode(pass, memory, context);
 }
 
-void finishPolling(BridgeOutputs& outputs) {
-    outputs.ReceiveGain = 1.0f;
+void finishPolling(VoiceLevels& voice) {
+    voice.ReceiveGain = 1.0f;
 }

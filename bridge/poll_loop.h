@@ -1,24 +1,19 @@
 // poll_loop.h - what the bridge does every 50 ms: read the simulator, send commands, follow the frequency, set the
-// receive gain, watch the own talk state, play tails. One pass is one call; the thread around it is plugin glue.
+// receive gain, watch the user's own talk state, play tails. One pass is one call; the thread around it is plugin glue.
 #pragma once
 #include <atomic>
 #include "audio/tail_player.h"
 #include "audio/talk_tracker.h"
+#include "audio/voice_levels.h"
 #include "bridge/command_queue.h"
 #include "bridge/sim_state.h"
+#include "bridge/status_lines.h"
 #include "channels/follow_frequency.h"
-#include "exchange/telemetry.h"
 
 inline constexpr std::uint32_t kPollPeriodMs = 50;
-inline constexpr std::uint64_t kStableMs = 350;          // a frequency is followed once it has stood still so long
+inline constexpr std::uint64_t kStableMs = 350;          // a frequency is followed once it has been stable this long
 inline constexpr std::uint64_t kFollowSpacingMs = 2000;  // between two looks at a move
 inline constexpr std::uint64_t kCaptureReadMs = 1000;
-
-// What the loop publishes for the audio hooks and the panel: [poll] stores, [any] loads.
-struct BridgeOutputs {
-    std::atomic<float> ReceiveGain{1.0f};      // linear
-    std::atomic<std::int32_t> CaptureMode{1};  // CaptureModes
-};
 
 // What the loop keeps from pass to pass. [poll] alone.
 struct PollMemory {
@@ -29,8 +24,8 @@ struct PollMemory {
     std::uint64_t lastCaptureRead = 0;    // tick ms
 };
 
-// The rooms a pass works with. All outlive the poll thread.
-struct PollRooms {
+// What a pass works with. All of it outlives the poll thread.
+struct PollContext {
     const HostFunctions& host;
     DataFiles& files;
     const Clock& clock;
@@ -38,16 +33,16 @@ struct PollRooms {
     std::uint32_t processId = 0;                      // of the host
     const std::atomic<std::uint64_t>& currentServer;  // 0 not connected
     SettingsStore& settings;
-    SharedSimState& sim;
-    CommandQueue& commands;
+    SimRadios& radios;
     MoveTracker& moves;
     TalkTracker& talk;
     TailPlayer& tails;
-    BridgeOutputs& outputs;
+    VoiceLevels& voice;
 };
 
-// [poll] One pass. No lock is held across it, nor across any file or host call in it.
-void pollOnce(PollMemory& memory, PollRooms& rooms);
+// [poll] One pass. No lock is held across it, nor across a file or host call in it, except the settings-file mutex
+// during a save.
+void pollOnce(PollMemory& memory, PollContext& context);
 
-// [poll] After the last pass: received voices are left as they are.
-void finishPolling(BridgeOutputs& outputs);
+// [poll] After the last pass: puts the receive gain back to 1.
+void finishPolling(VoiceLevels& voice);

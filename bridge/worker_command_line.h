@@ -11,7 +11,7 @@ struct WorkerStart {
     std::string dataFolder;
     std::string python;           // interpreter of the script, as the user set it
     std::uint32_t hostProcessId;  // the worker ends with this process
-    bool programExists;           // kWorkerProgram stands in pluginFolder
+    bool programExists;           // kWorkerProgram is in pluginFolder
 };
 
 // The program if it is there, otherwise the script under the interpreter; all paths quoted.

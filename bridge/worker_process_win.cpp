@@ -22,7 +22,11 @@ bool fileExists(const std::string& path) {
 
 std::string commandLineFor(const std::string& pluginFolder, const std::string& dataFolder, const std::string& python) {
     const bool programExists = fileExists(joinPath(pluginFolder, kWorkerProgram));
-    return workerCommandLine({pluginFolder, dataFolder, python, GetCurrentProcessId(), programExists});
+    return workerCommandLine({.pluginFolder = pluginFolder,
+                              .dataFolder = dataFolder,
+                              .python = python,
+                              .hostProcessId = GetCurrentProcessId(),
+                              .programExists = programExists});
 }
 
 // The process handle, or null.

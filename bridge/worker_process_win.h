@@ -5,7 +5,7 @@
 
 // The two handles; null when not held. [host] alone, at init and shutdown.
 struct WorkerProcess {
-    void* workerJob = nullptr;  // kills the worker when its last handle closes, also when the host crashes
+    void* workerJob = nullptr;  // kills the worker when its last handle closes, even if the host crashes
     void* workerProcess = nullptr;
 };
 

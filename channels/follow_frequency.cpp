@@ -1,10 +1,11 @@
 #include "channels/follow_frequency.h"
 #include <optional>
+#include <string_view>
 #include "channels/channel_name.h"
 
 namespace {
 
-// Memory of the host's, given back at the end of the scope.
+// Memory that the host allocated, freed at the end of the scope.
 template <class T>
 class HostMemory {
   public:
@@ -51,58 +52,44 @@ std::optional<std::uint64_t> findChannel(const HostFunctions& host, std::uint64_
     return 0;
 }
 
-void watchOutstandingMove(MoveTracker& tracker, SharedSimState& sim, std::uint64_t nowMs) {
+MoveReport watchOutstandingMove(MoveTracker& tracker, std::uint64_t nowMs) {
     const std::int32_t error = tracker.moveError.exchange(0);
     const bool timedOut = nowMs - tracker.pendingSince >= kMoveTimeoutMs;
-    if (error == 0 && !timedOut) {
-        setChannelStatus(sim, "TS3 move pending; awaiting confirmation");
-        return;
-    }
+    if (error == 0 && !timedOut) return {MoveStage::kPending};
     tracker.pendingChannel = 0;
-    if (error != 0)
-        setChannelStatus(sim, "TS3 channel join failed (" + std::to_string(error) + ")");
-    else
-        setChannelStatus(sim, "TS3 channel join not confirmed");
+    if (error != 0) return {MoveStage::kRefused, error};
+    return {MoveStage::kNotConfirmed};
 }
 
-void requestMove(MoveTracker& tracker, const HostFunctions& host, SharedSimState& sim, std::uint64_t schid,
-                 std::uint16_t clientId, std::uint64_t channel, std::uint64_t nowMs) {
+MoveReport requestMove(MoveTracker& tracker, const HostFunctions& host, std::uint64_t schid, std::uint16_t clientId,
+                       std::uint64_t channel, std::uint64_t nowMs) {
     tracker.moveError = 0;
     const char* returnCode = tracker.moveReturnCode.empty() ? nullptr : tracker.moveReturnCode.c_str();
-    if (!host.requestClientMove || host.requestClientMove(schid, clientId, channel, "", returnCode) != 0) {
-        setChannelStatus(sim, "TS3 channel join failed");
-        return;
-    }
+    if (!host.requestClientMove || host.requestClientMove(schid, clientId, channel, "", returnCode) != 0)
+        return {MoveStage::kNotRequested};
     tracker.pendingSchid = schid;
     tracker.pendingChannel = channel;
     tracker.pendingSince = nowMs;
-    setChannelStatus(sim, "TS3 move requested; awaiting confirmation");
+    return {MoveStage::kRequested};
 }
 
 }  // namespace
 
-bool followFrequency(MoveTracker& tracker, const HostFunctions& host, SharedSimState& sim, const Clock& clock,
-                     std::uint64_t schid, std::int32_t frequencyKHz) {
-    if (schid == 0 || !host.getChannelList) return false;
+MoveReport followFrequency(MoveTracker& tracker, const HostFunctions& host, const Clock& clock, std::uint64_t schid,
+                           std::int32_t frequencyKHz) {
+    if (schid == 0 || !host.getChannelList) return {};
     const auto own = findOwnPlace(host, schid);
-    if (!own) return false;
+    if (!own) return {};
     const auto target = findChannel(host, schid, frequencyKHz);
-    if (!target) return false;
-    if (*target == 0) {
-        setChannelStatus(sim, "No matching TS3 channel");
-        return false;
-    }
+    if (!target) return {};
+    if (*target == 0) return {MoveStage::kNoChannel};
     if (*target == own->channel) {
         tracker.pendingChannel = 0;
-        setChannelStatus(sim, "TS3 channel confirmed");
-        return true;
+        return {MoveStage::kConfirmed};
     }
     const std::uint64_t nowMs = clock.tickMs();
-    if (tracker.pendingSchid == schid && tracker.pendingChannel != 0)
-        watchOutstandingMove(tracker, sim, nowMs);
-    else
-        requestMove(tracker, host, sim, schid, own->clientId, *target, nowMs);
-    return false;
+    if (tracker.pendingSchid == schid && tracker.pendingChannel != 0) return watchOutstandingMove(tracker, nowMs);
+    return requestMove(tracker, host, schid, own->clientId, *target, nowMs);
 }
 
 bool onServerError(MoveTracker& tracker, const char* returnCode, std::int32_t error) {

@@ -1,12 +1,12 @@
-# GoogleTest, built with each preset's own compiler and flags: from Debian's source package (googletest), or where that
-# is not, as on Windows, the same version downloaded. FETCHCONTENT_SOURCE_DIR_GOOGLETEST names a copy for machines
-# without network; with vcpkg's toolchain and a static triplet (x64-windows-static) its gtest is taken.
+# GoogleTest, built with each preset's own compiler and flags: from Debian's source package (googletest), or, where that
+# is missing, as on Windows, the same version downloaded. FETCHCONTENT_SOURCE_DIR_GOOGLETEST names a copy for machines
+# without network; with vcpkg's toolchain and a static triplet (x64-windows-static) vcpkg's own GoogleTest is used.
 set(CORVALIS_GTEST_SOURCE /usr/src/googletest CACHE PATH "Where Debian's googletest package puts its sources")
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
 set(gtest_disable_pthreads OFF CACHE BOOL "" FORCE)
 set(gtest_force_shared_crt ON CACHE BOOL "Leave the choice of the runtime to warnings.cmake" FORCE)
-set(CMAKE_POLICY_DEFAULT_CMP0091 NEW)  # or it would not look there
+set(CMAKE_POLICY_DEFAULT_CMP0091 NEW)  # or GoogleTest would ignore CMAKE_MSVC_RUNTIME_LIBRARY
 if(EXISTS ${CORVALIS_GTEST_SOURCE}/CMakeLists.txt)
     add_subdirectory(${CORVALIS_GTEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
 elseif(VCPKG_TOOLCHAIN)
@@ -18,9 +18,9 @@ else()
     FetchContent_MakeAvailable(googletest)
 endif()
 if(TARGET gtest)
-    is_test_code(gtest)  # optimised, a tenth of a build goes into a runner that waits for its tests
+    is_test_code(gtest)  # optimising it would take a tenth of a build, for a runner that waits for its tests
     if(MSVC)
-        # Its own build makes errors of warnings, also of those that came with compilers younger than it is.
+        # Its own build turns warnings into errors, even those of compilers newer than itself.
         target_compile_options(gtest PRIVATE /WX-)
         target_compile_options(gtest_main PRIVATE /WX-)
     endif()

@@ -1,6 +1,6 @@
 #include "exchange/command_text.h"
 #include <algorithm>
-#include "exchange/flat_json.h"
+#include "base/number_text.h"
 
 namespace {
 
@@ -8,15 +8,13 @@ bool isIdChar(char c) {
     return c > 0x20 && c < 0x7f;
 }
 
-bool readId(const FlatField* field, std::string& id) {
-    if (!field || field->kind != FlatKind::Text || field->text.empty() || field->text.size() > kMaxIdBytes)
-        return false;
-    id = field->text;
-    return std::all_of(id.begin(), id.end(), isIdChar);
+// An invalid slot is written as a swap.
+std::string_view slotName(RadioSlot slot) {
+    return kSlotNames[slot >= kSlotActive && slot < kSlotCount ? slot : kSlotSwap];
 }
 
 bool readNumber(const FlatField* field, double& number) {
-    if (!field || field->kind != FlatKind::Number) return false;
+    if (!field || field->kind != FlatKind::kNumber) return false;
     number = field->number;
     return true;
 }
@@ -30,24 +28,33 @@ bool readRadio(const FlatField* field, std::size_t& radio) {
 
 }  // namespace
 
+std::string writeCommandText(const CommandRequest& command) {
+    std::string text = "{\"id\":\"" + command.id;
+    text += "\",\"com\":" + std::to_string(command.write.radio + 1);
+    text += ",\"slot\":\"" + std::string(slotName(command.write.slot));
+    text += "\",\"target\":" + formatGeneral(command.write.value);
+    text += ",\"created\":" + formatFixed(command.created, 3);
+    return text += "}";
+}
+
+bool readCommandId(const FlatField* field, std::string& id) {
+    if (!field || field->kind != FlatKind::kText || field->text.empty() || field->text.size() > kMaxIdBytes)
+        return false;
+    id = field->text;
+    return std::all_of(id.begin(), id.end(), isIdChar);
+}
+
 std::optional<CommandRequest> parseCommandText(std::string_view text) {
     if (text.size() > kMaxCommandBytes) return std::nullopt;
     const auto fields = readFlatJson(text);
     if (!fields) return std::nullopt;
     CommandRequest command;
     const auto* slot = findField(*fields, "slot");
-    const bool whole = readId(findField(*fields, "id"), command.id) &&
+    const bool whole = readCommandId(findField(*fields, "id"), command.id) &&
                        readRadio(findField(*fields, "com"), command.write.radio) && slot &&
-                       slot->kind == FlatKind::Text && parseSlot(slot->text, command.write.slot) &&
+                       slot->kind == FlatKind::kText && parseSlot(slot->text, command.write.slot) &&
                        readNumber(findField(*fields, "target"), command.write.value) &&
                        readNumber(findField(*fields, "created"), command.created);
     if (!whole) return std::nullopt;
     return command;
-}
-
-std::string lastAckId(std::string_view telemetryText) {
-    std::string id;
-    const auto fields = readFlatJson(telemetryText);
-    if (!fields || !readId(findField(*fields, "ack_id"), id)) return {};
-    return id;
 }

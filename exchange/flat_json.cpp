@@ -9,7 +9,7 @@ constexpr std::size_t kMaxFields = 64;
 constexpr struct {
     std::string_view text;
     FlatKind kind;
-} kWords[] = {{"true", FlatKind::True}, {"false", FlatKind::False}, {"null", FlatKind::Null}};
+} kWords[] = {{"true", FlatKind::kTrue}, {"false", FlatKind::kFalse}, {"null", FlatKind::kNull}};
 
 void skipBlanks(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of(" \t\r\n"), rest.size()));
@@ -44,7 +44,7 @@ std::size_t countDigits(std::string_view text) {
     return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isDigit) - text.begin());
 }
 
-// Moves used past the digits that stand there; false if there are none.
+// Advances used past the digits there; false if there are none.
 bool takeDigits(std::string_view text, std::size_t& used) {
     const auto digits = countDigits(text.substr(used));
     used += digits;
@@ -73,13 +73,13 @@ bool takeNumber(std::string_view& rest, double& number) {
 
 bool takeValue(std::string_view& rest, FlatField& field) {
     skipBlanks(rest);
-    field.kind = FlatKind::Text;
+    field.kind = FlatKind::kText;
     if (rest.starts_with('"')) return takeString(rest, field.text);
     for (const auto& word : kWords) {
         field.kind = word.kind;
         if (take(rest, word.text)) return true;
     }
-    field.kind = FlatKind::Number;
+    field.kind = FlatKind::kNumber;
     return takeNumber(rest, field.number);
 }
 

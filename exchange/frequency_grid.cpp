@@ -18,7 +18,7 @@ bool canStep(std::int32_t startKHz, std::int32_t spacing, FrequencyRange range) 
     return hasGrid(spacing) && isInRange(startKHz, range);
 }
 
-// The channels of the megahertz that begins at baseKHz, as offsets, those outside the range left out.
+// The channels of the megahertz that begins at baseKHz, as offsets, without those outside the range.
 std::vector<std::int32_t> channelOffsets(std::int32_t baseKHz, std::int32_t spacing, FrequencyRange range) {
     std::vector<std::int32_t> offsets;
     for (std::int32_t offset = 0; offset < kMegahertz; offset += 5)

@@ -14,14 +14,14 @@ std::int32_t rounded(float length) {
     return static_cast<std::int32_t>(std::lround(length));
 }
 
-// Not below low, even where low is above high.
+// Never below low, even if low is above high.
 std::int32_t limited(std::int32_t value, std::int32_t low, std::int32_t high) {
     return std::max(low, std::min(value, high));
 }
 
 }  // namespace
 
-ScreenRect placeMessageWindow(const ScreenRect& panel, const ScreenRect& workArea, std::uint32_t dpi) {
+PixelRect placeMessageWindow(const PixelRect& panel, const PixelRect& workArea, std::uint32_t dpi) {
     const float scale = messageScale(dpi);
     const std::int32_t width = rounded(static_cast<float>(kMessageWidth) * scale);
     const std::int32_t height = rounded(static_cast<float>(kMessageHeight) * scale);
@@ -32,19 +32,19 @@ ScreenRect placeMessageWindow(const ScreenRect& panel, const ScreenRect& workAre
     return {x, y, x + width, y + height};
 }
 
-ScreenRect placeMessageWindow(std::int32_t screenWidth, std::int32_t screenHeight) {
+PixelRect placeMessageWindow(std::int32_t screenWidth, std::int32_t screenHeight) {
     const std::int32_t x = screenWidth - kFromRight;
     const std::int32_t y = screenHeight - kFromBottom;
     return {x, y, x + kMessageWidth, y + kMessageHeight};
 }
 
-bool isOnCloseButton(PagePoint at, std::int32_t windowWidth, std::uint32_t dpi) {
+bool isOnCloseButton(PixelPoint at, std::int32_t windowWidth, std::uint32_t dpi) {
     const float scale = messageScale(dpi);
     const auto x = static_cast<float>(windowWidth - at.x);
     const auto y = static_cast<float>(at.y);
     return x <= kCloseFar * scale && x > kCloseNear * scale && y >= kCloseNear * scale && y < kCloseFar * scale;
 }
 
-bool isOnHeader(PagePoint at, std::uint32_t dpi) {
+bool isOnHeader(PixelPoint at, std::uint32_t dpi) {
     return static_cast<float>(at.y) < kHeaderHeight * messageScale(dpi);
 }

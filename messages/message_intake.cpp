@@ -4,14 +4,15 @@
 #include "audio/alert_player.h"
 #include "base/display_text.h"
 #include "base/log_line.h"
+#include "base/utf8.h"
 
 namespace {
 
 constexpr std::size_t kLogBytes = 256;
 constexpr const char* kNoSender = "(unknown)";
 
-// For a log that shows one line an entry: what could break or turn it becomes '?'. Bytes that are not UTF-8 stay. Of
-// the name no more is read than a line can hold.
+// For a log with one line per entry: what could break it or turn its direction becomes '?'. Bytes that are not UTF-8
+// stay. Reads no more of the name than a line can hold.
 std::string harmless(std::string_view name) {
     std::string text;
     std::string_view rest = name.substr(0, kLogBytes);
@@ -24,7 +25,7 @@ std::string harmless(std::string_view name) {
     return text;
 }
 
-// Ends the process when memory is out.
+// Ends the process if memory runs out.
 void storeMessage(const HostText& message, MessageStore& store, std::uint64_t nowMs) noexcept {
     addMessage(store, message.sender ? message.sender : "", message.text, message.target, message.senderId, nowMs);
 }
@@ -38,14 +39,14 @@ void logMessage(const HostText& message, const HostFunctions& host) {
 
 }  // namespace
 
-void playTextAlert(const AlertRooms& rooms) {
-    playTextAlertSound(rooms.host, rooms.settings, rooms.schid, rooms.alertPath);
-    if (copySettings(rooms.settings).text_auto_open) rooms.window.openNewest();
+void playTextAlert(const AlertContext& context) {
+    playTextAlertSound(context.host, context.settings, context.schid, context.alertPath);
+    if (copySettings(context.settings).text_auto_open) context.window.openNewest();
 }
 
-void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock, const AlertRooms& rooms) {
+void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock, const AlertContext& context) {
     if (!message.text || !*message.text) return;
     storeMessage(message, store, clock.tickMs());
-    logMessage(message, rooms.host);
-    playTextAlert(rooms);
+    logMessage(message, context.host);
+    playTextAlert(context);
 }

@@ -20,7 +20,7 @@ class NewestMessageOpener {
 };
 
 // What a new message sets off beside the store; all outlive the call.
-struct AlertRooms {
+struct AlertContext {
     const HostFunctions& host;
     SettingsStore& settings;
     std::uint64_t schid;           // the current server, 0 none
@@ -29,7 +29,7 @@ struct AlertRooms {
 };
 
 // [host] The chime if text_alert is on; the window if text_auto_open is.
-void playTextAlert(const AlertRooms& rooms);
+void playTextAlert(const AlertContext& context);
 
 // As the host hands it over; both texts zero-terminated UTF-8.
 struct HostText {
@@ -39,6 +39,6 @@ struct HostText {
     std::uint16_t senderId = 0;
 };
 
-// [host] Stores the message, logs it, plays the alert. Without memory to store it the process ends: better than a
-// clearance that the pilot believes to have read.
-void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock, const AlertRooms& rooms);
+// [host] Stores the message, logs it, plays the alert. Without memory to store it the process ends: better than losing
+// a clearance that the pilot believes to have read.
+void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock, const AlertContext& context);

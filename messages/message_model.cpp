@@ -2,35 +2,35 @@
 
 void MessageModel::show() {
     screen_.place();
-    rooms_.store.unread = 0;
-    rooms_.isVisible = true;
+    context_.store.unread = 0;
+    context_.isVisible = true;
     refresh();  // before it is seen
     screen_.appear();
 }
 
 void MessageModel::showNewest() {
-    if (rooms_.isVisible) return;
+    if (context_.isVisible) return;
     page_.rewind();
     show();
 }
 
 void MessageModel::toggle() {
-    if (rooms_.isVisible)
+    if (context_.isVisible)
         hide();
     else
         show();
 }
 
 void MessageModel::hide() {
-    rooms_.isVisible = false;  // first: a message that sees the window gone must be able to open it again
+    context_.isVisible = false;  // first: a message that finds the window gone must be able to reopen it
     screen_.vanish();
 }
 
 void MessageModel::refresh() {
-    if (!rooms_.isVisible) return;
+    if (!context_.isVisible) return;
     if (drawn_ != currentLook()) drawPage();
     blinkCursor();
-    screen_.update();  // a key's effect is seen at once, also while more of them wait
+    screen_.update();  // a key's effect is seen at once, even while more keys wait
 }
 
 void MessageModel::pressKey(MessageKey key) {
@@ -44,7 +44,7 @@ void MessageModel::pressKey(MessageKey key) {
         case MessageKey::kPageDown:
             return change_page(-1);
         case MessageKey::kDelete:
-            page_.clear(rooms_.store);
+            page_.clear(context_.store);
             return refresh();
         case MessageKey::kOther:
             return;
@@ -55,8 +55,8 @@ void MessageModel::turnWheel(int delta) {
     change_page(delta < 1 ? -1 : 1);
 }
 
-void MessageModel::movePointer(PagePoint at) {
-    page_.hoverClose(isOnCloseButton(at, screen_.clientWidth(), screen_.dpi()));
+void MessageModel::movePointer(PixelPoint at) {
+    page_.hoverClose(isOnCloseButton(at, screen_.clientWidth(), screen_.screenDpi()));
     refresh();
 }
 
@@ -65,15 +65,15 @@ void MessageModel::leavePointer() {
     refresh();
 }
 
-void MessageModel::pressAt(PagePoint at) {
-    if (isOnCloseButton(at, screen_.clientWidth(), screen_.dpi()))
+void MessageModel::pressAt(PixelPoint at) {
+    if (isOnCloseButton(at, screen_.clientWidth(), screen_.screenDpi()))
         hide();
-    else if (isOnHeader(at, screen_.dpi()))
+    else if (isOnHeader(at, screen_.screenDpi()))
         screen_.dragFrom(at);
 }
 
 void MessageModel::change_page(std::int32_t delta) {
-    page_.change_page(rooms_.store, delta);
+    page_.change_page(context_.store, delta);
     refresh();
 }
 
@@ -82,8 +82,8 @@ void MessageModel::drawPage() {
     drawn_.reset();  // what fails is tried again at the next tick
     const MeasureStyledText measure = screen_.preparePicture();
     if (!measure) return;
-    // Not what is wanted by now: a message may have arrived meanwhile, and is drawn at the next tick.
-    const PageLook shown = page_.layOut(rooms_.store, wanted, {measure, rooms_.localTime, rooms_.clock});
+    // Shows what was laid out, not what was wanted: a message that arrives in between is drawn at the next tick.
+    const PageLook shown = page_.layOut(context_.store, wanted, {measure, context_.localTime, context_.clock});
     screen_.paint(page_.items(shown));
     drawn_ = shown;
     screen_.invalidate();
@@ -91,7 +91,7 @@ void MessageModel::drawPage() {
 
 // Where the cursor was and where it is are painted; the picture below stays.
 void MessageModel::blinkCursor() {
-    const std::optional<PageItem> cursor = page_.cursor(rooms_.clock.tickMs());
+    const std::optional<PageItem> cursor = page_.cursor(context_.clock.tickMs());
     if (cursor == cursor_) return;
     for (const auto& changed : {cursor_, cursor}) {
         if (changed) screen_.invalidate(changed->rect);
@@ -100,5 +100,6 @@ void MessageModel::blinkCursor() {
 }
 
 PageLook MessageModel::currentLook() const {
-    return page_.look(rooms_.store, copySettings(rooms_.settings).text_scale, rooms_.languageIndex, screen_.dpi());
+    return page_.look(context_.store, copySettings(context_.settings).text_scale, context_.languageIndex,
+                      screen_.screenDpi());
 }

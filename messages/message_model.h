@@ -1,6 +1,6 @@
-// message_model.h - what the message window does with requests, keys, the mouse and the passing time, and when what it
-// shows is drawn anew. The window itself only has hands: MessageScreen.
-// [ui] One model, on the thread of its window. The store's lock is taken for a copy.
+// message_model.h - what the message window does with requests, keys, the mouse and the passing time, and when its
+// picture is drawn anew. The window itself only has hands: MessageScreen.
+// [ui] One model, on its window's thread. The store's lock is taken for a copy.
 #pragma once
 #include <atomic>
 #include <cstdint>
@@ -14,8 +14,8 @@
 
 enum class MessageKey { kEscape, kUp, kPageUp, kDown, kPageDown, kDelete, kOther };
 
-// What the model reads and changes beside itself; all outlive it.
-struct MessageRooms {
+// What the model reads and changes beside itself; all of it outlives the model.
+struct MessageContext {
     const Clock& clock;
     SettingsStore& settings;  // text_scale
     MessageStore& store;
@@ -35,37 +35,37 @@ class MessageScreen {
     virtual void place() = 0;   // puts the window where it belongs, shown or not
     virtual void appear() = 0;  // on top of all windows, without the keyboard
     virtual void vanish() = 0;
-    virtual void dragFrom(PagePoint at) = 0;  // as if its caption were pressed there; returns when it has been moved
+    virtual void dragFrom(PixelPoint at) = 0;  // as if its caption were pressed there; returns when it has been moved
     virtual std::int32_t clientWidth() const = 0;  // pixels
-    virtual std::uint32_t dpi() const = 0;
+    virtual std::uint32_t screenDpi() const = 0;
 
-    // Gives the picture the window's size; the function measures text as paint() draws it, until then. None when there
-    // is no room for a picture.
+    // Gives the picture the window's size; the function returned measures text as the next paint() draws it, until
+    // then. Empty if there is no memory for a picture.
     virtual MeasureStyledText preparePicture() = 0;
     virtual void paint(const std::vector<PageItem>& items) = 0;  // covers the picture
-    virtual void invalidate() = 0;                               // all that the window shows is out of date
-    virtual void invalidate(const PageRect& part) = 0;
-    virtual void update() = 0;  // what is out of date is shown at once, not when nothing else is left to do
+    virtual void invalidate() = 0;                               // all that the window shows is now out of date
+    virtual void invalidate(const UnitRect& part) = 0;
+    virtual void update() = 0;  // what is out of date is repainted now, not when the thread is idle
 };
 
 class MessageModel {
   public:
-    MessageModel(const MessageRooms& rooms, MessageScreen& screen) : rooms_(rooms), screen_(screen) {}
+    MessageModel(const MessageContext& context, MessageScreen& screen) : context_(context), screen_(screen) {}
 
-    void show();        // on the page it stands on; all messages count as read
-    void showNewest();  // the same on the newest page; nothing when the window is visible already
+    void show();        // on its current page; all messages count as read
+    void showNewest();  // the same on the newest page; does nothing if the window is already visible
     void toggle();
     void hide();
-    // Has the screen show what has changed; nothing while the window is hidden.
+    // Has the screen show what has changed; does nothing while the window is hidden.
     void refresh();
 
     void pressKey(MessageKey key);
-    void turnWheel(int delta);  // 120 a notch; what is below 1 turns to newer messages
-    void movePointer(PagePoint at);
+    void turnWheel(int delta);  // 120 per notch; below 1 turns to newer messages
+    void movePointer(PixelPoint at);
     void leavePointer();
-    void pressAt(PagePoint at);
+    void pressAt(PixelPoint at);
 
-    // The block that stands above the picture now.
+    // The block that now stands above the picture.
     const std::optional<PageItem>& cursor() const { return cursor_; }
 
   private:
@@ -74,7 +74,7 @@ class MessageModel {
     void blinkCursor();
     PageLook currentLook() const;
 
-    MessageRooms rooms_;
+    MessageContext context_;
     MessageScreen& screen_;
     MessagePage page_;
     std::optional<PageLook> drawn_;  // what the picture shows

@@ -20,7 +20,7 @@ constexpr std::array<std::string_view, 7> kPdcWords = {
     "PDC", "CLR", "CLEARANCE", "SID", "SQUAWK", "CLIMB VIA", "REQUEST",
 };
 
-// The meta line's room, design pixels.
+// The meta line's columns, design pixels.
 constexpr float kTimeLabelLeft = 430.0f;
 constexpr float kTimeRight = 600.0f;
 constexpr float kTimeGap = 2.0f;  // between label and time
@@ -46,8 +46,8 @@ std::u16string targetAndTimeOf(const TextMessage& message, const PageTools& tool
     return displayLine(text);
 }
 
-// Target and time are as wide as the room beside a label of four letters; a longer label, or a wider font than
-// Consolas, leaves them less: then they get smaller.
+// Target and time just fit beside a label of four letters. A longer label or a font wider than Consolas leaves less
+// space: they are then drawn smaller.
 PageTextStyle timeStyleFor(std::u16string_view targetAndTime, std::int32_t language, const PageTools& tools) {
     const std::u16string label = displayLine(textOf(language, kTextTime));
     const float labelWidth = tools.measure(labelStyle(label), label);
@@ -70,7 +70,8 @@ PageLayout layOutMessage(const TextMessage& message, const PageLook& look, const
     const MeasureText measure = [&](std::u16string_view text) { return tools.measure(layout.style, text); };
     layout.visibleRows = static_cast<std::int32_t>(kBodyHeight / (look.textSize * kPageLineHeight));
     const std::size_t maxLines = static_cast<std::size_t>(layout.visibleRows) + 1;
-    for (const auto line : wrapText(layout.text, kWrapWidth, measure, maxLines)) layout.lines.emplace_back(line);
+    for (const auto line : wrapText(layout.text, kWrapWidth, measure, kMessageWrap, maxLines))
+        layout.lines.emplace_back(line);
     if (!layout.lines.empty()) layout.lastLineWidth = measure(layout.lines.back());
     layout.maxScroll = std::max(0, static_cast<std::int32_t>(layout.lines.size()) - layout.visibleRows);
     return layout;

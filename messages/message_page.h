@@ -11,12 +11,13 @@
 #include "base/clock.h"
 #include "messages/message_geometry.h"
 #include "messages/message_store.h"
+#include "ui/geometry.h"
 #include "ui/word_wrap.h"
 
 enum class PageFont { kMono, kChinese, kInterface };
 // "Consolas", "Microsoft YaHei UI", "Segoe UI".
 std::string_view pageFontFamily(PageFont font);
-// All that is ever drawn in the last: close, and more text above and below.
+// All that is ever drawn in kInterface: close, more text above, more text below.
 inline constexpr std::u16string_view kPageSigns = u"\u2715\u25B2\u25BC";
 
 struct PageTextStyle {
@@ -32,23 +33,13 @@ enum class PageItemKind {
     kFrame,  // its outline, one design pixel wide, centred on its edges
     kRule,   // a horizontal line of that width along its top
     kDot,    // the ellipse in it, filled
-    kText,  // one line, vertically centred, cut to the rectangle; aligned right, too wide a text reaches out of it left
+    kText,   // one line, vertically centred, cut to the rectangle; aligned right, it overflows to the left
 };
 enum class PageAlign { kLeft, kCentre, kRight };
 
-// Design pixels.
-struct PageRect {
-    float x = 0.0f;
-    float y = 0.0f;
-    float width = 0.0f;
-    float height = 0.0f;
-
-    bool operator==(const PageRect&) const = default;
-};
-
 struct PageItem {
     PageItemKind kind = PageItemKind::kFill;
-    PageRect rect;
+    UnitRect rect;             // design pixels
     std::uint32_t colour = 0;  // ARGB
     // Of a text.
     std::u16string text = {};
@@ -89,7 +80,7 @@ struct PageTools {
     const Clock& clock;
 };
 
-// Everything about the shown message that paging and new messages change, and nothing else does.
+// The shown message as laid out; kept until the message, the text size, the resolution or the language changes.
 struct PageLayout {
     std::int32_t count = 0;  // messages stored; with 0 nothing below counts
     std::u16string sender;
@@ -99,7 +90,7 @@ struct PageLayout {
     PageTextStyle timeStyle;
     bool isPdc = false;
     std::u16string text;
-    // No input scrolls, so what stands below the rows is never seen: one line more than fits tells that there is more.
+    // No input scrolls, so lines below the last row are never seen: one line too many shows that there is more text.
     std::vector<std::u16string> lines;
     PageTextStyle style;         // of the lines
     float lastLineWidth = 0.0f;  // design pixels
@@ -122,13 +113,13 @@ class MessagePage {
 
     // What is to be shown now. textScale: the setting, in any range.
     PageLook look(const MessageStore& store, float textScale, std::int32_t language, std::uint32_t dpi) const;
-    // Wraps the page's message if another one, or another size, is to be shown than before; moves the page to where
-    // there are messages. What is laid out then: messages that arrive meanwhile are not in it.
+    // Lays the page's message out anew if that is out of date; moves the page to where there are messages. Returns the
+    // look that was laid out: messages that arrive meanwhile are not in it.
     PageLook layOut(MessageStore& store, const PageLook& look, const PageTools& tools);
-    // From back to front; the look as layOut() returned it.
+    // From back to front; the look as returned by layOut().
     std::vector<PageItem> items(const PageLook& look) const;
-    // The block after the last line, half a second in two: on top of everything. Nothing while it is dark, where the
-    // text goes on below the last row, and on the empty page.
+    // The block after the last line, lit for every other half second: on top of everything. Nothing while it is dark,
+    // if the text goes on below the last row, and on the empty page.
     std::optional<PageItem> cursor(std::uint64_t nowMs) const;
 
     std::int32_t page() const { return page_; }  // 0 the newest
@@ -158,5 +149,5 @@ class MessagePage {
 // The style of the labels of the meta line: the fixed-pitch font has no Chinese, Japanese or Korean.
 PageTextStyle labelStyle(std::u16string_view label);
 
-// A departure clearance by its words, wherever they stand, also within others: bytes are compared, a-z as A-Z.
+// Whether the text has a word of a departure clearance, even inside another word: bytes are compared, a-z as A-Z.
 bool isPdc(std::string_view text);

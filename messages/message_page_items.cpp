@@ -15,11 +15,11 @@ constexpr std::uint32_t kDimGreen = 0xFF4E8F69;
 constexpr std::uint32_t kBrightGreen = 0xFF86E8AC;
 constexpr std::uint32_t kRed = 0xFFFF6B6B;
 
-constexpr PageRect kWindow = {0, 0, 620, 400};
+constexpr UnitRect kWindow = {0, 0, 620, 400};
 constexpr float kBodyLeft = 20.0f;
 constexpr float kBodyTop = 72.0f;
 constexpr float kBodyWidth = 580.0f;
-constexpr float kCursorRoom = 0.6f;  // of the text's size, as all below
+constexpr float kCursorRoom = 0.6f;  // of the text's size, like all below
 constexpr float kCursorTop = 0.15f;
 constexpr float kCursorWidth = 0.55f;
 constexpr float kCursorHeight = 0.95f;
@@ -38,17 +38,17 @@ constexpr PageTextStyle interfaceText(float size) {
     return {PageFont::kInterface, size, false};
 }
 
-PageItem shape(PageItemKind kind, const PageRect& rect, std::uint32_t colour) {
+PageItem shape(PageItemKind kind, const UnitRect& rect, std::uint32_t colour) {
     return {kind, rect, colour};
 }
 
-PageItem textItem(std::u16string text, const PageRect& rect, const PageTextStyle& style, std::uint32_t colour,
+PageItem textItem(std::u16string text, const UnitRect& rect, const PageTextStyle& style, std::uint32_t colour,
                   PageAlign align = PageAlign::kLeft) {
     return {PageItemKind::kText, rect, colour, std::move(text), style, align};
 }
 
 // A label in the language of the plugin's windows.
-PageItem label(std::int32_t language, int entry, const PageRect& rect) {
+PageItem label(std::int32_t language, int entry, const UnitRect& rect) {
     std::u16string text = displayLine(textOf(language, entry));
     const PageTextStyle style = labelStyle(text);
     return textItem(std::move(text), rect, style, kDimGreen);
@@ -81,7 +81,7 @@ void addEmptyHint(std::vector<PageItem>& items, const PageLook& look) {
 void addMetaLine(std::vector<PageItem>& items, const PageLook& look, const PageLayout& layout) {
     items.push_back(label(look.language, kTextFrom, {16, 44, 60, 18}));
     const std::u16string sender = layout.sender.empty() ? u"UNKNOWN" : layout.sender;
-    // A name that would run into the time's label ends before it.
+    // A name that would run into the time's label is cut off before it.
     const float senderWidth = layout.isSenderLong ? 348.0f : 400.0f;
     items.push_back(textItem(sender, {76, 44, senderWidth, 18}, layout.senderStyle, kBrightGreen));
     items.back().isShortened = layout.isSenderLong;
@@ -90,7 +90,7 @@ void addMetaLine(std::vector<PageItem>& items, const PageLook& look, const PageL
         textItem(layout.targetAndTime, {478, 44, 122, 18}, layout.timeStyle, kBrightGreen, PageAlign::kRight));
 }
 
-PageRect rowRect(const PageLayout& layout, std::int32_t row) {
+UnitRect rowRect(const PageLayout& layout, std::int32_t row) {
     const float height = layout.style.size * kPageLineHeight;
     return {kBodyLeft, kBodyTop + static_cast<float>(row) * height, kBodyWidth, height};
 }
@@ -144,7 +144,7 @@ std::optional<PageItem> MessagePage::cursor(std::uint64_t nowMs) const {
     if (!isLit || layout_.count == 0 || scroll_ != layout_.maxScroll) return std::nullopt;
     const std::int32_t last = static_cast<std::int32_t>(layout_.lines.size()) - 1 - scroll_;
     const bool isVisible = last >= 0 && last < layout_.visibleRows;
-    const PageRect row = rowRect(layout_, isVisible ? last : layout_.visibleRows - 1);
+    const UnitRect row = rowRect(layout_, isVisible ? last : layout_.visibleRows - 1);
     const float size = layout_.style.size;
     return shape(PageItemKind::kFill,
                  {kBodyLeft + std::min(kBodyWidth - kCursorRoom * size, layout_.lastLineWidth),

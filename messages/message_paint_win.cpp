@@ -1,24 +1,23 @@
 #include "messages/message_paint_win.h"
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cwchar>
 #include "base/wide_text_win.h"
 #include "ui/shapes.h"
+#include "ui/text_fonts_win.h"
 
 namespace {
 
-constexpr float kMoreRoom = 200.0f;  // design pixels, for a text that is aligned right
+constexpr float kMoreRoom = 200.0f;  // design pixels, for right-aligned text
 
-// Has the signs that the fonts of texts lack: part of every Windows since 7; the other of most that imitate it.
-constexpr const WCHAR* kSymbolFamilies[] = {L"Segoe UI Symbol", L"DejaVu Sans"};
+// These have the signs that the text fonts lack: every Windows since 7 has the first, most of its imitators the second.
+constexpr std::string_view kSymbolFamilies[] = {"Segoe UI Symbol", "DejaVu Sans"};
 
 const WCHAR* wide(const char16_t* text) {
     static_assert(sizeof(WCHAR) == sizeof(char16_t));
     return reinterpret_cast<const WCHAR*>(text);
 }
 
-// As text is measured and drawn: on one line, as far as its letters reach, spaces at the end counted.
+// How text is measured and drawn: on one line, as far as its letters reach, trailing spaces included.
 void prepareFormat(Gdiplus::StringFormat& format) {
     format.SetFormatFlags(Gdiplus::StringFormatFlagsNoWrap | Gdiplus::StringFormatFlagsMeasureTrailingSpaces |
                           Gdiplus::StringFormatFlagsNoFitBlackBox);
@@ -47,7 +46,7 @@ class Shapes {
 
     void draw(const PageItem& item) {
         const Gdiplus::SolidBrush brush(Gdiplus::Color(item.colour));
-        const PageRect& rect = item.rect;
+        const UnitRect& rect = item.rect;
         const RECT area = pagePixels(rect, scale_);
         const int width = area.right - area.left;
         if (item.kind == PageItemKind::kFill)
@@ -60,7 +59,7 @@ class Shapes {
     int lineWidth() const { return std::max(1, pixelsOf(1.0f, scale_)); }
 
     // The line's middle is the rectangle's edge: it covers half a design pixel on either side.
-    void drawFrame(const Gdiplus::SolidBrush& brush, const PageRect& rect) {
+    void drawFrame(const Gdiplus::SolidBrush& brush, const UnitRect& rect) {
         const RECT area = pagePixels({rect.x - 0.5f, rect.y - 0.5f, rect.width + 1.0f, rect.height + 1.0f}, scale_);
         const int left = area.left;
         const int top = area.top;
@@ -77,11 +76,11 @@ class Shapes {
     float scale_;
 };
 
-// Not by GDI+: where it draws into a device context its edges may be rough.
+// Not with GDI+, whose edges may be rough when it draws into a device context.
 void drawDot(const ArgbView& view, const PageItem& item, float scale) {
-    const PanelRect dot = {item.rect.x * scale, item.rect.y * scale, item.rect.width * scale, item.rect.height * scale};
+    const UnitRect dot = {item.rect.x * scale, item.rect.y * scale, item.rect.width * scale, item.rect.height * scale};
     GdiFlush();  // before our own code touches the pixels
-    forEachPixel(intersectRects(pixelsAround(dot, 1.0f), view.bounds()), [&](int x, int y, PanelPoint point) {
+    forEachPixel(intersectRects(pixelsAround(dot, 1.0f), view.bounds()), [&](int x, int y, UnitPoint point) {
         const std::uint32_t colour = premultiplied(item.colour, coverageOf(ellipseDistance(dot, point)));
         view.row(y)[x] = blendOver(view.row(y)[x], colour);
     });
@@ -94,41 +93,26 @@ void drawText(Gdiplus::Graphics& graphics, const PageItem& item, const Gdiplus::
     if (item.isShortened) format.SetTrimming(Gdiplus::StringTrimmingEllipsisCharacter);
     const Gdiplus::SolidBrush brush(Gdiplus::Color(item.colour));
     Gdiplus::RectF box(item.rect.x, item.rect.y, item.rect.width, item.rect.height);
-    if (item.align == PageAlign::kRight) {  // GDI+ would cut the end off, which is what counts
+    if (item.align == PageAlign::kRight) {  // GDI+ would cut off the end, which is what counts
         box.X -= kMoreRoom;
         box.Width += kMoreRoom;
     }
     graphics.DrawString(wide(item.text.c_str()), static_cast<INT>(item.text.size()), &font, box, &format, &brush);
 }
 
-bool hasSigns(const WCHAR* family) {
-    LOGFONTW description = {};
-    description.lfCharSet = DEFAULT_CHARSET;
-    std::wcsncpy(description.lfFaceName, family, LF_FACESIZE - 1);
-    const HDC dc = CreateCompatibleDC(nullptr);
-    const HFONT font = CreateFontIndirectW(&description);
-    const HGDIOBJ before = SelectObject(dc, font);
-    std::array<WORD, kPageSigns.size()> glyphs = {};
-    const DWORD count = GetGlyphIndicesW(dc, wide(kPageSigns.data()), static_cast<int>(kPageSigns.size()),
-                                         glyphs.data(), GGI_MARK_NONEXISTING_GLYPHS);
-    SelectObject(dc, before);
-    DeleteObject(font);
-    DeleteDC(dc);
-    return count == glyphs.size() && std::find(glyphs.begin(), glyphs.end(), 0xFFFF) == glyphs.end();
-}
-
-// The interface font draws signs only, and may have to leave them to another.
-std::wstring familyFor(PageFont font) {
-    std::wstring named = wideFromUtf8(pageFontFamily(font));
-    if (font != PageFont::kInterface || hasSigns(named.c_str())) return named;
-    for (const WCHAR* family : kSymbolFamilies) {
-        if (hasSigns(family) && Gdiplus::FontFamily(family).IsAvailable()) return family;
+// The interface font draws only signs, which may need another of the fonts that this thread's GDI+ has.
+std::wstring familyOf(PageFont font) {
+    const std::string_view named = pageFontFamily(font);
+    if (font != PageFont::kInterface) return wideFromUtf8(named);
+    std::vector<std::string_view> families = {named};
+    for (const std::string_view family : kSymbolFamilies) {
+        if (Gdiplus::FontFamily(wideFromUtf8(family).c_str()).IsAvailable()) families.push_back(family);
     }
-    return named;
+    return wideFromUtf8(familyFor(families, kPageSigns));
 }
 
 std::unique_ptr<Gdiplus::Font> makeFont(const PageTextStyle& style) {
-    const Gdiplus::FontFamily named(familyFor(style.font).c_str());
+    const Gdiplus::FontFamily named(familyOf(style.font).c_str());
     const Gdiplus::FontFamily* generic = style.font == PageFont::kMono ? Gdiplus::FontFamily::GenericMonospace()
                                                                        : Gdiplus::FontFamily::GenericSansSerif();
     auto font = std::make_unique<Gdiplus::Font>(named.IsAvailable() ? &named : generic, style.size,
@@ -139,7 +123,7 @@ std::unique_ptr<Gdiplus::Font> makeFont(const PageTextStyle& style) {
 
 }  // namespace
 
-RECT pagePixels(const PageRect& rect, float scale) {
+RECT pagePixels(const UnitRect& rect, float scale) {
     return {pixelsOf(rect.x, scale), pixelsOf(rect.y, scale), pixelsOf(rect.x + rect.width, scale),
             pixelsOf(rect.y + rect.height, scale)};
 }

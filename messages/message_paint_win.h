@@ -8,18 +8,18 @@
 #include "ui/gdiplus_win.h"
 #include "ui/memory_surface_win.h"
 
-// [ui] Lives while the thread's GDI+ does. What cannot be made (a font, a brush) is left out of the picture.
+// [ui] Must not outlive the thread's GDI+. What cannot be made (a font, a brush) is left out of the picture.
 class MessagePainter {
   public:
     void paint(const MemorySurface& surface, float scale, const std::vector<PageItem>& items);
     const Gdiplus::Font* fontFor(const PageTextStyle& style);
 
   private:
-    std::vector<std::pair<PageTextStyle, std::unique_ptr<Gdiplus::Font>>> fonts_;  // all that were ever needed: a dozen
+    std::vector<std::pair<PageTextStyle, std::unique_ptr<Gdiplus::Font>>> fonts_;  // all fonts ever needed: a dozen
 };
 
-// Measures as the painter draws: the same fonts, surface and scale. [ui] For one layout; the surface is not resized
-// meanwhile.
+// Measures as the painter draws: the same fonts, surface and scale. [ui] For one layout, during which the surface is
+// not resized.
 class TextMeasurer {
   public:
     TextMeasurer(MessagePainter& painter, const MemorySurface& surface, float scale);
@@ -32,4 +32,4 @@ class TextMeasurer {
 };
 
 // The pixels that a rectangle of the page covers.
-RECT pagePixels(const PageRect& rect, float scale);
+RECT pagePixels(const UnitRect& rect, float scale);

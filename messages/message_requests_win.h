@@ -1,5 +1,5 @@
-// message_requests_win.h - what every thread may know of the message window and ask of it. The UI thread carries a
-// request out when it comes to it; nothing is answered, and without a window a request is lost.
+// message_requests_win.h - what every thread may know of the message window and ask of it. The UI thread carries out
+// each request in turn; none is answered, and without a window a request is lost.
 #pragma once
 #include <windows.h>
 #include <atomic>
@@ -11,8 +11,8 @@ struct MessageWindowLink {
 
 // Posted to the window (class "CorvalisTextMessage"); no parameters.
 enum MessageWindowRequest : UINT {
-    kShowMessages = WM_APP + 1,  // show it beside the panel, on the page it stands on; all messages count as read
-    kShowNewestMessage,          // the same on the newest page; nothing when the window is visible already
+    kShowMessages = WM_APP + 1,  // show it beside the panel, on its current page; all messages count as read
+    kShowNewestMessage,          // the same on the newest page; does nothing if the window is already visible
     kToggleMessages,             // hide it when it is visible, show it otherwise
     kHideMessages,
     kRepaintMessages,  // look for a change now rather than at the next tick

@@ -25,7 +25,7 @@ std::int32_t clearMessages(MessageStore& store) {
 }
 
 MessageSnapshot copyMessages(MessageStore& store) {
-    // Counters first: a message that arrives in between is laid out again for its own revision.
+    // Counters first: a message that arrives in between is laid out once more, for its own revision.
     MessageSnapshot snapshot{{}, store.unread, store.revision};
     const MutexLock lock(store.mutex);
     snapshot.messages = store.messages;

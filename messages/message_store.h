@@ -29,15 +29,15 @@ struct TextMessage {
 struct MessageStore {
     Mutex mutex;
     std::deque<TextMessage> messages GUARDED_BY(mutex);  // oldest first
-    std::atomic<std::int32_t> unread{0};                 // [host][dialog] +1 a message; [ui] 0 when seen; [any] loads
-    std::atomic<std::uint32_t> revision{0};              // +1 a change of the queue; [any] loads
+    std::atomic<std::int32_t> unread{0};                 // [host][dialog] +1 per message; [ui] 0 when seen; [any] loads
+    std::atomic<std::uint32_t> revision{0};              // +1 per change of the queue; [any] loads
 };
 
 // [any] Keeps a message and drops the oldest when there are too many; an empty text is ignored.
 void addMessage(MessageStore& store, std::string_view sender, std::string_view text, std::uint32_t target,
                 std::uint16_t senderId, std::uint64_t nowMs);
 
-// [any] Forgets all messages; how many of them were unread.
+// [any] Forgets all messages; returns how many were unread.
 std::int32_t clearMessages(MessageStore& store);
 
 // What a window shows: the messages, oldest first, with the counters.

@@ -8,16 +8,11 @@
 namespace {
 
 constexpr const wchar_t* kMessageTitle = L"Corvalis Text";
-constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerMs = 33;
 constexpr BYTE kOpaque = 255;
 
 COLORREF colourOf(const PageItem& item) {
     return RGB(item.colour >> 16U & 0xFFU, item.colour >> 8U & 0xFFU, item.colour & 0xFFU);
-}
-
-PagePoint pointOf(LPARAM position) {
-    return {GET_X_LPARAM(position), GET_Y_LPARAM(position)};
 }
 
 MessageKey keyOf(WPARAM key) {
@@ -41,42 +36,30 @@ MessageKey keyOf(WPARAM key) {
 
 }  // namespace
 
-MessageWindow::MessageWindow(const UiRooms& rooms)
-    : rooms_(rooms),
-      model_({rooms.clock, rooms.settings, rooms.messages, rooms.languageIndex, rooms.messageWindow.isVisible,
-              localTimeOf},
+MessageWindow::MessageWindow(const MessageWindowContext& context)
+    : context_(context),
+      model_({.clock = context.clock,
+              .settings = context.settings,
+              .store = context.store,
+              .languageIndex = context.languageIndex,
+              .isVisible = context.link.isVisible,
+              .localTime = localTimeOf},
              *this) {}
 
-MessageWindow::~MessageWindow() {
-    if (window_) DestroyWindow(window_);
-}
-
 void MessageWindow::create() {
-    CreateWindowExW(WS_EX_LAYERED | WS_EX_TOOLWINDOW | WS_EX_TOPMOST, kMessageClass, kMessageTitle, WS_POPUP, 0, 0,
-                    kMessageWidth, kMessageHeight, nullptr, nullptr, rooms_.module, this);
-}
-
-LRESULT CALLBACK MessageWindow::wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
-    if (message == WM_NCCREATE) {
-        const auto* create = pointerFrom<CREATESTRUCTW>(lParam);
-        static_cast<MessageWindow*>(create->lpCreateParams)->window_ = window;
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
-    }
-    auto* self = pointerFrom<MessageWindow>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    try {
-        if (self) return self->onMessage(message, wParam, lParam);
-    } catch (...) {
-        // Out of memory while carrying a message out: the message is lost, the window stays.
-    }
-    return DefWindowProcW(window, message, wParam, lParam);
+    createWindow({.module = context_.module,
+                  .className = kMessageClass,
+                  .title = kMessageTitle,
+                  .style = WS_POPUP,
+                  .extendedStyle = WS_EX_LAYERED | WS_EX_TOOLWINDOW | WS_EX_TOPMOST,
+                  .place = {},
+                  .size = {kMessageWidth, kMessageHeight}});
 }
 
 LRESULT MessageWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_CREATE:
             return onCreate();
-        case WM_DESTROY:
-            return onDestroy();
         case WM_CLOSE:
         case kHideMessages:
             model_.hide();
@@ -118,74 +101,63 @@ LRESULT MessageWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             model_.toggle();
             return 0;
         default:
-            return DefWindowProcW(window_, message, wParam, lParam);
+            return doDefault(message, wParam, lParam);
     }
 }
 
 LRESULT MessageWindow::onCreate() {
-    // A layered window appears only once it has been told how.
-    SetLayeredWindowAttributes(window_, 0, kOpaque, LWA_ALPHA);
-    rooms_.messageWindow.window = window_;
+    // A layered window only appears once its opacity is set.
+    SetLayeredWindowAttributes(window(), 0, kOpaque, LWA_ALPHA);
+    context_.link.window = window();
     return 0;
 }
 
-LRESULT MessageWindow::onDestroy() {
-    KillTimer(window_, kTimer);
-    SetWindowLongPtrW(window_, GWLP_USERDATA, 0);  // later messages find only the default procedure
-    rooms_.messageWindow.window = nullptr;
-    rooms_.messageWindow.isVisible = false;
-    window_ = nullptr;
-    return 0;
+void MessageWindow::onDestroyed() {
+    context_.link.window = nullptr;
+    context_.link.isVisible = false;
 }
 
-// Nobody sees a hidden window change: the timer runs while it is shown.
+// Nobody sees a hidden window change: the timer runs only while it is shown.
 LRESULT MessageWindow::onShowWindow(bool isShown) {
     if (isShown)
-        SetTimer(window_, kTimer, kTimerMs, nullptr);
+        startTimer(kTimerMs);
     else
-        KillTimer(window_, kTimer);
+        stopTimer();
     return 0;
 }
 
-LRESULT MessageWindow::onMouseMove(PagePoint at) {
+LRESULT MessageWindow::onMouseMove(PixelPoint at) {
     model_.movePointer(at);
-    if (!isTrackingMouse_) {
-        TRACKMOUSEEVENT leave = {sizeof leave, TME_LEAVE, window_, 0};
-        isTrackingMouse_ = TrackMouseEvent(&leave) != FALSE;
-    }
+    trackMouseLeave();
     return 0;
 }
 
 LRESULT MessageWindow::onMouseLeave() {
-    isTrackingMouse_ = false;
     model_.leavePointer();
     return 0;
 }
 
 LRESULT MessageWindow::onDpiChanged(const RECT& suggested) {
-    if (!isPlacing_) {
-        SetWindowPos(window_, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
-                     suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    }
+    if (!isPlacing_) moveTo(pixelRectOf(suggested));
     model_.refresh();
     return 0;
 }
 
 LRESULT MessageWindow::onPaint() {
     PAINTSTRUCT paint;
-    drawOnto(BeginPaint(window_, &paint));
-    EndPaint(window_, &paint);
+    drawOnto(BeginPaint(window(), &paint));
+    EndPaint(window(), &paint);
     return 0;
 }
 
-// For whoever wants the window's picture without the screen: what is in front of it does not matter.
+// The window's picture without the screen, whatever is in front of it.
 LRESULT MessageWindow::onPrint(HDC dc) {
     drawOnto(dc);
     return 0;
 }
 
 void MessageWindow::drawOnto(HDC dc) const {
-    if (surface_.dc()) BitBlt(dc, 0, 0, surface_.view().width, surface_.view().height, surface_.dc(), 0, 0, SRCCOPY);
+    surface_.copyTo(dc);
     if (!model_.cursor()) return;
     const RECT block = pagePixels(model_.cursor()->rect, messageScale(dpi()));
     const HBRUSH brush = CreateSolidBrush(colourOf(*model_.cursor()));
@@ -194,43 +166,37 @@ void MessageWindow::drawOnto(HDC dc) const {
 }
 
 void MessageWindow::place() {
-    const ScreenRect place = findPlace();
+    const PixelRect place = findPlace();
     isPlacing_ = true;
-    SetWindowPos(window_, HWND_TOPMOST, place.left, place.top, place.right - place.left, place.bottom - place.top,
+    SetWindowPos(window(), HWND_TOPMOST, place.left, place.top, place.right - place.left, place.bottom - place.top,
                  SWP_NOACTIVATE);
     isPlacing_ = false;
 }
 
 void MessageWindow::appear() {
-    ShowWindow(window_, SW_SHOWNOACTIVATE);
-    SetWindowPos(window_, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    ShowWindow(window(), SW_SHOWNOACTIVATE);
+    SetWindowPos(window(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 void MessageWindow::vanish() {
-    ShowWindow(window_, SW_HIDE);
+    ShowWindow(window(), SW_HIDE);
 }
 
-void MessageWindow::dragFrom(PagePoint at) {
-    POINT screen = {at.x, at.y};
-    ClientToScreen(window_, &screen);
-    ReleaseCapture();
-    SendMessageW(window_, WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(screen.x, screen.y));
+void MessageWindow::dragFrom(PixelPoint at) {
+    dragByCaption(at);
 }
 
 std::int32_t MessageWindow::clientWidth() const {
-    RECT client = {};
-    GetClientRect(window_, &client);
-    return client.right;
+    return clientSize().width;
 }
 
-std::uint32_t MessageWindow::dpi() const {
-    return GetDpiForWindow(window_);
+std::uint32_t MessageWindow::screenDpi() const {
+    return dpi();
 }
 
 MeasureStyledText MessageWindow::preparePicture() {
-    RECT client = {};
-    GetClientRect(window_, &client);
-    if (!surface_.resize(client.right, client.bottom)) return nullptr;
+    const PixelSize client = clientSize();
+    if (!surface_.resize(client.width, client.height)) return nullptr;
     const auto measurer = std::make_shared<TextMeasurer>(painter_, surface_, messageScale(dpi()));
     return [measurer](const PageTextStyle& style, std::u16string_view text) { return measurer->measure(style, text); };
 }
@@ -240,20 +206,20 @@ void MessageWindow::paint(const std::vector<PageItem>& items) {
 }
 
 void MessageWindow::invalidate() {
-    InvalidateRect(window_, nullptr, FALSE);
+    InvalidateRect(window(), nullptr, FALSE);
 }
 
-void MessageWindow::invalidate(const PageRect& part) {
+void MessageWindow::invalidate(const UnitRect& part) {
     const RECT area = pagePixels(part, messageScale(dpi()));
-    InvalidateRect(window_, &area, FALSE);
+    InvalidateRect(window(), &area, FALSE);
 }
 
 void MessageWindow::update() {
-    UpdateWindow(window_);
+    UpdateWindow(window());
 }
 
-ScreenRect MessageWindow::findPlace() const {
-    const HWND panel = rooms_.panel_window;
+PixelRect MessageWindow::findPlace() const {
+    const HWND panel = context_.neighbour;
     RECT rect = {};
     if (!panel || !GetWindowRect(panel, &rect))
         return placeMessageWindow(GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));

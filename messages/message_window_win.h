@@ -5,28 +5,37 @@
 #include "messages/message_model.h"
 #include "messages/message_paint_win.h"
 #include "messages/message_requests_win.h"
-#include "panel/ui_rooms_win.h"
 #include "ui/memory_surface_win.h"
+#include "ui/window_win.h"
 
 inline constexpr const wchar_t* kMessageClass = L"CorvalisTextMessage";
 
-// [ui] One window, created once and hidden; its class is registered by the thread. Needs the thread's GDI+.
-class MessageWindow final : private MessageScreen {
-  public:
-    explicit MessageWindow(const UiRooms& rooms);
-    ~MessageWindow() override;
+// What the window works with; all of it outlives the window.
+struct MessageWindowContext {
+    HINSTANCE module = nullptr;
+    const Clock& clock;
+    SettingsStore& settings;
+    MessageStore& store;
+    MessageWindowLink& link;  // what the others know of it
+    const std::atomic<std::int32_t>& languageIndex;
+    const std::atomic<HWND>& neighbour;  // the window beside which it opens; null while there is none
+};
 
-    // Goes on without a window when the system has none: every request is then lost.
+// [ui] One window, created once and hidden; its class is registered by the thread. Needs the thread's GDI+.
+class MessageWindow final : private Window, private MessageScreen {
+  public:
+    explicit MessageWindow(const MessageWindowContext& context);
+    ~MessageWindow() override { destroyWindow(); }
+
+    // Goes on without a window if the system has none left: every request is then lost.
     void create();
 
-    static LRESULT CALLBACK wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-
   private:
-    LRESULT onMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT onMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void onDestroyed() override;
     LRESULT onCreate();
-    LRESULT onDestroy();
     LRESULT onShowWindow(bool isShown);
-    LRESULT onMouseMove(PagePoint at);
+    LRESULT onMouseMove(PixelPoint at);
     LRESULT onMouseLeave();
     LRESULT onDpiChanged(const RECT& suggested);
     LRESULT onPaint();
@@ -35,22 +44,20 @@ class MessageWindow final : private MessageScreen {
     void place() override;
     void appear() override;
     void vanish() override;
-    void dragFrom(PagePoint at) override;
+    void dragFrom(PixelPoint at) override;
     std::int32_t clientWidth() const override;
-    std::uint32_t dpi() const override;
+    std::uint32_t screenDpi() const override;
     MeasureStyledText preparePicture() override;
     void paint(const std::vector<PageItem>& items) override;
     void invalidate() override;
-    void invalidate(const PageRect& part) override;
+    void invalidate(const UnitRect& part) override;
     void update() override;
 
     void drawOnto(HDC dc) const;
-    ScreenRect findPlace() const;
+    PixelRect findPlace() const;
 
-    UiRooms rooms_;
-    HWND window_ = nullptr;
-    bool isPlacing_ = false;  // place() gives it its size: the system's suggestions do not count
-    bool isTrackingMouse_ = false;
+    MessageWindowContext context_;
+    bool isPlacing_ = false;  // place() sets the size: the system's suggestions are ignored
     MessagePainter painter_;
     MemorySurface surface_;
     MessageModel model_;

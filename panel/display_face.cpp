@@ -46,12 +46,12 @@ std::uint32_t litPixel(std::uint32_t colour, float distance, float reach, float 
 
 // The distance to the nearest of the segments whose bit is set; far away when there is none.
 float segmentsDistance(const std::array<SegmentOutline, kSegmentCount>& outlines, std::uint8_t segments,
-                       PanelPoint point) {
+                       UnitPoint point) {
     float nearest = 1e9f;
     for (std::size_t i = 0; i < outlines.size(); i++) {
         if ((segments >> i & 1U) == 0) continue;
-        const std::span<const PanelPoint> corners(outlines[i].corners.data(),
-                                                  static_cast<std::size_t>(outlines[i].count));
+        const std::span<const UnitPoint> corners(outlines[i].corners.data(),
+                                                 static_cast<std::size_t>(outlines[i].count));
         nearest = std::min(nearest, convexDistance(corners, point));
     }
     return nearest;
@@ -62,11 +62,11 @@ float segmentsDistance(const std::array<SegmentOutline, kSegmentCount>& outlines
 DisplayFace::DisplayFace(std::int32_t theme, float scale) : theme_(theme) {
     const ThemeLayout& layout = themeLayout(theme);
     for (std::size_t i = 0; i < rects_.size(); i++) {
-        const PanelRect& display = layout.displays[i];
+        const UnitRect& display = layout.displays[i];
         rects_[i] = {(display.x - layout.origin.x) * scale, (display.y - layout.origin.y) * scale,
                      display.width * scale, display.height * scale};
     }
-    // Both displays of a theme are equally high, which is what the digits' size goes by.
+    // Both displays of a theme have the same height, which decides the digits' size.
     const FrequencyCells cells = layoutFrequency(rects_[0]);
     const float height = cells.digits[0].height;
     margin_ = static_cast<std::int32_t>(std::ceil(kGlowReach * height)) + 1;
@@ -88,7 +88,7 @@ ArgbImage DisplayFace::paintDigit(std::size_t index, FrequencyState state) const
     const std::uint8_t lit = segmentsOf(characterOf(index));
     const std::uint32_t colour = digitColour(theme_, state);
     const float reach = kGlowReach * cell_.height;
-    forEachPixel(image.bounds(), [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+    forEachPixel(image.bounds(), [&](std::int32_t x, std::int32_t y, UnitPoint point) {
         const float unlit = coverageOf(segmentsDistance(outlines, static_cast<std::uint8_t>(~lit), point));
         const std::uint32_t ground = premultiplied(colour, style.unlitShare * unlit);
         const std::uint32_t light =
@@ -103,7 +103,7 @@ ArgbImage DisplayFace::paintPoint(FrequencyState state) const {
                     static_cast<std::int32_t>(std::ceil(cell_.height)) + 2 * margin_);
     const std::uint32_t colour = digitColour(theme_, state);
     const float reach = kGlowReach * cell_.height;
-    forEachPixel(image.bounds(), [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+    forEachPixel(image.bounds(), [&](std::int32_t x, std::int32_t y, UnitPoint point) {
         const float distance = roundedRectDistance(point_, point_.width * 0.25f, point);
         image.row(y)[x] = litPixel(colour, distance, reach, glowStrength(state));
     });
@@ -119,11 +119,11 @@ const ArgbImage& DisplayFace::glyph(std::size_t index, FrequencyState state) {
 void DisplayFace::drawUnderline(const ArgbView& target, std::int32_t left, std::int32_t top,
                                 const PixelRect& clip) const {
     const float thickness = std::max(1.0f, kUnderlineThickness * cell_.height);
-    const PanelRect line = {static_cast<float>(left), static_cast<float>(top) + cell_.height * (1 + kUnderlineDistance),
-                            static_cast<float>(5 * pitch_ + pointPitch_) + cell_.width, thickness};
+    const UnitRect line = {static_cast<float>(left), static_cast<float>(top) + cell_.height * (1 + kUnderlineDistance),
+                           static_cast<float>(5 * pitch_ + pointPitch_) + cell_.width, thickness};
     const std::uint32_t colour = digitColour(theme_, FrequencyState::kPending);
     const PixelRect area = intersectRects(intersectRects(pixelsAround(line, 1.0f), clip), target.bounds());
-    forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+    forEachPixel(area, [&](std::int32_t x, std::int32_t y, UnitPoint point) {
         const float share = 0.8f * coverageOf(roundedRectDistance(line, thickness / 2, point));
         target.row(y)[x] = blendOver(target.row(y)[x], premultiplied(colour, share));
     });
@@ -131,7 +131,7 @@ void DisplayFace::drawUnderline(const ArgbView& target, std::int32_t left, std::
 
 void DisplayFace::draw(const ArgbView& target, std::size_t display, const FrequencyPicture& frequency,
                        const PixelRect& clip) {
-    const PanelRect& rect = rects_[display];
+    const UnitRect& rect = rects_[display];
     const PixelRect glass = intersectRects(clip, pixelsAround(rect, 0.0f));
     const float whole = static_cast<float>(5 * pitch_ + pointPitch_) + cell_.width;
     const std::int32_t left = roundToPixel(rect.x + (rect.width - whole) / 2);

@@ -1,5 +1,5 @@
-// display_face.h - the digits of one theme's two frequency displays at one scale. A digit is painted once, when it is
-// first shown, and stamped from then on; cells stand on whole pixels at one pitch, so every digit is equally crisp.
+// display_face.h - the digits of one theme's two frequency displays at one scale. A digit is painted once, when first
+// shown, and stamped from then on; cells start on whole pixels at one pitch, so every digit is equally crisp.
 // [ui] The painted digits are kept without a lock.
 #pragma once
 #include <array>
@@ -12,7 +12,7 @@ class DisplayFace {
     DisplayFace(std::int32_t theme, float scale);
 
     // The pixels of display 0 or 1.
-    const PanelRect& rect(std::size_t display) const { return rects_[display]; }
+    const UnitRect& rect(std::size_t display) const { return rects_[display]; }
     // Draws a frequency into display 0 or 1, whose ground is drawn already.
     void draw(const ArgbView& target, std::size_t display, const FrequencyPicture& frequency, const PixelRect& clip);
 
@@ -26,9 +26,9 @@ class DisplayFace {
     void drawUnderline(const ArgbView& target, std::int32_t left, std::int32_t top, const PixelRect& clip) const;
 
     std::int32_t theme_;
-    std::array<PanelRect, 2> rects_;  // pixels
-    PanelRect cell_;                  // of a digit within its glyph, pixels
-    PanelRect point_;
+    std::array<UnitRect, 2> rects_;  // pixels
+    UnitRect cell_;                  // of a digit within its glyph, pixels
+    UnitRect point_;
     std::int32_t margin_ = 0;  // of a glyph around its cell
     std::int32_t pitch_ = 0;   // from digit to digit
     std::int32_t pointPitch_ = 0;

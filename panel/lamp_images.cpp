@@ -11,7 +11,7 @@ constexpr float kHotShare = 0.62f;  // how near to white the middle of the glass
 constexpr float kBarRadius = 3.0f;  // logical units, corners
 constexpr float kSquareRadius = 3.5f;
 
-float lampDistance(const PanelRect& lamp, std::int32_t style, float scale, PanelPoint point) {
+float lampDistance(const UnitRect& lamp, std::int32_t style, float scale, UnitPoint point) {
     if (style == kRoundLamp) return ellipseDistance(lamp, point);
     return roundedRectDistance(lamp, (style == kSquareLamp ? kSquareRadius : kBarRadius) * scale, point);
 }
@@ -37,13 +37,13 @@ float glowAt(float distance, float reach) {
 
 }  // namespace
 
-PlacedImage makeLitLamp(const PanelRect& lamp, std::int32_t style, std::uint32_t colour, float scale) {
+PlacedImage makeLitLamp(const UnitRect& lamp, std::int32_t style, std::uint32_t colour, float scale) {
     const float reach = std::max(1.0f, kGlowReach * scale);
     const PixelRect area = pixelsAround(lamp, reach);
     PlacedImage lit{ArgbImage(area.right - area.left, area.bottom - area.top), area.left, area.top};
     if (lit.image.isEmpty()) return lit;
     const float depth = std::max(1.0f, std::min(lamp.width, lamp.height) / 2.0f);
-    forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+    forEachPixel(area, [&](std::int32_t x, std::int32_t y, UnitPoint point) {
         const float distance = lampDistance(lamp, style, scale, point);
         const float inside = std::clamp(-distance / depth, 0.0f, 1.0f);
         const std::uint32_t glass = premultiplied(mixTowardsWhite(colour, kHotShare * inside), coverageOf(distance));

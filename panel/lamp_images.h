@@ -13,7 +13,7 @@ struct PlacedImage {
 };
 
 // A lamp of this style (IndicatorStyle) lit in an ARGB colour; scale is pixels per logical unit.
-PlacedImage makeLitLamp(const PanelRect& lamp, std::int32_t style, std::uint32_t colour, float scale);
+PlacedImage makeLitLamp(const UnitRect& lamp, std::int32_t style, std::uint32_t colour, float scale);
 
-// The icon of a key (what is bright on it) in an ARGB colour; the same size as the key's picture.
+// The icon of a key (its bright part) in an ARGB colour; the same size as the key's picture.
 ArgbImage tintIcon(const ArgbImage& key, std::uint32_t colour);

@@ -5,9 +5,9 @@
 
 namespace {
 
-constexpr float kPressShrink = 0.035f;  // of its size
-constexpr float kPressShade = 0.22f;    // of its brightness
-constexpr float kHoleShade = 0.85f;     // opacity of the dark beneath it
+constexpr float kPressShrink = 0.035f;  // of the key's size
+constexpr float kPressShade = 0.22f;    // of the key's brightness
+constexpr float kHoleShade = 0.85f;     // opacity of the dark beneath the key
 
 bool isKnob(const ElementLayer& element) {
     return element.spot->round;
@@ -68,13 +68,13 @@ class Painter {
     }
 
   private:
-    static PanelPoint centreOf(const PanelRect& rect) { return {rect.x + rect.width / 2, rect.y + rect.height / 2}; }
+    static UnitPoint centreOf(const UnitRect& rect) { return {rect.x + rect.width / 2, rect.y + rect.height / 2}; }
 
-    void drawKnobAlways(const Sprite& sprite, const PanelRect& rect, float angle) {
+    void drawKnobAlways(const Sprite& sprite, const UnitRect& rect, float angle) {
         stampSprite(target_, sprite, {centreOf(rect), angle, 1.0f, 1.0f}, clip_);
     }
     // The face shows knobs at angle 0.
-    void drawKnob(const Sprite& sprite, const PanelRect& rect, float angle) {
+    void drawKnob(const Sprite& sprite, const UnitRect& rect, float angle) {
         if (angle != 0.0f) drawKnobAlways(sprite, rect, angle);
     }
     void drawKey(const ElementLayer& element) {
@@ -82,7 +82,7 @@ class Painter {
         const bool pinned = element.spot->id == kPinKey && picture_.pinned;
         if (press > 0.0f) darkenHole(element.rect, press);
         if (press > 0.0f || pinned) {
-            PanelPoint at = centreOf(element.rect);
+            UnitPoint at = centreOf(element.rect);
             at.y += kPressDepth * layers_.scale * press;
             stampSprite(target_, pinned ? element.pinned : element.sprite,
                         {at, 0.0f, 1.0f - kPressShrink * press, 1.0f - kPressShade * press}, clip_);
@@ -92,9 +92,9 @@ class Painter {
         stampImage(target_, element.lit.image, element.lit.x,
                    element.lit.y + static_cast<std::int32_t>(std::lround(sink)), clip_);
     }
-    void darkenHole(const PanelRect& rect, float press) {
+    void darkenHole(const UnitRect& rect, float press) {
         const PixelRect area = intersectRects(intersectRects(pixelsAround(rect, 0.0f), clip_), target_.bounds());
-        forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+        forEachPixel(area, [&](std::int32_t x, std::int32_t y, UnitPoint point) {
             const float coverage = coverageOf(roundedRectDistance(rect, kKeyRadius * layers_.scale, point));
             std::uint32_t& pixel = target_.row(y)[x];
             pixel = blendOver(pixel, premultiplied(0xFF000000, kHoleShade * press * coverage));

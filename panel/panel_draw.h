@@ -1,5 +1,5 @@
 // panel_draw.h - draws a PanelPicture over the layers of its theme, all of it or only what changed.
-// [ui] Nothing is kept but the digits the layers remember.
+// [ui] Keeps nothing; only the layers remember their digits.
 #pragma once
 #include <array>
 #include <vector>

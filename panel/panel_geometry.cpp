@@ -11,16 +11,16 @@ constexpr double kDefaultDpi = 96.0;
 constexpr double kMinScale = 1.0e-4;      // a panel of one pixel
 constexpr double kMaxSidePixels = 16384;  // beyond any screen; keeps a nonsense DPI from asking for gigabytes
 
-// 64 bits: the edges of a rectangle may lie at both ends of 32.
-std::int64_t widthOf(const ScreenRect& rect) {
+// 64 bits: a rectangle's edges may lie at both ends of the 32-bit range.
+std::int64_t widthOf(const PixelRect& rect) {
     return std::int64_t{rect.right} - rect.left;
 }
 
-std::int64_t heightOf(const ScreenRect& rect) {
+std::int64_t heightOf(const PixelRect& rect) {
     return std::int64_t{rect.bottom} - rect.top;
 }
 
-bool hasSize(const ScreenRect& rect) {
+bool hasSize(const PixelRect& rect) {
     return widthOf(rect) > 0 && heightOf(rect) > 0;
 }
 
@@ -33,17 +33,17 @@ double wantedScale(const ThemeLayout& layout, float panelScale, std::uint32_t dp
     return pixels / kDefaultDpi / static_cast<double>(layout.width);
 }
 
-double fitScale(const ThemeLayout& layout, const ScreenRect& area) {
+double fitScale(const ThemeLayout& layout, const PixelRect& area) {
     return std::min(static_cast<double>(widthOf(area)) / static_cast<double>(layout.width),
                     static_cast<double>(heightOf(area)) / static_cast<double>(layout.height));
 }
 
-// Rounded up; what only the last bits of the division put above a whole pixel is that pixel.
+// Rounded up, except for an excess that is only the division's rounding error.
 std::int32_t pixelsOf(float units, double scale) {
     return std::max(1, static_cast<std::int32_t>(std::ceil(static_cast<double>(units) * scale - 1.0e-6)));
 }
 
-// The stored coordinate, no further than where the panel's end meets the area's, else no nearer than its start.
+// The stored coordinate, moved back if the panel's end passes the area's end, else forward to the area's start.
 std::int32_t moveInto(std::int32_t stored, std::int32_t start, std::int32_t end, std::int32_t size) {
     using Limits = std::numeric_limits<std::int32_t>;
     const std::int64_t last = std::int64_t{end} - size;
@@ -51,7 +51,7 @@ std::int32_t moveInto(std::int32_t stored, std::int32_t start, std::int32_t end,
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(moved, Limits::min(), Limits::max()));
 }
 
-// 50 percent gives 128: half a step rounds up.
+// 50 percent gives 128: halves round up.
 std::uint8_t alphaOf(float opacity) {
     if (!std::isfinite(opacity)) return 255;
     const double percent = std::clamp(static_cast<double>(opacity), 0.0, 100.0);
@@ -60,7 +60,7 @@ std::uint8_t alphaOf(float opacity) {
 
 }  // namespace
 
-PanelPlacement placePanel(const Settings& settings, const ScreenRect& workArea, std::uint32_t dpi) {
+PanelPlacement placePanel(const Settings& settings, const PixelRect& workArea, std::uint32_t dpi) {
     const ThemeLayout& layout = themeLayout(settings.theme);
     double scale = wantedScale(layout, settings.panel_scale, dpi);
     if (hasSize(workArea)) scale = std::min(scale, fitScale(layout, workArea));

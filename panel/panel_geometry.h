@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdint>
 #include "settings/settings.h"
-#include "ui/screen_rect.h"
+#include "ui/geometry.h"
 
 struct PanelPlacement {
     float scale = 1.0f;  // pixels per logical unit, above 0
@@ -15,7 +15,7 @@ struct PanelPlacement {
     bool operator==(const PanelPlacement&) const = default;
 };
 
-// The panel of settings.theme on the monitor whose work area and DPI (0: unknown, taken as 96) are given: panel_scale
-// percent of 900 pixels at 96 DPI, no larger than fits; the stored position, moved into the work area. A work area
-// without size counts as one that fits (some remote sessions report it), so the panel keeps its wanted size.
-PanelPlacement placePanel(const Settings& settings, const ScreenRect& workArea, std::uint32_t dpi);
+// The panel of settings.theme on the monitor with this work area and DPI (0: unknown, taken as 96): panel_scale percent
+// of 900 pixels at 96 DPI, no larger than fits; the stored position, moved into the work area. A work area without size
+// (some remote sessions report one) limits nothing, so the panel keeps its wanted size.
+PanelPlacement placePanel(const Settings& settings, const PixelRect& workArea, std::uint32_t dpi);

@@ -12,15 +12,15 @@ constexpr float kShadowDepth = 9.0f;  // logical units: the bezel's shadow on th
 constexpr float kShadowStrength = 0.5f;
 constexpr float kStatusInset = 12.0f;  // logical units, at both ends of a status line
 
-PanelRect toPixels(const ThemeLayout& layout, const PanelRect& rect, float scale) {
+UnitRect toPixels(const ThemeLayout& layout, const UnitRect& rect, float scale) {
     return {(rect.x - layout.origin.x) * scale, (rect.y - layout.origin.y) * scale, rect.width * scale,
             rect.height * scale};
 }
 
 // The dark glass, with the bezel's shadow along its upper edge.
-void paintGlass(ArgbImage& face, const PanelRect& glass, float scale) {
+void paintGlass(ArgbImage& face, const UnitRect& glass, float scale) {
     const PixelRect area = intersectRects(pixelsAround(glass, 1.0f), face.bounds());
-    forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+    forEachPixel(area, [&](std::int32_t x, std::int32_t y, UnitPoint point) {
         const float coverage = coverageOf(roundedRectDistance(glass, kGlassRadius * scale, point));
         const float depth = std::clamp(1.0f - (point.y - glass.y) / (kShadowDepth * scale), 0.0f, 1.0f);
         std::uint32_t& pixel = face.row(y)[x];
@@ -33,19 +33,19 @@ ArgbImage makeFace(const ArgbImage& art, const ThemeLayout& layout, std::int32_t
                    std::int32_t height) {
     ArgbImage face = art.isEmpty() ? paintPlainFace(theme, scale, width, height)
                                    : scaleImage(art, layout.origin, scale, width, height);
-    for (const PanelRect& display : layout.displays) paintGlass(face, toPixels(layout, display, scale), scale);
+    for (const UnitRect& display : layout.displays) paintGlass(face, toPixels(layout, display, scale), scale);
     return face;
 }
 
 // What lies inside an outline, cut out of the face with a smooth edge.
 template <class Distance>
-Sprite cutSprite(const ArgbImage& face, const PanelRect& rect, Distance distance) {
+Sprite cutSprite(const ArgbImage& face, const UnitRect& rect, Distance distance) {
     const PixelRect area = pixelsAround(rect, static_cast<float>(kSpriteMargin));
     Sprite sprite{cropImage(face, area), {}, {}};
     sprite.pivot = {rect.x + rect.width / 2 - static_cast<float>(area.left),
                     rect.y + rect.height / 2 - static_cast<float>(area.top)};
     if (sprite.image.isEmpty()) return sprite;
-    forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+    forEachPixel(area, [&](std::int32_t x, std::int32_t y, UnitPoint point) {
         std::uint32_t& pixel = sprite.image.row(y - area.top)[x - area.left];
         const float coverage = coverageOf(distance(point));
         std::uint32_t cut = 0;
@@ -56,19 +56,18 @@ Sprite cutSprite(const ArgbImage& face, const PanelRect& rect, Distance distance
     return sprite;
 }
 
-Sprite cutRound(const ArgbImage& face, const PanelRect& rect) {
-    Sprite sprite = cutSprite(face, rect, [&](PanelPoint point) { return ellipseDistance(rect, point); });
+Sprite cutRound(const ArgbImage& face, const UnitRect& rect) {
+    Sprite sprite = cutSprite(face, rect, [&](UnitPoint point) { return ellipseDistance(rect, point); });
     sprite.radii = {rect.width / 2, rect.height / 2};
     return sprite;
 }
 
-Sprite cutKey(const ArgbImage& face, const PanelRect& rect, float scale) {
-    return cutSprite(face, rect,
-                     [&](PanelPoint point) { return roundedRectDistance(rect, kKeyRadius * scale, point); });
+Sprite cutKey(const ArgbImage& face, const UnitRect& rect, float scale) {
+    return cutSprite(face, rect, [&](UnitPoint point) { return roundedRectDistance(rect, kKeyRadius * scale, point); });
 }
 
 // The small knob in the middle of the large one.
-PanelRect smallKnobOf(const PanelRect& large) {
+UnitRect smallKnobOf(const UnitRect& large) {
     const float size = std::min(large.width, large.height) * kSmallKnobShare;
     return {large.x + (large.width - size) / 2, large.y + (large.height - size) / 2, size, size};
 }
@@ -80,7 +79,7 @@ ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const
     element.rect = toPixels(layout, spot.rect, scale);
     element.sprite = spot.round ? cutRound(face, element.rect) : cutKey(face, element.rect, scale);
     if (spot.id == kLargeKnob) {
-        const PanelRect small = smallKnobOf(element.rect);
+        const UnitRect small = smallKnobOf(element.rect);
         element.inner = cutRound(face, small);
         element.innerBounds = pixelsAround(small, 1.0f);
     }
@@ -92,8 +91,8 @@ ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const
     if (spot.indicator.width > 0.0f) {
         const std::uint32_t colour = spot.id == kCustomKeyA ? style.textLamp : style.keyLamp;
         element.lit = makeLitLamp(toPixels(layout, spot.indicator, scale), spot.indicatorStyle, colour, scale);
-        element.isLampOnKey = containsPoint(
-            spot.rect, {spot.indicator.x + spot.indicator.width / 2, spot.indicator.y + spot.indicator.height / 2});
+        element.isLampOnKey = spot.rect.contains(
+            {spot.indicator.x + spot.indicator.width / 2, spot.indicator.y + spot.indicator.height / 2});
         element.bounds = uniteRects(element.bounds, element.lit.bounds());
         if (element.isLampOnKey) element.bounds.bottom += static_cast<std::int32_t>(std::ceil(kPressDepth * scale)) + 1;
     }
@@ -101,11 +100,11 @@ ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const
 }
 
 std::array<PixelRect, 2> statusAreasOf(const ThemeLayout& layout, float scale) {
-    const PanelRect strip = toPixels(layout, layout.statusStrip, scale);
+    const UnitRect strip = toPixels(layout, layout.statusStrip, scale);
     const float inset = kStatusInset * scale;
     const float half = strip.width / 2;
     const auto area = [&](float left) {
-        const PanelRect line = {left + inset, strip.y, half - 2 * inset, strip.height};
+        const UnitRect line = {left + inset, strip.y, half - 2 * inset, strip.height};
         return PixelRect{static_cast<std::int32_t>(std::lround(line.x)), static_cast<std::int32_t>(std::lround(line.y)),
                          static_cast<std::int32_t>(std::lround(line.x + line.width)),
                          static_cast<std::int32_t>(std::lround(line.y + line.height))};

@@ -1,6 +1,6 @@
 // panel_layers.h - everything of a theme that is the same in every picture of one size: the face with empty displays,
 // the keys and knobs cut out of it, the lit lamps. Made once (tens of milliseconds), so that a frame is mostly copying.
-// [ui] Values owned by the panel's window; lengths are pixels unless said.
+// [ui] Values owned by the panel's window; lengths are pixels unless stated otherwise.
 #pragma once
 #include <array>
 #include <list>
@@ -16,7 +16,7 @@ inline constexpr float kPressDepth = 2.5f;  // logical units a pressed key moves
 // One hotspot of the layout.
 struct ElementLayer {
     const PanelHotspot* spot = nullptr;
-    PanelRect rect;
+    UnitRect rect;
     Sprite sprite;             // the key, or the knob (of a pair: the outer one)
     Sprite inner;              // the small knob of a pair
     Sprite pinned;             // the always-on-top key with its icon lit

@@ -67,7 +67,7 @@ static_assert(kLayouts[kAirbusTheme].hotspots.size() == 16);
 // A coordinate around 2000 is a multiple of 1/8192 in a float: a point at the inner knob's very edge is still on it.
 constexpr double kEdgeRounding = 1.0 / 4096.0;
 
-bool isOnSmallKnob(const PanelRect& knob, PanelPoint point) {
+bool isOnSmallKnob(const UnitRect& knob, UnitPoint point) {
     const double width = static_cast<double>(knob.width);
     const double height = static_cast<double>(knob.height);
     const double dx = static_cast<double>(point.x) - (static_cast<double>(knob.x) + width / 2.0);
@@ -78,11 +78,11 @@ bool isOnSmallKnob(const PanelRect& knob, PanelPoint point) {
 }
 
 // The GENERAL theme's digit fields; kBackground when the point is in none of them.
-PanelElement hitDigits(const ThemeLayout& layout, PanelPoint point) {
+PanelElement hitDigits(const ThemeLayout& layout, UnitPoint point) {
     const FrequencyCells active = layoutFrequency(layout.displays[0]);
     const FrequencyCells standby = layoutFrequency(layout.displays[1]);
     const struct {
-        PanelRect rect;
+        UnitRect rect;
         PanelElement element;
     } fields[] = {
         {active.mhzField, kActiveMhzDigits},    {active.channelField, kActiveChannelDigits},
@@ -90,15 +90,11 @@ PanelElement hitDigits(const ThemeLayout& layout, PanelPoint point) {
         {active.pointField, kFrequencyDisplay}, {standby.pointField, kFrequencyDisplay},
     };
     for (const auto& field : fields)
-        if (containsPoint(field.rect, point)) return field.element;
+        if (field.rect.contains(point)) return field.element;
     return kBackground;
 }
 
 }  // namespace
-
-bool containsPoint(const PanelRect& rect, PanelPoint point) {
-    return point.x >= rect.x && point.x < rect.x + rect.width && point.y >= rect.y && point.y < rect.y + rect.height;
-}
 
 std::int32_t knownTheme(std::int32_t theme) {
     return theme >= 0 && theme < kThemeCount ? theme : std::int32_t{kGeneralTheme};
@@ -119,7 +115,7 @@ const PanelHotspot* findHotspot(const ThemeLayout& layout, std::int32_t id) {
     return nullptr;
 }
 
-FrequencyCells layoutFrequency(const PanelRect& display) {
+FrequencyCells layoutFrequency(const UnitRect& display) {
     const float height = display.height * 0.68f;
     const float width = height * 0.53f;
     const float gap = width * 0.23f;
@@ -129,7 +125,7 @@ FrequencyCells layoutFrequency(const PanelRect& display) {
     float x = display.x + (display.width - whole) / 2.0f;
 
     FrequencyCells cells;
-    const auto place = [&](PanelRect& cell, float cellWidth) {
+    const auto place = [&](UnitRect& cell, float cellWidth) {
         cell = {x, y, cellWidth, height};
         x += cellWidth + gap;
     };
@@ -145,22 +141,22 @@ FrequencyCells layoutFrequency(const PanelRect& display) {
     return cells;
 }
 
-PanelPoint panel_to_logical(std::int32_t theme, float scale, int clientX, int clientY) {
-    const PanelPoint origin = themeLayout(theme).origin;
+UnitPoint panel_to_logical(std::int32_t theme, float scale, int clientX, int clientY) {
+    const UnitPoint origin = themeLayout(theme).origin;
     const float factor = usableScale(scale);
     return {static_cast<float>(clientX) / factor + origin.x, static_cast<float>(clientY) / factor + origin.y};
 }
 
-PanelElement hit_test(std::int32_t theme, PanelPoint point) {
+PanelElement hit_test(std::int32_t theme, UnitPoint point) {
     const ThemeLayout& layout = themeLayout(theme);
     for (const PanelHotspot& hotspot : layout.hotspots) {
-        if (!containsPoint(hotspot.rect, point)) continue;
+        if (!hotspot.rect.contains(point)) continue;
         if (hotspot.id != kLargeKnob) return static_cast<PanelElement>(hotspot.id);
         return isOnSmallKnob(hotspot.rect, point) ? kSmallKnob : kLargeKnob;
     }
     if (&layout == &kLayouts[kGeneralTheme])
         if (const PanelElement digits = hitDigits(layout, point); digits != kBackground) return digits;
-    for (const PanelRect& display : layout.displays)
-        if (containsPoint(display, point)) return kFrequencyDisplay;
+    for (const UnitRect& display : layout.displays)
+        if (display.contains(point)) return kFrequencyDisplay;
     return kBackground;
 }

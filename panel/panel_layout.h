@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include "ui/geometry.h"
 
 enum Theme : std::int32_t {
     kGeneralTheme = 0,
@@ -40,23 +41,6 @@ enum PanelElement : std::int32_t {
     kTextKey = 24,           // GENERAL
 };
 
-struct PanelPoint {
-    float x = 0.0f;
-    float y = 0.0f;
-};
-
-struct PanelRect {
-    float x = 0.0f;
-    float y = 0.0f;
-    float width = 0.0f;
-    float height = 0.0f;
-
-    bool operator==(const PanelRect&) const = default;
-};
-
-// Left and top edge are inside, right and bottom edge outside.
-bool containsPoint(const PanelRect& rect, PanelPoint point);
-
 enum IndicatorStyle : std::int32_t {
     kLightBar = 0,
     kSquareLamp = 1,
@@ -65,22 +49,22 @@ enum IndicatorStyle : std::int32_t {
 
 struct PanelHotspot {
     std::int32_t id;  // PanelElement
-    PanelRect rect;
-    bool round;           // the outline is the inscribed ellipse, else a rectangle with corners of kKeyRadius
-    PanelRect indicator;  // all 0 without one
+    UnitRect rect;
+    bool round;          // the outline is the inscribed ellipse; otherwise a rectangle with corners of kKeyRadius
+    UnitRect indicator;  // all 0 if there is none
     std::int32_t indicatorStyle;
 };
 inline constexpr float kKeyRadius = 8.0f;
 
 struct ThemeLayout {
-    PanelPoint origin;  // top left corner of the visible area within the artwork
-    float width;        // of the visible area
+    UnitPoint origin;  // top left corner of the visible area within the artwork
+    float width;       // of the visible area
     float height;
-    std::array<PanelRect, 2> displays;       // ACTIVE, STANDBY
+    std::array<UnitRect, 2> displays;        // ACTIVE, STANDBY
     std::span<const PanelHotspot> hotspots;  // in the order they are hit
-    PanelRect statusStrip;                   // both status lines, side by side
-    PanelRect txLamp;
-    PanelRect rxLamp;
+    UnitRect statusStrip;                    // both status lines, side by side
+    UnitRect txLamp;
+    UnitRect rxLamp;
     std::int32_t lampStyle;  // of the two lamps, IndicatorStyle
 };
 
@@ -95,22 +79,22 @@ const PanelHotspot* findHotspot(const ThemeLayout& layout, std::int32_t id);
 
 // One frequency's six digits and point, centred in its display rectangle: d d d . d d d.
 struct FrequencyCells {
-    std::array<PanelRect, 6> digits;
-    PanelRect point;
-    PanelRect mhzField;      // first cell to the gap behind the third
-    PanelRect pointField;    // the point with its gap
-    PanelRect channelField;  // the rest
+    std::array<UnitRect, 6> digits;
+    UnitRect point;
+    UnitRect mhzField;      // first cell to the gap behind the third
+    UnitRect pointField;    // the point with its gap
+    UnitRect channelField;  // the rest
 };
-FrequencyCells layoutFrequency(const PanelRect& display);
+FrequencyCells layoutFrequency(const UnitRect& display);
 
 // The scale itself; 1 for one that is not a number above 0.
 float usableScale(float scale);
 
 // A point of the window's client area (signed pixels) as artwork units; scale is client pixels per unit (usableScale).
-PanelPoint panel_to_logical(std::int32_t theme, float scale, int clientX, int clientY);
+UnitPoint panel_to_logical(std::int32_t theme, float scale, int clientX, int clientY);
 
 // The inner tuning knob's radius as a share of the outer one's, which is half the shorter side of the rectangle.
 inline constexpr float kSmallKnobShare = 0.46f;
 
 // What lies under the point; the first hotspot in list order, then (GENERAL) the digits, then the displays.
-PanelElement hit_test(std::int32_t theme, PanelPoint point);
+PanelElement hit_test(std::int32_t theme, UnitPoint point);

@@ -6,7 +6,7 @@
 namespace {
 
 constexpr float kPixelsPerPercent = 3.0f;  // of a volume drag, at scale 1
-constexpr std::int64_t kTuningPixels = 2;  // a shorter move of a tuning knob is lost
+constexpr std::int64_t kTuningPixels = 2;  // a shorter move of a tuning knob has no effect
 constexpr float kPressEase = 0.48f;        // share of the way per tick
 constexpr float kPressArrived = 1.0f / 1024.0f;
 
@@ -41,38 +41,38 @@ void turnKnob(PanelModel& model, std::int32_t element, std::int32_t steps) {
         turnAngle(model.large_knob_angle, kLargeKnobStep, steps);
 }
 
-std::int32_t hitUnder(PanelModel& model, const Settings& settings, ClientPoint at) {
+std::int32_t hitUnder(PanelModel& model, const Settings& settings, PixelPoint at) {
     const float scale = model.panel_scale_factor;
     model.hover_element = hit_test(settings.theme, panel_to_logical(settings.theme, scale, at.x, at.y));
     return model.hover_element;
 }
 
-// A move of no height is no turn: the system repeats moves where nothing moved, and a press alone must not write.
-void dragVolume(PanelModel& model, const PanelRooms& rooms, std::int64_t dy, std::uint64_t nowMs) {
+// A move without height does not turn: the system repeats moves when nothing moved, and a press must not write.
+void dragVolume(PanelModel& model, const PanelContext& context, std::int64_t dy, std::uint64_t nowMs) {
     if (dy == 0) return;
     const float turned = static_cast<float>(dy) / (usableScale(model.panel_scale_factor) * kPixelsPerPercent);
     model.drag_volume = std::clamp(model.drag_volume + turned, 0.0f, 100.0f);
-    set_panel_volume(rooms.commands, rooms.sim, rooms.settings, model.drag_radio, model.drag_volume, nowMs);
+    set_panel_volume(context.radios, context.settings, model.drag_radio, model.drag_volume, nowMs);
 }
 
-void dragTuning(PanelModel& model, const PanelRooms& rooms, std::int64_t dy, std::uint64_t nowMs) {
+void dragTuning(PanelModel& model, const PanelContext& context, std::int64_t dy, std::uint64_t nowMs) {
     if (std::abs(dy) < kTuningPixels) return;
     const std::int32_t step = dy > 0 ? 1 : -1;
-    tune_step(rooms, model.drag_radio, kSlotStandby, step, model.drag_element == kLargeKnob, nowMs);
+    tune_step(context, model.drag_radio, kSlotStandby, step, model.drag_element == kLargeKnob, nowMs);
     turnKnob(model, model.drag_element, step);
 }
 
-void dragKnob(PanelModel& model, const PanelRooms& rooms, ClientPoint at, std::uint64_t nowMs) {
+void dragKnob(PanelModel& model, const PanelContext& context, PixelPoint at, std::uint64_t nowMs) {
     const std::int64_t dy = std::int64_t{model.last_drag_y} - at.y;  // up is more
     model.last_drag_y = at.y;
     model.drag_moved = true;
     if (model.drag_element == kVolumeKnob)
-        dragVolume(model, rooms, dy, nowMs);
+        dragVolume(model, context, dy, nowMs);
     else
-        dragTuning(model, rooms, dy, nowMs);
+        dragTuning(model, context, dy, nowMs);
 }
 
-// Whole notches of this turn with what is left of those before; the rest is kept.
+// The whole notches of this turn plus what earlier ones left over; the remainder is kept.
 std::int32_t takeNotches(PanelModel& model, std::int32_t element, std::int32_t radio, std::int32_t delta) {
     if (element != model.wheel_element || radio != model.wheel_radio) model.wheel_remainder = 0;
     model.wheel_element = element;
@@ -82,8 +82,8 @@ std::int32_t takeNotches(PanelModel& model, std::int32_t element, std::int32_t r
     return static_cast<std::int32_t>(sum / kWheelNotch);
 }
 
-float volumeOf(const PanelRooms& rooms, const Settings& settings, std::int32_t radio) {
-    return panel_volume(rooms.commands, copySimState(rooms.sim), settings, radio);
+float volumeOf(const PanelContext& context, const Settings& settings, std::int32_t radio) {
+    return panel_volume(copyCommands(context.radios.commands), copySimState(context.radios.sim), settings, radio);
 }
 
 }  // namespace
@@ -92,12 +92,12 @@ std::int32_t selectedRadio(const Settings& settings) {
     return settings.radio == 2 ? 2 : 1;
 }
 
-std::int32_t hoverPanel(PanelModel& model, const PanelRooms& rooms, ClientPoint at) {
-    return hitUnder(model, copySettings(rooms.settings), at);
+std::int32_t hoverPanel(PanelModel& model, const PanelContext& context, PixelPoint at) {
+    return hitUnder(model, copySettings(context.settings), at);
 }
 
-PressResult pressPanel(PanelModel& model, const PanelRooms& rooms, ClientPoint at, std::uint64_t /*nowMs*/) {
-    const Settings settings = copySettings(rooms.settings);
+PressResult pressPanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::uint64_t /*nowMs*/) {
+    const Settings settings = copySettings(context.settings);
     model.drag_element = hitUnder(model, settings, at);
     if (model.drag_element == kBackground) return PressResult::kMoveWindow;
     model.pressed_element = model.drag_element;
@@ -105,39 +105,40 @@ PressResult pressPanel(PanelModel& model, const PanelRooms& rooms, ClientPoint a
     model.press_x = at.x;
     model.last_drag_y = at.y;
     model.drag_radio = selectedRadio(settings);
-    model.drag_volume = volumeOf(rooms, settings, model.drag_radio);
+    model.drag_volume = volumeOf(context, settings, model.drag_radio);
     return PressResult::kCapture;
 }
 
-void movePanel(PanelModel& model, const PanelRooms& rooms, ClientPoint at, std::uint64_t nowMs) {
-    hoverPanel(model, rooms, at);
-    if (isKnob(model.drag_element)) dragKnob(model, rooms, at, nowMs);
+void movePanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::uint64_t nowMs) {
+    hoverPanel(model, context, at);
+    if (isKnob(model.drag_element)) dragKnob(model, context, at, nowMs);
 }
 
-void releasePanel(PanelModel& model, const PanelRooms& rooms, ClientPoint at, std::uint64_t nowMs) {
+void releasePanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::uint64_t nowMs) {
     const std::int32_t pressed = model.drag_element;
     model.drag_element = kBackground;
-    const std::int32_t released = hoverPanel(model, rooms, at);
-    if (pressed == released && !model.drag_moved && !isKnob(pressed)) clickElement(rooms, pressed, nowMs);
+    const std::int32_t released = hoverPanel(model, context, at);
+    if (pressed == released && !model.drag_moved && !isKnob(pressed)) clickElement(context, pressed, nowMs);
 }
 
 void cancelPress(PanelModel& model) {
     model.drag_element = kBackground;
 }
 
-void wheelPanel(PanelModel& model, const PanelRooms& rooms, ClientPoint at, std::int32_t delta, std::uint64_t nowMs) {
-    const Settings settings = copySettings(rooms.settings);
+void wheelPanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::int32_t delta,
+                std::uint64_t nowMs) {
+    const Settings settings = copySettings(context.settings);
     const std::int32_t element = hitUnder(model, settings, at);
     if (!takesWheel(element)) return;
     const std::int32_t radio = selectedRadio(settings);
     const std::int32_t steps = takeNotches(model, element, radio, delta);
     if (steps == 0) return;
     if (element == kVolumeKnob) {
-        const float percent = volumeOf(rooms, settings, radio) + static_cast<float>(steps);
-        set_panel_volume(rooms.commands, rooms.sim, rooms.settings, radio, percent, nowMs);
+        const float percent = volumeOf(context, settings, radio) + static_cast<float>(steps);
+        set_panel_volume(context.radios, context.settings, radio, percent, nowMs);
         return;
     }
-    tune_step(rooms, radio, tunedSlot(element), steps, tunesMegahertz(element), nowMs);
+    tune_step(context, radio, tunedSlot(element), steps, tunesMegahertz(element), nowMs);
     turnKnob(model, element, steps);
 }
 
@@ -153,12 +154,11 @@ void tickPanel(PanelModel& model) {
     if (model.press_level == 0.0f) model.pressed_element = kBackground;
 }
 
-void clickElement(const PanelRooms& rooms, std::int32_t element, std::uint64_t nowMs) {
-    const auto change = [&](auto edit) { updateSettings(rooms.settings, edit); };
+void clickElement(const PanelContext& context, std::int32_t element, std::uint64_t nowMs) {
+    const auto change = [&](auto edit) { updateSettings(context.settings, edit); };
     switch (element) {
         case kSwapKey:
-            enqueue(rooms.commands, rooms.sim, selectedRadio(copySettings(rooms.settings)), kSlotSwap, 0.0, -1.0f,
-                    nowMs);
+            enqueue(context.radios, selectedRadio(copySettings(context.settings)), kSlotSwap, 0.0, -1.0f, nowMs);
             break;
         case kCom1Key:
             change([](Settings& live) { live.radio = 1; });
@@ -179,20 +179,20 @@ void clickElement(const PanelRooms& rooms, std::int32_t element, std::uint64_t n
             change([](Settings& live) { live.pin = !live.pin; });
             break;
         case kSettingsKey:
-            rooms.actions.openSettings();
+            context.actions.openSettings();
             break;
         case kMinimizeKey:
             change([](Settings& live) { live.panel_visible = false; });
             break;
         case kCustomKeyA:
         case kTextKey:
-            rooms.actions.toggleTextWindow();
+            context.actions.toggleTextWindow();
             break;
         case kCustomKeyB:
         case kCustomKeyC:
         case kCustomKeyD:
         case kCustomKeyE:
-            clickElement(rooms, boundElement(bindingOf(copySettings(rooms.settings), element)), nowMs);
+            clickElement(context, boundElement(bindingOf(copySettings(context.settings), element)), nowMs);
             break;
         default:
             break;
@@ -221,7 +221,7 @@ std::int32_t bindingOf(const Settings& settings, std::int32_t element) {
     }
 }
 
-void tune_step(const PanelRooms& rooms, std::int32_t radio, std::int32_t slot, std::int32_t steps, bool large,
+void tune_step(const PanelContext& context, std::int32_t radio, std::int32_t slot, std::int32_t steps, bool large,
                std::uint64_t nowMs) {
-    stepFrequency(rooms.commands, rooms.sim, radio, slot, large, steps, nowMs);
+    stepFrequency(context.radios, radio, slot, large, steps, nowMs);
 }

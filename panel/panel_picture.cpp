@@ -23,23 +23,22 @@ void applyOrder(Frequencies& frequencies, const Command& command) {
     }
 }
 
-// The simulator's answer to this one is in the snapshot already; the poll loop is about to drop it.
+// The snapshot already holds the simulator's answer to this command; the poll loop is about to drop it.
 bool isAnswered(const Command& command, const SimState& sim) {
     return command.writtenAt != 0 && command.id == sim.ackId;
 }
 
-Frequencies frequenciesOf(const SimState& sim, CommandQueue& queue, std::int32_t radio) {
+Frequencies frequenciesOf(const SimState& sim, const Commands& commands, std::int32_t radio) {
     const RadioReading* reading = radioOf(sim, radio);
     if (!sim.connected || !reading) return {};
     Frequencies frequencies = {FrequencyPicture{reading->active, FrequencyState::kConfirmed},
                                FrequencyPicture{reading->standby, FrequencyState::kConfirmed}};
-    const MutexLock lock(queue.mutex);
-    for (const Command& command : queue.commands)
+    for (const Command& command : commands)
         if (command.com == radio && !isAnswered(command, sim)) applyOrder(frequencies, command);
     return frequencies;
 }
 
-// Whether what the element stands for is on; a custom key stands for the element bound to it.
+// Whether what the element stands for is on; a custom key counts as the element bound to it.
 bool isOn(const Settings& settings, std::int32_t element) {
     switch (element) {
         case kCom1Key:
@@ -87,8 +86,7 @@ std::string frequencyDigits(const FrequencyPicture& picture) {
     return digits.insert(0, 6 - digits.size(), '0');
 }
 
-PanelPicture makePicture(const PanelInputs& inputs, CommandQueue& queue, const PanelModel& model,
-                         const PanelPlacement& placement) {
+PanelPicture makePicture(const PanelInputs& inputs, const PanelModel& model, const PanelPlacement& placement) {
     const Settings& settings = inputs.settings;
     const std::int32_t radio = selectedRadio(settings);
     PanelPicture picture;
@@ -96,8 +94,8 @@ PanelPicture makePicture(const PanelInputs& inputs, CommandQueue& queue, const P
     picture.scale = placement.scale;
     picture.width = placement.width;
     picture.height = placement.height;
-    picture.frequencies = frequenciesOf(inputs.sim, queue, radio);
-    picture.volumePercent = panel_volume(queue, inputs.sim, settings, radio);
+    picture.frequencies = frequenciesOf(inputs.sim, inputs.commands, radio);
+    picture.volumePercent = panel_volume(inputs.commands, inputs.sim, settings, radio);
     picture.volumeAngle = picture.volumePercent * 2.7f - 135.0f;
     picture.largeKnobAngle = model.large_knob_angle;
     picture.smallKnobAngle = model.small_knob_angle;
@@ -108,7 +106,7 @@ PanelPicture makePicture(const PanelInputs& inputs, CommandQueue& queue, const P
     picture.txLit = settings.radio_lamps && inputs.ownTransmit;
     picture.rxLit = settings.radio_lamps && inputs.othersReceiving;
     picture.textLit = isTextLit(inputs);
-    picture.statusText = inputs.sim.statusText;
-    picture.channelStatus = inputs.sim.channelStatus;
+    picture.statusText = inputs.status.statusText;
+    picture.channelStatus = inputs.status.channelStatus;
     return picture;
 }

@@ -1,5 +1,5 @@
 // panel_picture.h - everything the panel shows at one moment, as a value: two equal pictures look the same, so one that
-// is on the screen already need not be drawn again.
+// is on the screen already need not be drawn again. Made from values. Pure functions.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -39,7 +39,7 @@ struct PanelPicture {
     float volumeAngle = -135.0f;                  // degrees: percent x 2.7 - 135
     float largeKnobAngle = 0.0f;                  // degrees, 0..360
     float smallKnobAngle = 0.0f;
-    std::int32_t pressedElement = kBackground;  // what press_level is about
+    std::int32_t pressedElement = kBackground;  // what pressLevel belongs to
     float pressLevel = 0.0f;                    // 0..1
     std::uint32_t litElements = 0;              // bit n: the indicator of element n is lit
     bool pinned = false;                        // key 10 shows it
@@ -56,6 +56,8 @@ struct PanelPicture {
 struct PanelInputs {
     Settings settings;
     SimState sim;
+    Commands commands;  // writes on their way
+    StatusTexts status;
     bool ownTransmit = false;
     bool othersReceiving = false;
     std::int32_t unreadTexts = 0;
@@ -64,6 +66,4 @@ struct PanelInputs {
 
 inline constexpr std::uint64_t kTextFlashMs = 500;  // half a period of the TEXT lamp's flash
 
-// [ui] Pending writes come from the queue, under its lock.
-PanelPicture makePicture(const PanelInputs& inputs, CommandQueue& queue, const PanelModel& model,
-                         const PanelPlacement& placement);
+PanelPicture makePicture(const PanelInputs& inputs, const PanelModel& model, const PanelPlacement& placement);

@@ -4,7 +4,7 @@
 
 namespace {
 
-// The system tells of most changes of the screen (onDisplayChange); for the others, such as a task bar that hides, half
+// The system reports most changes of the screen (onDisplayChange); for the others, such as a task bar that hides, half
 // a second is soon enough. Asking costs as much as the rest of an idle tick.
 constexpr int kScreenTicks = 15;
 
@@ -25,8 +25,8 @@ void PanelWindow::present_panel() noexcept {
 
 void PanelWindow::present() {
     if (isMoving_) return;
-    const Settings settings = copySettings(rooms_.settings);
-    // Nobody sees a hidden panel change; when it is shown again it is drawn first.
+    const Settings settings = copySettings(context_.settings);
+    // Nobody sees a hidden panel change; it is drawn before it is shown again.
     if (settings.panel_visible)
         showPicture(settings);
     else
@@ -38,7 +38,7 @@ void PanelWindow::present() {
 void PanelWindow::showPicture(const Settings& settings) {
     const PanelPlacement placement = findPlacement(settings);
     model_.panel_scale_factor = placement.scale;
-    const PanelPicture picture = makePicture(gatherInputs(settings), rooms_.commands, model_, placement);
+    const PanelPicture picture = makePicture(gatherInputs(settings), model_, placement);
     const bool isDrawn = drawn_ && *drawn_ == picture;
     if (isDrawn && pushed_ == placement && isWhereItBelongs(placement)) return;
     if (!surface_.resize(placement.width, placement.height)) return drawn_.reset();
@@ -51,7 +51,7 @@ void PanelWindow::showPicture(const Settings& settings) {
 
 PanelPlacement PanelWindow::findPlacement(const Settings& settings) {
     if (screenAge_ == 0) {
-        screen_ = {workAreaOf(window_), GetDpiForWindow(window_)};
+        screen_ = {workAreaOf(window()), dpi()};
         screenAge_ = kScreenTicks;
     }
     screenAge_--;
@@ -59,12 +59,16 @@ PanelPlacement PanelWindow::findPlacement(const Settings& settings) {
 }
 
 PanelInputs PanelWindow::gatherInputs(const Settings& settings) const {
-    return {settings,
-            copySimState(rooms_.sim),
-            rooms_.talk.ownTransmit,
-            rooms_.talk.othersReceiving,
-            rooms_.messages.unread,
-            nowMs()};
+    PanelInputs inputs;
+    inputs.settings = settings;
+    inputs.sim = copySimState(context_.radios.sim);  // before the commands: an answered one is still among them
+    inputs.commands = copyCommands(context_.radios.commands);
+    inputs.status = copyStatus(context_.radios.status);
+    inputs.ownTransmit = context_.talk.ownTransmit;
+    inputs.othersReceiving = context_.talk.othersReceiving;
+    inputs.unreadTexts = context_.unreadTexts;
+    inputs.nowMs = nowMs();
+    return inputs;
 }
 
 // What has changed on the surface.
@@ -86,14 +90,14 @@ PixelRect PanelWindow::drawPicture(const PanelPicture& picture) {
 void PanelWindow::paintStatus(const PanelLayers& layers, const PanelPicture& picture) {
     const std::array<const std::string*, 2> texts = {&picture.statusText, &picture.channelStatus};
     for (std::size_t i = 0; i < texts.size(); i++) {
-        TextLine line = statusLine(layers, i, *texts[i], rooms_.languageIndex);
+        TextLine line = statusLine(layers, i, *texts[i], context_.languageIndex);
         if (line == statusLines_[i]) continue;
-        statusImages_[i] = paintTextLine(line);
+        statusImages_[i] = paintTextLine(fonts_, line);
         statusLines_[i] = std::move(line);
     }
 }
 
-// An empty `changed` means that the surface is the same and only its place, stacking or opacity is not.
+// An empty `changed` means that the surface is unchanged and only place, stacking or opacity differs.
 bool PanelWindow::pushPicture(const PanelPlacement& placement, const PixelRect& changed) {
     POINT position = {placement.x, placement.y};
     SIZE size = {placement.width, placement.height};
@@ -109,23 +113,23 @@ bool PanelWindow::pushPicture(const PanelPlacement& placement, const PixelRect& 
     update.pblend = &blend;
     update.dwFlags = ULW_ALPHA;
     if (pushed_ == placement && !changed.isEmpty()) update.prcDirty = &dirty;
-    return UpdateLayeredWindowIndirect(window_, &update) != FALSE;
+    return UpdateLayeredWindowIndirect(window(), &update) != FALSE;
 }
 
-// Something else may have moved the window (another program, a monitor that left): it goes back.
+// Something else may have moved the window (another program, a monitor that left): it is then put back.
 bool PanelWindow::isWhereItBelongs(const PanelPlacement& placement) const {
-    RECT rect = {};
-    return GetWindowRect(window_, &rect) && rect.left == placement.x && rect.top == placement.y;
+    const PixelRect rect = screenRect();
+    return rect.left == placement.x && rect.top == placement.y;
 }
 
 void PanelWindow::applyStacking(bool pin) {
     if (pin == applied_topmost_) return;
-    SetWindowPos(window_, pin ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    SetWindowPos(window(), pin ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     applied_topmost_ = pin;
 }
 
 void PanelWindow::applyVisibility(bool visible) {
-    if (visible == (IsWindowVisible(window_) != FALSE)) return;
-    ShowWindow(window_, visible ? SW_SHOWNOACTIVATE : SW_HIDE);
-    startTimer();
+    if (visible == (IsWindowVisible(window()) != FALSE)) return;
+    ShowWindow(window(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+    keepPace();
 }

@@ -1,5 +1,5 @@
-// panel_messages.h - what other threads may post to the radio panel's window (class "CorvalisRadioPanel").
-// The UI thread carries each out as if the pilot had turned the knob; nothing is answered to the sender.
+// panel_requests.h - what other threads may post to the radio panel's window (class "CorvalisRadioPanel").
+// The UI thread carries each out as if the pilot had turned the knob; the sender gets no answer.
 #pragma once
 
 inline constexpr unsigned kPanelFirstMessage = 0x8000 + 1;  // WM_APP + 1

@@ -1,14 +1,14 @@
-// panel_style.h - the colours of the three themes. Static data, one row a theme; ARGB, opaque.
+// panel_style.h - the colours of the three themes. Static data, one row per theme; ARGB, opaque.
 #pragma once
 #include <cstdint>
 
 struct PanelStyle {
     std::uint32_t confirmedDigits;  // a frequency the simulator reports
-    std::uint32_t pendingDigits;    // one on its way to the simulator; underlined as well, for who cannot tell the hues
+    std::uint32_t pendingDigits;    // one on its way to the simulator; also underlined, for the colour-blind
     float unlitShare;               // 0..1: how much of the digits' colour an unlit segment shows
     float slant;                    // of the digits, see segment_glyphs.h
     std::uint32_t keyLamp;          // indicators of the keys
-    std::uint32_t textLamp;         // of the TEXT key
+    std::uint32_t textLamp;         // of the TEXT key's lamp
     std::uint32_t pinIcon;          // the always-on-top key's icon while it is on
     std::uint32_t statusText;
     std::uint32_t plate;  // face, keys and engraving of the panel that stands in for missing artwork

@@ -27,7 +27,7 @@ std::string volumeTip(const TooltipInputs& inputs) {
     return tip;
 }
 
-// A code that means nothing is a key without an action.
+// An unknown code is a key without an action.
 std::string_view actionTip(const TooltipInputs& inputs, std::int32_t element) {
     const std::int32_t code = bindingOf(inputs.settings, element);
     return inputs.actionTexts[boundElement(code) == kBackground ? 0 : static_cast<std::size_t>(code)];
@@ -84,6 +84,6 @@ std::string panelTooltip(std::int32_t element, const TooltipInputs& inputs) {
     }
 }
 
-TipPlace tipPlace(std::int32_t cursorX, std::int32_t cursorY) {
-    return {cursorX + kCursorGapX, cursorY + kCursorGapY};
+PixelPoint tipPlace(PixelPoint cursor) {
+    return {cursor.x + kCursorGapX, cursor.y + kCursorGapY};
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include "bridge/sim_state.h"
 #include "settings/settings.h"
+#include "ui/geometry.h"
 
 // What the texts are made of.
 struct TooltipInputs {
@@ -19,13 +20,6 @@ struct TooltipInputs {
 // UTF-8, lines parted by \n; empty where an element has none.
 std::string panelTooltip(std::int32_t element, const TooltipInputs& inputs);
 
-// The tip's top left corner, screen pixels.
-struct TipPlace {
-    std::int32_t x = 0;
-    std::int32_t y = 0;
-
-    bool operator==(const TipPlace&) const = default;
-};
-
-// Right of and below the cursor (screen pixels), so that it covers nothing of what it explains.
-TipPlace tipPlace(std::int32_t cursorX, std::int32_t cursorY);
+// The tip's top left corner: right of and below the cursor (both screen pixels), so that it covers nothing of what it
+// explains.
+PixelPoint tipPlace(PixelPoint cursor);

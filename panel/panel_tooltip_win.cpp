@@ -10,7 +10,7 @@ constexpr LPARAM kMaxTipWidth = 480;  // pixels; long tips wrap, and line breaks
 
 TTTOOLINFOW toolOf(HWND owner) {
     TTTOOLINFOW tool = {};
-    // Not the whole record: a host without a manifest has the old controls, which refuse the newer size.
+    // Not the whole record: a host without a manifest has the old controls, which reject the newer size.
     tool.cbSize = TTTOOLINFOW_V2_SIZE;
     tool.uFlags = TTF_TRACK | TTF_ABSOLUTE;
     tool.hwnd = owner;
@@ -48,7 +48,7 @@ void PanelTooltip::show(std::string_view text) {
     setText(text);
     POINT cursor = {};
     GetCursorPos(&cursor);
-    const TipPlace place = tipPlace(cursor.x, cursor.y);
+    const PixelPoint place = tipPlace({cursor.x, cursor.y});
     const LPARAM position = MAKELPARAM(place.x, place.y);
     if (position != position_ || !isShown_) SendMessageW(tooltip_window_, TTM_TRACKPOSITION, 0, position);
     position_ = position;

@@ -26,6 +26,6 @@ class PanelTooltip {
     HWND owner_ = nullptr;
     HWND tooltip_window_ = nullptr;
     std::string text_;
-    LPARAM position_ = 0;  // where the tip was put last, as TTM_TRACKPOSITION takes it
+    LPARAM position_ = 0;  // where the tip was last put, as TTM_TRACKPOSITION takes it
     bool isShown_ = false;
 };

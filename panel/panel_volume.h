@@ -1,15 +1,13 @@
 // panel_volume.h - the panel's volume knob: 0..100 percent, 80 is unity, 100 is +6 dB.
 #pragma once
 #include "bridge/command_queue.h"
-#include "bridge/sim_state.h"
 #include "settings/settings_store.h"
 
-// [ui] The knob of a radio (1, 2), percent 0..100. Without follow_volume it is receive_volume; with it a queued write
-// (its localVolume when that is 0 or more), then receive_volume where that is above unity, then the simulator's COM
-// volume.
-float panel_volume(CommandQueue& queue, const SimState& sim, const Settings& settings, std::int32_t radio);
+// The knob of a radio (1, 2), percent 0..100. Without follow_volume it is receive_volume. With it, the first of these:
+// a queued write (its localVolume if 0 or more), receive_volume if above unity, the simulator's COM volume.
+float panel_volume(const Commands& commands, const SimState& sim, const Settings& settings, std::int32_t radio);
 
 // [ui] Turns the knob of a radio (1, 2) to percent, clamped to 0..100. With follow_volume the simulator's radio is
-// asked to change (a status text tells when it refuses); without it receive_volume changes.
-void set_panel_volume(CommandQueue& queue, SharedSimState& sim, SettingsStore& settings, std::int32_t radio,
-                      float percent, std::uint64_t nowMs);
+// asked to change (a status text says so if it refuses); without it receive_volume changes.
+void set_panel_volume(SimRadios& radios, SettingsStore& settings, std::int32_t radio, float percent,
+                      std::uint64_t nowMs);

@@ -1,49 +1,68 @@
 // panel_window_win.h - the radio panel's window: unpacks messages, asks the model, shows the picture.
 #pragma once
 #include <windows.h>
+#include <atomic>
 #include <optional>
+#include "audio/talk_tracker.h"
+#include "audio/voice_levels.h"
+#include "base/clock.h"
 #include "panel/panel_draw.h"
 #include "panel/panel_layers.h"
 #include "panel/panel_model.h"
 #include "panel/panel_picture.h"
 #include "panel/panel_tooltip_win.h"
 #include "panel/text_line_win.h"
-#include "panel/ui_rooms_win.h"
 #include "ui/memory_surface_win.h"
+#include "ui/window_win.h"
 
 inline constexpr const wchar_t* kPanelClass = L"CorvalisRadioPanel";
 
+// WM_CLOSE with this first parameter destroys the panel; a user's close does not.
+inline constexpr WPARAM kCloseByShutdown = 1;
+
+// What the window works with; all of it outlives the window.
+struct PanelWindowContext {
+    HINSTANCE module = nullptr;
+    const Clock& clock;
+    SettingsStore& settings;
+    SimRadios& radios;
+    const TalkTracker& talk;                       // the lamps
+    const VoiceLevels& voice;                      // the volume tip's output gain
+    const std::atomic<std::int32_t>& unreadTexts;  // the TEXT lamp
+    const std::atomic<std::int32_t>& languageIndex;
+    PanelActions& actions;
+    const std::atomic<bool>& stop;    // [host] sets it at shutdown, before posting the close
+    std::atomic<HWND>& publicWindow;  // [ui] publishes the handle for the other threads to post to
+};
+
 // Where the window is, as the system says.
 struct ScreenPlace {
-    ScreenRect workArea;  // of the nearest monitor
+    PixelRect workArea;  // of the nearest monitor
     std::uint32_t dpi = 0;
 };
 
 // [ui] One window, created once; its class is registered by the thread.
-class PanelWindow {
+class PanelWindow final : private Window {
   public:
-    PanelWindow(const UiRooms& rooms, const ThemeArt& theme_art);
-    PanelWindow(const PanelWindow&) = delete;
-    PanelWindow& operator=(const PanelWindow&) = delete;
+    PanelWindow(const PanelWindowContext& context, const ThemeArt& theme_art);
+    ~PanelWindow() override { destroyWindow(); }
 
     bool create();
     // Draws and pushes what has changed since the last time, then brings stacking and visibility in line with the
-    // settings. Does nothing while the system moves the window. What fails is tried again by the next call.
+    // settings. Does nothing while the system moves the window. Whatever fails is tried again by the next call.
     void present_panel() noexcept;
 
-    static LRESULT CALLBACK wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-
   private:
-    LRESULT onMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT onMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void onDestroyed() override;
     LRESULT onCreate();
     LRESULT onPrint(HDC dc) const;
     LRESULT onClose(WPARAM reason);
-    LRESULT onDestroy();
     LRESULT onTimer();
-    LRESULT onMouseMove(ClientPoint at);
+    LRESULT onMouseMove(PixelPoint at);
     LRESULT onMouseLeave();
-    LRESULT onLeftDown(ClientPoint at);
-    LRESULT onLeftUp(ClientPoint at);
+    LRESULT onLeftDown(PixelPoint at);
+    LRESULT onLeftUp(PixelPoint at);
     LRESULT onWheel(int delta, POINT screen);
     LRESULT onCaptureChanged();
     LRESULT onCancel();
@@ -56,9 +75,11 @@ class PanelWindow {
     LRESULT onVolume(WPARAM com, LPARAM percent);
     LRESULT onSwap(WPARAM com);
 
-    PanelRooms panelRooms() const { return {rooms_.settings, rooms_.sim, rooms_.commands, rooms_.actions}; }
-    std::uint64_t nowMs() const { return rooms_.clock.tickMs(); }
-    void startTimer();  // at the pace for what is visible
+    PanelContext panelContext() const {
+        return {.settings = context_.settings, .radios = context_.radios, .actions = context_.actions};
+    }
+    std::uint64_t nowMs() const { return context_.clock.tickMs(); }
+    void keepPace();  // sets the timer, slower while hidden
     void showTooltip();
 
     void present();
@@ -72,19 +93,19 @@ class PanelWindow {
     void applyStacking(bool pin);
     void applyVisibility(bool visible);
 
-    UiRooms rooms_;
-    HWND window_ = nullptr;
+    PanelWindowContext context_;
     PanelModel model_;
     PanelTooltip tooltip_;
     ScreenPlace screen_;
     int screenAge_ = 0;             // ticks until screen_ is asked for again
     bool isMoving_ = false;         // the system moves the window
-    bool applied_topmost_ = false;  // the stacking given last
+    bool applied_topmost_ = false;  // the stacking last set
 
     LayerCache layers_;
     MemorySurface surface_;
+    TextFonts fonts_;
     std::array<TextLine, 2> statusLines_;
     StatusImages statusImages_;             // of statusLines_
     std::optional<PanelPicture> drawn_;     // what the surface shows
-    std::optional<PanelPlacement> pushed_;  // how the screen shows the surface; nothing: not as it is now
+    std::optional<PanelPlacement> pushed_;  // how the screen shows the surface; empty: not in its present state
 };

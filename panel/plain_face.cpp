@@ -17,16 +17,16 @@ class Plate {
         : layout_(layout), style_(style), scale_(scale), face_(face) {}
 
     void paintGround() {
-        const PanelRect whole = {layout_.origin.x, layout_.origin.y, layout_.width, layout_.height};
+        const UnitRect whole = {layout_.origin.x, layout_.origin.y, layout_.width, layout_.height};
         fill(toPixels(whole), kPlateRadius * scale_, style_.plate);
     }
-    void paintHollow(const PanelRect& rect) { fill(toPixels(rect), 3.0f * scale_, kHollow); }
+    void paintHollow(const UnitRect& rect) { fill(toPixels(rect), 3.0f * scale_, kHollow); }
     void paintHotspot(const PanelHotspot& spot) {
-        const PanelRect rect = toPixels(spot.rect);
+        const UnitRect rect = toPixels(spot.rect);
         const float radius = (spot.round ? std::max(spot.rect.width, spot.rect.height) : kKeyRadius) * scale_;
         fill(rect, radius, style_.engraving);
         const float line = std::max(1.0f, kLineThickness * scale_);
-        const PanelRect cap = {rect.x + line, rect.y + line, rect.width - 2 * line, rect.height - 2 * line};
+        const UnitRect cap = {rect.x + line, rect.y + line, rect.width - 2 * line, rect.height - 2 * line};
         fill(cap, radius - line, style_.key);
         if (spot.round) paintPointer(rect);
         if (spot.id == kLargeKnob) paintSmallKnob(rect, line);
@@ -34,26 +34,26 @@ class Plate {
     }
 
   private:
-    PanelRect toPixels(const PanelRect& rect) const {
+    UnitRect toPixels(const UnitRect& rect) const {
         return {(rect.x - layout_.origin.x) * scale_, (rect.y - layout_.origin.y) * scale_, rect.width * scale_,
                 rect.height * scale_};
     }
-    void fill(const PanelRect& rect, float radius, std::uint32_t colour) {
+    void fill(const UnitRect& rect, float radius, std::uint32_t colour) {
         const PixelRect area = intersectRects(pixelsAround(rect, 1.0f), face_.bounds());
-        forEachPixel(area, [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+        forEachPixel(area, [&](std::int32_t x, std::int32_t y, UnitPoint point) {
             std::uint32_t& pixel = face_.row(y)[x];
             const float coverage = coverageOf(roundedRectDistance(rect, std::max(radius, 0.0f), point));
             pixel = blendOver(pixel, premultiplied(colour, coverage));
         });
     }
-    void paintPointer(const PanelRect& knob) {
+    void paintPointer(const UnitRect& knob) {
         const float width = std::max(2.0f, knob.width * 0.05f);
         fill({knob.x + (knob.width - width) / 2, knob.y + knob.height * 0.06f, width, knob.height * 0.16f}, 0.0f,
              style_.engraving);
     }
-    void paintSmallKnob(const PanelRect& knob, float line) {
+    void paintSmallKnob(const UnitRect& knob, float line) {
         const float size = std::min(knob.width, knob.height) * kSmallKnobShare;
-        const PanelRect small = {knob.x + (knob.width - size) / 2, knob.y + (knob.height - size) / 2, size, size};
+        const UnitRect small = {knob.x + (knob.width - size) / 2, knob.y + (knob.height - size) / 2, size, size};
         fill(small, size, style_.engraving);
         fill({small.x + line, small.y + line, size - 2 * line, size - 2 * line}, size, style_.key);
         paintPointer(small);

@@ -7,40 +7,40 @@ namespace {
 
 constexpr float kThickness = 0.115f;      // of the cell's height
 constexpr float kMaxThickness = 0.30f;    // of the upright digit's width
-constexpr float kGap = 0.09f;             // of the thickness: half of what parts two segments, along an edge
+constexpr float kGap = 0.09f;             // of the thickness: half the gap between two segments, along an edge
 constexpr float kMaxSlantedShare = 0.5f;  // of the cell's width that the slant may take
 
 // An upright digit in its own coordinates, and how it is laid into the cell.
 class SlantedCell {
   public:
-    SlantedCell(const PanelRect& cell, float slant) : cell_(cell) {
+    SlantedCell(const UnitRect& cell, float slant) : cell_(cell) {
         const float mostLean = kMaxSlantedShare * cell.width;
         lean_ = std::isfinite(slant) ? std::clamp(slant * cell.height, -mostLean, mostLean) : 0.0f;
     }
     float width() const { return cell_.width - std::fabs(lean_); }
     float height() const { return cell_.height; }
     // A cell that leans to the left has its bottom, not its top, at the right edge.
-    PanelPoint place(PanelPoint upright) const {
+    UnitPoint place(UnitPoint upright) const {
         const float fromBottom = cell_.height > 0.0f ? 1.0f - upright.y / cell_.height : 0.0f;
         const float x = cell_.x + std::max(0.0f, -lean_) + upright.x + lean_ * fromBottom;
-        // The last bit of a sum must not stick out of the cell.
+        // A sum's rounding error must not stick out of the cell.
         return {std::clamp(x, cell_.x, cell_.x + std::max(0.0f, cell_.width)), cell_.y + upright.y};
     }
 
   private:
-    PanelRect cell_;
-    float lean_ = 0.0f;  // units the top is right of the bottom
+    UnitRect cell_;
+    float lean_ = 0.0f;  // how far the top is right of the bottom
 };
 
 // The segments of an upright digit. Ends are cut at 45 degrees, so that neighbours meet along a narrow gap.
 struct UprightDigit {
     float w, h, t, g;
 
-    using Corners = std::initializer_list<PanelPoint>;
+    using Corners = std::initializer_list<UnitPoint>;
 
     static SegmentOutline make(Corners corners) {
         SegmentOutline outline;
-        for (const PanelPoint& corner : corners) outline.corners[static_cast<std::size_t>(outline.count++)] = corner;
+        for (const UnitPoint& corner : corners) outline.corners[static_cast<std::size_t>(outline.count++)] = corner;
         return outline;
     }
     SegmentOutline top() const { return make({{g, 0}, {w - g, 0}, {w - t - g, t}, {t + g, t}}); }
@@ -58,7 +58,7 @@ struct UprightDigit {
                      {t + g, m + t / 2}});
     }
     SegmentOutline mirrored(SegmentOutline outline, bool leftRight, bool upDown) const {
-        for (PanelPoint& corner : outline.corners) {
+        for (UnitPoint& corner : outline.corners) {
             if (leftRight) corner.x = w - corner.x;
             if (upDown) corner.y = h - corner.y;
         }
@@ -92,7 +92,7 @@ float thicknessOf(const SlantedCell& cell) {
 
 SegmentOutline placed(const SlantedCell& cell, SegmentOutline outline) {
     for (int i = 0; i < outline.count; i++) {
-        PanelPoint& corner = outline.corners[static_cast<std::size_t>(i)];
+        UnitPoint& corner = outline.corners[static_cast<std::size_t>(i)];
         corner = cell.place(corner);
     }
     return outline;
@@ -106,7 +106,7 @@ std::uint8_t segmentsOf(char digit) {
     return digit >= '0' && digit <= '9' ? kDigits[digit - '0'] : std::uint8_t{0};
 }
 
-SegmentOutline segmentOutline(const PanelRect& cell, int segment, float slant) {
+SegmentOutline segmentOutline(const UnitRect& cell, int segment, float slant) {
     const SlantedCell slanted(cell, slant);
     const float thickness = thicknessOf(slanted);
     const UprightDigit digit{slanted.width(), slanted.height(), thickness, thickness * kGap};

@@ -1,4 +1,4 @@
-// segment_glyphs.h - digits of the frequency displays as filled outlines, so they need no font and stay crisp at every
+// segment_glyphs.h - digits of the frequency displays as filled outlines, which need no font and stay crisp at every
 // scale: seven segments in a slanted cell. Pure geometry in the caller's units, y down.
 #pragma once
 #include <array>
@@ -14,10 +14,10 @@ std::uint8_t segmentsOf(char digit);
 
 // The outline of one segment within a cell: convex, a narrow gap away from its neighbours.
 struct SegmentOutline {
-    std::array<PanelPoint, 6> corners;
+    std::array<UnitPoint, 6> corners;
     int count = 0;
 };
 
 // slant: how far the digit's top leans to the right of its bottom, as a share of its height (0 upright). The leaning
 // digit is as wide as the cell, so it may take at most half of that. No corners for a segment outside 0..6.
-SegmentOutline segmentOutline(const PanelRect& cell, int segment, float slant);
+SegmentOutline segmentOutline(const UnitRect& cell, int segment, float slant);

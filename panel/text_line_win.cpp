@@ -1,57 +1,25 @@
 #include "panel/text_line_win.h"
 #include <algorithm>
 #include <cmath>
-#include <cwchar>
-#include "base/wide_text_win.h"
 #include "panel/panel_style.h"
 #include "settings/interface_texts.h"
 #include "ui/memory_surface_win.h"
 
 namespace {
 
-constexpr float kStatusFontShare = 0.60f;  // em height of a status line, of the strip's height
-constexpr std::int32_t kSmallestFont = 9;  // pixels: below this nothing can be read, so the strip is filled instead
-
-// A font selected into a context.
-class SelectedFont {
-  public:
-    SelectedFont(HDC dc, const TextLine& line) : dc_(dc) {
-        LOGFONTW description = {};
-        description.lfHeight = -line.fontPixels;
-        description.lfWeight = FW_NORMAL;
-        description.lfCharSet = DEFAULT_CHARSET;
-        // Plain grey edges: the picture is blended, so there is no ground that coloured ones could fit.
-        description.lfQuality = ANTIALIASED_QUALITY;
-        description.lfPitchAndFamily = VARIABLE_PITCH | FF_SWISS;
-        const std::wstring family = wideFromUtf8(line.family);
-        std::wcsncpy(description.lfFaceName, family.c_str(), LF_FACESIZE - 1);
-        font_ = CreateFontIndirectW(&description);
-        if (font_) before_ = SelectObject(dc_, font_);
-    }
-    ~SelectedFont() {
-        if (before_) SelectObject(dc_, before_);
-        if (font_) DeleteObject(font_);
-    }
-    SelectedFont(const SelectedFont&) = delete;
-    SelectedFont& operator=(const SelectedFont&) = delete;
-
-  private:
-    HDC dc_;
-    HFONT font_ = nullptr;
-    HGDIOBJ before_ = nullptr;
-};
+constexpr float kStatusFontShare = 0.60f;  // em height of a status line, as a share of the strip's height
+constexpr std::int32_t kSmallestFont = 9;  // pixels: below this nothing is legible, so the text fills the strip instead
 
 // White on black: afterwards a pixel's brightness is how much of it the text covers.
-void drawWhite(const MemorySurface& surface, const TextLine& line) {
-    const SelectedFont font(surface.dc(), line);
-    RECT box = {0, 0, line.width, line.height};
-    FillRect(surface.dc(), &box, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-    SetBkMode(surface.dc(), TRANSPARENT);
-    SetTextColor(surface.dc(), RGB(255, 255, 255));
-    const std::wstring text = wideFromUtf8(line.text);
-    const UINT side = line.isRightAligned ? DT_RIGHT : DT_LEFT;
-    DrawTextW(surface.dc(), text.c_str(), static_cast<int>(text.size()), &box,
-              side | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+void drawWhite(const MemorySurface& surface, TextFonts& fonts, const TextLine& line) {
+    const HDC dc = surface.dc();
+    const HGDIOBJ before = GetCurrentObject(dc, OBJ_FONT);
+    const RECT box = {0, 0, line.width, line.height};
+    FillRect(dc, &box, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, RGB(255, 255, 255));
+    drawLine(dc, fonts, {fontFamiliesOf(line.language), line.fontPixels, false}, line.side, line.text, box);
+    SelectObject(dc, before);
     GdiFlush();  // before our own code reads the pixels
 }
 
@@ -61,20 +29,20 @@ TextLine statusLine(const PanelLayers& layers, std::size_t side, std::string_vie
     const PixelRect& area = layers.statusAreas[side];
     TextLine line;
     line.text = text;
-    line.family = fontFamilyOf(language);
+    line.language = language;
     line.width = area.right - area.left;
     line.height = area.bottom - area.top;
     const float fontPixels = std::floor(static_cast<float>(line.height) * kStatusFontShare + 0.5f);
     line.fontPixels = std::max(static_cast<std::int32_t>(fontPixels), std::min(kSmallestFont, line.height));
     line.colour = panelStyle(layers.theme).statusText;
-    line.isRightAligned = side == 1;
+    line.side = side == 1 ? TextSide::kRight : TextSide::kLeft;
     return line;
 }
 
-ArgbImage paintTextLine(const TextLine& line) {
+ArgbImage paintTextLine(TextFonts& fonts, const TextLine& line) {
     MemorySurface surface;
     if (line.text.empty() || line.width < 1 || line.height < 1 || !surface.resize(line.width, line.height)) return {};
-    drawWhite(surface, line);
+    drawWhite(surface, fonts, line);
     ArgbImage image(line.width, line.height);
     for (std::int32_t y = 0; y < image.height; y++) {
         for (std::int32_t x = 0; x < image.width; x++) {

@@ -11,7 +11,7 @@ struct ReleaseStream {
 };
 using StreamOwner = std::unique_ptr<IStream, ReleaseStream>;
 
-// A stream over a copy of the bytes, which it frees with itself; null when memory is out.
+// A stream over its own copy of the bytes, freed with the stream; null if out of memory.
 StreamOwner streamOf(const void* bytes, std::size_t size) {
     const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, size);
     if (!block) return nullptr;

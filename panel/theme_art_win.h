@@ -1,4 +1,4 @@
-// theme_art_win.h - the artwork of the three themes, out of the DLL's resources.
+// theme_art_win.h - the artwork of the three themes, from the DLL's resources.
 #pragma once
 #include <windows.h>
 #include "panel/panel_layers.h"

@@ -1,5 +1,5 @@
-// exports_win.cpp - the functions the host calls, one or two lines each. Their names stand in corvalis.def; nothing
-// thrown leaves them.
+// exports_win.cpp - the functions the host calls, one or two lines each. Their names are listed in corvalis.def; no
+// exception leaves them.
 #include <cstdlib>
 #include <cstring>
 #include "audio/voice_threads_win.h"
@@ -13,8 +13,8 @@
 PluginState gPlugin;
 
 #ifdef __GLIBCXX__
-// Of the C++ library, which is ours alone and unloaded with us: gives back the 70 KB it keeps for exceptions without
-// memory. No header declares it; nothing may throw after it.
+// From the C++ library, which is linked into this DLL: frees the 70 KB it reserves for exceptions when memory runs out.
+// No header declares it; nothing may throw afterwards.
 namespace __gnu_cxx {
 void __freeres();  // NOLINT(bugprone-reserved-identifier): its own name
 }
@@ -22,10 +22,10 @@ void __freeres();  // NOLINT(bugprone-reserved-identifier): its own name
 
 namespace {
 
-// What the C and C++ library inside this DLL want of its load and its unload.
+// What the C and C++ libraries inside this DLL need at load and at unload.
 void openRuntime([[maybe_unused]] HINSTANCE module) {
 #ifdef __GLIBCXX__
-    DisableThreadLibraryCalls(module);  // others free what they keep for a thread when they hear of its end
+    DisableThreadLibraryCalls(module);  // other libraries need the calls to free what they keep per thread
 #endif
 }
 
@@ -35,7 +35,7 @@ void closeRuntime() {
 #endif
 }
 
-// Runs body; whatever it throws (memory, for the most part) ends here, and the host goes on.
+// Runs body; whatever it throws (mostly out of memory) ends here, and the host goes on.
 template <class Body>
 void guarded(Body body) noexcept {
     try {
@@ -74,7 +74,7 @@ const char* ts3plugin_description() {
 }
 int ts3plugin_offersConfigure() {
     return 1;
-}  // in a new thread of the host's
+}  // on a new thread of the host
 int ts3plugin_requestAutoload() {
     return 1;
 }
@@ -135,12 +135,12 @@ void ts3plugin_onTalkStatusChangeEvent(std::uint64_t schid, int status, int /*wh
 
 void ts3plugin_onEditCapturedVoiceDataEvent(std::uint64_t /*schid*/, short* samples, int sampleCount, int channels,
                                             int* edited) {
-    editCapturedVoiceHere(loadVoiceControls(gPlugin.settings, gPlugin.bridge), samples, sampleCount, channels, edited);
+    editCapturedVoiceHere(loadVoiceControls(gPlugin.settings, gPlugin.voice), samples, sampleCount, channels, edited);
 }
 
 void ts3plugin_onEditPlaybackVoiceDataEvent(std::uint64_t schid, std::uint16_t clientId, short* samples,
                                             int sampleCount, int channels) {
-    editPlaybackVoiceHere(loadVoiceControls(gPlugin.settings, gPlugin.bridge), speakerKey(schid, clientId), samples,
+    editPlaybackVoiceHere(loadVoiceControls(gPlugin.settings, gPlugin.voice), speakerKey(schid, clientId), samples,
                           sampleCount, channels);
 }
 

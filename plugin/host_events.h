@@ -1,4 +1,4 @@
-// host_events.h - what the host's connection events change in the rooms.
+// host_events.h - what the host's connection events change: the current server and who is talking.
 // [host] All of them; the current server is one atomic that every thread reads.
 #pragma once
 #include <atomic>
@@ -7,7 +7,7 @@
 
 inline constexpr int kStatusDisconnected = 0;  // connect status of the host
 
-// The user turned to another server tab; 0 means none is connected.
+// The user switched to another server tab; 0 means that none is connected.
 void serverConnectionChanged(std::atomic<std::uint64_t>& currentServer, TalkTracker& talk, std::uint64_t schid,
                              std::uint64_t nowMs);
 
@@ -16,6 +16,6 @@ void serverConnectionChanged(std::atomic<std::uint64_t>& currentServer, TalkTrac
 void connectStatusChanged(std::atomic<std::uint64_t>& currentServer, TalkTracker& talk, std::uint64_t schid,
                           int newStatus, std::uint64_t nowMs);
 
-// A client went to another channel; to channel 0 means that it left the server.
+// A client went to another channel; channel 0 means that it left the server.
 void clientMoved(TalkTracker& talk, std::uint64_t schid, std::uint16_t clientId, std::uint64_t newChannel,
                  std::uint64_t nowMs);

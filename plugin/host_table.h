@@ -25,5 +25,5 @@ enum HostPosition {
     kCreateReturnCodePosition = 191,
 };
 
-// [host] The functions that we call, each null where the table is.
+// [host] The functions that we call, null where the table has null.
 HostFunctions resolveHostFunctions(const HostFunctionTable& table);

@@ -6,8 +6,10 @@
 #include "base/data_folder_win.h"
 #include "base/identity.h"
 #include "base/log_line.h"
-#include "panel/ui_thread_win.h"
+#include "bridge/poll_loop.h"
+#include "panel/panel_window_win.h"
 #include "plugin/settings_dialog_win.h"
+#include "plugin/ui_thread_win.h"
 #include "settings/language.h"
 
 namespace {
@@ -28,7 +30,7 @@ void writeSounds(PluginState& plugin) {
 void askHost(PluginState& plugin) {
     if (plugin.host.getCurrentServerConnectionHandlerID)
         plugin.currentServer = plugin.host.getCurrentServerConnectionHandlerID();
-    // A move asked for before an earlier shutdown cannot be answered under the new return code.
+    // A move requested before an earlier shutdown cannot be answered under the new return code.
     plugin.moves.pendingChannel = 0;
     plugin.moves.moveReturnCode.clear();
     if (!plugin.host.createReturnCode || !plugin.pluginId) return;
@@ -46,20 +48,35 @@ void logLoaded(const PluginState& plugin) {
 }
 
 void runPollThread(PluginState& plugin) {
-    TailPlayer tails{plugin.host, plugin.settings, plugin.clock, utf8FromNarrow(plugin.tailTonePath), {}};
-    PollRooms rooms{plugin.host,          plugin.files,    plugin.clock, plugin.dataFolder, GetCurrentProcessId(),
-                    plugin.currentServer, plugin.settings, plugin.sim,   plugin.commands,   plugin.moves,
-                    plugin.talk,          tails,           plugin.bridge};
+    TailPlayer tails{.host = plugin.host,
+                     .settings = plugin.settings,
+                     .clock = plugin.clock,
+                     .tailPath = utf8FromNarrow(plugin.tailTonePath),
+                     .throttle = {}};
+    PollContext context{
+        .host = plugin.host,
+        .files = plugin.files,
+        .clock = plugin.clock,
+        .dataFolder = plugin.dataFolder,
+        .processId = GetCurrentProcessId(),
+        .currentServer = plugin.currentServer,
+        .settings = plugin.settings,
+        .radios = plugin.radios,
+        .moves = plugin.moves,
+        .talk = plugin.talk,
+        .tails = tails,
+        .voice = plugin.voice,
+    };
     PollMemory memory;
     while (!plugin.stopPolling) {
         try {
-            pollOnce(memory, rooms);
+            pollOnce(memory, context);
         } catch (const std::bad_alloc&) {
-            // A telemetry file larger than memory: this pass is lost, the next one looks again.
+            // A telemetry file larger than memory: this pass is lost, the next one tries again.
         }
         Sleep(kPollPeriodMs);
     }
-    finishPolling(plugin.bridge);
+    finishPolling(plugin.voice);
 }
 
 template <class Body>
@@ -82,16 +99,6 @@ void stopPollThread(PluginState& plugin) {
     plugin.pollThread.join();
 }
 
-void runUiThread(PluginState& plugin) {
-    try {
-        run_ui_thread({plugin.module, plugin.clock, plugin.settings, plugin.sim, plugin.commands, plugin.talk,
-                       plugin.bridge, plugin.messages, plugin.messageWindow, plugin.languageIndex, plugin.panelActions,
-                       plugin.stopUi, plugin.panel_window});
-    } catch (const std::bad_alloc&) {
-        // No memory to begin with: the radio works on without its windows.
-    }
-}
-
 void startUiThread(PluginState& plugin) {
     if (plugin.uiThread.isRunning()) return;
     plugin.stopUi = false;
@@ -107,7 +114,7 @@ void stopUiThread(PluginState& plugin) {
 }  // namespace
 
 void startPlugin(PluginState& plugin) {
-    stopPollThread(plugin);  // a second start: its folders and host handles are about to change
+    stopPollThread(plugin);  // on a second start its folders and host handles are about to change
     {
         const MutexLock lock(plugin.foldersMutex);
         findFolders(plugin);

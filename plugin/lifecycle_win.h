@@ -10,5 +10,5 @@ void startPlugin(PluginState& plugin);
 // [host] UI thread, poll thread, worker, settings dialog, plugin id. Always ends; harmless without a start.
 void stopPlugin(PluginState& plugin);
 
-// [dialog] Finds the folders and reads the settings, if init has not: the host may offer the dialog before it.
+// [dialog] Finds the folders and reads the settings unless init has done so: the host may offer the dialog before init.
 void loadSettingsOnce(PluginState& plugin);

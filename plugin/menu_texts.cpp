@@ -43,7 +43,7 @@ constexpr const char* kMenuTexts[kMenuEntryCount][kLanguageCount] = {
 };
 // clang-format on
 
-// A language missing in a row would be a null.
+// A language missing from a row would be a null.
 constexpr bool isFilled() {
     for (const auto& row : kMenuTexts) {
         for (const char* const text : row) {

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 #include "base/log_line.h"
+#include "base/utf8.h"
 #include "plugin/menu_texts.h"
 #include "plugin/settings_dialog_win.h"
 #include "settings/language.h"
@@ -24,7 +25,7 @@ PluginMenuItem** buildMenu(PluginState& plugin) {
     // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers, as many as there are entries and a null
     auto** items = static_cast<PluginMenuItem**>(std::calloc(kMenuEntryCount + 1, sizeof(PluginMenuItem*)));
     if (!items) return nullptr;
-    for (int i = 0; i < kMenuEntryCount; i++) items[i] = newItem(i + 1, language);  // a null here only ends it early
+    for (int i = 0; i < kMenuEntryCount; i++) items[i] = newItem(i + 1, language);  // a null only ends the list early
     return items;
 }
 

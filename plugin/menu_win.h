@@ -11,8 +11,8 @@ struct PluginMenuItem {
 };
 static_assert(sizeof(PluginMenuItem) == 264);
 
-// [host] The three records in id order and a null, all from malloc; null when memory is out. May come before init:
-// the settings then have their defaults and the texts the system's language.
+// [host] The three records in id order and a null, all from malloc; null if out of memory. May be called before init:
+// the settings then have their defaults and the texts are in the system's language.
 PluginMenuItem** buildMenu(PluginState& plugin);
 
 // [host] The user chose an entry. Before init nothing happens.

@@ -20,20 +20,24 @@ class MessageWindowOpener final : public NewestMessageOpener {
 const HostFunctions kNoHost;
 
 template <class Body>
-void withAlertRooms(PluginState& plugin, Body body) {
+void withAlertContext(PluginState& plugin, Body body) {
     const std::string alertPath = utf8FromNarrow(joinPath(plugin.dataFolder, kAlertFile));
     MessageWindowOpener window(plugin.messageWindow);
     const HostFunctions& host = plugin.running ? plugin.host : kNoHost;
-    body(AlertRooms{host, plugin.settings, plugin.currentServer, alertPath, window});
+    body(AlertContext{.host = host,
+                      .settings = plugin.settings,
+                      .schid = plugin.currentServer,
+                      .alertPath = alertPath,
+                      .window = window});
 }
 
 }  // namespace
 
 void receiveTextMessage(PluginState& plugin, const HostText& message) {
-    withAlertRooms(plugin,
-                   [&](const AlertRooms& rooms) { takeTextMessage(message, plugin.messages, plugin.clock, rooms); });
+    withAlertContext(
+        plugin, [&](const AlertContext& context) { takeTextMessage(message, plugin.messages, plugin.clock, context); });
 }
 
 void playTextAlert(PluginState& plugin) {
-    withAlertRooms(plugin, [](const AlertRooms& rooms) { playTextAlert(rooms); });
+    withAlertContext(plugin, [](const AlertContext& context) { playTextAlert(context); });
 }

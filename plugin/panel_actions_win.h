@@ -4,7 +4,7 @@
 
 struct PluginState;
 
-// [ui] Both keys do as the menu's entries.
+// [ui] Both keys do the same as the menu entries.
 class PluginPanelActions final : public PanelActions {
   public:
     explicit PluginPanelActions(PluginState& plugin) : plugin_(plugin) {}

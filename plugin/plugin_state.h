@@ -6,22 +6,21 @@
 #include <string>
 #include <thread>
 #include "audio/talk_tracker.h"
+#include "audio/voice_levels.h"
 #include "base/clock_win.h"
 #include "base/data_files_win.h"
 #include "bridge/command_queue.h"
-#include "bridge/poll_loop.h"
-#include "bridge/sim_state.h"
 #include "bridge/worker_process_win.h"
 #include "channels/follow_frequency.h"
 #include "messages/message_requests_win.h"
 #include "messages/message_store.h"
 #include "plugin/host_table.h"
 #include "plugin/panel_actions_win.h"
-#include "settings/dialog/dialog_run_win.h"
+#include "settings/dialog/settings_dialog_win.h"
 #include "settings/settings_store.h"
 
-// A joinable thread or none. Unlike std::thread it may be destroyed running: when a process ends without shutdown,
-// its threads are gone by the time our globals are.
+// A joinable thread or none. Unlike std::thread it may be destroyed while running: if a process ends without shutdown,
+// its threads are already gone when our globals are destroyed.
 class ThreadSlot {
   public:
     ThreadSlot() = default;
@@ -32,7 +31,7 @@ class ThreadSlot {
     ThreadSlot& operator=(const ThreadSlot&) = delete;
 
     bool isRunning() const { return thread_.joinable(); }
-    // Throws std::system_error when the system has no thread left. Only while not running.
+    // Throws std::system_error if the system has no thread left. Only while not running.
     template <class Body>
     void start(Body body) {
         thread_ = std::thread(std::move(body));
@@ -66,13 +65,12 @@ struct PluginState {
     WindowsDataFiles files;
     SystemClock clock;
     SettingsStore settings{files};
-    SharedSimState sim;
-    CommandQueue commands;
+    SimRadios radios;
     MoveTracker moves;
     TalkTracker talk;
     MessageStore messages;
     MessageWindowLink messageWindow;
-    BridgeOutputs bridge;
+    VoiceLevels voice;
     WorkerProcess worker;
     PluginPanelActions panelActions{*this};
 
@@ -85,9 +83,9 @@ struct PluginState {
 
     // The settings dialog: on its own thread when it is opened from the menu or the panel, else on one of the host's.
     DialogLink dialog;
-    ThreadSlot settingsThread;                 // touched by whoever has set settingsRunning, and by shutdown
+    ThreadSlot settingsThread;                 // touched only by whoever has set settingsRunning, and by shutdown
     std::atomic<bool> settingsRunning{false};  // from the start of settingsThread until its dialog has gone
-    Mutex foldersMutex;                        // init and an early dialog: one of them at a time finds the folders
+    Mutex foldersMutex;                        // init or an early dialog: only one at a time finds the folders
 };
 
 // The one instance of the process.

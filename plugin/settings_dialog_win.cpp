@@ -6,21 +6,43 @@
 
 namespace {
 
-// A window that is closed takes some milliseconds, but two seconds under Wine on a screen without a window manager.
+constexpr const char* kSampleSender = "Beijing Control";
+constexpr const char* kSampleText =
+    "PDC 2026-09-28 ZBAA\n"
+    "CLR TO ZSPD VIA ELKUR W40 YQO\n"
+    "INITIAL CLB 3000M\n"
+    "SQUAWK 4312\n"
+    "DEP RWY 36L\n"
+    "WHEN READY CONTACT 121.600";
+
+// Closing a window takes some milliseconds, but two seconds under Wine on a screen without a window manager.
 constexpr int kHostDialogWaitMs = 3000;
 
 void preview(PluginState& plugin) {
+    addMessage(plugin.messages, kSampleSender, kSampleText, kPrivateMessage, 0, plugin.clock.tickMs());
     playTextAlert(plugin);
-    // Whatever text_auto_open says: on the newest page when it opens, in front when it is open.
+    // Regardless of text_auto_open: opens on the newest page; one that is already open comes to the front.
     requestOfMessageWindow(plugin.messageWindow, kShowNewestMessage);
     requestOfMessageWindow(plugin.messageWindow, kShowMessages);
+}
+
+LiveRadio liveRadioOf(const SimState& sim, std::int32_t com) {
+    LiveRadio live;
+    live.isConnected = sim.connected;
+    live.readTickMs = sim.readTick;
+    if (const RadioReading* radio = radioOf(sim, com)) {
+        live.isKnown = true;
+        live.activeKHz = radio->active;
+        live.volume = radio->volume;
+    }
+    return live;
 }
 
 void runOnOwnThread(PluginState& plugin) {
     try {
         runSettingsDialogHere(plugin);
     } catch (const std::bad_alloc&) {
-        // No memory for a dialog: none.
+        // No memory: no dialog.
     }
     plugin.settingsRunning = false;
 }
@@ -29,7 +51,7 @@ void runOnOwnThread(PluginState& plugin) {
 
 void openSettingsDialog(PluginState& plugin) {
     if (showOpenDialog(plugin.dialog) || plugin.settingsRunning.exchange(true)) return;
-    plugin.settingsThread.join();  // one whose dialog has gone
+    plugin.settingsThread.join();  // the previous one, whose dialog has gone
     try {
         plugin.settingsThread.start([&plugin] { runOnOwnThread(plugin); });
     } catch (const std::system_error& error) {
@@ -40,9 +62,19 @@ void openSettingsDialog(PluginState& plugin) {
 }
 
 void runSettingsDialogHere(PluginState& plugin) {
-    runSettingsDialog({plugin.module, plugin.clock, plugin.host, plugin.settings, plugin.sim, plugin.messages,
-                       plugin.languageIndex, plugin.dialog, [&plugin] { preview(plugin); }},
-                      [&plugin] { loadSettingsOnce(plugin); });
+    const DialogContext context{
+        .module = plugin.module,
+        .clock = plugin.clock,
+        .settings = plugin.settings,
+        .languageIndex = plugin.languageIndex,
+        .link = plugin.dialog,
+        .prepare = [&plugin] { loadSettingsOnce(plugin); },
+        .liveRadio = [&plugin](std::int32_t com) { return liveRadioOf(copySimState(plugin.radios.sim), com); },
+        .previewMessages = [&plugin] { preview(plugin); },
+        .clearMessages = [&plugin] { clearMessages(plugin.messages); },
+        .logCommit = [&plugin](std::string_view line) { logToHost(plugin.host, line); },
+    };
+    runSettingsDialog(context);
 }
 
 void closeSettingsDialog(PluginState& plugin) {

@@ -1,6 +1,7 @@
-// texts.cpp - the table of texts, and the font families.
+// interface_texts.cpp - the table of texts, and the font families.
 #include "settings/interface_texts.h"
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 // The languages by their own names, the same in every interface language.
@@ -8,16 +9,20 @@
 
 namespace {
 
-// One row per text, in the order of its number (TextId, the rows of the settings dialog); in a row one line per
+// One row per text, in the order of TextId; within a row one line per
 // language in the order of Language: 简体中文, 繁體中文, English, 日本語, 한국어, Deutsch, Français, Español, Русский.
 // A change of the English text is carried into the other eight; the host's menu (plugin/menu_texts.cpp) uses the same
 // words. The windows are laid out for texts about as short as the English. Each language has one word per thing; what
-// is engraved on the panel (ACTIVE, STANDBY, COM1, TX, RX, TEXT) stays as it is, and row 76 names the keys as that
-// language's keyboards do. The runs of spaces in rows 1 and 76 are part of the text. \u00A0 is the no-break space that
-// French puts before a colon.
+// is engraved on the panel (ACTIVE, STANDBY, COM1, TX, RX, TEXT) stays as it is, and kTextPageKeys names the keys as
+// that language's keyboards do. The runs of spaces in kTextTitleLine and kTextPageKeys are part of the text. \u00A0 is
+// the no-break space that French puts before a colon.
 // clang-format off
-constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
-    {  // 0
+struct TextRow {
+    TextId id;
+    std::array<std::string_view, kLanguageCount> texts;
+};
+constexpr TextRow kTexts[kTextCount] = {
+    {kTextWindowTitle, {{
         "Corvalis · 设置",
         "Corvalis · 設定",
         "Corvalis · Settings",
@@ -27,8 +32,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Corvalis · Paramètres",
         "Corvalis · Ajustes",
         "Corvalis · Настройки",
-    },
-    {  // 1
+    }}},
+    {kTextTitleLine, {{
         "MSFS 2024  ⇄  TeamSpeak 3   无线电桥接",
         "MSFS 2024  ⇄  TeamSpeak 3   無線電橋接",
         "MSFS 2024  ⇄  TeamSpeak 3   radio bridge",
@@ -38,8 +43,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "MSFS 2024  ⇄  TeamSpeak 3   pont radio",
         "MSFS 2024  ⇄  TeamSpeak 3   puente de radio",
         "MSFS 2024  ⇄  TeamSpeak 3   радиомост",
-    },
-    {  // 2
+    }}},
+    {kTextSaveAndClose, {{
         "保存并关闭",
         "儲存並關閉",
         "Save & Close",
@@ -49,8 +54,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Enregistrer et fermer",
         "Guardar y cerrar",
         "Сохранить и закрыть",
-    },
-    {  // 3
+    }}},
+    {kTextCancel, {{
         "取消",
         "取消",
         "Cancel",
@@ -60,8 +65,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Annuler",
         "Cancelar",
         "Отмена",
-    },
-    {  // 4
+    }}},
+    {kTextApply, {{
         "应用",
         "套用",
         "Apply",
@@ -71,8 +76,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Appliquer",
         "Aplicar",
         "Применить",
-    },
-    {  // 5
+    }}},
+    {kTextPageGeneral, {{
         "常规设置",
         "一般設定",
         "General",
@@ -82,8 +87,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Général",
         "General",
         "Общие",
-    },
-    {  // 6
+    }}},
+    {kTextPageVoice, {{
         "语音与音频",
         "語音與音訊",
         "Voice & audio",
@@ -93,8 +98,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Voix et audio",
         "Voz y audio",
         "Голос и звук",
-    },
-    {  // 7
+    }}},
+    {kTextPageRadio, {{
         "无线电与功能",
         "無線電與功能",
         "Radio & functions",
@@ -104,8 +109,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Radio et fonctions",
         "Radio y funciones",
         "Радио и функции",
-    },
-    {  // 8
+    }}},
+    {kTextPageAbout, {{
         "关于",
         "關於",
         "About",
@@ -115,8 +120,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "À propos",
         "Acerca de",
         "О программе",
-    },
-    {  // 9
+    }}},
+    {kTextLanguage, {{
         "语言",
         "語言",
         "Language",
@@ -126,8 +131,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Langue",
         "Idioma",
         "Язык",
-    },
-    {  // 10
+    }}},
+    {kTextTheme, {{
         "机型主题",
         "機型主題",
         "Aircraft theme",
@@ -137,8 +142,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Thème de l’avion",
         "Tema del avión",
         "Тема самолёта",
-    },
-    {  // 11
+    }}},
+    {kTextPanelScale, {{
         "面板缩放",
         "面板縮放",
         "Panel scale",
@@ -148,8 +153,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Échelle du panneau",
         "Escala del panel",
         "Масштаб панели",
-    },
-    {  // 12
+    }}},
+    {kTextOpacity, {{
         "面板不透明度",
         "面板不透明度",
         "Panel opacity",
@@ -159,8 +164,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Opacité du panneau",
         "Opacidad del panel",
         "Непрозрачность панели",
-    },
-    {  // 13
+    }}},
+    {kTextMaster, {{
         "总开关",
         "主開關",
         "Master switch",
@@ -170,8 +175,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Interrupteur général",
         "Interruptor general",
         "Главный выключатель",
-    },
-    {  // 14
+    }}},
+    {kTextMasterHint, {{
         "开启或关闭 Corvalis",
         "開啟或關閉 Corvalis",
         "Turn Corvalis on or off",
@@ -181,8 +186,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Activer ou désactiver Corvalis",
         "Activar o desactivar Corvalis",
         "Включить или выключить Corvalis",
-    },
-    {  // 15
+    }}},
+    {kTextPanelVisible, {{
         "悬浮无线电面板",
         "浮動無線電面板",
         "Floating radio panel",
@@ -192,8 +197,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Panneau radio flottant",
         "Panel de radio flotante",
         "Плавающая радиопанель",
-    },
-    {  // 16
+    }}},
+    {kTextPanelVisibleHint, {{
         "将无线电面板置顶显示",
         "將無線電面板顯示在最上層",
         "Show the radio panel on top",
@@ -203,8 +208,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Panneau radio au premier plan",
         "Mostrar el panel de radio encima",
         "Показывать радиопанель поверх окон",
-    },
-    {  // 17
+    }}},
+    {kTextResetPanel, {{
         "重置面板布局",
         "重設面板配置",
         "Reset panel layout",
@@ -214,8 +219,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Réinitialiser le panneau",
         "Restablecer el panel",
         "Сбросить вид панели",
-    },
-    {  // 18
+    }}},
+    {kTextOptions, {{
         "选项",
         "選項",
         "Options",
@@ -225,8 +230,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Options",
         "Opciones",
         "Параметры",
-    },
-    {  // 19
+    }}},
+    {kTextAutoSwitching, {{
         "自动切换频道",
         "自動切換頻道",
         "Auto channel switching",
@@ -236,8 +241,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Changement auto de canal",
         "Cambio automático de canal",
         "Автопереключение каналов",
-    },
-    {  // 20
+    }}},
+    {kTextAutoSwitchingHint, {{
         "跟随模拟器中的 COM 频率",
         "跟隨模擬器中的 COM 頻率",
         "Follow the COM frequency in the simulator",
@@ -247,8 +252,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Suivre la fréquence COM du simulateur",
         "Seguir la frecuencia COM del simulador",
         "Следовать за частотой COM симулятора",
-    },
-    {  // 21
+    }}},
+    {kTextFollowVolume, {{
         "TS3 音量跟随飞机无线电",
         "TS3 音量跟隨飛機無線電",
         "TS3 volume follows the aircraft radio",
@@ -258,8 +263,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Volume TS3 lié à la radio de bord",
         "Volumen TS3 según la radio del avión",
         "Громкость TS3 по бортовому радио",
-    },
-    {  // 22
+    }}},
+    {kTextFollowVolumeHint, {{
         "按当前 COM 音量调节",
         "依目前 COM 音量調整",
         "Adjust to the current COM volume",
@@ -269,8 +274,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "S’adapter au volume COM actuel",
         "Ajustar al volumen COM actual",
         "Подстраивать под текущую громкость COM",
-    },
-    {  // 23
+    }}},
+    {kTextDistortSelf, {{
         "我的语音加无线电失真",
         "我的語音加無線電失真",
         "Radio distortion on my voice",
@@ -280,8 +285,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Distorsion radio sur ma voix",
         "Distorsión de radio en mi voz",
         "Радиоискажения моего голоса",
-    },
-    {  // 24
+    }}},
+    {kTextDistortOthers, {{
         "他人语音加无线电失真",
         "他人語音加無線電失真",
         "Radio distortion on other voices",
@@ -291,8 +296,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Distorsion radio sur les autres voix",
         "Distorsión de radio en otras voces",
         "Радиоискажения других голосов",
-    },
-    {  // 25
+    }}},
+    {kTextTailSelf, {{
         "我发射后的静噪尾音",
         "我發射後的靜噪尾音",
         "Squelch tail after my transmission",
@@ -302,8 +307,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Queue de squelch après mon émission",
         "Cola de squelch tras mi transmisión",
         "Шумовой хвост после моей передачи",
-    },
-    {  // 26
+    }}},
+    {kTextTailOthers, {{
         "他人发射后的静噪尾音",
         "他人發射後的靜噪尾音",
         "Squelch tail after others",
@@ -313,8 +318,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Queue de squelch après les autres",
         "Cola de squelch tras los demás",
         "Шумовой хвост после других",
-    },
-    {  // 27
+    }}},
+    {kTextReceiveAndGain, {{
         "接收与增益",
         "接收與增益",
         "Receive & gain",
@@ -324,8 +329,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Réception et gain",
         "Recepción y ganancia",
         "Приём и усиление",
-    },
-    {  // 28
+    }}},
+    {kTextReceiveVolume, {{
         "接收音量",
         "接收音量",
         "Receive volume",
@@ -335,8 +340,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Volume de réception",
         "Volumen de recepción",
         "Громкость приёма",
-    },
-    {  // 29
+    }}},
+    {kTextTransmitGain, {{
         "麦克风增益",
         "麥克風增益",
         "Microphone gain",
@@ -346,8 +351,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Gain du micro",
         "Ganancia del micrófono",
         "Усиление микрофона",
-    },
-    {  // 30
+    }}},
+    {kTextVolumeMin, {{
         "最小音量",
         "最小音量",
         "Min volume",
@@ -357,8 +362,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Volume min.",
         "Volumen mín.",
         "Мин. громкость",
-    },
-    {  // 31
+    }}},
+    {kTextVolumeMax, {{
         "最大音量",
         "最大音量",
         "Max volume",
@@ -368,8 +373,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Volume max.",
         "Volumen máx.",
         "Макс. громкость",
-    },
-    {  // 32
+    }}},
+    {kTextAudioEffects, {{
         "无线电音效",
         "無線電音效",
         "Radio audio effects",
@@ -379,8 +384,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Effets audio radio",
         "Efectos de radio",
         "Эффекты радиосвязи",
-    },
-    {  // 33
+    }}},
+    {kTextOther, {{
         "其他",
         "其他",
         "Other",
@@ -390,8 +395,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Divers",
         "Otros",
         "Прочее",
-    },
-    {  // 34
+    }}},
+    {kTextEqualize, {{
         "均衡发言者音量",
         "平衡發言者音量",
         "Equalize speakers",
@@ -401,8 +406,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Égaliser les voix",
         "Igualar las voces",
         "Выравнивание голосов",
-    },
-    {  // 35
+    }}},
+    {kTextEqualizeHint, {{
         "分别平滑每位发言者的音量",
         "分別平滑每位發言者的音量",
         "Smooth each speaker separately",
@@ -412,8 +417,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Lisser chaque voix séparément",
         "Suavizar cada voz por separado",
         "Сглаживать каждый голос отдельно",
-    },
-    {  // 36
+    }}},
+    {kTextNoiseReduction, {{
         "频谱降噪",
         "頻譜降噪",
         "Spectral noise reduction",
@@ -423,8 +428,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Réduction spectrale du bruit",
         "Reducción espectral de ruido",
         "Спектральное шумоподавление",
-    },
-    {  // 37
+    }}},
+    {kTextNoiseReductionHint, {{
         "仅限我的麦克风",
         "僅限我的麥克風",
         "My microphone only",
@@ -434,8 +439,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Mon micro uniquement",
         "Solo mi micrófono",
         "Только мой микрофон",
-    },
-    {  // 38
+    }}},
+    {kTextRadio, {{
         "无线电",
         "無線電",
         "Radio",
@@ -445,8 +450,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Radio",
         "Radio",
         "Радио",
-    },
-    {  // 39
+    }}},
+    {kTextPanel, {{
         "面板",
         "面板",
         "Panel",
@@ -456,8 +461,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Panneau",
         "Panel",
         "Панель",
-    },
-    {  // 40
+    }}},
+    {kTextPin, {{
         "始终置顶",
         "永遠在最上層",
         "Always on top",
@@ -467,8 +472,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Toujours au premier plan",
         "Siempre visible",
         "Поверх всех окон",
-    },
-    {  // 41
+    }}},
+    {kTextPinHint, {{
         "面板保持在其他窗口之上",
         "讓面板維持在其他視窗上方",
         "Keep the panel above other windows",
@@ -478,8 +483,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Panneau au-dessus des autres fenêtres",
         "Mantener el panel sobre otras ventanas",
         "Держать панель над другими окнами",
-    },
-    {  // 42
+    }}},
+    {kTextLamps, {{
         "TX / RX 指示灯",
         "TX / RX 指示燈",
         "TX / RX indicator lamps",
@@ -489,8 +494,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Voyants TX / RX",
         "Luces TX / RX",
         "Лампы TX / RX",
-    },
-    {  // 43
+    }}},
+    {kTextLampsHint, {{
         "显示发射与接收指示灯",
         "顯示發射與接收指示燈",
         "Show transmit and receive lamps",
@@ -500,8 +505,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Voyants d’émission et de réception",
         "Luces de transmisión y recepción",
         "Показывать лампы передачи и приёма",
-    },
-    {  // 44
+    }}},
+    {kTextTextMessages, {{
         "文本消息 / PDC",
         "文字訊息 / PDC",
         "Text messages / PDC",
@@ -511,8 +516,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Messages texte / PDC",
         "Mensajes de texto / PDC",
         "Текстовые сообщения / PDC",
-    },
-    {  // 45
+    }}},
+    {kTextTextAlert, {{
         "收到新消息时提示",
         "收到新訊息時提示",
         "Play alert on new message",
@@ -522,8 +527,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Alerte à chaque nouveau message",
         "Alerta con cada mensaje nuevo",
         "Сигнал о новом сообщении",
-    },
-    {  // 46
+    }}},
+    {kTextTextAlertHint, {{
         "播放 ACARS 提示音",
         "播放 ACARS 提示音",
         "Play the ACARS alert tone",
@@ -533,8 +538,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Jouer l’alerte sonore ACARS",
         "Emitir el tono de alerta ACARS",
         "Подавать звуковой сигнал ACARS",
-    },
-    {  // 47
+    }}},
+    {kTextTextAutoOpen, {{
         "自动打开消息窗口",
         "自動開啟訊息視窗",
         "Open the message window automatically",
@@ -544,8 +549,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Ouverture auto de la fenêtre de messages",
         "Abrir mensajes automáticamente",
         "Автоматически открывать окно сообщений",
-    },
-    {  // 48
+    }}},
+    {kTextTextAutoOpenHint, {{
         "收到放行许可后立即显示",
         "收到航管許可後立即顯示",
         "Show the clearance as soon as it arrives",
@@ -555,8 +560,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Afficher la clairance dès sa réception",
         "Mostrar la autorización al recibirla",
         "Показывать разрешение при получении",
-    },
-    {  // 49
+    }}},
+    {kTextTextScale, {{
         "消息文字大小",
         "訊息文字大小",
         "Message text size",
@@ -566,8 +571,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Taille du texte",
         "Tamaño del texto",
         "Размер текста сообщений",
-    },
-    {  // 50
+    }}},
+    {kTextPreviewMessages, {{
         "预览消息窗口",
         "預覽訊息視窗",
         "Preview message window",
@@ -577,8 +582,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Aperçu des messages",
         "Vista previa de mensajes",
         "Предпросмотр окна сообщений",
-    },
-    {  // 51
+    }}},
+    {kTextClearMessages, {{
         "清除所有消息",
         "清除所有訊息",
         "Clear all messages",
@@ -588,8 +593,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Effacer tous les messages",
         "Borrar todos los mensajes",
         "Удалить все сообщения",
-    },
-    {  // 52
+    }}},
+    {kTextCustomKeys, {{
         "自定义按键",
         "自訂按鍵",
         "Custom keys",
@@ -599,8 +604,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Touches personnalisées",
         "Teclas personalizadas",
         "Настраиваемые кнопки",
-    },
-    {  // 53
+    }}},
+    {kTextKeyAFixed, {{
         "TEXT 消息（固定）",
         "TEXT 訊息（固定）",
         "TEXT message (fixed)",
@@ -610,8 +615,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Message TEXT (fixe)",
         "Mensaje TEXT (fijo)",
         "Сообщение TEXT (закреплено)",
-    },
-    {  // 54
+    }}},
+    {kTextKeyANote, {{
         "在 BOEING / AIRBUS 主题中，按键 A 固定为 TEXT。收到消息时其指示灯闪烁。",
         "在 BOEING / AIRBUS 主題中，按鍵 A 固定為 TEXT。收到訊息時其指示燈會閃爍。",
         "Key A is fixed to TEXT on the BOEING / AIRBUS themes. Its lamp flashes when a message arrives.",
@@ -621,8 +626,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Avec les thèmes BOEING / AIRBUS, la touche A est réservée à TEXT. Son voyant clignote à l’arrivée d’un message.",
         "En los temas BOEING / AIRBUS, la tecla A está fijada a TEXT. Su luz parpadea cuando llega un mensaje.",
         "В темах BOEING / AIRBUS кнопка A закреплена за TEXT. Её лампа мигает при поступлении сообщения.",
-    },
-    {  // 55
+    }}},
+    {kTextActionNone, {{
         "未分配 / 清除",
         "未指定 / 清除",
         "Not assigned / Clear",
@@ -632,8 +637,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Non affectée / Effacer",
         "Sin asignar / Borrar",
         "Не назначено / Сбросить",
-    },
-    {  // 56
+    }}},
+    {kTextActionSwap, {{
         "互换 ACTIVE/STANDBY",
         "互換 ACTIVE/STANDBY",
         "Swap active/standby",
@@ -643,8 +648,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Permuter ACTIVE/STANDBY",
         "Intercambiar ACTIVE/STANDBY",
         "Поменять ACTIVE/STANDBY",
-    },
-    {  // 57
+    }}},
+    {kTextActionAutoSwitching, {{
         "自动切换开/关",
         "自動切換開/關",
         "Toggle auto switching",
@@ -654,8 +659,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Changement auto marche/arrêt",
         "Cambio automático sí/no",
         "Автопереключение вкл./выкл.",
-    },
-    {  // 58
+    }}},
+    {kTextActionCom1, {{
         "选择 COM1",
         "選擇 COM1",
         "Select COM1",
@@ -665,8 +670,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Sélectionner COM1",
         "Seleccionar COM1",
         "Выбрать COM1",
-    },
-    {  // 59
+    }}},
+    {kTextActionCom2, {{
         "选择 COM2",
         "選擇 COM2",
         "Select COM2",
@@ -676,8 +681,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Sélectionner COM2",
         "Seleccionar COM2",
         "Выбрать COM2",
-    },
-    {  // 60
+    }}},
+    {kTextActionActive, {{
         "目标设为 ACTIVE",
         "目標設為 ACTIVE",
         "Target ACTIVE",
@@ -687,8 +692,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Cible\u00A0: ACTIVE",
         "Destino: ACTIVE",
         "Цель: ACTIVE",
-    },
-    {  // 61
+    }}},
+    {kTextActionStandby, {{
         "目标设为 STANDBY",
         "目標設為 STANDBY",
         "Target STANDBY",
@@ -698,8 +703,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Cible\u00A0: STANDBY",
         "Destino: STANDBY",
         "Цель: STANDBY",
-    },
-    {  // 62
+    }}},
+    {kTextActionPin, {{
         "始终置顶开/关",
         "最上層顯示開/關",
         "Toggle always on top",
@@ -709,8 +714,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Premier plan marche/arrêt",
         "Siempre visible sí/no",
         "Поверх окон вкл./выкл.",
-    },
-    {  // 63
+    }}},
+    {kTextAboutParagraph, {{
         "将模拟器的 COM 频率、TeamSpeak 3 频道切换和无线电语音效果连为一体：管制员发来的频率即成为您所在的频道，通话听起来如同真实的航空无线电。",
         "將模擬器的 COM 頻率、TeamSpeak 3 頻道切換與無線電語音效果串接起來：航管發來的頻率即成為您所在的頻道，通話聽起來如同真正的航空無線電。",
         "Bridges the simulator COM frequency, TeamSpeak 3 channel switching and radio voice effects: a frequency sent by ATC becomes the channel you are on, and voice traffic sounds like real airband radio.",
@@ -720,8 +725,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Relie la fréquence COM du simulateur, le changement de canal TeamSpeak 3 et les effets radio sur la voix\u00A0: une fréquence donnée par l’ATC devient votre canal, et les échanges sonnent comme une vraie radio aéronautique.",
         "Une la frecuencia COM del simulador, el cambio de canal de TeamSpeak 3 y los efectos de radio en la voz: la frecuencia que da el ATC pasa a ser el canal en uso y las voces suenan como en una radio aeronáutica real.",
         "Связывает частоту COM симулятора, переключение каналов TeamSpeak 3 и радиоэффекты голоса: частота, переданная диспетчером, становится вашим каналом, а связь звучит как настоящий авиационный эфир.",
-    },
-    {  // 64
+    }}},
+    {kTextAuthor, {{
         "作者",
         "作者",
         "Author",
@@ -731,8 +736,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Auteur",
         "Autor",
         "Автор",
-    },
-    {  // 65
+    }}},
+    {kTextSupport, {{
         "支持",
         "支援",
         "Support",
@@ -742,8 +747,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Assistance",
         "Soporte",
         "Поддержка",
-    },
-    {  // 66
+    }}},
+    {kTextPlatform, {{
         "平台",
         "平台",
         "Platform",
@@ -753,8 +758,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Plateforme",
         "Plataforma",
         "Платформа",
-    },
-    {  // 67
+    }}},
+    {kTextLicence, {{
         "许可协议",
         "授權",
         "Licence",
@@ -764,8 +769,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Licence",
         "Licencia",
         "Лицензия",
-    },
-    {  // 68
+    }}},
+    {kTextLanguageNames, {{
         // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): prefix and names are one text
         "界面语言：" LANGUAGE_NAMES,
         "介面語言：" LANGUAGE_NAMES,
@@ -776,8 +781,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Langues de l’interface\u00A0: " LANGUAGE_NAMES,
         "Idiomas de la interfaz: " LANGUAGE_NAMES,
         "Языки интерфейса: " LANGUAGE_NAMES,
-    },
-    {  // 69
+    }}},
+    {kTextLive, {{
         "实时状态",
         "即時狀態",
         "Live",
@@ -787,8 +792,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Direct",
         "En vivo",
         "Сейчас",
-    },
-    {  // 70
+    }}},
+    {kTextSimConnected, {{
         "模拟器已连接",
         "模擬器已連線",
         "SIMULATOR CONNECTED",
@@ -798,8 +803,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "SIMULATEUR CONNECTÉ",
         "SIMULADOR CONECTADO",
         "СИМУЛЯТОР ПОДКЛЮЧЁН",
-    },
-    {  // 71
+    }}},
+    {kTextStaleData, {{
         "数据已过期",
         "資料已過時",
         "STALE DATA",
@@ -809,8 +814,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "DONNÉES PÉRIMÉES",
         "DATOS OBSOLETOS",
         "ДАННЫЕ УСТАРЕЛИ",
-    },
-    {  // 72
+    }}},
+    {kTextSimNotConnected, {{
         "模拟器未连接",
         "模擬器未連線",
         "SIM NOT CONNECTED",
@@ -820,8 +825,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "SIM NON CONNECTÉ",
         "SIM NO CONECTADO",
         "СИМУЛЯТОР НЕ ПОДКЛЮЧЁН",
-    },
-    {  // 73
+    }}},
+    {kTextFrom, {{
         "来自",
         "來自",
         "FROM",
@@ -831,8 +836,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "DE",
         "DE",
         "ОТ",
-    },
-    {  // 74
+    }}},
+    {kTextTime, {{
         "时间",
         "時間",
         "TIME",
@@ -842,8 +847,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "HEURE",
         "HORA",
         "ВРЕМЯ",
-    },
-    {  // 75
+    }}},
+    {kTextNoMessages, {{
         "暂无文本消息。收到放行许可后会立即显示在此处。",
         "尚無文字訊息。收到航管許可後會立即顯示在這裡。",
         "No text messages yet. Clearances appear here as soon as they arrive.",
@@ -853,8 +858,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "Pas encore de message texte. Les clairances s’affichent ici dès leur réception.",
         "Aún no hay mensajes de texto. Las autorizaciones aparecerán aquí al llegar.",
         "Текстовых сообщений пока нет. Разрешения появятся здесь сразу при получении.",
-    },
-    {  // 76
+    }}},
+    {kTextPageKeys, {{
         "↑↓ 翻页   DEL 清除   ESC / TEXT 关闭",
         "↑↓ 翻頁   DEL 清除   ESC / TEXT 關閉",
         "↑↓ page   DEL clear   ESC / TEXT close",
@@ -864,8 +869,8 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "↑↓ page   SUPPR effacer   ÉCHAP / TEXT fermer",
         "↑↓ página   SUPR borrar   ESC / TEXT cerrar",
         "↑↓ листать   DEL удалить   ESC / TEXT закрыть",
-    },
-    {  // 77
+    }}},
+    {kTextEmpty, {{
         "",
         "",
         "",
@@ -875,7 +880,7 @@ constexpr std::string_view kTexts[kTextCount][kLanguageCount] = {
         "",
         "",
         "",
-    },
+    }}},
 };
 
 // In the order of Language. Each family has all of its language's letters.
@@ -890,12 +895,25 @@ constexpr std::string_view kFontFamilies[kLanguageCount] = {
     "Segoe UI",
     "Segoe UI",
 };
+
+// Has the symbols that the text fonts lack; part of every Windows since 7.
+constexpr std::string_view kSymbolFamily = "Segoe UI Symbol";
+
+using FontList = std::array<std::string_view, 5>;
+constexpr auto kFontLists = [] {
+    std::array<FontList, kLanguageCount> lists{};
+    for (std::size_t language = 0; language < lists.size(); language++)
+        lists[language] = {kFontFamilies[language], kFontFamilies[kSimplifiedChinese], kFontFamilies[kJapanese],
+                           kFontFamilies[kKorean], kSymbolFamily};
+    return lists;
+}();
 // clang-format on
 
-// A language missing in a row, or a row missing at the end, would be an empty cell.
+// A language missing from a row, or a missing last row, would give an empty text; any other missing row, a wrong text.
 constexpr bool isFilled() {
     for (int entry = 0; entry < kTextCount; entry++) {
-        for (const std::string_view text : kTexts[entry]) {
+        if (kTexts[entry].id != entry) return false;
+        for (const std::string_view text : kTexts[entry].texts) {
             if (text.empty() != (entry == kTextEmpty)) return false;
         }
     }
@@ -911,9 +929,13 @@ std::size_t columnOf(std::int32_t language) {
 
 std::string_view textOf(std::int32_t language, int entry) {
     if (entry < 0 || entry >= kTextCount) return {};
-    return kTexts[entry][columnOf(language)];
+    return kTexts[entry].texts[columnOf(language)];
 }
 
 std::string_view fontFamilyOf(std::int32_t language) {
     return kFontFamilies[columnOf(language)];
+}
+
+std::span<const std::string_view> fontFamiliesOf(std::int32_t language) {
+    return kFontLists[columnOf(language)];
 }

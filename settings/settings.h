@@ -1,5 +1,5 @@
-// settings.h - every option of the user, one record. A value: rooms work on a copy (copySettings in settings_store.h).
-// A field has the name of its key in settings.ini. Nothing here locks or throws, but for the two strings' memory.
+// settings.h - every user option, in one record. A value: rooms work on a copy (copySettings in settings_store.h). A
+// field has the name of its key in settings.ini. Nothing here locks; only the memory of the two strings can throw.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -7,14 +7,14 @@
 struct Settings {
     bool master = true;            // the whole system's effects
     bool enabled = true;           // follow the COM frequency into its channel
-    bool nrSelf = false;           // spectral noise reduction of the own microphone
+    bool nrSelf = false;           // spectral noise reduction of the user's microphone
     std::int32_t radio = 1;        // 1 COM1, 2 COM2: the radio that is followed
     bool follow_volume = true;     // receive volume follows the aircraft's COM volume
     float volume_min = 0.0f;       // 0..1, lower bound of the followed volume
     float volume_max = 1.0f;       // 0..1, not below volume_min
-    bool distort_self = true;      // radio effect on the own voice
+    bool distort_self = true;      // radio effect on the user's own voice
     bool distort_others = true;    // radio effect on received voices
-    bool tail_self = true;         // squelch tail after the own transmission
+    bool tail_self = true;         // squelch tail after the user's own transmission
     bool tail_others = true;       // squelch tail after others
     std::int32_t target = 0;       // 0 ACTIVE, 1 STANDBY: the slot that is followed
     std::int32_t theme = 0;        // 0 GENERAL, 1 BOEING, 2 AIRBUS

@@ -8,7 +8,7 @@ constexpr const char* kSettingsFile = "settings.ini";
 
 struct Change {
     Settings record;  // the live record afterwards
-    bool switches;    // one of the five voice switches is another
+    bool switches;    // one of the five voice switches has changed
 };
 
 Change changeLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
@@ -65,7 +65,7 @@ void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& 
     const Change changed = changeLive(store, change);
     store.files.replace(joinPath(store.dataFolder, kSettingsFile), writeSettingsText(changed.record));
     applySettings(store);
-    // After the switches are published: a voice that sees the new generation starts afresh under them, not before.
+    // Raised once the switches are published: a voice that sees the new generation starts afresh with the new ones.
     if (changed.switches) store.DspGeneration.fetch_add(1);
 }
 

@@ -17,7 +17,7 @@ enum AudioFlag : std::uint32_t {
     kAudioEqualize = 16,
 };
 
-// The switches of a record as AudioFlags bits.
+// The switches of a record as AudioFlag bits.
 std::uint32_t audioFlagsOf(const Settings& settings);
 // transmit_gain as a linear factor: 10^(dB / 20), 1.0 at 0 dB.
 float transmitGainOf(const Settings& settings);
@@ -52,7 +52,7 @@ void loadSettings(SettingsStore& store);
 // stays as it was.
 void saveSettings(SettingsStore& store, const Settings& record);
 
-// [any] Changes the live record and saves the result as one step, so that the file ends with the newest record.
+// [any] Changes the live record and saves the result as one step, so that the file ends up with the newest record.
 void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& change);
 
 // [any] Publishes AudioFlags and TransmitGain of the live record.

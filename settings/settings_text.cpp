@@ -3,33 +3,36 @@
 #include <iterator>
 #include <utility>
 #include "base/number_text.h"
+#include "settings/setting_ranges.h"
 
 namespace {
 
-// What a flag's value has to be to count as the other one. The rules differ from key to key; files in the field
-// rely on each as it stands.
+// Which values of a flag count as off and which as on. The rules differ from key to key, and existing files rely on
+// each of them.
 enum class FlagRule {
-    OffByWord,   // "0" and "false" are off, anything else is on
-    OffByDigit,  // "0" is off, anything else is on ("false" too)
-    OnByWord,    // "1" and "true" are on, anything else is off
-    OnByDigit,   // "1" is on, anything else is off ("true" too)
+    kOffByWord,   // "0" and "false" are off, anything else is on
+    kOffByDigit,  // "0" is off, anything else is on ("false" too)
+    kOnByWord,    // "1" and "true" are on, anything else is off
+    kOnByDigit,   // "1" is on, anything else is off ("true" too)
 };
 
 bool readFlag(FlagRule rule, std::string_view value) {
     switch (rule) {
-        case FlagRule::OffByWord:
+        case FlagRule::kOffByWord:
             return value != "0" && value != "false";
-        case FlagRule::OffByDigit:
+        case FlagRule::kOffByDigit:
             return value != "0";
-        case FlagRule::OnByWord:
+        case FlagRule::kOnByWord:
             return value == "1" || value == "true";
-        case FlagRule::OnByDigit:
+        case FlagRule::kOnByDigit:
             break;
     }
     return value == "1";
 }
 
 struct Range {
+    constexpr Range(double low, double high) : min(low), max(high) {}
+    constexpr Range(const SettingRange& range) : Range(double{range.min}, double{range.max}) {}
     double min;
     double max;
 };
@@ -43,11 +46,11 @@ struct SettingRow {
     std::int32_t Settings::*whole = nullptr;
     float Settings::*real = nullptr;
     std::string Settings::*text = nullptr;
-    FlagRule rule = FlagRule::OffByWord;  // flags
-    Range range{};                        // whole and real numbers
-    bool isChoice = false;                // a whole number of two values: range.max if it says so, else range.min
-    std::string_view prefix{};            // stands before a choice's number ("COM1", "COM2")
-    std::string_view insteadOfEmpty{};    // texts
+    FlagRule rule = FlagRule::kOffByWord;  // flags
+    Range range{0, 0};                     // whole and real numbers
+    bool isChoice = false;                 // a whole number with two values: range.max if named, else range.min
+    std::string_view prefix{};             // comes before a choice's number ("COM1", "COM2")
+    std::string_view insteadOfEmpty{};     // texts
 };
 
 constexpr SettingRow flagRow(std::string_view key, FlagRule rule, bool Settings::*field) {
@@ -83,45 +86,43 @@ constexpr SettingRow textRow(std::string_view key, std::string Settings::*field,
 }
 
 using S = Settings;
-constexpr Range kFraction{0, 1};
-constexpr Range kBinding{0, 7};
 
-// Every key, in the order written. A key's writer, its reader's rule and its range stand in its row.
+// Every key, in the order written. A key's writer, its reader's rule and its range are in its row.
 // clang-format off
 constexpr SettingRow kRows[] = {
-    flagRow  ("master",         FlagRule::OffByWord,  &S::master),
-    flagRow  ("nrSelf",         FlagRule::OnByWord,   &S::nrSelf),
-    flagRow  ("enabled",        FlagRule::OffByWord,  &S::enabled),
+    flagRow  ("master",         FlagRule::kOffByWord,  &S::master),
+    flagRow  ("nrSelf",         FlagRule::kOnByWord,   &S::nrSelf),
+    flagRow  ("enabled",        FlagRule::kOffByWord,  &S::enabled),
     choiceRow("radio",          &S::radio,            {1, 2}, "COM"),
-    flagRow  ("follow_volume",  FlagRule::OffByWord,  &S::follow_volume),
-    realRow  ("volume_min",     &S::volume_min,       kFraction),
-    realRow  ("volume_max",     &S::volume_max,       kFraction),
-    flagRow  ("distort_self",   FlagRule::OffByWord,  &S::distort_self),
-    flagRow  ("distort_others", FlagRule::OffByWord,  &S::distort_others),
-    flagRow  ("tail_self",      FlagRule::OffByWord,  &S::tail_self),
-    flagRow  ("tail_others",    FlagRule::OffByWord,  &S::tail_others),
+    flagRow  ("follow_volume",  FlagRule::kOffByWord,  &S::follow_volume),
+    realRow  ("volume_min",     &S::volume_min,       kFractionRange),
+    realRow  ("volume_max",     &S::volume_max,       kFractionRange),
+    flagRow  ("distort_self",   FlagRule::kOffByWord,  &S::distort_self),
+    flagRow  ("distort_others", FlagRule::kOffByWord,  &S::distort_others),
+    flagRow  ("tail_self",      FlagRule::kOffByWord,  &S::tail_self),
+    flagRow  ("tail_others",    FlagRule::kOffByWord,  &S::tail_others),
     textRow  ("python",         &S::python,           "pythonw.exe"),
     textRow  ("language",       &S::language,         "auto"),
     choiceRow("target",         &S::target,           {0, 1}, ""),
-    wholeRow ("theme",          &S::theme,            {0, 2}),
-    realRow  ("panel_scale",    &S::panel_scale,      {50, 200}),
-    realRow  ("opacity",        &S::opacity,          {30, 100}),
-    realRow  ("receive_volume", &S::receive_volume,   {0, 100}),
-    realRow  ("transmit_gain",  &S::transmit_gain,    {0, 18}),
-    flagRow  ("panel_visible",  FlagRule::OffByDigit, &S::panel_visible),
-    flagRow  ("pin",            FlagRule::OnByDigit,  &S::pin),
-    flagRow  ("equalize",       FlagRule::OnByDigit,  &S::equalize),
+    wholeRow ("theme",          &S::theme,            kThemeRange),
+    realRow  ("panel_scale",    &S::panel_scale,      kPanelScaleRange),
+    realRow  ("opacity",        &S::opacity,          kOpacityRange),
+    realRow  ("receive_volume", &S::receive_volume,   kReceiveVolumeRange),
+    realRow  ("transmit_gain",  &S::transmit_gain,    kTransmitGainRange),
+    flagRow  ("panel_visible",  FlagRule::kOffByDigit, &S::panel_visible),
+    flagRow  ("pin",            FlagRule::kOnByDigit,  &S::pin),
+    flagRow  ("equalize",       FlagRule::kOnByDigit,  &S::equalize),
     wholeRow ("panel_x",        &S::panel_x,          kAnyPixel),
     wholeRow ("panel_y",        &S::panel_y,          kAnyPixel),
-    flagRow  ("radio_lamps",    FlagRule::OffByDigit, &S::radio_lamps),
-    flagRow  ("text_alert",     FlagRule::OffByDigit, &S::text_alert),
-    flagRow  ("text_auto_open", FlagRule::OffByDigit, &S::text_auto_open),
-    realRow  ("text_scale",     &S::text_scale,       {12, 22}),
-    wholeRow ("bind_A",         &S::bind_A,           kBinding),
-    wholeRow ("bind_B",         &S::bind_B,           kBinding),
-    wholeRow ("bind_C",         &S::bind_C,           kBinding),
-    wholeRow ("bind_D",         &S::bind_D,           kBinding),
-    wholeRow ("bind_E",         &S::bind_E,           kBinding),
+    flagRow  ("radio_lamps",    FlagRule::kOffByDigit, &S::radio_lamps),
+    flagRow  ("text_alert",     FlagRule::kOffByDigit, &S::text_alert),
+    flagRow  ("text_auto_open", FlagRule::kOffByDigit, &S::text_auto_open),
+    realRow  ("text_scale",     &S::text_scale,       kTextScaleRange),
+    wholeRow ("bind_A",         &S::bind_A,           kBindingRange),
+    wholeRow ("bind_B",         &S::bind_B,           kBindingRange),
+    wholeRow ("bind_C",         &S::bind_C,           kBindingRange),
+    wholeRow ("bind_D",         &S::bind_D,           kBindingRange),
+    wholeRow ("bind_E",         &S::bind_E,           kBindingRange),
 };
 // clang-format on
 static_assert(std::size(kRows) == 33);

@@ -1,5 +1,5 @@
 // settings_text.h - settings.ini as text, both ways. The file is described in docs/file-formats.md.
-// [any] Pure functions; any bytes may be read, none crashes or is refused as a whole.
+// [any] Pure functions; any bytes may be read: none crashes the reader or is refused as a whole.
 #pragma once
 #include <string_view>
 #include "settings/settings.h"

@@ -1,25 +1,12 @@
-// argb_image.h - pictures in memory: 32-bit premultiplied ARGB, the first row on top, as the layered window takes them.
-// Values and views; a view does not own its pixels. Every operation is cut to both pictures: nothing outside is
+// argb_image.h - pictures in memory: 32-bit premultiplied ARGB, the first row on top, as layered windows take them.
+// Values and views; a view does not own its pixels. Every operation is clipped to both pictures: nothing outside is
 // touched.
 #pragma once
 #include <emmintrin.h>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
-
-struct PixelRect {
-    std::int32_t left = 0;
-    std::int32_t top = 0;
-    std::int32_t right = 0;  // exclusive
-    std::int32_t bottom = 0;
-
-    bool operator==(const PixelRect&) const = default;
-    bool isEmpty() const { return left >= right || top >= bottom; }
-};
-
-PixelRect intersectRects(const PixelRect& a, const PixelRect& b);
-// The smallest rectangle around both; an empty one adds nothing.
-PixelRect uniteRects(const PixelRect& a, const PixelRect& b);
+#include "ui/geometry.h"
 
 struct ArgbImage {
     ArgbImage() = default;
@@ -36,7 +23,7 @@ struct ArgbImage {
     const std::uint32_t* row(std::int32_t y) const { return pixels.data() + static_cast<std::ptrdiff_t>(y) * width; }
 };
 
-// Pixels somewhere else, such as a device-independent section; rows follow each other without a gap.
+// Pixels somewhere else, such as a DIB section; rows follow each other without a gap.
 struct ArgbView {
     std::uint32_t* pixels = nullptr;
     std::int32_t width = 0;
@@ -52,7 +39,7 @@ inline std::uint32_t nearestWhole(float value) {
     return static_cast<std::uint32_t>(value + 0.5f);  // NOLINT(bugprone-incorrect-roundings): wrong below 0 only
 }
 
-// A premultiplied colour of opacity 0..1 from an ARGB one.
+// An ARGB colour at an opacity of 0..1, premultiplied.
 std::uint32_t premultiplied(std::uint32_t argb, float opacity);
 
 // source + target x (1 - source's alpha), each channel up to 255: light (colour without alpha) adds up.

@@ -1,11 +1,11 @@
-// gdiplus_win.h - GDI+ and COM for one thread, as owners. <gdiplus.h> wants other headers before it; these are they.
+// gdiplus_win.h - GDI+ and COM for one thread, each as an owner. <gdiplus.h> needs the headers included before it here.
 #pragma once
 #include <algorithm>
 // clang-format off
 #include <windows.h>
 #include <objbase.h>
 #include <propidl.h>
-// Microsoft's <gdiplus.h> counts on the macros that NOMINMAX leaves out.
+// Microsoft's <gdiplus.h> relies on the min and max macros that NOMINMAX leaves out.
 namespace Gdiplus {
 using std::max;
 using std::min;
@@ -13,7 +13,7 @@ using std::min;
 #include <gdiplus.h>
 // clang-format on
 
-// GDI+ version 1 while it lives. Goes on without it when it cannot be started: every call then fails.
+// Runs GDI+ version 1 for as long as it lives. If GDI+ cannot be started, every later call of it fails.
 class GdiPlusSession {
   public:
     GdiPlusSession() {

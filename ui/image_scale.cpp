@@ -48,7 +48,7 @@ std::uint32_t pack(__m128 channels) {
     return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(shorts, shorts)));
 }
 
-// The source rows that make one target row, summed up: four floats a source column.
+// The source rows that make one target row, summed up: four floats per source column.
 void sumRows(const ArgbImage& source, const Taps& taps, std::vector<float>& sums) {
     std::fill(sums.begin(), sums.end(), 0.0f);
     for (std::size_t tap = 0; tap < taps.weights.size(); tap++) {
@@ -70,7 +70,7 @@ std::uint32_t sumColumns(const std::vector<float>& sums, const Taps& taps) {
     return pack(channels);
 }
 
-// Where a sample lies between four neighbouring pixels, in 1/16384: at a pixel's centre that pixel alone counts.
+// The weights of four neighbouring pixels for a sample between them, in 1/16384: at a pixel's centre it alone counts.
 struct Weights {
     alignas(16) short q[4] = {};
 
@@ -81,7 +81,7 @@ struct Weights {
                                        0.5f * (2.0f - 5.0f * t2 + 3.0f * t3), 0.5f * (2.0f * t2 - t - t3));
         const __m128i words = _mm_cvtps_epi32(_mm_mul_ps(bend, _mm_set1_ps(16384.0f)));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(q), _mm_packs_epi32(words, words));
-        // Rounded one by one they need not add up, and a plain picture would lose a shade.
+        // Rounded one by one, they might not sum to 16384, and a uniform picture would lose a shade.
         q[1] = static_cast<short>(16384 - q[0] - q[2] - q[3]);
     }
     // Two neighbouring weights in every 32-bit lane.
@@ -100,10 +100,10 @@ __m128i sumOfFour(const std::uint32_t* pixels, __m128i firstPair, __m128i second
                          _mm_madd_epi16(_mm_unpacklo_epi8(second, zero), secondPair));
 }
 
-// The sprite's colour at a point of it, pixel centres at whole numbers; nothing where it reaches beyond the sprite,
-// which has kSpriteMargin pixels to spare on every side.
+// The sprite's colour at a point, pixel centres at whole numbers; transparent where the filter reaches beyond the
+// sprite, which has kSpriteMargin pixels to spare on every side.
 __m128 sample(const ArgbImage& sprite, float x, float y) {
-    const std::int32_t left = static_cast<std::int32_t>(x + 8.0f) - 9;  // rounded down, for what matters here
+    const std::int32_t left = static_cast<std::int32_t>(x + 8.0f) - 9;  // rounded down, in the range that matters
     const std::int32_t top = static_cast<std::int32_t>(y + 8.0f) - 9;
     if (left < 0 || top < 0 || left + 4 > sprite.width || top + 4 > sprite.height) return _mm_setzero_ps();
     const Weights across(x - static_cast<float>(left + 1));
@@ -122,7 +122,7 @@ __m128 sample(const ArgbImage& sprite, float x, float y) {
 struct InverseMap {
     float xx, xy, yx, yy;
 
-    InverseMap(PanelPoint radii, const SpritePose& pose) {
+    InverseMap(UnitPoint radii, const SpritePose& pose) {
         const float turn = pose.turnDegrees * std::numbers::pi_v<float> / 180.0f;
         const float oval = radii.y > 0.0f ? radii.x / radii.y : 1.0f;
         xx = yy = std::cos(turn) / pose.sizeShare;
@@ -132,7 +132,7 @@ struct InverseMap {
 };
 
 // The columns of one target row that an oval can reach; all of them for a rectangle.
-PixelRect rowReach(const PixelRect& area, PanelPoint radii, const SpritePose& pose, float dy) {
+PixelRect rowReach(const PixelRect& area, UnitPoint radii, const SpritePose& pose, float dy) {
     if (!(radii.y > 0.0f)) return area;
     const float share = std::max(0.0f, std::fabs(dy) / pose.sizeShare - 1.0f) / radii.y;
     const float half = share < 1.0f ? radii.x * std::sqrt(1.0f - share * share) * pose.sizeShare + 1.0f : 0.0f;
@@ -151,7 +151,7 @@ PixelRect reachOf(const Sprite& sprite, const SpritePose& pose) {
 
 }  // namespace
 
-ArgbImage scaleImage(const ArgbImage& source, PanelPoint origin, float scale, std::int32_t width, std::int32_t height) {
+ArgbImage scaleImage(const ArgbImage& source, UnitPoint origin, float scale, std::int32_t width, std::int32_t height) {
     if (!(scale > 0.0f)) return {};
     ArgbImage target(width, height);
     if (target.isEmpty() || source.isEmpty()) return target;

@@ -22,6 +22,10 @@ bool MemorySurface::resize(std::int32_t width, std::int32_t height) {
     return true;
 }
 
+void MemorySurface::copyTo(HDC target, const PixelRect& part) const {
+    if (dc_) BitBlt(target, part.left, part.top, part.width(), part.height(), dc_, part.left, part.top, SRCCOPY);
+}
+
 void MemorySurface::release() {
     if (before_) SelectObject(dc_, before_);
     if (section_) DeleteObject(section_);

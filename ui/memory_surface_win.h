@@ -1,5 +1,5 @@
-// memory_surface_win.h - a picture that both Windows and our own code draw into: a top-down 32-bit device-independent
-// section, selected into a memory device context.
+// memory_surface_win.h - a picture that both Windows and our own code draw into: a top-down 32-bit DIB section,
+// selected into a memory device context.
 #pragma once
 #include <windows.h>
 #include "ui/argb_image.h"
@@ -11,10 +11,14 @@ class MemorySurface {
     MemorySurface(const MemorySurface&) = delete;
     MemorySurface& operator=(const MemorySurface&) = delete;
 
-    // Makes the surface anew when its size is another; what it shows is then undefined. False when the system has no
-    // room for it: the surface is then empty.
+    // Makes the surface anew when the size differs; its content is then undefined. False when the system has no room
+    // for it: the surface is then empty.
     bool resize(std::int32_t width, std::int32_t height);
     void release();
+
+    // Copies a part, or all, to the same place of another context; does nothing while the surface is empty.
+    void copyTo(HDC target, const PixelRect& part) const;
+    void copyTo(HDC target) const { copyTo(target, view_.bounds()); }
 
     HDC dc() const { return dc_; }
     const ArgbView& view() const { return view_; }

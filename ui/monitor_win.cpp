@@ -1,8 +1,22 @@
 #include "ui/monitor_win.h"
 
-ScreenRect workAreaOf(HWND window) {
+namespace {
+
+PixelRect workAreaOf(HMONITOR handle, const PixelRect& otherwise) {
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof monitor;
-    if (!GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor)) return {};
+    if (!GetMonitorInfoW(handle, &monitor)) return otherwise;
     return {monitor.rcWork.left, monitor.rcWork.top, monitor.rcWork.right, monitor.rcWork.bottom};
+}
+
+}  // namespace
+
+PixelRect workAreaOf(HWND window) {
+    return workAreaOf(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), {});
+}
+
+PixelRect workAreaUnderCursor(const PixelRect& otherwise) {
+    POINT cursor = {};
+    GetCursorPos(&cursor);
+    return workAreaOf(MonitorFromPoint(cursor, MONITOR_DEFAULTTONEAREST), otherwise);
 }

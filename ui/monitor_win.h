@@ -1,7 +1,9 @@
 // monitor_win.h - what is known of the monitor a window is on.
 #pragma once
 #include <windows.h>
-#include "ui/screen_rect.h"
+#include "ui/geometry.h"
 
 // [any] The work area of the monitor nearest to the window; empty when the system does not tell.
-ScreenRect workAreaOf(HWND window);
+PixelRect workAreaOf(HWND window);
+// Of the monitor that the mouse is on; the argument `otherwise` when that is unknown.
+PixelRect workAreaUnderCursor(const PixelRect& otherwise);

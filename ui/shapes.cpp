@@ -8,7 +8,7 @@ constexpr float kFar = 1e9f;
 
 }  // namespace
 
-float roundedRectDistance(const PanelRect& rect, float radius, PanelPoint point) {
+float roundedRectDistance(const UnitRect& rect, float radius, UnitPoint point) {
     const float halfWidth = rect.width / 2.0f;
     const float halfHeight = rect.height / 2.0f;
     const float corner = std::min({radius, halfWidth, halfHeight});
@@ -18,7 +18,7 @@ float roundedRectDistance(const PanelRect& rect, float radius, PanelPoint point)
     return outside + std::min(std::max(dx, dy), 0.0f) - corner;
 }
 
-float ellipseDistance(const PanelRect& rect, PanelPoint point) {
+float ellipseDistance(const UnitRect& rect, UnitPoint point) {
     const float radiusX = rect.width / 2.0f;
     const float radiusY = rect.height / 2.0f;
     if (!(radiusX > 0.0f) || !(radiusY > 0.0f)) return std::hypot(point.x - rect.x, point.y - rect.y);
@@ -30,20 +30,20 @@ float ellipseDistance(const PanelRect& rect, PanelPoint point) {
     return (share - 1.0f) * share / slope;
 }
 
-float convexDistance(std::span<const PanelPoint> corners, PanelPoint point) {
+float convexDistance(std::span<const UnitPoint> corners, UnitPoint point) {
     float area = 0.0f;
     for (std::size_t i = 0; i < corners.size(); i++) {
-        const PanelPoint& to = corners[(i + 1) % corners.size()];
+        const UnitPoint& to = corners[(i + 1) % corners.size()];
         area += corners[i].x * to.y - corners[i].y * to.x;
     }
     const float outward = area < 0.0f ? -1.0f : 1.0f;
     float deepest = -kFar;  // to the lines the edges lie on: the answer inside
     float nearest = kFar;   // to the edges themselves: the answer outside
     for (std::size_t i = 0; i < corners.size(); i++) {
-        const PanelPoint& from = corners[i];
-        const PanelPoint& to = corners[(i + 1) % corners.size()];
-        const PanelPoint edge = {to.x - from.x, to.y - from.y};
-        const PanelPoint offset = {point.x - from.x, point.y - from.y};
+        const UnitPoint& from = corners[i];
+        const UnitPoint& to = corners[(i + 1) % corners.size()];
+        const UnitPoint edge = {to.x - from.x, to.y - from.y};
+        const UnitPoint offset = {point.x - from.x, point.y - from.y};
         const float length = std::hypot(edge.x, edge.y);
         if (!(length > 0.0f)) continue;
         deepest = std::max(deepest, outward * (offset.x * edge.y - offset.y * edge.x) / length);
@@ -57,7 +57,7 @@ float coverageOf(float distance) {
     return std::clamp(0.5f - distance, 0.0f, 1.0f);
 }
 
-PixelRect pixelsAround(const PanelRect& rect, float margin) {
+PixelRect pixelsAround(const UnitRect& rect, float margin) {
     return {static_cast<std::int32_t>(std::floor(rect.x - margin)),
             static_cast<std::int32_t>(std::floor(rect.y - margin)),
             static_cast<std::int32_t>(std::ceil(rect.x + rect.width + margin)),

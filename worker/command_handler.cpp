@@ -5,17 +5,17 @@
 
 namespace {
 
-std::string successMessage(const RadioWrite& write, const ComRadio& radio) {
+std::string successMessage(const RadioWrite& write, const RadioReading& radio) {
     auto title = slotTitle(write.radio, write.slot);
     switch (write.slot) {
         case kSlotActive:
-            return title + ' ' + mhzText(radio.activeKHz);
+            return title + ' ' + mhzText(radio.active);
         case kSlotStandby:
-            return title + ' ' + mhzText(radio.standbyKHz);
+            return title + ' ' + mhzText(radio.standby);
         case kSlotVolume:
             return title + ' ' + percentText(radio.volume);
         case kSlotSwap:
-            return radioName(write.radio) + " swapped to " + mhzText(radio.activeKHz);
+            return radioName(write.radio) + " swapped to " + mhzText(radio.active);
     }
     return title;
 }
@@ -64,7 +64,7 @@ void CommandHandler::pass(std::uint64_t nowMs) {
     acknowledge(false, notAccepted(write) + link_.noteReadback(write, false), nowMs);
 }
 
-// Why the write is not even tried; empty if nothing speaks against it.
+// Why the write is not even tried; empty if there is no objection.
 std::string CommandHandler::objection(const RadioWrite& write) const {
     const auto& sim = link_.snapshot();
     if (!sim.ok) return notWritten(write, sim.status);
@@ -78,17 +78,17 @@ std::string CommandHandler::objection(const RadioWrite& write) const {
     return writable ? std::string() : notAccepted(write);
 }
 
-bool CommandHandler::isVisible(const ComRadio& radio) const {
+bool CommandHandler::isVisible(const RadioReading& radio) const {
     const double value = command_->write.value;
     switch (command_->write.slot) {
         case kSlotActive:
-            return radio.activeKHz == value;
+            return radio.active == value;
         case kSlotStandby:
-            return radio.standbyKHz == value;
+            return radio.standby == value;
         case kSlotVolume:
             return std::abs(radio.volume - value) <= kVolumeTolerance;
         case kSlotSwap:
-            return radio.activeKHz == before_.standbyKHz && radio.standbyKHz == before_.activeKHz;
+            return radio.active == before_.standby && radio.standby == before_.active;
     }
     return false;
 }

@@ -1,5 +1,5 @@
 // command_handler.h - carries out one command at a time: judges the value, writes, waits for the read-back, and only
-// then acknowledges. An acknowledgement that says yes means that the simulator has shown the new value.
+// then acknowledges. A positive acknowledgement means that the simulator has shown the new value.
 #pragma once
 #include <cstdint>
 #include <optional>
@@ -34,13 +34,13 @@ class CommandHandler {
 
   private:
     std::string objection(const RadioWrite& write) const;
-    bool isVisible(const ComRadio& radio) const;
+    bool isVisible(const RadioReading& radio) const;
     void acknowledge(bool ok, std::string message, std::uint64_t nowMs);
 
     SimLink& link_;
     WorkerLog& log_;
     std::optional<CommandRequest> command_;
-    ComRadio before_;  // the radio when the command was accepted: a swap is judged against it
+    RadioReading before_;  // the radio when the command was accepted: a swap is judged against it
     std::uint64_t acceptedMs_ = 0;
     CommandAck ack_;
 };

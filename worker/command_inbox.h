@@ -1,5 +1,5 @@
 // command_inbox.h - watches command.json and hands out each command once, while somebody still waits for it.
-// Refusals go to the log only: the plugin has given up long before, an acknowledgement would confuse its next command.
+// Refusals only go to the log: the plugin gave up long ago, and an acknowledgement would confuse its next command.
 #pragma once
 #include <optional>
 #include <string>
@@ -10,7 +10,7 @@
 #include "worker/worker_log.h"
 
 inline constexpr double kMaxCommandAgeSeconds = 10.0;  // older, or as far in the future: not carried out
-inline constexpr std::uint64_t kCommandLookMs = 500;   // an unchanged stamp is looked behind this often
+inline constexpr std::uint64_t kCommandLookMs = 500;   // the text is read this often even if the stamp stays the same
 
 class CommandInbox {
   public:
@@ -34,7 +34,7 @@ class CommandInbox {
     WorkerLog& log_;
     FileStamp stamp_;           // as of the last reading
     std::uint64_t lookMs_ = 0;  // tick of the last reading
-    std::string text_;          // last text read: the same text again is no news
+    std::string text_;          // last text read: the same text again is not new
     std::string handledId_;
     std::string refusedId_;
     bool problemLogged_ = false;  // until a well-formed command comes

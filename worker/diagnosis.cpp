@@ -4,9 +4,9 @@
 #include <utility>
 #include "base/log_line.h"
 #include "base/number_text.h"
-#include "exchange/command_file.h"
+#include "base/utf8.h"
 #include "exchange/command_text.h"
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "worker/user_names.h"
 #include "worker/worker_log.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// Every line of the report passes here, so that none misses the mask.
+// Every line of the report passes through here, so that each is masked.
 class Report {
   public:
     Report(const Diagnosis& found, const NarrowDecoder& decodeNarrow) : found_(found), decodeNarrow_(decodeNarrow) {}
@@ -65,11 +65,11 @@ std::string writtenText(double writtenUnixSeconds, double nowUnixSeconds) {
 }
 
 bool isRead(const FoundFile& file) {
-    return file.state == FoundFile::State::Read;
+    return file.state == FoundFile::State::kRead;
 }
 
 std::string fileTitle(const std::string& name, const FoundFile& file, double nowUnixSeconds) {
-    if (file.state == FoundFile::State::Missing) return name + ": there is none";
+    if (file.state == FoundFile::State::kMissing) return name + ": there is none";
     if (!isRead(file)) return name + ": there, but cannot be read";
     return name + ": " + std::to_string(file.size) + " bytes, written " +
            writtenText(file.writtenUnixSeconds, nowUnixSeconds);
@@ -139,7 +139,7 @@ void showCommand(Report& report, const Diagnosis& found) {
                                           : "pending: not acknowledged in telemetry.json");
 }
 
-// The lines of both logs, the older one's first. Where only a log's end was looked at, its first line is a part of one.
+// The lines of both logs, the older log first. If only a log's end was read, its first line is incomplete and left out.
 Lines logLines(const Diagnosis& found) {
     Lines all;
     for (const auto* file : {&found.oldLog, &found.log}) {

@@ -8,8 +8,8 @@
 #include "base/data_folder_win.h"
 #include "base/identity.h"
 #include "base/wide_text_win.h"
-#include "exchange/command_file.h"
-#include "exchange/telemetry.h"
+#include "exchange/command_text.h"
+#include "exchange/telemetry_text.h"
 #include "worker/diagnosis.h"
 #include "worker/output_win.h"
 #include "worker/system_win.h"
@@ -35,7 +35,7 @@ class LogInMemory : public LogFile {
     std::string text;
 };
 
-// Owns a search through a folder, null if it could not begin.
+// Owns a search through a folder; null if it could not begin.
 struct SearchCloser {
     void operator()(HANDLE search) const { FindClose(search); }
 };
@@ -64,11 +64,11 @@ FoundFile findFile(const std::string& path, bool isLog = false) {
     file.writtenUnixSeconds = unixSecondsOfFileTime(stamp.written);
     const bool isRead = stamp.exists && (stamp.bytes > kMaxFoundBytes ? readPart(path, isLog, file.bytes)
                                                                       : WindowsDataFiles().read(path, file.bytes));
-    file.state = isRead ? FoundFile::State::Read : FoundFile::State::Unreadable;
+    file.state = isRead ? FoundFile::State::kRead : FoundFile::State::kUnreadable;
     return file;
 }
 
-// Not through the report itself: it says so in its text.
+// Not tried with the report itself, whose text says the result.
 bool isWritable(const std::string& folder) {
     const auto path = joinPath(folder, std::string(kDiagnosisFile) + ".try");
     return ownFile(CreateFileA(path.c_str(), GENERIC_WRITE | DELETE, kShareAll, nullptr, CREATE_ALWAYS,
@@ -115,9 +115,9 @@ void findDataFolderOf(WorkerOptions& options, Diagnosis& found) {
 void findFiles(const std::string& dataDir, const std::string& programFolder, Diagnosis& found) {
     const auto inData = [&](const char* name) { return joinPath(dataDir, name); };
     found.settings = findFile(inData("settings.ini"));
-    if (found.settings.state == FoundFile::State::Missing) {
+    if (found.settings.state == FoundFile::State::kMissing) {
         found.settings = findFile(joinPath(programFolder, "settings.ini"));
-        found.settingsBesideDll = found.settings.state != FoundFile::State::Missing;
+        found.settingsBesideDll = found.settings.state != FoundFile::State::kMissing;
     }
     found.workerIni = findFile(inData("worker.ini"));
     found.captureMode = findFile(inData("capture_mode.txt"));
@@ -143,7 +143,7 @@ void examineLink(WorkerOptions& options, const MakeTransport& makeTransport, Dia
     found.trial->notes.insert(found.trial->notes.begin(), lines.begin(), lines.end());
 }
 
-// The names by which the environment knows the user: the account's, and the last part of his or her folder.
+// The names by which the environment knows the user: the account's, and the last part of the home folder's path.
 std::vector<std::string> accountNames() {
     constexpr DWORD kBuffer = 4096;
     std::vector<std::string> names;
@@ -166,7 +166,7 @@ std::string temporaryFolder() {
     return narrow;
 }
 
-// The file's path; empty if it could be saved nowhere.
+// The file's path; empty if it could not be saved anywhere.
 std::string save(const std::string& report, const std::string& dataDir) {
     WindowsDataFiles files;
     for (const auto& folder : {dataDir, temporaryFolder()}) {
@@ -190,7 +190,7 @@ bool diagnose(WorkerOptions options, const std::string& commandLineProblem, cons
         found.programFolder = utf8FromNarrow(programFolder);
         findDataFolderOf(options, found);
         findFiles(options.dataDir, programFolder, found);
-        // Behind them: a worker writes on, and a file from the future would count as not used.
+        // After the files: a worker goes on writing, and a file from the future would count as not used.
         found.nowUnixSeconds = SystemClock().unixSeconds();
         examineLink(options, makeTransport, found);
         const auto report = composeDiagnosis(found, utf8FromNarrow);

@@ -4,7 +4,7 @@
 #include "worker/make_link.h"
 #include "worker/worker_options.h"
 
-// The data folder is the one of the options, otherwise the plugin's own. The report is saved there as
-// corvalis-diagnose.txt, or in the folder for temporary files if that fails; true if either was done. Takes
-// kLinkTrialMs and a little more at most. commandLineProblem: what was not understood, empty if all was.
+// Uses the options' data folder, otherwise the plugin's own. Saves the report there as corvalis-diagnose.txt or, if
+// that fails, in the folder for temporary files; true if either worked. Takes at most a little more than kLinkTrialMs.
+// commandLineProblem: what was not understood, empty if everything was.
 bool diagnose(WorkerOptions options, const std::string& commandLineProblem, const MakeTransport& makeTransport);

@@ -15,7 +15,7 @@ constexpr double kMaxSeconds = 864'000.0;
 
 struct Words {
     std::array<std::string, kMaxWords> word;  // lower case
-    std::size_t count = 0;                    // kMaxWords + 1 = more than any action has
+    std::size_t count = 0;                    // kMaxWords + 1: more than any action has
 };
 
 char lowerAscii(char c) {
@@ -126,19 +126,19 @@ struct ActionRow {
 
 // clang-format off
 constexpr ActionRow kActions[] = {
-    {"tune",       ScriptAction::Tune,     5, true,  readTune,        "SECONDS tune COM1|COM2 active|standby MHZ"},
-    {"swap",       ScriptAction::Swap,     3, true,  readNothingMore, "SECONDS swap COM1|COM2"},
-    {"volume",     ScriptAction::Volume,   4, true,  readVolume,      "SECONDS volume COM1|COM2 PERCENT"},
-    {"power",      ScriptAction::Power,    4, true,  readPower,       "SECONDS power COM1|COM2 on|off"},
-    {"spacing",    ScriptAction::Spacing,  4, true,  readSpacing,     "SECONDS spacing COM1|COM2 25|8.33"},
-    {"writable",   ScriptAction::Writable, 4, true,  readSlotOn,      "SECONDS writable COM1|COM2 SLOT"},
-    {"unwritable", ScriptAction::Writable, 4, true,  readSlot,        "SECONDS unwritable COM1|COM2 SLOT"},
-    {"obey",       ScriptAction::Obey,     4, true,  readSlotOn,      "SECONDS obey COM1|COM2 SLOT"},
-    {"ignore",     ScriptAction::Obey,     4, true,  readSlot,        "SECONDS ignore COM1|COM2 SLOT"},
-    {"readback",   ScriptAction::Readback, 3, false, readReadback,    "SECONDS readback MILLISECONDS"},
-    {"drop",       ScriptAction::Drop,     3, false, readDrop,        "SECONDS drop SECONDS"},
-    {"end",        ScriptAction::End,      2, false, readNothingMore, "SECONDS end"},
-    {"repeat",     ScriptAction::Repeat,   2, false, readRepeat,      "SECONDS repeat"},
+    {"tune",       ScriptAction::kTune,     5, true,  readTune,        "SECONDS tune COM1|COM2 active|standby MHZ"},
+    {"swap",       ScriptAction::kSwap,     3, true,  readNothingMore, "SECONDS swap COM1|COM2"},
+    {"volume",     ScriptAction::kVolume,   4, true,  readVolume,      "SECONDS volume COM1|COM2 PERCENT"},
+    {"power",      ScriptAction::kPower,    4, true,  readPower,       "SECONDS power COM1|COM2 on|off"},
+    {"spacing",    ScriptAction::kSpacing,  4, true,  readSpacing,     "SECONDS spacing COM1|COM2 25|8.33"},
+    {"writable",   ScriptAction::kWritable, 4, true,  readSlotOn,      "SECONDS writable COM1|COM2 SLOT"},
+    {"unwritable", ScriptAction::kWritable, 4, true,  readSlot,        "SECONDS unwritable COM1|COM2 SLOT"},
+    {"obey",       ScriptAction::kObey,     4, true,  readSlotOn,      "SECONDS obey COM1|COM2 SLOT"},
+    {"ignore",     ScriptAction::kObey,     4, true,  readSlot,        "SECONDS ignore COM1|COM2 SLOT"},
+    {"readback",   ScriptAction::kReadback, 3, false, readReadback,    "SECONDS readback MILLISECONDS"},
+    {"drop",       ScriptAction::kDrop,     3, false, readDrop,        "SECONDS drop SECONDS"},
+    {"end",        ScriptAction::kEnd,      2, false, readNothingMore, "SECONDS end"},
+    {"repeat",     ScriptAction::kRepeat,   2, false, readRepeat,      "SECONDS repeat"},
 };
 // clang-format on
 
@@ -179,7 +179,7 @@ void readLine(FlightScript& script, std::size_t number, std::string_view line) {
 }
 
 bool endsScript(const ScriptStep& step) {
-    return step.action == ScriptAction::End || step.action == ScriptAction::Repeat;
+    return step.action == ScriptAction::kEnd || step.action == ScriptAction::kRepeat;
 }
 
 }  // namespace

@@ -13,23 +13,23 @@ inline constexpr std::size_t kMaxScriptSteps = 20'000;     // lines beyond are s
 inline constexpr std::size_t kMaxScriptProblems = 20;      // reported one by one; the rest are only counted
 
 enum class ScriptAction : std::uint8_t {
-    Tune,      // radio, slot (active, standby), value kHz
-    Swap,      // radio
-    Volume,    // radio, value 0..1
-    Power,     // radio, value 0 or 1
-    Spacing,   // radio, value kSpacing25 or kSpacing833
-    Writable,  // radio, slot, value 0 or 1: what the aircraft says
-    Obey,      // radio, slot, value 0 or 1: what the aircraft does
-    Readback,  // value ms, 0..10000
-    Drop,      // value ms without a link, 1..3600000
-    End,       // nothing after it happens
-    Repeat,    // the script starts over; the aircraft keeps its state
+    kTune,      // radio, slot (active, standby), value kHz
+    kSwap,      // radio
+    kVolume,    // radio, value 0..1
+    kPower,     // radio, value 0 or 1
+    kSpacing,   // radio, value kSpacing25 or kSpacing833
+    kWritable,  // radio, slot, value 0 or 1: what the aircraft says
+    kObey,      // radio, slot, value 0 or 1: what the aircraft does
+    kReadback,  // value ms, 0..10000
+    kDrop,      // value ms without a link, 1..3600000
+    kEnd,       // nothing after it happens
+    kRepeat,    // the script starts over; the aircraft keeps its state
 };
 
 struct ScriptStep {
     std::uint64_t atMs = 0;  // since the aircraft started, 0..864000000 (ten days)
     std::size_t line = 0;    // in the script, from 1
-    ScriptAction action = ScriptAction::End;
+    ScriptAction action = ScriptAction::kEnd;
     std::size_t radio = 0;
     RadioSlot slot = kSlotActive;
     double value = 0.0;

@@ -7,12 +7,12 @@
 #include "base/clock.h"
 #include "worker/sim_link.h"
 
-inline constexpr std::uint64_t kLinkTrialMs = 4000;  // a simulator that is there has answered well within it
+inline constexpr std::uint64_t kLinkTrialMs = 4000;  // a simulator that is there answers well within it
 
 struct LinkTrial {
     bool isUp = false;
     std::string status;              // the link's own, as telemetry.json would carry it
-    std::uint64_t ms = 0;            // how long it took, or was tried
+    std::uint64_t ms = 0;            // how long it took, or was tried for
     std::vector<std::string> notes;  // what the worker would have logged
 };
 

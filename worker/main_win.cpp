@@ -1,5 +1,5 @@
-// hopline_worker: hopline_worker.exe --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT] | --address HOST:PORT]
-//             or: hopline_worker.exe --diagnose [--data-dir DIR] [...]: diagnosis_win.h
+// main_win.cpp - hopline_worker.exe --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT] | --address HOST:PORT]
+//            or: hopline_worker.exe --diagnose [--data-dir DIR] [...]: diagnosis_win.h
 // Exit codes: 0 the watched process or the data folder is gone, 1 unexpected failure (in the log), 2 bad command line,
 // 3 another worker serves the folder.
 #include <exception>
@@ -13,7 +13,7 @@
 #include "worker/worker_loop.h"
 #include "worker/worker_options.h"
 
-// Keeps the C runtime from expanding * and ? in our arguments: a path means itself.
+// Keeps the C runtime from expanding * and ? in our arguments: paths are taken literally.
 extern "C" {
 extern int _dowildcard;
 int _dowildcard = 0;

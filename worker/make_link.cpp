@@ -16,7 +16,7 @@ FlightScript loadScript(const std::string& path, DataFiles& files, WorkerFolder&
     constexpr const char* kStandsStill = "; the aircraft stands still";
     if (path.empty()) return {};
     const auto stamp = folder.stamp(path);
-    if (stamp.bytes > kMaxScriptBytes) {  // asked first: reading 100 MB only to refuse them would be rude
+    if (stamp.bytes > kMaxScriptBytes) {  // asked first, so that no huge file is read only to be refused
         log.line("script " + path + " is larger than 1 MB" + kStandsStill);
         return {};
     }
@@ -35,7 +35,7 @@ FlightScript loadScript(const std::string& path, DataFiles& files, WorkerFolder&
 
 std::unique_ptr<SimLink> makeLink(const WorkerOptions& options, DataFiles& files, WorkerFolder& folder, WorkerLog& log,
                                   const MakeTransport& makeTransport, std::uint64_t nowMs) {
-    if (options.link.value_or(LinkKind::Auto) == LinkKind::Auto) {
+    if (options.link.value_or(LinkKind::kAuto) == LinkKind::kAuto) {
         return std::make_unique<simconnect::SimConnectLink>(makeTransport(options.address));
     }
     return std::make_unique<SimulatedAircraft>(loadScript(options.script, files, folder, log), nowMs);

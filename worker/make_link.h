@@ -9,7 +9,7 @@
 #include "worker/worker_log.h"
 #include "worker/worker_options.h"
 
-// The way to the simulator at that address; to the one on this computer without.
+// The way to the simulator at that address; without one, to the simulator on this computer.
 using MakeTransport = std::function<std::unique_ptr<simconnect::Transport>(const std::optional<HostPort>& address)>;
 
 // Never null: without a usable script the built-in aircraft stands still, without a simulator the link waits.

@@ -31,7 +31,7 @@ void printText(std::string_view utf8) {
     const bool isThere = output && output != INVALID_HANDLE_VALUE;
     const DWORD type = isThere ? GetFileType(output) : FILE_TYPE_UNKNOWN;
     if (type == FILE_TYPE_DISK || type == FILE_TYPE_PIPE) return writeBytes(output, utf8);
-    AttachConsole(ATTACH_PARENT_PROCESS);  // fails if we have it already, or if there is none
+    AttachConsole(ATTACH_PARENT_PROCESS);  // fails if we already have it, or if there is none
     const auto console = ownFile(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
                                              FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
     if (console) writeConsole(console.get(), wideFromUtf8(utf8));

@@ -2,6 +2,6 @@
 #pragma once
 #include <string_view>
 
-// Writes UTF-8 to a redirected standard output as it is, otherwise to the console of the program that started us; to
-// nowhere if there is neither.
+// Writes UTF-8 unchanged to a redirected standard output, otherwise to the console of the program that started us; if
+// there is neither, to nowhere.
 void printText(std::string_view utf8);

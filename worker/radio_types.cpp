@@ -20,17 +20,8 @@ std::string percentText(double volume) {
     return (std::abs(percent) < 1e7 ? formatFixed(percent, 0) : formatGeneral(percent)) + " %";
 }
 
-bool parseSlot(std::string_view name, RadioSlot& slot) {
-    for (std::size_t i = 0; i < kSlotCount; i++) {
-        if (name != kSlotNames[i]) continue;
-        slot = static_cast<RadioSlot>(i);
-        return true;
-    }
-    return false;
-}
-
 bool isChannelOf(const SimSnapshot& sim, std::size_t radio, double khz) {
-    if (!(khz >= sim.rangeMinKHz && khz <= sim.rangeMaxKHz)) return false;  // false for NaN as well
+    if (!(khz >= sim.rangeMinKHz && khz <= sim.rangeMaxKHz)) return false;  // also false for NaN
     const auto whole = static_cast<std::int32_t>(khz);
     return static_cast<double>(whole) == khz && isOnGrid(whole, sim.radios[radio].spacing);
 }

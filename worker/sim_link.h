@@ -19,18 +19,18 @@ class SimLink {
     // Sends one write on its way; whether it took effect shows only in a later snapshot. False if it cannot be sent.
     virtual bool write(const RadioWrite& write, std::uint64_t nowMs) = 0;
 
-    // The write as it is really sent, if the simulator cannot or must not be told exactly this value; what is then
-    // read back is this.
+    // The write as it is really sent, and then expected in the read-back, if the simulator cannot or must not be told
+    // exactly this value.
     virtual RadioWrite adjusted(const RadioWrite& write) const { return write; }
 
-    // The outcome of the last write: seen in a snapshot, or not within the time for it. Returns what the pilot is to be
-    // told beside a write that was not seen; empty if nothing.
+    // The outcome of the last write: seen in a snapshot in time, or not. Returns what else the pilot is to be told
+    // about a write that was not seen; empty if nothing.
     virtual std::string noteReadback(const RadioWrite&, bool /*seen*/) { return {}; }
 
     // Something the system can wait for, signalled when a poll would find news: an event handle, or null.
     virtual void* wakeHandle() const { return nullptr; }
 
-    // How long the link can do without a poll as long as nothing has signalled its wake handle; 0 = not at all.
+    // How long the link can do without a poll unless its wake handle is signalled; 0 = not at all.
     virtual std::uint64_t restMs() const { return 0; }
 
     // What the link wants in the log since the last call, one line each.

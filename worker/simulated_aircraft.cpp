@@ -24,11 +24,11 @@ void SimulatedAircraft::poll(std::uint64_t nowMs) {
     snapshot_ = describe();
 }
 
-// At most one repeat in a poll: after a long sleep of the machine the script goes on from now, it does not catch up.
+// At most one repeat per poll: after the machine has slept long, the script continues from now instead of catching up.
 void SimulatedAircraft::playScript(std::uint64_t nowMs) {
     while (nextStep_ < script_.steps.size() && nowMs >= startMs_ + script_.steps[nextStep_].atMs) {
         const auto& step = script_.steps[nextStep_++];
-        if (step.action == ScriptAction::Repeat) {
+        if (step.action == ScriptAction::kRepeat) {
             startMs_ = nowMs;
             nextStep_ = 0;
             firstRound_ = false;
@@ -42,34 +42,34 @@ void SimulatedAircraft::play(const ScriptStep& step, std::uint64_t nowMs) {
     auto& radio = radios_[step.radio];
     const bool on = step.value != 0.0;
     switch (step.action) {
-        case ScriptAction::Tune:
+        case ScriptAction::kTune:
             return tune(step);
-        case ScriptAction::Swap:
-            return std::swap(radio.values.activeKHz, radio.values.standbyKHz);
-        case ScriptAction::Volume:
+        case ScriptAction::kSwap:
+            return std::swap(radio.values.active, radio.values.standby);
+        case ScriptAction::kVolume:
             radio.values.volume = step.value;
             return;
-        case ScriptAction::Power:
+        case ScriptAction::kPower:
             radio.powered = on;
             return;
-        case ScriptAction::Spacing:
+        case ScriptAction::kSpacing:
             return setSpacing(radio, static_cast<std::int32_t>(step.value));
-        case ScriptAction::Writable:
+        case ScriptAction::kWritable:
             radio.values.writable[step.slot] = on;
             return;
-        case ScriptAction::Obey:
+        case ScriptAction::kObey:
             radio.obeys[step.slot] = on;
             return;
-        case ScriptAction::Readback:
+        case ScriptAction::kReadback:
             readbackMs_ = static_cast<std::uint64_t>(step.value);
             return;
-        case ScriptAction::Drop:
+        case ScriptAction::kDrop:
             linkUp_ = false;
             linkBackMs_ = nowMs + static_cast<std::uint64_t>(step.value);
             pending_.clear();
             return;
-        case ScriptAction::End:
-        case ScriptAction::Repeat:
+        case ScriptAction::kEnd:
+        case ScriptAction::kRepeat:
             return;
     }
 }
@@ -78,7 +78,7 @@ void SimulatedAircraft::tune(const ScriptStep& step) {
     auto& values = radios_[step.radio].values;
     const auto khz = static_cast<std::int32_t>(step.value);
     if (isOnGrid(khz, values.spacing)) {
-        (step.slot == kSlotActive ? values.activeKHz : values.standbyKHz) = khz;
+        (step.slot == kSlotActive ? values.active : values.standby) = khz;
     } else if (firstRound_) {
         notes_.push_back("script line " + std::to_string(step.line) + " skipped: " + mhzText(khz) +
                          " is not a channel of " + radioName(step.radio) + " at its spacing");
@@ -89,8 +89,8 @@ void SimulatedAircraft::tune(const ScriptStep& step) {
 void SimulatedAircraft::setSpacing(Radio& radio, std::int32_t spacing) {
     radio.values.spacing = spacing;
     if (spacing != kSpacing25) return;
-    radio.values.activeKHz -= radio.values.activeKHz % 25;
-    radio.values.standbyKHz -= radio.values.standbyKHz % 25;
+    radio.values.active -= radio.values.active % 25;
+    radio.values.standby -= radio.values.standby % 25;
 }
 
 bool SimulatedAircraft::write(const RadioWrite& write, std::uint64_t nowMs) {
@@ -111,7 +111,7 @@ void SimulatedAircraft::applyDueWrites(std::uint64_t nowMs) {
     std::erase_if(pending_, [&](const PendingWrite& pending) { return nowMs >= pending.dueMs; });
 }
 
-// What changed since the write was sent decides: a radio without power, or turned to another grid, lets it fall.
+// The radio's present state decides: without power, or off its present grid, the write is dropped.
 void SimulatedAircraft::apply(const RadioWrite& write) {
     auto& radio = radios_[write.radio];
     if (!radio.powered) return;
@@ -120,12 +120,12 @@ void SimulatedAircraft::apply(const RadioWrite& write) {
             radio.values.volume = write.value;
             return;
         case kSlotSwap:
-            return std::swap(radio.values.activeKHz, radio.values.standbyKHz);
+            return std::swap(radio.values.active, radio.values.standby);
         case kSlotActive:
         case kSlotStandby: {
             const auto khz = static_cast<std::int32_t>(write.value);
             if (!isOnGrid(khz, radio.values.spacing)) return;
-            (write.slot == kSlotActive ? radio.values.activeKHz : radio.values.standbyKHz) = khz;
+            (write.slot == kSlotActive ? radio.values.active : radio.values.standby) = khz;
         }
     }
 }

@@ -8,8 +8,8 @@ inline constexpr std::uint64_t kDefaultReadbackMs = 120;
 
 class SimulatedAircraft : public SimLink {
   public:
-    // Standing at its defaults: COM1 122.800 / 121.500 on 8.33 kHz, COM2 121.500 / 118.000 on 25 kHz, both powered
-    // and at full volume. The script's seconds count from startMs.
+    // Standing at its defaults: COM1 122.800 / 121.500 on 8.33 kHz, COM2 121.500 / 118.000 on 25 kHz, both powered and
+    // at full volume. The script's seconds count from startMs.
     SimulatedAircraft(FlightScript script, std::uint64_t startMs);
 
     void poll(std::uint64_t nowMs) override;
@@ -18,7 +18,7 @@ class SimulatedAircraft : public SimLink {
 
   private:
     struct Radio {
-        ComRadio values;  // writable: what the aircraft says while the radio has power
+        RadioReading values;  // writable: what the aircraft says while the radio has power
         bool powered = true;
         std::array<bool, kSlotCount> obeys{true, true, true, true};
     };

@@ -1,4 +1,4 @@
-// single_worker.h - the name that keeps two workers off the same data folder within one session.
+// single_worker.h - the name that keeps two workers in one session from serving the same data folder.
 #pragma once
 #include <string>
 #include <string_view>

@@ -25,7 +25,7 @@ std::wstring finalPath(const std::string& folder) {
     return {};
 }
 
-// Links and short names resolved, lower case, UTF-8. Without a final path the name as given has to do.
+// Links and short names resolved, lower case, UTF-8. Without a final path, the name as given must do.
 std::string canonicalPath(const std::string& folder) {
     auto wide = finalPath(folder);
     if (wide.empty()) return folder;
@@ -112,7 +112,7 @@ bool WorkerSleep::sleep(const PassResult& pass, HANDLE wake) {
     const DWORD folderIndex = count;
     if (folder_.handle()) handles[count++] = folder_.handle();
     if (timed) handles[count++] = timer_.get();
-    const auto timeout = static_cast<DWORD>(timed ? ms + 100 : ms);  // 100 ms: should the timer ever fail to ring
+    const auto timeout = static_cast<DWORD>(timed ? ms + 100 : ms);  // 100 ms more, in case the timer never fires
     const DWORD result = count > 0 ? WaitForMultipleObjects(count, handles, FALSE, timeout) : WAIT_FAILED;
     if (result == WAIT_FAILED) Sleep(static_cast<DWORD>(ms));
     folder_.watchOn(folder_.handle() && result == WAIT_OBJECT_0 + folderIndex);
@@ -137,7 +137,7 @@ OwnedHandle claimFolder(const std::string& dataDir) {
     return ours ? std::move(mutex) : nullptr;
 }
 
-// It lives as long as somebody has it open; a worker with more rights than ours has it, but not for us.
+// The mutex lives as long as anybody has it open; that of a worker with more rights than ours denies us access.
 bool isFolderServed(const std::string& dataDir) {
     const OwnedHandle mutex(OpenMutexA(SYNCHRONIZE, FALSE, workerMutexName(canonicalPath(dataDir)).c_str()));
     return mutex || GetLastError() == ERROR_ACCESS_DENIED;

@@ -14,8 +14,8 @@ inline std::uint64_t joined(DWORD high, DWORD low) {
     return (static_cast<std::uint64_t>(high) << 32) | low;
 }
 
-// Ticks of one millisecond, where GetTickCount64 has 16. The wall clock stays the one that the plugin judges "updated"
-// by: a finer one runs up to 16 ms ahead of it, and the plugin refuses a file from the future.
+// Ticks of one millisecond, where GetTickCount64 has 16. The wall clock stays the one by which the plugin judges
+// "updated": a finer one runs up to 16 ms ahead of it, and the plugin refuses a file from the future.
 class FineClock : public SystemClock {
   public:
     std::uint64_t tickMs() const override;
@@ -40,7 +40,7 @@ class WindowsLogFile : public LogFile {
     std::string oldPath_;
 };
 
-// Signals that a file in the folder has come, gone or changed its name. A folder that is watched is not gone before the
+// Signals that a file in the folder has been added, removed or renamed. A watched folder cannot disappear until the
 // watch lets go of it, so it does so every few hundred milliseconds.
 class FolderWatch {
   public:
@@ -78,14 +78,14 @@ class WorkerSleep {
     OwnedHandle timer_;  // null before Windows 10 1803: the sleep then ends with the system's own 16 ms tick
 };
 
-// Full path of the file or folder as seen from the current directory; the path as it was if there is none.
+// Full path of the file or folder, relative to the current directory; the path unchanged if there is none.
 std::string fullPath(const std::string& path);
 
-// The mutex that says we serve this folder; null if another worker holds it. Waits up to half a second: a plugin that
-// is reloaded starts its new worker while the killed one is still going.
+// The mutex that says we serve this folder; null if another worker holds it. Waits up to half a second: a reloaded
+// plugin starts its new worker while the killed one is still ending.
 OwnedHandle claimFolder(const std::string& dataDir);
 
-// Whether a worker holds that mutex or is about to. Only looks: a worker that starts meanwhile notices nothing.
+// Whether a worker holds that mutex or is about to. Only looks: a worker that starts meanwhile is not affected.
 bool isFolderServed(const std::string& dataDir);
 
 // Moves to the Windows folder: a current directory cannot be deleted.

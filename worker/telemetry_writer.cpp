@@ -1,19 +1,33 @@
 #include "worker/telemetry_writer.h"
 
-std::uint64_t TelemetryWriter::msUntilDue(const TelemetryRecord& record, std::uint64_t nowMs) const {
+Telemetry telemetryOf(const SimSnapshot& sim, bool commandPending, const CommandAck& ack) {
+    Telemetry telemetry;
+    telemetry.ok = sim.ok;
+    telemetry.rangeMin = sim.rangeMinKHz;
+    telemetry.rangeMax = sim.rangeMaxKHz;
+    telemetry.radios = sim.radios;
+    telemetry.ackId = ack.id;
+    telemetry.ackOk = ack.ok;
+    telemetry.commandPending = commandPending;
+    telemetry.status = sim.status;
+    telemetry.ackMessage = ack.message;
+    return telemetry;
+}
+
+std::uint64_t TelemetryWriter::msUntilDue(const Telemetry& telemetry, std::uint64_t nowMs) const {
     if (!tried_) return 0;
-    const auto gap = succeeded_ && record == written_ ? kMaxWriteGapMs : kMinWriteGapMs;
+    const auto gap = succeeded_ && telemetry == written_ ? kMaxWriteGapMs : kMinWriteGapMs;
     const auto since = nowMs - triedMs_;
     return since >= gap ? 0 : gap - since;
 }
 
-void TelemetryWriter::pass(const TelemetryRecord& record, std::uint64_t nowMs, double unixSeconds) {
-    if (msUntilDue(record, nowMs) > 0) return;
+void TelemetryWriter::pass(const Telemetry& telemetry, std::uint64_t nowMs, double unixSeconds) {
+    if (msUntilDue(telemetry, nowMs) > 0) return;
     const bool failedBefore = tried_ && !succeeded_;
-    succeeded_ = files_.replace(path_, telemetryText(record, unixSeconds));
+    succeeded_ = files_.replace(path_, writeTelemetryText(telemetry, unixSeconds));
     tried_ = true;
     triedMs_ = nowMs;
-    if (succeeded_) written_ = record;
+    if (succeeded_) written_ = telemetry;
     logOutcome(failedBefore, nowMs);
 }
 

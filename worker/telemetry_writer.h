@@ -6,24 +6,27 @@
 #include <utility>
 #include "base/data_files.h"
 #include "exchange/telemetry_text.h"
+#include "worker/command_handler.h"
 #include "worker/worker_log.h"
 
-inline constexpr std::uint64_t kMinWriteGapMs = 51;  // ticks are cut to whole ms: 51 apart is never under 50 ms
+inline constexpr std::uint64_t kMinWriteGapMs = 51;  // ticks are cut to whole ms: 51 of them are at least 50 ms
 inline constexpr std::uint64_t kLastingFailureMs = 1000;
-inline constexpr std::uint64_t kMaxWriteGapMs = 450;  // 500 ms at the latest: room for one pass and a slow disk
+inline constexpr std::uint64_t kMaxWriteGapMs = 450;  // 500 ms at the latest: the rest is for one pass and a slow disk
+
+// What the file says of the simulator and of the last command.
+Telemetry telemetryOf(const SimSnapshot& sim, bool commandPending, const CommandAck& ack);
 
 class TelemetryWriter {
   public:
     TelemetryWriter(std::string path, DataFiles& files, WorkerLog& log)
         : path_(std::move(path)), files_(files), log_(log) {}
 
-    // Writes the record if it has changed, or if the last writing is long enough ago. A failed writing is tried again
-    // 51 ms later; one that reader and writer get in each other's way is ordinary, so the log hears of a lasting
-    // failure only, once.
-    void pass(const TelemetryRecord& record, std::uint64_t nowMs, double unixSeconds);
+    // Writes the telemetry if it has changed or the last write was long enough ago. A failed write is tried again 51 ms
+    // later. Reader and writer do get in each other's way, so only a lasting failure is logged, and only once.
+    void pass(const Telemetry& telemetry, std::uint64_t nowMs, double unixSeconds);
 
-    // How long until the next writing is due, from nowMs; 0 = now.
-    std::uint64_t msUntilDue(const TelemetryRecord& record, std::uint64_t nowMs) const;
+    // How long until the next write is due, from nowMs; 0 = now.
+    std::uint64_t msUntilDue(const Telemetry& telemetry, std::uint64_t nowMs) const;
 
   private:
     void logOutcome(bool failedBefore, std::uint64_t nowMs);
@@ -31,7 +34,7 @@ class TelemetryWriter {
     std::string path_;
     DataFiles& files_;
     WorkerLog& log_;
-    TelemetryRecord written_;
+    Telemetry written_;
     bool tried_ = false;      // false: never yet, due at once
     bool succeeded_ = false;  // the last try
     bool failureLogged_ = false;

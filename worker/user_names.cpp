@@ -2,15 +2,16 @@
 #include <algorithm>
 #include <optional>
 #include "base/display_text.h"
+#include "base/utf8.h"
 
 namespace {
 
 constexpr std::string_view kMask = "<user>";
 constexpr std::string_view kSeparators = "\\/";
-// No name on Windows has these. The question mark, which none has either, is what the system code page makes of a
+// No name on Windows has these, nor a question mark; but the question mark is what the system code page makes of a
 // letter that it lacks.
 constexpr std::string_view kEnds = "\\/:*\"<>|";
-// The folders that hold one folder a person.
+// The folders that hold one folder per person.
 constexpr std::string_view kRoots[] = {"Users", "home", "Documents and Settings"};
 
 bool isSeparator(char c) {
@@ -30,7 +31,7 @@ struct Capitals {
 };
 constexpr Capitals kCapitals[] = {
     {'A', 'Z', 1, 32},        // ASCII
-    {0x00C0, 0x00DE, 1, 32},  // Latin-1; that the multiplication sign equals the division sign does no harm
+    {0x00C0, 0x00DE, 1, 32},  // Latin-1; it does no harm that multiplication and division sign are equal
     {0x0100, 0x0136, 2, 1},   // Latin Extended-A, capitals even
     {0x0139, 0x0147, 2, 1},   // capitals odd
     {0x014A, 0x0176, 2, 1},   // even again
@@ -52,7 +53,7 @@ char32_t smallLetter(char32_t point) {
     return point;
 }
 
-// The bytes of text's beginning that are name, whatever the case; none if it begins with something else.
+// How many bytes at the start of text are name, in whatever case; none if it begins with something else.
 std::optional<std::size_t> matchedBytes(std::string_view text, std::string_view name) {
     std::size_t at = 0;
     while (!name.empty()) {
@@ -70,7 +71,7 @@ std::size_t skipSeparators(std::string_view text, std::size_t at) {
     return std::min(text.find_first_not_of(kSeparators, at), text.size());
 }
 
-// Bytes up to the person's folder, if a folder that holds them begins here.
+// Bytes up to the person's folder if a folder of such folders begins here.
 std::optional<std::size_t> rootBytes(std::string_view text) {
     for (const auto root : kRoots) {
         const auto bytes = matchedBytes(text, root);
@@ -86,7 +87,7 @@ std::size_t componentBytes(std::string_view text) {
     return static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isEnd) - text.begin());
 }
 
-// Bytes of the account name that stands here as a part of a path. before: the character in front, a blank at the start.
+// Bytes of the account name that is a part of a path here. before: the character in front, a blank at the start.
 std::optional<std::size_t> accountBytes(char before, std::string_view text, const std::vector<std::string>& names) {
     for (const auto& name : names) {
         const auto bytes = matchedBytes(text, name);
@@ -105,7 +106,7 @@ bool isNoName(const std::string& name) {
 
 std::string maskUserNames(std::string_view line, std::vector<std::string> accountNames) {
     std::erase_if(accountNames, isNoName);
-    // The longest first: of Jane and Jane Doe, Jane Doe.
+    // The longest first: Jane Doe before Jane.
     std::sort(accountNames.begin(), accountNames.end(),
               [](const std::string& left, const std::string& right) { return left.size() > right.size(); });
     std::string masked;

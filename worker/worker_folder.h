@@ -13,7 +13,7 @@ struct FileStamp {
 class WorkerFolder {
   public:
     virtual ~WorkerFolder() = default;
-    // False once the folder is gone; a folder that is there but denies us access still exists.
+    // False once the folder is gone; a folder to which we have no access still exists.
     virtual bool folderExists(const std::string& path) = 0;
     virtual FileStamp stamp(const std::string& path) = 0;
 };

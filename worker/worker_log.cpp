@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cmath>
 #include "base/log_line.h"
+#include "base/utf8.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ char printable(char c) {
 
 std::string utcText(double unixSeconds) {
     constexpr double kEndOf9999 = 253402300799.0;
-    const double clamped = unixSeconds > 0.0 ? std::min(unixSeconds, kEndOf9999) : 0.0;  // 0 for NaN as well
+    const double clamped = unixSeconds > 0.0 ? std::min(unixSeconds, kEndOf9999) : 0.0;  // also 0 for NaN
     const auto totalMs = static_cast<std::uint64_t>(clamped * 1000.0);
     const auto day = std::chrono::sys_days{std::chrono::days{totalMs / 86'400'000}};
     const std::chrono::year_month_day date{day};

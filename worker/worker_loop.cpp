@@ -1,12 +1,12 @@
 #include "worker/worker_loop.h"
 #include <algorithm>
 #include <utility>
-#include "exchange/command_file.h"
-#include "exchange/telemetry.h"
+#include "exchange/command_text.h"
+#include "exchange/telemetry_text.h"
 
 namespace {
 
-constexpr std::uint64_t kMaxTelemetryBytes = 65'536;  // ours has about a thousand
+constexpr std::uint64_t kMaxTelemetryBytes = 65'536;  // ours takes about a thousand
 
 std::string handledBefore(const std::string& path, DataFiles& files, WorkerFolder& folder) {
     const auto stamp = folder.stamp(path);
@@ -39,9 +39,9 @@ PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     if (!handler_.isPending()) {
         if (auto command = inbox_.next(nowMs, unixSeconds)) handler_.accept(std::move(*command), nowMs);
     }
-    const TelemetryRecord record{link_.snapshot(), handler_.isPending(), handler_.ack()};
-    writer_.pass(record, nowMs, unixSeconds);
-    const auto dueMs = std::max<std::uint64_t>(writer_.msUntilDue(record, nowMs), 1);
+    const Telemetry telemetry = telemetryOf(link_.snapshot(), handler_.isPending(), handler_.ack());
+    writer_.pass(telemetry, nowMs, unixSeconds);
+    const auto dueMs = std::max<std::uint64_t>(writer_.msUntilDue(telemetry, nowMs), 1);
     result.waitMs = std::min(dueMs, kPassMs);
     result.quietMs = std::min(dueMs, handler_.isPending() ? kPassMs : std::max(kPassMs, link_.restMs()));
     return result;

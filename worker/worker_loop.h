@@ -12,7 +12,7 @@ inline constexpr std::uint64_t kFolderCheckMs = 230;  // the folder's disappeara
 struct PassResult {
     bool folderGone = false;    // the worker has nothing left to do
     std::uint64_t waitMs = 1;   // 1..kPassMs until the next pass
-    std::uint64_t quietMs = 1;  // the same where news from the link and a new command.json cut the wait short
+    std::uint64_t quietMs = 1;  // the same if news from the link and a new command.json end the wait early
 };
 
 class WorkerLoop {

@@ -33,7 +33,7 @@ std::string_view unquoted(std::string_view text) {
     return quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-// Reads the line into file, the options as the file alone would have them. Returns what is wrong with it, or nothing.
+// Reads the line into file, the options as the file alone would set them. Returns what is wrong with it, or nothing.
 std::string readIniLine(std::string_view line, WorkerOptions& file) {
     const auto equals = line.find('=');
     if (equals == std::string_view::npos) return "has no =";
@@ -50,11 +50,11 @@ std::string readIniLine(std::string_view line, WorkerOptions& file) {
     }
     if (key != "link") return "has an unknown key";
     if (value != "auto" && value != "simulate") return "needs auto or simulate";
-    file.link = value == "auto" ? LinkKind::Auto : LinkKind::Simulate;
+    file.link = value == "auto" ? LinkKind::kAuto : LinkKind::kSimulate;
     return {};
 }
 
-// The reason against the value of an option that must have one; empty if it was taken.
+// What is wrong with the value of an option that must have one; empty if it was accepted.
 std::string readOptionValue(const std::string& name, const std::string& value, WorkerOptions& options) {
     if (name == "--data-dir") {
         options.dataDir = value;
@@ -84,7 +84,7 @@ bool parseArguments(const std::vector<std::string>& arguments, WorkerOptions& op
         if (name == "--diagnose") {
             options.diagnose = true;
         } else if (name == "--simulate") {
-            options.link = LinkKind::Simulate;
+            options.link = LinkKind::kSimulate;
             if (hasValue) options.script = arguments[++i];
         } else if (name == "--data-dir" || name == "--watch-pid" || name == "--address") {
             auto reason = hasValue ? readOptionValue(name, arguments[++i], options) : name + " needs a value";
@@ -94,7 +94,7 @@ bool parseArguments(const std::vector<std::string>& arguments, WorkerOptions& op
         }
     }
     if (options.address && options.link) complain("--simulate and --address exclude each other");
-    if (options.address) options.link = LinkKind::Auto;  // whatever worker.ini says of the link
+    if (options.address) options.link = LinkKind::kAuto;  // whatever worker.ini says about the link
     if (options.dataDir.empty() && !options.diagnose) complain("--data-dir is missing");
     return error.empty();
 }
@@ -122,7 +122,7 @@ std::vector<std::string> applyIni(std::string_view text, WorkerOptions& options)
 }
 
 std::string describeLink(const WorkerOptions& options) {
-    if (options.link.value_or(LinkKind::Auto) == LinkKind::Simulate) {
+    if (options.link.value_or(LinkKind::kAuto) == LinkKind::kSimulate) {
         return "link simulate, script " + (options.script.empty() ? "none" : options.script);
     }
     return "link auto, simulator " +

@@ -1,4 +1,4 @@
-// worker_options.h - what the worker is told to do: its command line first, worker.ini for what that leaves open.
+// worker_options.h - what the worker is told to do: by its command line first, by worker.ini where that leaves it open.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 inline constexpr std::size_t kMaxIniBytes = 65'536;  // a larger worker.ini is ignored
 
-enum class LinkKind { Auto, Simulate };
+enum class LinkKind { kAuto, kSimulate };
 
 struct WorkerOptions {
     std::string dataDir;              // --data-dir
@@ -21,14 +21,14 @@ struct WorkerOptions {
     bool diagnose = false;            // --diagnose: report what is found instead of serving
 };
 
-// The arguments behind the program's name: --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT] | --address
-// HOST:PORT], or --diagnose with any of them, the data folder too being optional. False with the reason in error; what
-// was understood, the data folder above all, is in options even then.
+// The arguments after the program's name: --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT] | --address HOST:PORT],
+// or --diagnose with any of them, where the data folder is optional too. False with the reason in error; even then
+// options holds what was understood, above all the data folder.
 bool parseArguments(const std::vector<std::string>& arguments, WorkerOptions& options, std::string& error);
 
-// Fills from the text of worker.ini what the command line left open: link=auto|simulate, address=HOST:PORT and
-// script=PATH, a relative path counting from the data folder. Returns a remark for each line that was ignored, at most
-// 20. An address counts only where the link is not the built-in aircraft.
+// Fills in from the text of worker.ini what the command line left open: link=auto|simulate, address=HOST:PORT and
+// script=PATH, where a relative path starts at the data folder. Returns a remark for each ignored line, at most 20. An
+// address counts only if the link is not the built-in aircraft.
 std::vector<std::string> applyIni(std::string_view text, WorkerOptions& options);
 
 // "link auto, simulator at simpc:500": what the worker is told to talk to.

@@ -1,10 +1,11 @@
 #include "settings/dialog/dialog_interaction.h"
 #include <algorithm>
+#include "settings/language.h"
 
 namespace {
 
 constexpr int kNotch = 120;
-constexpr float kScrollUnits = 48;  // a notch of the wheel
+constexpr float kScrollUnits = 48;  // per notch of the wheel
 
 bool isReachable(const DialogControl& control) {
     return control.look != ControlLook::kLive;
@@ -26,7 +27,7 @@ void moveFocus(DialogInput& input, const DialogLayout& layout, int direction) {
     scrollIntoView(input, layout);
 }
 
-// Of several equal controls the one `by` further, if it is among them.
+// Moves the focus `by` controls further among several equal ones, if it stays among them.
 void moveFocusAmong(DialogInput& input, const DialogLayout& layout, int first, int count, int by) {
     const int index = input.focus - first + by;
     if (index < 0 || index >= count) return;
@@ -34,13 +35,13 @@ void moveFocusAmong(DialogInput& input, const DialogLayout& layout, int first, i
     scrollIntoView(input, layout);
 }
 
-void dragSlider(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at) {
+void dragSlider(DialogInput& input, DialogModel& model, const DialogLayout& layout, PixelPoint at) {
     const DialogControl* control = findControl(layout, input.pressed.id);
     const DialogRow* row = findRow(input.pressed.id);
     if (control && row) setLevel(model, *row, levelAt(layout, *control, row->range, at.x));
 }
 
-void dragScrollBar(DialogInput& input, const DialogLayout& layout, DialogPoint at) {
+void dragScrollBar(DialogInput& input, const DialogLayout& layout, PixelPoint at) {
     const std::int32_t thumb = layout.scrollThumb.bottom - layout.scrollThumb.top;
     const std::int32_t length = layout.scrollBar.bottom - layout.scrollBar.top - thumb;
     const std::int32_t top = at.y - input.grab - layout.scrollBar.top;
@@ -79,14 +80,14 @@ std::optional<DialogCommand> pressArrow(DialogInput& input, DialogModel& model, 
         case RowKind::kTab: {
             const int page = layout.page + vertical + horizontal;
             if (page < 0 || page >= kPageCount) return std::nullopt;
-            input.focus = kFirstTab + page;
+            input.focus = kGeneralTab + page;
             return DialogCommand{input.focus, -1};
         }
         case RowKind::kLanguage:
-            moveFocusAmong(input, layout, kFirstLanguage, 9, horizontal + 3 * vertical);
+            moveFocusAmong(input, layout, kFirstLanguage, kLanguageCount, horizontal + 3 * vertical);
             return std::nullopt;
         case RowKind::kOption:
-            moveFocusAmong(input, layout, 6040, 4, horizontal + 2 * vertical);
+            moveFocusAmong(input, layout, kCom1Option, 4, horizontal + 2 * vertical);
             return std::nullopt;
         case RowKind::kSlider:
             stepLevel(model, *row, horizontal - vertical);
@@ -139,7 +140,7 @@ DialogAction runCommand(DialogInput& input, DialogModel& model, const DialogComm
     return action;
 }
 
-void moveMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at) {
+void moveMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, PixelPoint at) {
     input.hover = hitDialog(layout, at);
     if (!input.isDragging) return;
     if (input.pressed.id == kScrollBarHit)
@@ -152,7 +153,7 @@ void leaveMouse(DialogInput& input) {
     input.hover = {};
 }
 
-bool pressMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at) {
+bool pressMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, PixelPoint at) {
     const DialogHit hit = hitDialog(layout, at);
     forgetMouse(input);
     input.hover = hit;
@@ -172,7 +173,7 @@ bool pressMouse(DialogInput& input, DialogModel& model, const DialogLayout& layo
     input.focus = hit.id;
     if (row->kind == RowKind::kSlider) {
         const PixelRect track = trackRect(layout, *findControl(layout, hit.id));
-        // The words above the track are only to be read.
+        // A press on the words above the track does not drag.
         if (at.y < track.top - layout.px(10)) return true;
         input.isDragging = true;
         dragSlider(input, model, layout, at);
@@ -181,7 +182,7 @@ bool pressMouse(DialogInput& input, DialogModel& model, const DialogLayout& layo
 }
 
 std::optional<DialogCommand> releaseMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout,
-                                          DialogPoint at) {
+                                          PixelPoint at) {
     const DialogHit pressed = input.pressed;
     if (input.isDragging) moveMouse(input, model, layout, at);
     forgetMouse(input);
@@ -190,7 +191,7 @@ std::optional<DialogCommand> releaseMouse(DialogInput& input, DialogModel& model
     return commandAt(pressed, model);
 }
 
-void turnWheel(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at, int delta) {
+void turnWheel(DialogInput& input, DialogModel& model, const DialogLayout& layout, PixelPoint at, int delta) {
     if ((input.wheelRest > 0) != (delta > 0)) input.wheelRest = 0;
     input.wheelRest += delta;
     const int notches = input.wheelRest / kNotch;

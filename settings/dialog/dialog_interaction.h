@@ -1,5 +1,5 @@
 // dialog_interaction.h - mouse and keyboard of the settings dialog: what they do to the model, and which command they
-// give. Everything the mouse reaches, the keyboard reaches. Points are client pixels; nothing here knows a window.
+// give. The keyboard reaches everything that the mouse reaches. Points are client pixels; nothing here knows a window.
 // [dialog]
 #pragma once
 #include <optional>
@@ -26,11 +26,11 @@ struct DialogInput {
     DialogHit hover;
     DialogHit pressed;          // while the left button is down
     int focus = kNothingHit;    // identifier of a control
-    bool isFocusShown = false;  // since the keyboard was used
+    bool isFocusShown = false;  // from a key until the next mouse press
     bool isDragging = false;    // a slider, or the scroll bar
-    std::int32_t grab = 0;      // pixels from the scroll thumb's top to where it was taken
+    std::int32_t grab = 0;      // pixels from the scroll thumb's top to where it was grabbed
     std::int32_t scroll = 0;    // pixels wanted; the layout clamps it
-    int wheelRest = 0;          // of 120, not yet a notch
+    int wheelRest = 0;          // wheel movement short of a notch (120)
 
     bool operator==(const DialogInput&) const = default;
 };
@@ -43,26 +43,26 @@ struct DialogCommand {
     bool operator==(const DialogCommand&) const = default;
 };
 
-// What is hovered, dragged and pressed is forgotten: another page, another language, a lost mouse capture.
+// Forgets what is hovered, dragged and pressed: for a new page or language, or when the mouse capture is lost.
 void forgetMouse(DialogInput& input);
 
-// Carries a command out, whoever gave it (runDialogCommand). Another page begins at its top; with another page or
-// language the mouse stands on other controls than those it took hold of.
+// Carries out a command from any source (runDialogCommand). A new page begins at its top; a new page or language
+// forgets the mouse, because other controls are under it now.
 DialogAction runCommand(DialogInput& input, DialogModel& model, const DialogCommand& command,
                         std::uint16_t systemLanguage);
 
-void moveMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at);
-// The window's edge is left; a drag goes on.
+void moveMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, PixelPoint at);
+// The mouse has left the window; a drag goes on.
 void leaveMouse(DialogInput& input);
-// True: the mouse is to be captured until it is released. False: nothing was hit, or the title bar (kTitleBarHit in
-// pressed stays unset).
-bool pressMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at);
+// True: the caller captures the mouse until its release. False: nothing was hit, or the title bar (pressed never
+// becomes kTitleBarHit).
+bool pressMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout, PixelPoint at);
 // A press counts when it ends where it began.
 std::optional<DialogCommand> releaseMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout,
-                                          DialogPoint at);
-// delta: 120 a notch, away from the user positive. Steps the slider or the selector under the mouse, else scrolls.
-void turnWheel(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogPoint at, int delta);
+                                          PixelPoint at);
+// delta: 120 per notch, positive away from the user. Steps the slider or the selector under the mouse, else scrolls.
+void turnWheel(DialogInput& input, DialogModel& model, const DialogLayout& layout, PixelPoint at, int delta);
 
-// What a key does beyond moving the focus and sliders, which happens here.
+// Moves the focus, steps values and scrolls as the key asks; returns the command that it gives, if any.
 std::optional<DialogCommand> pressKey(DialogInput& input, DialogModel& model, const DialogLayout& layout,
                                       DialogKey key);

@@ -3,16 +3,17 @@
 #include <cmath>
 #include <span>
 #include "base/identity.h"
+#include "settings/interface_texts.h"
 
 namespace {
 
 constexpr unsigned kBaseDpi = 96;
 
-// Units. The page scrolls under the title bar and over the bottom bar, right of the navigation.
+// Units. The page scrolls between the title bar and the bottom bar, right of the navigation.
 constexpr float kTitleHeight = 64;
 constexpr float kNavigationWidth = 226;
 constexpr float kBottomHeight = 64;
-constexpr float kColumn = 327;  // width of the two columns, 20 apart and from the edges
+constexpr float kColumn = 327;  // width of each of two columns, 20 apart and 20 from the edges
 constexpr float kLeft = kNavigationWidth + 20;
 constexpr float kRight = kLeft + kColumn + 20;
 // The radio page's words are longer on the right.
@@ -23,10 +24,6 @@ constexpr float kKeyLetter = 42;  // a selector's key, before its value
 constexpr float kArrow = 26;
 constexpr float kPageEnd = 18;  // below the last control
 constexpr float kLiveHeight = 106;
-
-struct UnitRect {
-    float x, y, width, height;
-};
 
 // A control, or equal ones below each other or in a grid: the identifiers from `id` on.
 struct Placement {
@@ -48,75 +45,75 @@ struct TextPlacement {
 
 // clang-format off
 constexpr Placement kTabs[] = {
-    {5000, ControlLook::kTab, {12, 80, 202, 40}, kPageCount, 1, 0, 48},
+    {kGeneralTab, ControlLook::kTab, {12, 80, 202, 40}, kPageCount, 1, 0, 48},
 };
 constexpr Placement kGeneralPage[] = {
-    {5100, ControlLook::kLanguage,      {kLeft,  46, 103, 34}, 9, 3, 112, 40},
-    {6002, ControlLook::kSegments,      {kLeft,  212, kColumn, 38}},
-    {6003, ControlLook::kSlider,        {kLeft,  266, kColumn, 54}},
-    {6004, ControlLook::kSlider,        {kLeft,  326, kColumn, 54}},
-    {6005, ControlLook::kButton,        {kLeft,  398, kColumn, 38}},
-    {6000, ControlLook::kToggle,        {kRight, 18, kColumn, 54}},
-    {6001, ControlLook::kToggle,        {kRight, 78, kColumn, 54}},
-    {6020, ControlLook::kCompactToggle, {kRight, 182, kColumn, 46}, 2, 1, 0, 48},
-    {6026, ControlLook::kCompactToggle, {kRight, 278, kColumn, 46}, 4, 1, 0, 48},
+    {kFirstLanguage, ControlLook::kLanguage,      {kLeft,  46, 103, 34}, kLanguageCount, 3, 112, 40},
+    {kThemeChoice, ControlLook::kSegments,      {kLeft,  212, kColumn, 38}},
+    {kOpacitySlider, ControlLook::kSlider,        {kLeft,  266, kColumn, 54}},
+    {kPanelScaleSlider, ControlLook::kSlider,        {kLeft,  326, kColumn, 54}},
+    {kResetPanel, ControlLook::kButton,        {kLeft,  398, kColumn, 38}},
+    {kMasterToggle, ControlLook::kToggle,        {kRight, 18, kColumn, 54}},
+    {kPanelVisibleToggle, ControlLook::kToggle,        {kRight, 78, kColumn, 54}},
+    {kAutoSwitchingToggle, ControlLook::kCompactToggle, {kRight, 182, kColumn, 46}, 2, 1, 0, 48},
+    {kDistortSelfToggle, ControlLook::kCompactToggle, {kRight, 278, kColumn, 46}, 4, 1, 0, 48},
 };
 constexpr Placement kVoicePage[] = {
-    {6021, ControlLook::kToggle,        {kLeft,  46, kColumn, 54}},
-    {6022, ControlLook::kSlider,        {kLeft,  112, kColumn, 54}, 4, 1, 0, 60},
-    {6026, ControlLook::kCompactToggle, {kRight, 46, kColumn, 46}, 4, 1, 0, 48},
-    {6030, ControlLook::kToggle,        {kRight, 290, kColumn, 54}, 2, 1, 0, 60},
+    {kFollowVolumeToggle, ControlLook::kToggle,        {kLeft,  46, kColumn, 54}},
+    {kReceiveVolumeSlider, ControlLook::kSlider,        {kLeft,  112, kColumn, 54}, 4, 1, 0, 60},
+    {kDistortSelfToggle, ControlLook::kCompactToggle, {kRight, 46, kColumn, 46}, 4, 1, 0, 48},
+    {kEqualizeToggle, ControlLook::kToggle,        {kRight, 290, kColumn, 54}, 2, 1, 0, 60},
 };
 constexpr Placement kRadioPage[] = {
-    {6040, ControlLook::kOption,        {kLeft,  46, 146, 36}, 4, 2, 154, 44},
-    {6060, ControlLook::kSelector,      {kLeft,  182, kKeyColumn, 36}, 5, 1, 0, 42},
-    {6044, ControlLook::kToggle,        {kTextLeft, 46, kTextColumn, 54}, 2, 1, 0, 60},
-    {6046, ControlLook::kToggle,        {kTextLeft, 210, kTextColumn, 54}, 2, 1, 0, 60},
-    {6048, ControlLook::kSlider,        {kTextLeft, 334, kTextColumn, 54}},
-    {6049, ControlLook::kButton,        {kTextLeft, 402, kTextColumn, 38}, 2, 1, 0, 46},
+    {kCom1Option, ControlLook::kOption,        {kLeft,  46, 146, 36}, 4, 2, 154, 44},
+    {kKeyASelector, ControlLook::kSelector,      {kLeft,  182, kKeyColumn, 36}, 5, 1, 0, 42},
+    {kPinToggle, ControlLook::kToggle,        {kTextLeft, 46, kTextColumn, 54}, 2, 1, 0, 60},
+    {kTextAlertToggle, ControlLook::kToggle,        {kTextLeft, 210, kTextColumn, 54}, 2, 1, 0, 60},
+    {kTextScaleSlider, ControlLook::kSlider,        {kTextLeft, 334, kTextColumn, 54}},
+    {kPreviewMessages, ControlLook::kButton,        {kTextLeft, 402, kTextColumn, 38}, 2, 1, 0, 46},
 };
 // y from the bottom bar's top.
 constexpr Placement kBottomButtons[] = {
-    {6080, ControlLook::kButton,        {454, 14, 130, 36}},
-    {6082, ControlLook::kButton,        {592, 14, 130, 36}},
-    {6081, ControlLook::kPrimaryButton, {730, 14, 190, 36}},
+    {kApply, ControlLook::kButton,        {454, 14, 130, 36}},
+    {kCancel, ControlLook::kButton,        {592, 14, 130, 36}},
+    {kSaveAndClose, ControlLook::kPrimaryButton, {730, 14, 190, 36}},
 };
 constexpr Placement kCloseButton[] = {
-    {5150, ControlLook::kWindowButton,  {884, 14, 36, 36}},
+    {kWindowButton, ControlLook::kWindowButton,  {884, 14, 36, 36}},
 };
 
 constexpr float kWide = 2 * kColumn + 20;
 constexpr TextPlacement kGeneralTexts[] = {
-    {DialogTextStyle::kHeading, 9,  nullptr, {kLeft,  18, kColumn, 20}},
-    {DialogTextStyle::kHeading, 10, nullptr, {kLeft,  184, kColumn, 20}},
-    {DialogTextStyle::kHeading, 18, nullptr, {kRight, 154, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextLanguage, nullptr, {kLeft,  18, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextTheme, nullptr, {kLeft,  184, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextOptions, nullptr, {kRight, 154, kColumn, 20}},
 };
 constexpr TextPlacement kVoiceTexts[] = {
-    {DialogTextStyle::kHeading, 27, nullptr, {kLeft,  18, kColumn, 20}},
-    {DialogTextStyle::kHeading, 32, nullptr, {kRight, 18, kColumn, 20}},
-    {DialogTextStyle::kHeading, 33, nullptr, {kRight, 262, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextReceiveAndGain, nullptr, {kLeft,  18, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextAudioEffects, nullptr, {kRight, 18, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextOther, nullptr, {kRight, 262, kColumn, 20}},
 };
 constexpr TextPlacement kRadioTexts[] = {
-    {DialogTextStyle::kHeading,   38, nullptr, {kLeft,  18, kKeyColumn, 20}},
-    {DialogTextStyle::kHeading,   52, nullptr, {kLeft,  154, kKeyColumn, 20}},
-    {DialogTextStyle::kNoteTitle, 53, nullptr, {kLeft + kKeyLetter, 396, kKeyColumn - kKeyLetter, 20}},
-    {DialogTextStyle::kNote,      54, nullptr, {kLeft + kKeyLetter, 418, kKeyColumn - kKeyLetter, 76}},
-    {DialogTextStyle::kHeading,   39, nullptr, {kTextLeft, 18, kTextColumn, 20}},
-    {DialogTextStyle::kHeading,   44, nullptr, {kTextLeft, 182, kTextColumn, 20}},
+    {DialogTextStyle::kHeading,   kTextRadio, nullptr, {kLeft,  18, kKeyColumn, 20}},
+    {DialogTextStyle::kHeading,   kTextCustomKeys, nullptr, {kLeft,  154, kKeyColumn, 20}},
+    {DialogTextStyle::kNoteTitle, kTextKeyAFixed, nullptr, {kLeft + kKeyLetter, 396, kKeyColumn - kKeyLetter, 20}},
+    {DialogTextStyle::kNote,      kTextKeyANote, nullptr, {kLeft + kKeyLetter, 418, kKeyColumn - kKeyLetter, 76}},
+    {DialogTextStyle::kHeading,   kTextPanel, nullptr, {kTextLeft, 18, kTextColumn, 20}},
+    {DialogTextStyle::kHeading,   kTextTextMessages, nullptr, {kTextLeft, 182, kTextColumn, 20}},
 };
 constexpr TextPlacement kAboutTexts[] = {
     {DialogTextStyle::kAppName,    kNoText, kPluginName,          {kLeft, 24, kWide, 40}},
     {DialogTextStyle::kAppVersion, kNoText, kPluginVersion,       {kLeft, 66, kWide, 20}},
-    {DialogTextStyle::kParagraph,  63,      nullptr,              {kLeft, 104, kWide, 92}},
-    {DialogTextStyle::kAboutLabel, 64,      nullptr,              {kLeft, 220, 160, 36}},
-    {DialogTextStyle::kAboutLabel, 65,      nullptr,              {kLeft, 260, 160, 36}},
-    {DialogTextStyle::kAboutLabel, 66,      nullptr,              {kLeft, 300, 160, 36}},
-    {DialogTextStyle::kAboutLabel, 67,      nullptr,              {kLeft, 340, 160, 36}},
+    {DialogTextStyle::kParagraph,  kTextAboutParagraph, nullptr,              {kLeft, 104, kWide, 92}},
+    {DialogTextStyle::kAboutLabel, kTextAuthor, nullptr,              {kLeft, 220, 160, 36}},
+    {DialogTextStyle::kAboutLabel, kTextSupport, nullptr,              {kLeft, 260, 160, 36}},
+    {DialogTextStyle::kAboutLabel, kTextPlatform, nullptr,              {kLeft, 300, 160, 36}},
+    {DialogTextStyle::kAboutLabel, kTextLicence, nullptr,              {kLeft, 340, 160, 36}},
     {DialogTextStyle::kAboutValue, kNoText, kPluginAuthor,        {kLeft + 170, 220, kWide - 170, 36}},
     {DialogTextStyle::kAboutValue, kNoText, "Attach hopline_worker.log to your report", {kLeft + 170, 260, kWide - 170, 36}},
     {DialogTextStyle::kAboutValue, kNoText, "MSFS 2024 · TeamSpeak 3 · Windows x64", {kLeft + 170, 300, kWide - 170, 36}},
     {DialogTextStyle::kAboutValue, kNoText, "MIT",                {kLeft + 170, 340, kWide - 170, 36}},
-    {DialogTextStyle::kNote,       68,      nullptr,              {kLeft, 400, kWide, 40}},
+    {DialogTextStyle::kNote,       kTextLanguageNames, nullptr,              {kLeft, 400, kWide, 40}},
 };
 // clang-format on
 
@@ -155,7 +152,7 @@ float pageHeight(const Page& page) {
     return bottom + kPageEnd;
 }
 
-// Units to pixels, with an origin in pixels. Edges are rounded, so that what touches still does.
+// Units to pixels, with an origin in pixels. Edges are rounded, so that what touches still touches.
 PixelRect toPixels(const DialogLayout& layout, const UnitRect& rect, std::int32_t top) {
     return {layout.px(rect.x), top + layout.px(rect.y), layout.px(rect.x + rect.width),
             top + layout.px(rect.y + rect.height)};
@@ -188,20 +185,16 @@ float usableDpiScale(unsigned dpi) {
     return static_cast<float>(dpi == 0 ? kBaseDpi : dpi) / static_cast<float>(kBaseDpi);
 }
 
-bool contains(const PixelRect& rect, DialogPoint point) {
-    return point.x >= rect.left && point.x < rect.right && point.y >= rect.top && point.y < rect.bottom;
-}
-
 int partCount(const DialogControl& control) {
     if (control.look == ControlLook::kSegments) return optionCount(*findRow(control.id));
     return control.look == ControlLook::kSelector ? 2 : 1;
 }
 
-// Part 1 (on) is all of a selector but its back arrow: a click on what it shows goes on.
-int partAt(const DialogLayout& layout, const DialogControl& control, DialogPoint point) {
-    if (control.look == ControlLook::kSelector) return contains(partRect(layout, control, 0), point) ? 0 : 1;
+// Part 1 (forward) is all of a selector but its back arrow: a click on its value steps forward.
+int partAt(const DialogLayout& layout, const DialogControl& control, PixelPoint point) {
+    if (control.look == ControlLook::kSelector) return partRect(layout, control, 0).contains(point) ? 0 : 1;
     for (int part = 0; part < partCount(control); part++) {
-        if (contains(partRect(layout, control, part), point)) return part;
+        if (partRect(layout, control, part).contains(point)) return part;
     }
     return 0;
 }
@@ -245,15 +238,15 @@ DialogLayout layoutDialog(std::int32_t width, std::int32_t height, unsigned dpi,
     return layout;
 }
 
-DialogHit hitDialog(const DialogLayout& layout, DialogPoint point) {
-    if (!contains(layout.client, point)) return {};
-    if (contains(layout.scrollBar, point)) return {kScrollBarHit, 0};
+DialogHit hitDialog(const DialogLayout& layout, PixelPoint point) {
+    if (!layout.client.contains(point)) return {};
+    if (layout.scrollBar.contains(point)) return {kScrollBarHit, 0};
     for (const DialogControl& control : layout.controls) {
-        if (!contains(control.rect, point)) continue;
-        if (control.isOnPage && !contains(layout.pageView, point)) continue;
+        if (!control.rect.contains(point)) continue;
+        if (control.isOnPage && !layout.pageView.contains(point)) continue;
         return {control.id, partAt(layout, control, point)};
     }
-    return {contains(layout.titleBar, point) ? kTitleBarHit : kNothingHit, 0};
+    return {layout.titleBar.contains(point) ? kTitleBarHit : kNothingHit, 0};
 }
 
 const DialogControl* findControl(const DialogLayout& layout, int id) {

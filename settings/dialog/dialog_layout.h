@@ -1,19 +1,14 @@
 // dialog_layout.h - where everything is in the settings dialog, and what lies under a point. The design is 940 x 660
-// units, one unit a pixel at 96 dpi; rectangles are client pixels, y down. Pure functions. [any]
+// units, one unit per pixel at 96 DPI; rectangles are client pixels, y down. Pure functions. [any]
 #pragma once
 #include <cstdint>
 #include <vector>
 #include "settings/dialog/dialog_rows.h"
-#include "ui/argb_image.h"
+#include "ui/geometry.h"
 
 inline constexpr int kDialogWidth = 940;  // units
 inline constexpr int kDialogHeight = 660;
-inline constexpr int kDialogLowest = 420;  // units: with less height than that everything shrinks
-
-struct DialogPoint {
-    std::int32_t x = 0;
-    std::int32_t y = 0;
-};
+inline constexpr int kDialogLowest = 420;  // units: below this height everything shrinks
 
 // How a control is drawn.
 enum class ControlLook {
@@ -45,7 +40,7 @@ struct DialogPageText {
     DialogTextStyle style;
     int entry;  // text entry, or kNoText: value is the text
     const char* value;
-    PixelRect rect;  // as of a control on the page
+    PixelRect rect;  // as for a control on the page
 };
 
 struct DialogLayout {
@@ -66,8 +61,8 @@ struct DialogLayout {
     std::int32_t px(float units) const;  // rounded
 };
 
-// The dialog in a client area at a resolution. A client too narrow or too low for the design shrinks it; one that is
-// lower than the design scrolls the page. scroll is clamped.
+// The dialog in a client area at a resolution. A client narrower than the design or lower than kDialogLowest shrinks
+// it; a page higher than its view scrolls. scroll is clamped.
 DialogLayout layoutDialog(std::int32_t width, std::int32_t height, unsigned dpi, int page, std::int32_t scroll);
 
 // What is under a point, or in focus: a control with its part, or one of the places below.
@@ -76,27 +71,27 @@ inline constexpr int kTitleBarHit = -2;
 inline constexpr int kScrollBarHit = -3;
 struct DialogHit {
     int id = kNothingHit;
-    int part = 0;  // option of a segments control; of a selector 0 back, 1 on; else 0
+    int part = 0;  // option of a segments control; of a selector 0 back, 1 forward; else 0
 
     bool operator==(const DialogHit&) const = default;
 };
-DialogHit hitDialog(const DialogLayout& layout, DialogPoint point);
+DialogHit hitDialog(const DialogLayout& layout, PixelPoint point);
 
 // Null when the page shown has none of that identifier.
 const DialogControl* findControl(const DialogLayout& layout, int id);
 
-// The parts of a control: an option of segments; the back (0) and on (1) arrow of a selector. Others are their own
-// part.
+// The parts of a control: an option of segments; the back (0) and forward (1) arrows of a selector. Other controls are
+// one part.
 PixelRect partRect(const DialogLayout& layout, const DialogControl& control, int part);
 // The switch within a toggle.
 PixelRect switchRect(const DialogLayout& layout, const DialogControl& control);
-// The line that a slider's thumb runs on: its ends are the middles of the thumb at minimum and maximum.
+// The line that a slider's thumb runs on: its ends are where the thumb's middle is at minimum and maximum.
 PixelRect trackRect(const DialogLayout& layout, const DialogControl& control);
 std::int32_t thumbX(const DialogLayout& layout, const DialogControl& control, const SliderRange& range, float value);
-// The value where a slider's thumb would have its middle at x; beyond the ends the end's.
+// The value at which a slider's thumb has its middle at x; beyond an end of the track, that end's value.
 float levelAt(const DialogLayout& layout, const DialogControl& control, const SliderRange& range, std::int32_t x);
 
-// The scroll position that shows the whole control, the nearest to the present one.
+// The scroll position nearest to the present one that shows the whole control.
 std::int32_t scrollTo(const DialogLayout& layout, const DialogControl& control);
 
 // The window in a monitor's work area: its size at this resolution, at most the work area's, and centred.

@@ -24,14 +24,14 @@ enum class DialogAction {
     kClearMessages,
 };
 
-// Takes over the live record, but for the fields the user has changed.
+// Takes over the live record, except for the fields the user has changed.
 void followLive(DialogModel& model, const Settings& live);
 
 // Carries a command out on the model. option chooses among a choice's or a selector's options; below 0 it steps to the
-// next one, around the end. Unknown identifiers and sliders do nothing.
+// next one, from the last to the first. Unknown identifiers and sliders do nothing.
 DialogAction runDialogCommand(DialogModel& model, int id, int option = -1);
 
-// Sets a slider's field, to the nearest step within its range. Nothing for a row that is no slider, or for no number.
+// Sets a slider's field, to the nearest step within its range. Does nothing for a row that is not a slider, or for NaN.
 void setLevel(DialogModel& model, const DialogRow& row, float value);
 // count steps up, or down when negative.
 void stepLevel(DialogModel& model, const DialogRow& row, int count);

@@ -6,9 +6,9 @@
 
 namespace {
 
-using ARGB = std::uint32_t;  // opaque unless it says otherwise
+using ARGB = std::uint32_t;  // opaque unless noted
 
-// Near-black with a tint of green, as the message window; one green accent; amber only for what is amiss.
+// Near-black with a tint of green, like the message window; one green accent; amber only for what is amiss.
 constexpr ARGB kGround = 0xFF0B100E;
 constexpr ARGB kNavigationGround = 0xFF080C0A;
 constexpr ARGB kTitleGround = 0xFF0E1512;
@@ -49,15 +49,15 @@ ARGB colourOf(TextTone tone) {
     return kPlain;
 }
 
-PanelRect floatsOf(const PixelRect& rect) {
+UnitRect floatsOf(const PixelRect& rect) {
     return {static_cast<float>(rect.left), static_cast<float>(rect.top), static_cast<float>(rect.right - rect.left),
             static_cast<float>(rect.bottom - rect.top)};
 }
 
-// To the stretch between two points.
-float stretchDistance(PanelPoint from, PanelPoint to, PanelPoint point) {
-    const PanelPoint along = {to.x - from.x, to.y - from.y};
-    const PanelPoint offset = {point.x - from.x, point.y - from.y};
+// Distance to the line segment between two points.
+float stretchDistance(UnitPoint from, UnitPoint to, UnitPoint point) {
+    const UnitPoint along = {to.x - from.x, to.y - from.y};
+    const UnitPoint offset = {point.x - from.x, point.y - from.y};
     const float square = along.x * along.x + along.y * along.y;
     const float share = square > 0.0f ? (offset.x * along.x + offset.y * along.y) / square : 0.0f;
     const float nearest = std::clamp(share, 0.0f, 1.0f);
@@ -98,10 +98,10 @@ class DialogShapes {
         for (std::int32_t y = seen.top; y < seen.bottom; y++)
             std::fill(target_.row(y) + seen.left, target_.row(y) + seen.right, colour);
     }
-    // The pixels of rect in the colour, as far as the outline at this distance covers them.
+    // Paints the pixels of rect in the colour, as far as the outline at that distance covers each of them.
     template <class Distance>
     void cover(const PixelRect& rect, ARGB colour, Distance distance) {
-        forEachPixel(intersectRects(rect, clip_), [&](std::int32_t x, std::int32_t y, PanelPoint point) {
+        forEachPixel(intersectRects(rect, clip_), [&](std::int32_t x, std::int32_t y, UnitPoint point) {
             const float coverage = coverageOf(distance(point));
             if (coverage <= 0.0f) return;
             std::uint32_t& pixel = target_.row(y)[x];
@@ -109,8 +109,8 @@ class DialogShapes {
         });
     }
     void fillRounded(const PixelRect& rect, float radius, ARGB colour) {
-        const PanelRect outline = floatsOf(rect);
-        const auto distance = [&](PanelPoint point) { return roundedRectDistance(outline, units(radius), point); };
+        const UnitRect outline = floatsOf(rect);
+        const auto distance = [&](UnitPoint point) { return roundedRectDistance(outline, units(radius), point); };
         // Between the bands of the corners every pixel is inside.
         const std::int32_t band = std::min(layout_.px(radius) + 1, (rect.bottom - rect.top + 1) / 2);
         cover({rect.left, rect.top, rect.right, rect.top + band}, colour, distance);
@@ -118,9 +118,9 @@ class DialogShapes {
         cover({rect.left, std::max(rect.top + band, rect.bottom - band), rect.right, rect.bottom}, colour, distance);
     }
     void drawRounded(const PixelRect& rect, float radius, float width, ARGB colour) {
-        const PanelRect outline = floatsOf(rect);
+        const UnitRect outline = floatsOf(rect);
         const float line = std::max(1.0f, units(width));
-        const auto distance = [&](PanelPoint point) {
+        const auto distance = [&](UnitPoint point) {
             const float outer = roundedRectDistance(outline, units(radius), point);
             return std::max(outer, -outer - line);
         };
@@ -131,15 +131,15 @@ class DialogShapes {
         cover({rect.left, std::max(rect.top + band, rect.bottom - band), rect.right, rect.bottom}, colour, distance);
     }
     void fillCircle(float x, float y, float radius, ARGB colour) {
-        const PanelRect box = {x - radius, y - radius, 2.0f * radius, 2.0f * radius};
+        const UnitRect box = {x - radius, y - radius, 2.0f * radius, 2.0f * radius};
         cover(pixelsAround(box, 1.0f), colour,
-              [&](PanelPoint point) { return std::hypot(point.x - x, point.y - y) - radius; });
+              [&](UnitPoint point) { return std::hypot(point.x - x, point.y - y) - radius; });
     }
     void drawLine(float fromX, float fromY, float toX, float toY, float width, ARGB colour) {
         const float half = units(width) / 2.0f;
-        const PanelRect box = {std::min(fromX, toX), std::min(fromY, toY), std::fabs(toX - fromX),
-                               std::fabs(toY - fromY)};
-        cover(pixelsAround(box, half + 1.0f), colour, [&](PanelPoint point) {
+        const UnitRect box = {std::min(fromX, toX), std::min(fromY, toY), std::fabs(toX - fromX),
+                              std::fabs(toY - fromY)};
+        cover(pixelsAround(box, half + 1.0f), colour, [&](UnitPoint point) {
             return stretchDistance({fromX, fromY}, {toX, toY}, point) - half;
         });
     }
@@ -356,7 +356,7 @@ COLORREF colorRefOf(ARGB colour) {
     return RGB(colour >> 16U & 0xFFU, colour >> 8U & 0xFFU, colour & 0xFFU);
 }
 
-// What a context is set to, put back at the end.
+// Restores a context's settings at the end of the scope.
 class SavedContext {
   public:
     explicit SavedContext(HDC dc) : dc_(dc), state_(SaveDC(dc)) {}
@@ -380,6 +380,10 @@ void DialogPainter::paint(const MemorySurface& surface, const DialogLayout& layo
     GdiFlush();
 }
 
+TextStyle styleOf(const DialogText& text) {
+    return {fontFamiliesOf(text.language), text.fontPixels, text.isBold};
+}
+
 void DialogPainter::paintText(HDC dc, const DialogText& text) {
     const SavedContext saved(dc);
     IntersectClipRect(dc, text.clip.left, text.clip.top, text.clip.right, text.clip.bottom);
@@ -387,11 +391,11 @@ void DialogPainter::paintText(HDC dc, const DialogText& text) {
     SetTextColor(dc, colorRefOf(colourOf(text.tone)));
     RECT box = {text.rect.left, text.rect.top, text.rect.right, text.rect.bottom};
     const auto lines = linesOf(text, [&](const DialogText& style, const std::string& piece) {
-        return measureDialogText(dc, fonts_, style, piece);
+        return measureLine(dc, fonts_, styleOf(style), piece);
     });
     for (const std::string& line : lines) {
         if (text.wraps) box.bottom = box.top + lineHeightOf(text);
-        drawDialogLine(dc, fonts_, text, line, box);
+        drawLine(dc, fonts_, styleOf(text), text.side, line, box);
         box.top = box.bottom;
     }
 }

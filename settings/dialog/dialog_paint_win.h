@@ -2,10 +2,10 @@
 // words with GDI, onto a surface that shows the whole client area.
 #pragma once
 #include <windows.h>
-#include "settings/dialog/dialog_fonts_win.h"
 #include "settings/dialog/dialog_interaction.h"
 #include "settings/dialog/dialog_view.h"
 #include "ui/memory_surface_win.h"
+#include "ui/text_fonts_win.h"
 
 // Everything a picture of the dialog depends on.
 struct DialogPicture {
@@ -19,6 +19,9 @@ struct DialogPicture {
     bool operator==(const DialogPicture&) const = default;
 };
 
+// How a text of the dialog is drawn.
+TextStyle styleOf(const DialogText& text);
+
 // [dialog]
 class DialogPainter {
   public:
@@ -28,5 +31,5 @@ class DialogPainter {
   private:
     void paintText(HDC dc, const DialogText& text);
 
-    DialogFonts fonts_;
+    TextFonts fonts_;
 };

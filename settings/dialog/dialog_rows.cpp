@@ -4,75 +4,78 @@
 #include <iterator>
 #include "base/number_text.h"
 #include "settings/interface_texts.h"
+#include "settings/setting_ranges.h"
 
 namespace {
 
+constexpr SliderRange sliderOf(const SettingRange& range, float step, int decimals, const char* unit) {
+    return {range.min, range.max, step, decimals, unit};
+}
 constexpr SliderRange kNoRange = {};
-constexpr SliderRange kPercentOfOpacity = {30, 100, 1, 0, "%"};
-constexpr SliderRange kPercentOfScale = {50, 200, 5, 0, "%"};
-constexpr SliderRange kPercent = {0, 100, 1, 0, "%"};
-constexpr SliderRange kDecibels = {0, 18, 1, 0, "dB"};
-constexpr SliderRange kShare = {0, 1, 0.05f, 2, ""};
-constexpr SliderRange kTextPixels = {12, 22, 1, 0, "px"};
+constexpr SliderRange kPercentOfOpacity = sliderOf(kOpacityRange, 1, 0, "%");
+constexpr SliderRange kPercentOfScale = sliderOf(kPanelScaleRange, 5, 0, "%");
+constexpr SliderRange kPercent = sliderOf(kReceiveVolumeRange, 1, 0, "%");
+constexpr SliderRange kDecibels = sliderOf(kTransmitGainRange, 1, 0, "dB");
+constexpr SliderRange kShare = sliderOf(kFractionRange, 0.05f, 2, "");
+constexpr SliderRange kTextPixels = sliderOf(kTextScaleRange, 1, 0, "px");
 constexpr std::monostate kNoField;
 
-// By identifier. The keys A to E have the five identifiers from 6060 on; 6005 puts the panel back to its place and
-// size.
+// In the order of the identifiers. kResetPanel resets the panel's place, size and opacity.
 // clang-format off
 constexpr DialogRow kRows[] = {
-    // id   kind                label    description  field                       value range            caption
-    {5000, RowKind::kTab,       5,       kNoText,     kNoField,                   0, kNoRange,           nullptr},
-    {5001, RowKind::kTab,       6,       kNoText,     kNoField,                   1, kNoRange,           nullptr},
-    {5002, RowKind::kTab,       7,       kNoText,     kNoField,                   2, kNoRange,           nullptr},
-    {5003, RowKind::kTab,       8,       kNoText,     kNoField,                   3, kNoRange,           nullptr},
-    {5100, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        0, kNoRange,           "简体中文"},
-    {5101, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        1, kNoRange,           "繁體中文"},
-    {5102, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        2, kNoRange,           "English"},
-    {5103, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        3, kNoRange,           "日本語"},
-    {5104, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        4, kNoRange,           "한국어"},
-    {5105, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        5, kNoRange,           "Deutsch"},
-    {5106, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        6, kNoRange,           "Français"},
-    {5107, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        7, kNoRange,           "Español"},
-    {5108, RowKind::kLanguage,  kNoText, kNoText,     &Settings::language,        8, kNoRange,           "Русский"},
-    {5150, RowKind::kButton,    kNoText, kNoText,     kNoField,                   0, kNoRange,           ""},
-    {6000, RowKind::kToggle,    13,      14,          &Settings::master,          0, kNoRange,           nullptr},
-    {6001, RowKind::kToggle,    15,      16,          &Settings::panel_visible,   0, kNoRange,           nullptr},
-    {6002, RowKind::kChoice,    10,      kNoText,     &Settings::theme,           0, kNoRange,           nullptr},
-    {6003, RowKind::kSlider,    12,      kNoText,     &Settings::opacity,         0, kPercentOfOpacity,  nullptr},
-    {6004, RowKind::kSlider,    11,      kNoText,     &Settings::panel_scale,     0, kPercentOfScale,    nullptr},
-    {6005, RowKind::kButton,    17,      kNoText,     kNoField,                   0, kNoRange,           nullptr},
-    {6006, RowKind::kLive,      69,      kNoText,     kNoField,                   0, kNoRange,           nullptr},
-    {6020, RowKind::kToggle,    19,      20,          &Settings::enabled,         0, kNoRange,           nullptr},
-    {6021, RowKind::kToggle,    21,      22,          &Settings::follow_volume,   0, kNoRange,           nullptr},
-    {6022, RowKind::kSlider,    28,      kNoText,     &Settings::receive_volume,  0, kPercent,           nullptr},
-    {6023, RowKind::kSlider,    29,      kNoText,     &Settings::transmit_gain,   0, kDecibels,          nullptr},
-    {6024, RowKind::kSlider,    30,      kNoText,     &Settings::volume_min,      0, kShare,             nullptr},
-    {6025, RowKind::kSlider,    31,      kNoText,     &Settings::volume_max,      0, kShare,             nullptr},
-    {6026, RowKind::kToggle,    23,      kNoText,     &Settings::distort_self,    0, kNoRange,           nullptr},
-    {6027, RowKind::kToggle,    24,      kNoText,     &Settings::distort_others,  0, kNoRange,           nullptr},
-    {6028, RowKind::kToggle,    25,      kNoText,     &Settings::tail_self,       0, kNoRange,           nullptr},
-    {6029, RowKind::kToggle,    26,      kNoText,     &Settings::tail_others,     0, kNoRange,           nullptr},
-    {6030, RowKind::kToggle,    34,      35,          &Settings::equalize,        0, kNoRange,           nullptr},
-    {6031, RowKind::kToggle,    36,      37,          &Settings::nrSelf,          0, kNoRange,           nullptr},
-    {6040, RowKind::kOption,    kNoText, kNoText,     &Settings::radio,           1, kNoRange,           "COM1"},
-    {6041, RowKind::kOption,    kNoText, kNoText,     &Settings::radio,           2, kNoRange,           "COM2"},
-    {6042, RowKind::kOption,    kNoText, kNoText,     &Settings::target,          0, kNoRange,           "ACTIVE"},
-    {6043, RowKind::kOption,    kNoText, kNoText,     &Settings::target,          1, kNoRange,           "STANDBY"},
-    {6044, RowKind::kToggle,    40,      41,          &Settings::pin,             0, kNoRange,           nullptr},
-    {6045, RowKind::kToggle,    42,      43,          &Settings::radio_lamps,     0, kNoRange,           nullptr},
-    {6046, RowKind::kToggle,    45,      46,          &Settings::text_alert,      0, kNoRange,           nullptr},
-    {6047, RowKind::kToggle,    47,      48,          &Settings::text_auto_open,  0, kNoRange,           nullptr},
-    {6048, RowKind::kSlider,    49,      kNoText,     &Settings::text_scale,      0, kTextPixels,        nullptr},
-    {6049, RowKind::kButton,    50,      kNoText,     kNoField,                   0, kNoRange,           nullptr},
-    {6050, RowKind::kButton,    51,      kNoText,     kNoField,                   0, kNoRange,           nullptr},
-    {6060, RowKind::kSelector,  kNoText, kNoText,     &Settings::bind_A,          0, kNoRange,           "A"},
-    {6061, RowKind::kSelector,  kNoText, kNoText,     &Settings::bind_B,          0, kNoRange,           "B"},
-    {6062, RowKind::kSelector,  kNoText, kNoText,     &Settings::bind_C,          0, kNoRange,           "C"},
-    {6063, RowKind::kSelector,  kNoText, kNoText,     &Settings::bind_D,          0, kNoRange,           "D"},
-    {6064, RowKind::kSelector,  kNoText, kNoText,     &Settings::bind_E,          0, kNoRange,           "E"},
-    {6080, RowKind::kButton,    4,       kNoText,     kNoField,                   0, kNoRange,           nullptr},
-    {6081, RowKind::kButton,    2,       kNoText,     kNoField,                   0, kNoRange,           nullptr},
-    {6082, RowKind::kButton,    3,       kNoText,     kNoField,                   0, kNoRange,           nullptr},
+    // id                                    kind                label                 description              field                      value                range              caption
+    {kGeneralTab,                          RowKind::kTab,      kTextPageGeneral,     kNoText,                 kNoField,                  0,                   kNoRange,          nullptr},
+    {kVoiceTab,                            RowKind::kTab,      kTextPageVoice,       kNoText,                 kNoField,                  1,                   kNoRange,          nullptr},
+    {kRadioTab,                            RowKind::kTab,      kTextPageRadio,       kNoText,                 kNoField,                  2,                   kNoRange,          nullptr},
+    {kAboutTab,                            RowKind::kTab,      kTextPageAbout,       kNoText,                 kNoField,                  3,                   kNoRange,          nullptr},
+    {kFirstLanguage,                       RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kSimplifiedChinese,  kNoRange,          "简体中文"},
+    {languageControl(kTraditionalChinese), RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kTraditionalChinese, kNoRange,          "繁體中文"},
+    {languageControl(kEnglish),            RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kEnglish,            kNoRange,          "English"},
+    {languageControl(kJapanese),           RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kJapanese,           kNoRange,          "日本語"},
+    {languageControl(kKorean),             RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kKorean,             kNoRange,          "한국어"},
+    {languageControl(kGerman),             RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kGerman,             kNoRange,          "Deutsch"},
+    {languageControl(kFrench),             RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kFrench,             kNoRange,          "Français"},
+    {languageControl(kSpanish),            RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kSpanish,            kNoRange,          "Español"},
+    {languageControl(kRussian),            RowKind::kLanguage, kNoText,              kNoText,                 &Settings::language,       kRussian,            kNoRange,          "Русский"},
+    {kWindowButton,                        RowKind::kButton,   kNoText,              kNoText,                 kNoField,                  0,                   kNoRange,          ""},
+    {kMasterToggle,                        RowKind::kToggle,   kTextMaster,          kTextMasterHint,         &Settings::master,         0,                   kNoRange,          nullptr},
+    {kPanelVisibleToggle,                  RowKind::kToggle,   kTextPanelVisible,    kTextPanelVisibleHint,   &Settings::panel_visible,  0,                   kNoRange,          nullptr},
+    {kThemeChoice,                         RowKind::kChoice,   kTextTheme,           kNoText,                 &Settings::theme,          0,                   kNoRange,          nullptr},
+    {kOpacitySlider,                       RowKind::kSlider,   kTextOpacity,         kNoText,                 &Settings::opacity,        0,                   kPercentOfOpacity, nullptr},
+    {kPanelScaleSlider,                    RowKind::kSlider,   kTextPanelScale,      kNoText,                 &Settings::panel_scale,    0,                   kPercentOfScale,   nullptr},
+    {kResetPanel,                          RowKind::kButton,   kTextResetPanel,      kNoText,                 kNoField,                  0,                   kNoRange,          nullptr},
+    {kLiveRow,                             RowKind::kLive,     kTextLive,            kNoText,                 kNoField,                  0,                   kNoRange,          nullptr},
+    {kAutoSwitchingToggle,                 RowKind::kToggle,   kTextAutoSwitching,   kTextAutoSwitchingHint,  &Settings::enabled,        0,                   kNoRange,          nullptr},
+    {kFollowVolumeToggle,                  RowKind::kToggle,   kTextFollowVolume,    kTextFollowVolumeHint,   &Settings::follow_volume,  0,                   kNoRange,          nullptr},
+    {kReceiveVolumeSlider,                 RowKind::kSlider,   kTextReceiveVolume,   kNoText,                 &Settings::receive_volume, 0,                   kPercent,          nullptr},
+    {kTransmitGainSlider,                  RowKind::kSlider,   kTextTransmitGain,    kNoText,                 &Settings::transmit_gain,  0,                   kDecibels,         nullptr},
+    {kVolumeMinSlider,                     RowKind::kSlider,   kTextVolumeMin,       kNoText,                 &Settings::volume_min,     0,                   kShare,            nullptr},
+    {kVolumeMaxSlider,                     RowKind::kSlider,   kTextVolumeMax,       kNoText,                 &Settings::volume_max,     0,                   kShare,            nullptr},
+    {kDistortSelfToggle,                   RowKind::kToggle,   kTextDistortSelf,     kNoText,                 &Settings::distort_self,   0,                   kNoRange,          nullptr},
+    {kDistortOthersToggle,                 RowKind::kToggle,   kTextDistortOthers,   kNoText,                 &Settings::distort_others, 0,                   kNoRange,          nullptr},
+    {kTailSelfToggle,                      RowKind::kToggle,   kTextTailSelf,        kNoText,                 &Settings::tail_self,      0,                   kNoRange,          nullptr},
+    {kTailOthersToggle,                    RowKind::kToggle,   kTextTailOthers,      kNoText,                 &Settings::tail_others,    0,                   kNoRange,          nullptr},
+    {kEqualizeToggle,                      RowKind::kToggle,   kTextEqualize,        kTextEqualizeHint,       &Settings::equalize,       0,                   kNoRange,          nullptr},
+    {kNoiseReductionToggle,                RowKind::kToggle,   kTextNoiseReduction,  kTextNoiseReductionHint, &Settings::nrSelf,         0,                   kNoRange,          nullptr},
+    {kCom1Option,                          RowKind::kOption,   kNoText,              kNoText,                 &Settings::radio,          1,                   kNoRange,          "COM1"},
+    {kCom2Option,                          RowKind::kOption,   kNoText,              kNoText,                 &Settings::radio,          2,                   kNoRange,          "COM2"},
+    {kActiveOption,                        RowKind::kOption,   kNoText,              kNoText,                 &Settings::target,         0,                   kNoRange,          "ACTIVE"},
+    {kStandbyOption,                       RowKind::kOption,   kNoText,              kNoText,                 &Settings::target,         1,                   kNoRange,          "STANDBY"},
+    {kPinToggle,                           RowKind::kToggle,   kTextPin,             kTextPinHint,            &Settings::pin,            0,                   kNoRange,          nullptr},
+    {kLampsToggle,                         RowKind::kToggle,   kTextLamps,           kTextLampsHint,          &Settings::radio_lamps,    0,                   kNoRange,          nullptr},
+    {kTextAlertToggle,                     RowKind::kToggle,   kTextTextAlert,       kTextTextAlertHint,      &Settings::text_alert,     0,                   kNoRange,          nullptr},
+    {kTextAutoOpenToggle,                  RowKind::kToggle,   kTextTextAutoOpen,    kTextTextAutoOpenHint,   &Settings::text_auto_open, 0,                   kNoRange,          nullptr},
+    {kTextScaleSlider,                     RowKind::kSlider,   kTextTextScale,       kNoText,                 &Settings::text_scale,     0,                   kTextPixels,       nullptr},
+    {kPreviewMessages,                     RowKind::kButton,   kTextPreviewMessages, kNoText,                 kNoField,                  0,                   kNoRange,          nullptr},
+    {kClearMessages,                       RowKind::kButton,   kTextClearMessages,   kNoText,                 kNoField,                  0,                   kNoRange,          nullptr},
+    {kKeyASelector,                        RowKind::kSelector, kNoText,              kNoText,                 &Settings::bind_A,         0,                   kNoRange,          "A"},
+    {kKeyBSelector,                        RowKind::kSelector, kNoText,              kNoText,                 &Settings::bind_B,         0,                   kNoRange,          "B"},
+    {kKeyCSelector,                        RowKind::kSelector, kNoText,              kNoText,                 &Settings::bind_C,         0,                   kNoRange,          "C"},
+    {kKeyDSelector,                        RowKind::kSelector, kNoText,              kNoText,                 &Settings::bind_D,         0,                   kNoRange,          "D"},
+    {kKeyESelector,                        RowKind::kSelector, kNoText,              kNoText,                 &Settings::bind_E,         0,                   kNoRange,          "E"},
+    {kApply,                               RowKind::kButton,   kTextApply,           kNoText,                 kNoField,                  0,                   kNoRange,          nullptr},
+    {kSaveAndClose,                        RowKind::kButton,   kTextSaveAndClose,    kNoText,                 kNoField,                  0,                   kNoRange,          nullptr},
+    {kCancel,                              RowKind::kButton,   kTextCancel,          kNoText,                 kNoField,                  0,                   kNoRange,          nullptr},
 };
 // clang-format on
 
@@ -124,7 +127,7 @@ int optionCount(const DialogRow& row) {
 
 std::string_view optionText(const DialogRow& row, int option, std::int32_t language) {
     if (option < 0 || option >= optionCount(row)) return {};
-    return row.kind == RowKind::kChoice ? kThemeNames[option] : textOf(language, kTextActionFirst + option);
+    return row.kind == RowKind::kChoice ? kThemeNames[option] : textOf(language, kTextActionNone + option);
 }
 
 std::string_view rowText(const DialogRow& row, std::int32_t language) {

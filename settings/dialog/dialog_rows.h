@@ -20,20 +20,57 @@ enum class RowKind {
     kLive,      // shows the simulator's radio
 };
 
+// Identifiers of controls; other programs and tests may send them as WM_COMMAND, so they keep their numbers.
 enum DialogId : int {
-    kFirstTab = 5000,       // + page
+    kGeneralTab = 5000,
+    kVoiceTab = 5001,
+    kRadioTab = 5002,
+    kAboutTab = 5003,
     kFirstLanguage = 5100,  // + language
     kWindowButton = 5150,
+    kMasterToggle = 6000,
+    kPanelVisibleToggle = 6001,
     kThemeChoice = 6002,
+    kOpacitySlider = 6003,
+    kPanelScaleSlider = 6004,
     kResetPanel = 6005,
     kLiveRow = 6006,
+    kAutoSwitchingToggle = 6020,
+    kFollowVolumeToggle = 6021,
+    kReceiveVolumeSlider = 6022,
+    kTransmitGainSlider = 6023,
+    kVolumeMinSlider = 6024,
+    kVolumeMaxSlider = 6025,
+    kDistortSelfToggle = 6026,
+    kDistortOthersToggle = 6027,
+    kTailSelfToggle = 6028,
+    kTailOthersToggle = 6029,
+    kEqualizeToggle = 6030,
+    kNoiseReductionToggle = 6031,
+    kCom1Option = 6040,
+    kCom2Option = 6041,
+    kActiveOption = 6042,
+    kStandbyOption = 6043,
+    kPinToggle = 6044,
+    kLampsToggle = 6045,
+    kTextAlertToggle = 6046,
+    kTextAutoOpenToggle = 6047,
+    kTextScaleSlider = 6048,
     kPreviewMessages = 6049,
     kClearMessages = 6050,
-    kFirstKeySelector = 6060,  // A; B to E follow
+    kKeyASelector = 6060,
+    kKeyBSelector = 6061,
+    kKeyCSelector = 6062,
+    kKeyDSelector = 6063,
+    kKeyESelector = 6064,
     kApply = 6080,
     kSaveAndClose = 6081,
     kCancel = 6082,
 };
+// The control of an interface language.
+constexpr int languageControl(std::int32_t language) {
+    return kFirstLanguage + language;
+}
 inline constexpr int kPageCount = 4;  // General, Voice & audio, Radio & functions, About
 
 // Nothing, or the member that a row shows and changes.
@@ -53,7 +90,7 @@ inline constexpr int kNoText = -1;
 struct DialogRow {
     int id;
     RowKind kind;
-    int label;        // text entry (settings/interface_texts.h), or kNoText
+    int label;        // TextId, or kNoText
     int description;  // the same, the smaller line under the label
     SettingsField field;
     std::int32_t value;   // of a tab, a language or an option
@@ -62,15 +99,15 @@ struct DialogRow {
 };
 
 std::span<const DialogRow> dialogRows();
-// Null for an identifier that is no row's.
+// Null if no row has that identifier.
 const DialogRow* findRow(int id);
 
-// Of the field that the row is bound to; false or 0 when it is bound to none of that type.
+// The value of the field that the row is bound to; false or 0 when it has no field of that type.
 bool rowSwitch(const DialogRow& row, const Settings& settings);
 std::int32_t rowNumber(const DialogRow& row, const Settings& settings);
 float rowLevel(const DialogRow& row, const Settings& settings);
 
-// The options of a choice (3) or a selector (8), 0 for any other row, and what each is called.
+// The number of options of a choice (3) or a selector (8), 0 for any other row; and what each is called.
 int optionCount(const DialogRow& row);
 std::string_view optionText(const DialogRow& row, int option, std::int32_t language);
 
@@ -79,8 +116,8 @@ std::string_view rowText(const DialogRow& row, std::int32_t language);
 
 // "0.85", "80 %", "12 dB".
 std::string sliderText(const SliderRange& range, float value);
-// The nearest step from the minimum within the range; exact to the shown decimals.
+// The nearest step within the range, counted from the minimum and rounded to the decimals shown.
 float snapToStep(const SliderRange& range, float value);
 
-// The `language` setting that stands for an index 0..8 (clamped): the first code of its row.
+// The `language` setting that stands for an index 0..8 (clamped): the first of that language's codes.
 const char* languageCode(std::int32_t language);

@@ -1,5 +1,5 @@
 // dialog_slot.h - there is at most one settings dialog, and none outlives the plugin's shutdown.
-// The mutex guards two flags; it is held for a look at them, and while waiting it is given up.
+// The mutex guards two flags; it is held for a look at them and released while waiting.
 #pragma once
 #include <chrono>
 #include <condition_variable>
@@ -7,20 +7,20 @@
 
 class DialogSlot {
   public:
-    // [any] True: the caller runs the dialog and calls leave when it is gone. False: another has it, or all is closing.
+    // [any] True: the caller runs the dialog and calls leave when it is gone. False: another runs, or the plugin ends.
     bool enter() {
         const std::lock_guard lock(mutex_);
         if (isTaken_ || isClosing_) return false;
         isTaken_ = true;
         return true;
     }
-    // [dialog] Nothing of the dialog may be left.
+    // [dialog] Only once nothing of the dialog is left.
     void leave() {
         const std::lock_guard lock(mutex_);
         isTaken_ = false;
         left_.notify_all();
     }
-    // [host] From here on no dialog begins, and one that has begun is told by isClosing.
+    // [host] From here on no dialog begins, and one that has begun learns it from isClosing.
     void close() {
         const std::lock_guard lock(mutex_);
         isClosing_ = true;

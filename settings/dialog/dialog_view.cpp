@@ -1,7 +1,9 @@
 #include "settings/dialog/dialog_view.h"
 #include <algorithm>
 #include "base/number_text.h"
+#include "base/utf8.h"
 #include "settings/interface_texts.h"
+#include "ui/word_wrap.h"
 
 namespace {
 
@@ -70,7 +72,7 @@ class TextList {
 
 void addToggle(TextList& list, const DialogControl& control, const DialogRow& row) {
     const bool isCompact = control.look == ControlLook::kCompactToggle || row.description == kNoText;
-    const float right = 52;  // the switch and its distances
+    const float right = 52;  // the switch and the space around it
     if (isCompact) {
         list.addTo(control, list.entry(row.label), list.inside(control, 12, 0, right, 0), kLabel);
         return;
@@ -110,8 +112,8 @@ void addLive(TextList& list, const DialogControl& control) {
     const LiveStatus& live = list.view().live;
     const TextTone tone = live.isConnected ? TextTone::kStrong : TextTone::kFaint;
     PixelRect label = list.band(control, 10, 16);
-    label.left += list.layout().px(18);  // behind the lamp
-    list.addTo(control, list.entry(69), label, {11, true, TextTone::kDim});
+    label.left += list.layout().px(18);  // right of the lamp
+    list.addTo(control, list.entry(kTextLive), label, {11, true, TextTone::kDim});
     list.addTo(control, live.frequency, list.band(control, 30, 26), {20, false, tone});
     list.addTo(control, list.entry(live.stateEntry), list.band(control, 56, 16),
                {11, false, live.isConnected ? TextTone::kAccent : TextTone::kAmber});
@@ -197,68 +199,32 @@ void addTitle(TextList& list) {
     const PixelRect title = {layout.px(56), layout.px(11), layout.px(860), layout.px(35)};
     const PixelRect line = {layout.px(56), layout.px(35), layout.px(860), layout.px(53)};
     list.add(list.entry(kTextWindowTitle), title, layout.client, {17, true, TextTone::kStrong});
-    list.add(list.entry(1), line, layout.client, {12, false, TextTone::kDim});
+    list.add(list.entry(kTextTitleLine), line, layout.client, {12, false, TextTone::kDim});
 }
 
-// The length of the UTF-8 character at the start of a non-empty text.
-std::size_t characterBytes(std::string_view text) {
-    const auto first = static_cast<unsigned char>(text[0]);
-    const std::size_t bytes = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    return std::min(bytes, text.size());
-}
-
-// Chinese and Japanese break anywhere but before closing punctuation (first byte 0xE3 and on: U+3000 and above).
-bool isIdeograph(std::string_view character) {
-    const auto first = static_cast<unsigned char>(character[0]);
-    return first >= 0xE3 && first <= 0xE9;
-}
-bool isClosing(std::string_view character) {
-    for (const std::string_view mark : {"。", "、", "，", "：", "；", "）", "」", "ー", "っ", "ャ", "ュ", "ョ", "ッ"}) {
-        if (character == mark) return true;
-    }
-    return false;
-}
-
-// The pieces between which a line may break; a space ends a piece.
-std::vector<std::string> piecesOf(std::string_view text) {
-    std::vector<std::string> pieces;
-    bool isNewPiece = true;
-    while (!text.empty()) {
-        const auto character = text.substr(0, characterBytes(text));
-        if (isNewPiece || (isIdeograph(character) && !isClosing(character)))
-            pieces.emplace_back(character);
-        else
-            pieces.back() += character;
-        isNewPiece = character == " " ||
-                     (isIdeograph(character) && text.size() > character.size() &&
-                      !isClosing(text.substr(character.size(), characterBytes(text.substr(character.size())))));
-        text.remove_prefix(character.size());
-    }
-    return pieces;
-}
-
-std::string withoutLastSpace(std::string text) {
-    while (!text.empty() && text.back() == ' ') text.pop_back();
+std::u16string_view withoutLastSpaces(std::u16string_view text) {
+    while (text.ends_with(u' ')) text.remove_suffix(1);
     return text;
 }
 
 }  // namespace
 
-LiveStatus liveStatusOf(const SimState& sim, std::int32_t com, LiveMemory& memory, std::uint64_t nowMs) {
+LiveStatus liveStatusOf(const LiveRadio& radio, std::int32_t com, LiveMemory& memory, std::uint64_t nowMs) {
     LiveStatus live;
-    if (sim.connected) memory.connectedMs = nowMs;
-    const RadioReading* radio = radioOf(sim, com);
-    live.isConnected = sim.connected && radio;
+    if (radio.isConnected) memory.connectedMs = nowMs;
+    live.isConnected = radio.isConnected && radio.isKnown;
     live.frequency = "COM  ---.--- MHz";
     if (live.isConnected) {
-        live.frequency = "COM" + std::to_string(com) + "   " + std::to_string(radio->active / 1000) + "." +
-                         padded(radio->active % 1000) + " MHz";
+        live.frequency = "COM" + std::to_string(com) + "   " + std::to_string(radio.activeKHz / 1000) + "." +
+                         padded(radio.activeKHz % 1000) + " MHz";
     }
-    if (radio && radio->volume >= 0.0f)
-        live.volume = "VOL " + formatFixed(static_cast<double>(radio->volume) * 100.0, 0) + "%";
-    const bool isOld = sim.connected && nowMs - sim.readTick > kFreshMs && nowMs > sim.readTick;
-    const bool isJustLost = !sim.connected && memory.connectedMs != 0 && nowMs - memory.connectedMs < kRecentlyLostMs;
-    live.stateEntry = isOld || isJustLost ? kTextStaleData : sim.connected ? kTextSimConnected : kTextSimNotConnected;
+    if (radio.volume >= 0.0f) live.volume = "VOL " + formatFixed(static_cast<double>(radio.volume) * 100.0, 0) + "%";
+    const bool isOld = radio.isConnected && nowMs - radio.readTickMs > kFreshMs && nowMs > radio.readTickMs;
+    const bool isJustLost =
+        !radio.isConnected && memory.connectedMs != 0 && nowMs - memory.connectedMs < kRecentlyLostMs;
+    live.stateEntry = isOld || isJustLost ? kTextStaleData
+                      : radio.isConnected ? kTextSimConnected
+                                          : kTextSimNotConnected;
     return live;
 }
 
@@ -274,23 +240,18 @@ std::int32_t lineHeightOf(const DialogText& text) {
     return (text.fontPixels * 3 + 1) / 2;
 }
 
-std::vector<std::string> linesOf(const DialogText& text, const MeasureText& measure) {
-    if (!text.wraps) return {text.text};
+std::vector<std::string> linesOf(const DialogText& text, const MeasureDialogText& measure) {
+    if (!text.wraps || text.text.empty()) return {text.text};
+    const std::u16string units = utf16FromUtf8(text.text);
+    const auto seen = [](std::u16string_view piece) { return utf8FromUtf16(withoutLastSpaces(piece)); };
+    const auto widthOf = [&](std::u16string_view piece) { return static_cast<float>(measure(text, seen(piece))); };
     std::vector<std::string> lines;
-    std::string line;
-    for (const std::string& piece : piecesOf(text.text)) {
-        const bool fits = measure(text, withoutLastSpace(line + piece)) <= text.rect.right - text.rect.left;
-        if (!fits && !line.empty()) {
-            lines.push_back(withoutLastSpace(line));
-            line.clear();
-        }
-        line += piece;
-    }
-    lines.push_back(withoutLastSpace(line));
+    for (const auto line : wrapText(units, static_cast<float>(text.rect.width()), widthOf, kDescriptionWrap))
+        lines.push_back(seen(line));
     return lines;
 }
 
-bool isFitting(const DialogText& text, const MeasureText& measure) {
+bool isFitting(const DialogText& text, const MeasureDialogText& measure) {
     const auto lines = linesOf(text, measure);
     const std::int32_t height =
         text.wraps ? lineHeightOf(text) * static_cast<std::int32_t>(lines.size()) : text.fontPixels;

@@ -4,16 +4,15 @@
 #include <functional>
 #include <string>
 #include <vector>
-#include "bridge/sim_state.h"
 #include "settings/dialog/dialog_layout.h"
+#include "ui/text_side.h"
 
 enum class TextTone { kStrong, kPlain, kDim, kFaint, kAccent, kAmber, kOnAccent };
-enum class TextSide { kLeft, kMiddle, kRight };
 
 struct DialogText {
     std::string text;              // UTF-8
     PixelRect rect;                // client pixels; centred vertically, or from the top when it wraps
-    PixelRect clip;                // what of it may be seen
+    PixelRect clip;                // the part of it that may be seen
     std::int32_t fontPixels = 12;  // em height
     bool isBold = false;
     bool wraps = false;  // at spaces, and between ideographs
@@ -23,6 +22,15 @@ struct DialogText {
     int id = 0;                 // the control it belongs to, 0 for none
 
     bool operator==(const DialogText&) const = default;
+};
+
+// A radio of the simulator at this moment.
+struct LiveRadio {
+    bool isConnected = false;      // the simulator's data is fresh
+    bool isKnown = false;          // there is such a radio
+    std::int32_t activeKHz = 0;    // 0 unknown
+    float volume = -1.0f;          // 0..1, -1 unknown
+    std::uint64_t readTickMs = 0;  // when it was read
 };
 
 // The live row: the simulator's radio as the user reads it.
@@ -40,8 +48,8 @@ struct LiveMemory {
     std::uint64_t connectedMs = 0;  // tick of the last look that found it connected, 0 never
 };
 
-// com is 1 or 2. A connection lost less than 10 s ago, or a snapshot older than 3 s, is stale.
-LiveStatus liveStatusOf(const SimState& sim, std::int32_t com, LiveMemory& memory, std::uint64_t nowMs);
+// com is the radio's number. A connection lost less than 10 s ago, or a reading older than 3 s, is stale.
+LiveStatus liveStatusOf(const LiveRadio& radio, std::int32_t com, LiveMemory& memory, std::uint64_t nowMs);
 
 struct DialogView {
     Settings settings;  // the working copy
@@ -53,11 +61,11 @@ struct DialogView {
 
 std::vector<DialogText> dialogTexts(const DialogLayout& layout, const DialogView& view);
 
-// The pixels between two lines of a wrapped text.
+// The line height of a wrapped text, in pixels.
 std::int32_t lineHeightOf(const DialogText& text);
 // Width in pixels of a piece of the text in its font.
-using MeasureText = std::function<std::int32_t(const DialogText& style, const std::string& piece)>;
+using MeasureDialogText = std::function<std::int32_t(const DialogText& style, const std::string& piece)>;
 // The lines of a wrapped text, or the text itself as one.
-std::vector<std::string> linesOf(const DialogText& text, const MeasureText& measure);
-// Whether all of the text is seen within its rectangle.
-bool isFitting(const DialogText& text, const MeasureText& measure);
+std::vector<std::string> linesOf(const DialogText& text, const MeasureDialogText& measure);
+// Whether the whole text fits into its rectangle.
+bool isFitting(const DialogText& text, const MeasureDialogText& measure);

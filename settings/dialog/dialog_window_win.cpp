@@ -1,28 +1,15 @@
 #include "settings/dialog/dialog_window_win.h"
 #include <windowsx.h>
-#include "base/log_line.h"
+#include <string>
 #include "base/wide_text_win.h"
 #include "settings/interface_texts.h"
+#include "ui/message_loop_win.h"
 #include "ui/monitor_win.h"
 #include "ui/pointer_argument_win.h"
-#include "ui/window_class_win.h"
 
 namespace {
 
-constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerMs = 200;  // the live row, and what the panel changes
-constexpr const char* kSampleSender = "Beijing Control";
-constexpr const char* kSampleText =
-    "PDC 2026-09-28 ZBAA\n"
-    "CLR TO ZSPD VIA ELKUR W40 YQO\n"
-    "INITIAL CLB 3000M\n"
-    "SQUAWK 4312\n"
-    "DEP RWY 36L\n"
-    "WHEN READY CONTACT 121.600";
-
-DialogPoint pointOf(LPARAM position) {
-    return {GET_X_LPARAM(position), GET_Y_LPARAM(position)};
-}
 
 std::optional<DialogKey> keyOf(WPARAM key) {
     switch (key) {
@@ -55,16 +42,7 @@ std::optional<DialogKey> keyOf(WPARAM key) {
     }
 }
 
-PixelRect workAreaUnderCursor() {
-    POINT cursor = {};
-    GetCursorPos(&cursor);
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof monitor;
-    if (!GetMonitorInfoW(MonitorFromPoint(cursor, MONITOR_DEFAULTTONEAREST), &monitor)) return {0, 0, 940, 660};
-    return {monitor.rcWork.left, monitor.rcWork.top, monitor.rcWork.right, monitor.rcWork.bottom};
-}
-
-// Where the system has a desktop window manager that can.
+// Only where the system's desktop window manager can do it.
 void roundCorners(HWND window) {
     using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, LPCVOID, DWORD);
     constexpr DWORD kCornerPreference = 33;  // DWMWA_WINDOW_CORNER_PREFERENCE
@@ -77,24 +55,14 @@ void roundCorners(HWND window) {
     FreeLibrary(library);
 }
 
-// Until the dialog's quit message. A close that comes while the system moves the window ends in the system's own loop,
-// which may keep the quit message to itself; the missing window tells then.
-void serveMessages(const DialogLink& link) {
-    MSG message;
-    while (link.window != nullptr && GetMessageW(&message, nullptr, 0, 0) > 0) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}
-
-void runInSlot(const DialogRooms& rooms) {
-    const WindowClass dialogClass(rooms.module, kDialogClass, &DialogWindow::wndProc);
-    DialogWindow dialog(rooms);
+void runInSlot(const DialogContext& context) {
+    const WindowClass dialogClass(context.module, kDialogClass);
+    DialogWindow dialog(context);
     if (!dialog.create()) return;
     // A shutdown that began before the handle was published found no window to close.
-    if (rooms.link.slot.isClosing()) PostMessageW(rooms.link.window, WM_CLOSE, 0, 0);
+    if (context.link.slot.isClosing()) PostMessageW(context.link.window, WM_CLOSE, 0, 0);
     dialog.open();
-    serveMessages(rooms.link);
+    serveMessages(context.link.window);
 }
 
 class EnteredSlot {
@@ -113,61 +81,48 @@ class EnteredSlot {
 bool showOpenDialog(const DialogLink& link) {
     const HWND window = link.window;
     if (!window) return false;
-    // Posted: the dialog's thread may be about to end, and nobody is to wait for it.
+    // Posted: the dialog's thread may be about to end, and nobody should wait for it.
     ShowWindowAsync(window, SW_RESTORE);
     SetForegroundWindow(window);
     return true;
 }
 
-void runSettingsDialog(DialogRooms rooms, const std::function<void()>& prepare) {
-    SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
-    if (showOpenDialog(rooms.link) || !rooms.link.slot.enter()) return;
-    const EnteredSlot entered(rooms.link.slot);
-    prepare();
-    runInSlot(rooms);
+void runSettingsDialog(const DialogContext& context) {
+    useMonitorDpi();
+    if (showOpenDialog(context.link) || !context.link.slot.enter()) return;
+    const EnteredSlot entered(context.link.slot);
+    context.prepare();
+    runInSlot(context);
 }
 
-DialogWindow::DialogWindow(DialogRooms rooms) : rooms_(std::move(rooms)) {
-    followLive(model_, copySettings(rooms_.settings));
+DialogWindow::DialogWindow(const DialogContext& context) : context_(context) {
+    followLive(model_, copySettings(context_.settings));
 }
 
 bool DialogWindow::create() {
     const std::wstring title = wideFromUtf8(textOf(language(), kTextWindowTitle));
-    CreateWindowExW(WS_EX_APPWINDOW, kDialogClass, title.c_str(), WS_POPUP | WS_CLIPCHILDREN, CW_USEDEFAULT,
-                    CW_USEDEFAULT, kDialogWidth, kDialogHeight, nullptr, nullptr, rooms_.module, this);
-    return window_ != nullptr;
+    return createWindow({.module = context_.module,
+                         .className = kDialogClass,
+                         .title = title.c_str(),
+                         .style = WS_POPUP | WS_CLIPCHILDREN,
+                         .extendedStyle = WS_EX_APPWINDOW,
+                         .place = {CW_USEDEFAULT, CW_USEDEFAULT},
+                         .size = {kDialogWidth, kDialogHeight}});
 }
 
 void DialogWindow::open() {
-    moveTo(placeDialog(workAreaUnderCursor(), GetDpiForWindow(window_)));
-    roundCorners(window_);
-    ShowWindow(window_, SW_SHOW);
+    moveTo(placeDialog(workAreaUnderCursor({0, 0, kDialogWidth, kDialogHeight}), dpi()));
+    roundCorners(window());
+    ShowWindow(window(), SW_SHOW);
     refresh();
-    UpdateWindow(window_);
-    SetForegroundWindow(window_);
-}
-
-LRESULT CALLBACK DialogWindow::wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
-    if (message == WM_NCCREATE) {
-        const auto* create = pointerFrom<CREATESTRUCTW>(lParam);
-        static_cast<DialogWindow*>(create->lpCreateParams)->window_ = window;
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
-    }
-    auto* self = pointerFrom<DialogWindow>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    try {
-        if (self) return self->onMessage(message, wParam, lParam);
-    } catch (...) {
-        // Out of memory while carrying a message out: the message is lost, the window stays.
-    }
-    return DefWindowProcW(window, message, wParam, lParam);
+    UpdateWindow(window());
+    SetForegroundWindow(window());
 }
 
 LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_CREATE:
             return onCreate();
-        case WM_DESTROY:
-            return onDestroy();
         case WM_ERASEBKGND:
             return 1;  // painting covers everything
         case WM_PAINT:
@@ -196,42 +151,35 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_DPICHANGED:
             return onDpiChanged(*pointerFrom<const RECT>(lParam));
         default:
-            return DefWindowProcW(window_, message, wParam, lParam);
+            return doDefault(message, wParam, lParam);
     }
 }
 
 LRESULT DialogWindow::onCreate() {
-    rooms_.link.window = window_;
-    SetTimer(window_, kTimer, kTimerMs, nullptr);
+    context_.link.window = window();
+    startTimer(kTimerMs);
     return 0;
 }
 
-LRESULT DialogWindow::onDestroy() {
-    KillTimer(window_, kTimer);
-    SetWindowLongPtrW(window_, GWLP_USERDATA, 0);  // later messages find only the default procedure
-    window_ = nullptr;
-    rooms_.link.window = nullptr;
+void DialogWindow::onDestroyed() {
+    context_.link.window = nullptr;
     PostQuitMessage(0);
-    return 0;
 }
 
 LRESULT DialogWindow::onPaint() {
     PAINTSTRUCT paint;
-    const HDC dc = BeginPaint(window_, &paint);
-    const RECT& part = paint.rcPaint;
-    if (surface_.dc())
-        BitBlt(dc, part.left, part.top, part.right - part.left, part.bottom - part.top, surface_.dc(), part.left,
-               part.top, SRCCOPY);
-    EndPaint(window_, &paint);
+    const HDC dc = BeginPaint(window(), &paint);
+    surface_.copyTo(dc, pixelRectOf(paint.rcPaint));
+    EndPaint(window(), &paint);
     return 0;
 }
 
 LRESULT DialogWindow::onCommand(const DialogCommand& command) {
     const std::int32_t before = language();
     const DialogAction action = runCommand(input_, model_, command, GetUserDefaultUILanguage());
-    if (language() != before) SetWindowTextW(window_, wideFromUtf8(textOf(language(), kTextWindowTitle)).c_str());
+    if (language() != before) SetWindowTextW(window(), wideFromUtf8(textOf(language(), kTextWindowTitle)).c_str());
     carryOut(action);
-    if (window_) refresh();
+    if (window()) refresh();
     return 0;
 }
 
@@ -244,28 +192,23 @@ void DialogWindow::carryOut(DialogAction action) {
             break;
         case DialogAction::kSaveAndClose:
             commit("settings saved");
-            DestroyWindow(window_);
+            DestroyWindow(window());
             break;
         case DialogAction::kClose:
-            DestroyWindow(window_);
+            DestroyWindow(window());
             break;
         case DialogAction::kPreviewMessages:
-            preview();
+            context_.previewMessages();
             break;
         case DialogAction::kClearMessages:
-            clearMessages(rooms_.messages);
+            context_.clearMessages();
             break;
     }
 }
 
 void DialogWindow::commit(const char* logLine) {
-    commitDialog(model_, rooms_.settings, rooms_.languageIndex, GetUserDefaultUILanguage());
-    logToHost(rooms_.host, logLine);
-}
-
-void DialogWindow::preview() {
-    addMessage(rooms_.messages, kSampleSender, kSampleText, kPrivateMessage, 0, rooms_.clock.tickMs());
-    rooms_.previewMessages();
+    commitDialog(model_, context_.settings, context_.languageIndex, GetUserDefaultUILanguage());
+    context_.logCommit(logLine);
 }
 
 LRESULT DialogWindow::onKey(WPARAM key) {
@@ -276,38 +219,31 @@ LRESULT DialogWindow::onKey(WPARAM key) {
     return 0;
 }
 
-LRESULT DialogWindow::onMouseMove(DialogPoint at) {
+LRESULT DialogWindow::onMouseMove(PixelPoint at) {
     moveMouse(input_, model_, layout(), at);
-    if (!isTrackingMouse_) {
-        TRACKMOUSEEVENT leave = {sizeof leave, TME_LEAVE, window_, 0};
-        isTrackingMouse_ = TrackMouseEvent(&leave) != FALSE;
-    }
+    trackMouseLeave();
     refresh();
     return 0;
 }
 
 LRESULT DialogWindow::onMouseLeave() {
-    isTrackingMouse_ = false;
     leaveMouse(input_);
     refresh();
     return 0;
 }
 
-LRESULT DialogWindow::onLeftDown(DialogPoint at) {
+LRESULT DialogWindow::onLeftDown(PixelPoint at) {
     const bool isTaken = pressMouse(input_, model_, layout(), at);
     refresh();
     if (isTaken) {
-        SetCapture(window_);
+        SetCapture(window());
         return 0;
     }
     if (hitDialog(layout(), at).id != kTitleBarHit) return 0;
-    POINT screen = {at.x, at.y};
-    ClientToScreen(window_, &screen);
-    // As if there were a caption: returns when the system has moved the window.
-    return SendMessageW(window_, WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(screen.x, screen.y));
+    return dragByCaption(at);
 }
 
-LRESULT DialogWindow::onLeftUp(DialogPoint at) {
+LRESULT DialogWindow::onLeftUp(PixelPoint at) {
     const auto command = releaseMouse(input_, model_, layout(), at);
     ReleaseCapture();
     if (command) return onCommand(*command);
@@ -316,7 +252,7 @@ LRESULT DialogWindow::onLeftUp(DialogPoint at) {
 }
 
 LRESULT DialogWindow::onWheel(int delta, POINT screen) {
-    ScreenToClient(window_, &screen);
+    ScreenToClient(window(), &screen);
     turnWheel(input_, model_, layout(), {screen.x, screen.y}, delta);
     refresh();
     return 0;
@@ -329,16 +265,9 @@ LRESULT DialogWindow::onCaptureChanged() {
 }
 
 LRESULT DialogWindow::onDpiChanged(const RECT& suggested) {
-    const ScreenRect work = workAreaOf(window_);
-    moveTo(placeSuggested({suggested.left, suggested.top, suggested.right, suggested.bottom},
-                          {work.left, work.top, work.right, work.bottom}));
+    moveTo(placeSuggested(pixelRectOf(suggested), workAreaOf(window())));
     refresh();
     return 0;
-}
-
-void DialogWindow::moveTo(const PixelRect& rect) {
-    SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 std::int32_t DialogWindow::language() const {
@@ -346,30 +275,28 @@ std::int32_t DialogWindow::language() const {
 }
 
 DialogLayout DialogWindow::layout() const {
-    RECT client = {};
-    GetClientRect(window_, &client);
-    return layoutDialog(client.right, client.bottom, GetDpiForWindow(window_), model_.page, input_.scroll);
+    const PixelSize client = clientSize();
+    return layoutDialog(client.width, client.height, dpi(), model_.page, input_.scroll);
 }
 
 DialogPicture DialogWindow::currentPicture() {
-    RECT client = {};
-    GetClientRect(window_, &client);
-    DialogPicture picture{client.right, client.bottom, GetDpiForWindow(window_), model_.page, {}, input_};
+    const PixelSize client = clientSize();
+    DialogPicture picture{client.width, client.height, dpi(), model_.page, {}, input_};
     picture.view.settings = model_.working;
     picture.view.language = language();
-    picture.view.live =
-        liveStatusOf(copySimState(rooms_.sim), model_.working.radio, liveMemory_, rooms_.clock.tickMs());
+    const std::int32_t com = model_.working.radio;
+    picture.view.live = liveStatusOf(context_.liveRadio(com), com, liveMemory_, context_.clock.tickMs());
     return picture;
 }
 
 void DialogWindow::refresh() {
-    followLive(model_, copySettings(rooms_.settings));
+    followLive(model_, copySettings(context_.settings));
     const DialogPicture picture = currentPicture();
     if (drawn_ && *drawn_ == picture) return;
     drawn_.reset();
-    if (!IsWindowVisible(window_) || !surface_.resize(picture.width, picture.height)) return;
+    if (!IsWindowVisible(window()) || !surface_.resize(picture.width, picture.height)) return;
     painter_.paint(surface_, layout(), picture);
     drawn_ = picture;
-    InvalidateRect(window_, nullptr, FALSE);
-    UpdateWindow(window_);
+    InvalidateRect(window(), nullptr, FALSE);
+    UpdateWindow(window());
 }

@@ -4,35 +4,33 @@
 #include <windows.h>
 #include <optional>
 #include "settings/dialog/dialog_paint_win.h"
-#include "settings/dialog/dialog_run_win.h"
+#include "settings/dialog/settings_dialog_win.h"
 #include "ui/memory_surface_win.h"
+#include "ui/window_win.h"
 
 inline constexpr const wchar_t* kDialogClass = L"CorvalisSettingsClass";
 
 // [dialog] Created once; its class is registered by runSettingsDialog.
-class DialogWindow {
+class DialogWindow final : private Window {
   public:
-    explicit DialogWindow(DialogRooms rooms);
-    DialogWindow(const DialogWindow&) = delete;
-    DialogWindow& operator=(const DialogWindow&) = delete;
+    explicit DialogWindow(const DialogContext& context);
+    ~DialogWindow() override { destroyWindow(); }
 
     bool create();
     // Places and shows it, in front.
     void open();
 
-    static LRESULT CALLBACK wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-
   private:
-    LRESULT onMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT onMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void onDestroyed() override;
     LRESULT onCreate();
-    LRESULT onDestroy();
     LRESULT onPaint();
     LRESULT onCommand(const DialogCommand& command);
     LRESULT onKey(WPARAM key);
-    LRESULT onMouseMove(DialogPoint at);
+    LRESULT onMouseMove(PixelPoint at);
     LRESULT onMouseLeave();
-    LRESULT onLeftDown(DialogPoint at);
-    LRESULT onLeftUp(DialogPoint at);
+    LRESULT onLeftDown(PixelPoint at);
+    LRESULT onLeftUp(PixelPoint at);
     LRESULT onWheel(int delta, POINT screen);
     LRESULT onCaptureChanged();
     LRESULT onDpiChanged(const RECT& suggested);
@@ -41,18 +39,14 @@ class DialogWindow {
     std::int32_t language() const;
     void carryOut(DialogAction action);
     void commit(const char* logLine);
-    void preview();
     // Follows the live settings and the simulator, and paints what has changed.
     void refresh();
     DialogPicture currentPicture();
-    void moveTo(const PixelRect& rect);
 
-    DialogRooms rooms_;
-    HWND window_ = nullptr;
+    const DialogContext& context_;
     DialogModel model_;
     DialogInput input_;
     LiveMemory liveMemory_;
-    bool isTrackingMouse_ = false;
     DialogPainter painter_;
     MemorySurface surface_;
     std::optional<DialogPicture> drawn_;  // what the surface shows

@@ -6,7 +6,7 @@
 #include "base/clock_win.h"
 #include "base/identity.h"
 #include "bridge/worker_command_line.h"
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "tests/client/fake_telemetry.h"
 #include "tests/client/worker_at_work_win.h"
 #include "tests/simulator/program_win.h"

@@ -67,7 +67,7 @@ void DialogDriver::inOneGo(const std::function<void()>& work) const {
 }
 
 void DialogDriver::turnTo(int page) {
-    click(kFirstTab + page);
+    click(kGeneralTab + page);
     page_ = page;
 }
 

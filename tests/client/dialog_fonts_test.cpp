@@ -1,7 +1,6 @@
 // The settings dialog's texts and pictures in the fonts of this system, on surfaces in memory: no window, no plugin.
 #include <gtest/gtest.h>
 #include <memory>
-#include "settings/dialog/dialog_fonts_win.h"
 #include "settings/dialog/dialog_paint_win.h"
 #include "settings/interface_texts.h"
 #include "tests/client/resource_count_win.h"
@@ -24,16 +23,16 @@ DialogView viewIn(std::int32_t language) {
 
 TEST(DialogFontsTest, EveryTextFitsInTheFontsOfThisSystem) {
     const HDC dc = CreateCompatibleDC(nullptr);
-    DialogFonts fonts;
+    TextFonts fonts;
     const auto measure = [&](const DialogText& style, const std::string& piece) {
-        return measureDialogText(dc, fonts, style, piece);
+        return measureLine(dc, fonts, styleOf(style), piece);
     };
     int texts = 0;
     const auto expectFitting = [&](const DialogText& text) {
         EXPECT_TRUE(isFitting(text, measure)) << text.text << " is " << measure(text, text.text) << " wide";
         texts++;
     };
-    const int actions = optionCount(*findRow(kFirstKeySelector));
+    const int actions = optionCount(*findRow(kKeyASelector));
     for (const unsigned dpi : {96u, 120u, 144u, 192u}) {
         SCOPED_TRACE(std::to_string(dpi) + " dpi");
         for (std::int32_t language = 0; language < kLanguageCount; language++) {
@@ -50,7 +49,7 @@ TEST(DialogFontsTest, EveryTextFitsInTheFontsOfThisSystem) {
                     DialogView view = viewIn(language);
                     view.settings.bind_A = action;
                     for (const DialogText& text : dialogTexts(layout, view)) {
-                        if (text.id == kFirstKeySelector) expectFitting(text);
+                        if (text.id == kKeyASelector) expectFitting(text);
                     }
                 }
             }

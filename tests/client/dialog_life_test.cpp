@@ -44,7 +44,7 @@ TEST_F(DialogLife, OpenedBeforeInitItLoadsAndSavesTheSettings) {
     ASSERT_TRUE(session.load());
     std::thread hosts = configureOnAThread();
     EXPECT_TRUE(becomesOpen());
-    dialog().click(6000);
+    dialog().click(kMasterToggle);
     dialog().click(kSaveAndClose);
     hosts.join();
     Settings expected;
@@ -106,7 +106,7 @@ TEST_F(DialogLife, OpenedAgainAndAgainItLeavesNothingBehind) {
     ASSERT_TRUE(session.start());
     const auto openAndClose = [&] {
         ASSERT_TRUE(open());
-        for (int page = 0; page < kPageCount; page++) dialog().command(kFirstTab + page);
+        for (int page = 0; page < kPageCount; page++) dialog().command(kGeneralTab + page);
         dialog().command(kCancel);
         // The class is the last to go: until then the thread has its fonts and surface.
         ASSERT_TRUE(session.waitUntil([&] { return !isClassRegistered(); }, kPatienceMs));

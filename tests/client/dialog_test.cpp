@@ -47,11 +47,11 @@ TEST_F(DialogTest, TheKeyboardAloneChangesAndSaves) {
     };
     tabTo(-1, languageId(kKorean));
     hand.key(VK_SPACE);
-    tabTo(languageId(kKorean), 6004);
+    tabTo(languageId(kKorean), kPanelScaleSlider);
     hand.key(VK_RIGHT);
-    tabTo(6004, 6000);
+    tabTo(kPanelScaleSlider, kMasterToggle);
     hand.key(VK_RETURN);
-    tabTo(6000, kSaveAndClose);
+    tabTo(kMasterToggle, kSaveAndClose);
     hand.key(VK_RETURN);
     EXPECT_EQ(findDialog(), nullptr);
     Settings expected;
@@ -65,8 +65,8 @@ TEST_F(DialogTest, TheWheelOverASliderMovesIt) {
     ASSERT_TRUE(open());
     DialogDriver hand = dialog();
     hand.turnTo(2);
-    hand.wheel(6048, 4 * WHEEL_DELTA);
-    hand.wheel(6048, -WHEEL_DELTA);
+    hand.wheel(kTextScaleSlider, 4 * WHEEL_DELTA);
+    hand.wheel(kTextScaleSlider, -WHEEL_DELTA);
     ASSERT_TRUE(save());
     Settings expected;
     expected.text_scale += 3.0f;
@@ -75,12 +75,12 @@ TEST_F(DialogTest, TheWheelOverASliderMovesIt) {
 
 TEST_F(DialogTest, ApplyThenCancelKeepsAndCancelDiscards) {
     ASSERT_TRUE(openWith(""));
-    dialog().command(6044);
+    dialog().command(kPinToggle);
     ASSERT_TRUE(apply());
     EXPECT_TRUE(isDialogShown());
     EXPECT_TRUE(isSaved("pin=1"));
-    dialog().command(6044);
-    dialog().command(6000);
+    dialog().command(kPinToggle);
+    dialog().command(kMasterToggle);
     dialog().command(kCancel);
     EXPECT_EQ(findDialog(), nullptr);
     EXPECT_TRUE(isSaved("pin=1"));
@@ -94,7 +94,7 @@ TEST_F(DialogTest, EscapeTheWindowButtonCancelAndCloseDiscard) {
     for (const int way : {0, 1, 2, 3}) {
         ASSERT_TRUE(open());
         host.forgetCalls();
-        dialog().click(6000);
+        dialog().click(kMasterToggle);
         if (way == 0) dialog().key(VK_ESCAPE);
         if (way == 1) dialog().click(kWindowButton);
         if (way == 2) dialog().click(kCancel);
@@ -109,7 +109,7 @@ TEST_F(DialogTest, EscapeTheWindowButtonCancelAndCloseDiscard) {
 TEST_F(DialogTest, ACommitKeepsWhatThePanelChangedMeanwhile) {
     ASSERT_TRUE(show(kGeneralTheme));
     ASSERT_TRUE(open());
-    dialog().click(6000);
+    dialog().click(kMasterToggle);
     EXPECT_TRUE(clickSaves(kCom2Key, "radio=COM2"));
     ASSERT_TRUE(save());
     EXPECT_TRUE(isSaved("radio=COM2"));
@@ -136,8 +136,8 @@ TEST_F(DialogTest, MinimumAboveMaximumIsSavedInOrder) {
     ASSERT_TRUE(openWith(""));
     DialogDriver hand = dialog();
     hand.turnTo(1);
-    hand.drag(6024, 0.0f, 0.9f);
-    hand.drag(6025, 1.0f, 0.2f);
+    hand.drag(kVolumeMinSlider, 0.0f, 0.9f);
+    hand.drag(kVolumeMaxSlider, 1.0f, 0.2f);
     ASSERT_TRUE(save());
     EXPECT_TRUE(isSaved("volume_min=0.2"));
     EXPECT_TRUE(isSaved("volume_max=0.9"));
@@ -157,7 +157,7 @@ TEST_F(DialogTest, ALanguageShowsAtOnceAndInTheMenuAfterACommit) {
 TEST_F(DialogTest, WorksWithoutTheHostsLog) {
     host.removeFunction(kLogMessagePosition);
     ASSERT_TRUE(openWith(""));
-    dialog().command(6044);
+    dialog().command(kPinToggle);
     dialog().command(kSaveAndClose);
     EXPECT_EQ(findDialog(), nullptr);
     EXPECT_TRUE(isSaved("pin=1"));

@@ -106,7 +106,7 @@ TEST_F(DialogWindowTest, ThePressedTitleBarMovesItUntilItIsReleased) {
     EXPECT_EQ(title(), L"Corvalis · Einstellungen");
     dialog().post(WM_LBUTTONUP, 0, 0);
     EXPECT_TRUE(session.waitUntil([&] { return !isMoved(); }, kPatienceMs));
-    dialog().click(6000);
+    dialog().click(kMasterToggle);
     ASSERT_TRUE(save());
     EXPECT_TRUE(isSaved("language=de"));
     EXPECT_TRUE(isSaved("master=0"));
@@ -126,7 +126,7 @@ TEST_F(DialogWindowTest, MinimisedItIsRestoredByTheMenu) {
         },
         kPatienceMs));
     EXPECT_EQ(findDialog(), window);
-    dialog().click(6000);
+    dialog().click(kMasterToggle);
     ASSERT_TRUE(save());
     EXPECT_TRUE(isSaved("master=0"));
 }
@@ -135,11 +135,11 @@ TEST_F(DialogWindowTest, ALanguageChosenWhileASliderIsDraggedEndsTheDrag) {
     ASSERT_TRUE(openWith("language=en\r\n"));
     const DialogDriver hand = dialog();
     hand.inOneGo([&] {
-        hand.press(hand.pointOnTrack(6003, 100.0f));
-        hand.move(hand.pointOnTrack(6003, 70.0f));
+        hand.press(hand.pointOnTrack(kOpacitySlider, 100.0f));
+        hand.move(hand.pointOnTrack(kOpacitySlider, 70.0f));
         hand.command(kFirstLanguage + int{kJapanese});
-        hand.move(hand.pointOnTrack(6003, 40.0f));
-        hand.release(hand.pointOnTrack(6003, 40.0f));
+        hand.move(hand.pointOnTrack(kOpacitySlider, 40.0f));
+        hand.release(hand.pointOnTrack(kOpacitySlider, 40.0f));
     });
     ASSERT_TRUE(save());
     EXPECT_TRUE(isSaved("opacity=70"));
@@ -151,10 +151,10 @@ TEST_F(DialogWindowTest, ALostCaptureEndsADrag) {
     const DialogDriver hand = dialog();
     for (const UINT message : {WM_CANCELMODE, WM_CAPTURECHANGED}) {
         hand.inOneGo([&] {
-            hand.press(hand.pointOnTrack(6003, 70.0f));
+            hand.press(hand.pointOnTrack(kOpacitySlider, 70.0f));
             hand.send(message, 0, 0);
-            hand.move(hand.pointOnTrack(6003, 40.0f));
-            hand.release(hand.pointOnTrack(6003, 40.0f));
+            hand.move(hand.pointOnTrack(kOpacitySlider, 40.0f));
+            hand.release(hand.pointOnTrack(kOpacitySlider, 40.0f));
         });
     }
     ASSERT_TRUE(save());
@@ -168,13 +168,13 @@ TEST_F(DialogWindowTest, TakesTheSizeOfAnotherResolutionAndWorksInIt) {
     dialog().send(WM_DPICHANGED, MAKEWPARAM(120, 120), reinterpret_cast<LPARAM>(&suggested));
     EXPECT_EQ(widthOf(dialogRect()), 1128);
     EXPECT_EQ(heightOf(dialogRect()), 792);
-    dialog().click(6000);  // where it stands now
-    suggested.right = suggested.left + 5000;
+    dialog().click(kMasterToggle);  // where it stands now
+    suggested.right = suggested.left + kGeneralTab;
     suggested.bottom = suggested.top + 4000;
     dialog().send(WM_DPICHANGED, MAKEWPARAM(480, 480), reinterpret_cast<LPARAM>(&suggested));
     EXPECT_EQ(widthOf(dialogRect()), widthOf(work));
     EXPECT_EQ(heightOf(dialogRect()), heightOf(work));
-    dialog().click(6001);  // the second toggle of the first page
+    dialog().click(kPanelVisibleToggle);  // the second toggle of the first page
     ASSERT_TRUE(save());
     EXPECT_TRUE(isSaved("master=0"));
     EXPECT_TRUE(isSaved("panel_visible=1"));

@@ -69,7 +69,7 @@ class MessagePaint : public testing::TestWithParam<std::uint32_t> {
         return inkIn({0, 0, 620, 400});
     }
     // What differs from the colour in the rectangle's top left corner.
-    Ink inkIn(const PageRect& rect) const {
+    Ink inkIn(const UnitRect& rect) const {
         const RECT area = pagePixels(rect, scale);
         const std::uint32_t ground = shown.row(area.top)[area.left];
         Ink ink;
@@ -91,7 +91,7 @@ class MessagePaint : public testing::TestWithParam<std::uint32_t> {
     std::uint32_t colourAt(float x, float y) const {
         return shown.row(static_cast<int>((y + 0.5f) * scale))[static_cast<int>((x + 0.5f) * scale)];
     }
-    static PageItem text(const std::u16string& what, const PageRect& rect, PageAlign align = PageAlign::kLeft,
+    static PageItem text(const std::u16string& what, const UnitRect& rect, PageAlign align = PageAlign::kLeft,
                          const PageTextStyle& style = {PageFont::kMono, 15.0f, false}) {
         return {PageItemKind::kText, rect, 0xFF000000U | kBrightGreen, what, style, align};
     }
@@ -165,7 +165,7 @@ TEST_P(MessagePaint, TheDotIsAmberWhileMessagesAreUnreadAndGreenOtherwise) {
 }
 
 TEST_P(MessagePaint, TheCloseGlyphIsRedUnderThePointer) {
-    const PageRect glyph = {580, 8, 32, 28};
+    const UnitRect glyph = {580, 8, 32, 28};
     paint();
     const Ink usual = inkIn(glyph);
     EXPECT_GT(usual.count, 10);
@@ -188,7 +188,7 @@ TEST_P(MessagePaint, TheEmptyPageHasItsTwoLinesInTheMiddleAndNothingElse) {
     EXPECT_NEAR((hint.left + hint.right) / 2, 310.0f, 3.0f);
     EXPECT_GT(hint.right - hint.left, 200.0f);
     EXPECT_GT(hint.left, 20.0f);
-    for (const PageRect& empty : {PageRect{2, 47, 615, 14}, {2, 65, 615, 105}, {2, 226, 615, 130}, {2, 363, 615, 34}})
+    for (const UnitRect& empty : {UnitRect{2, 47, 615, 14}, {2, 65, 615, 105}, {2, 226, 615, 130}, {2, 363, 615, 34}})
         EXPECT_EQ(inkIn(empty).count, 0) << empty.y;
 }
 
@@ -222,7 +222,7 @@ TEST_P(MessagePaint, EveryTextOfAFullPageIsSeenInItsPlace) {
     EXPECT_EQ(inkIn({586, 293, 20, 18}).count, 0);
     const struct {
         const char* what;
-        PageRect rect;
+        UnitRect rect;
         std::uint32_t colour;
     } rows[] = {
         {"ACARS", {30, 12, 60, 20}, kAmber},        {"PDC of the header", {112, 12, 40, 20}, kDimGreen},
@@ -240,7 +240,7 @@ TEST_P(MessagePaint, EveryTextOfAFullPageIsSeenInItsPlace) {
 }
 
 TEST_P(MessagePaint, ATextIsAlignedInItsRectangle) {
-    const PageRect rect = {200, 100, 200, 24};
+    const UnitRect rect = {200, 100, 200, 24};
     const Ink left = inkOf(text(u"HELLO", rect));
     const Ink centre = inkOf(text(u"HELLO", rect, PageAlign::kCentre));
     const Ink right = inkOf(text(u"HELLO", rect, PageAlign::kRight));
@@ -256,7 +256,7 @@ TEST_P(MessagePaint, ATextIsAlignedInItsRectangle) {
 
 TEST_P(MessagePaint, TooLongATextEndsAtItsRectangleOrReachesOutOnTheLeft) {
     const std::u16string longText(200, u'W');
-    const PageRect rect = {250, 100, 100, 24};
+    const UnitRect rect = {250, 100, 100, 24};
     const Ink left = inkOf(text(longText, rect));
     EXPECT_NEAR(left.left, 250.0f, 2.0f);
     EXPECT_LE(left.right, 351.0f);

@@ -4,27 +4,27 @@
 
 namespace {
 
-constexpr PanelPoint kNowhere = {-1.0e6f, -1.0e6f};
+constexpr UnitPoint kNowhere = {-1.0e6f, -1.0e6f};
 constexpr float kRingShare = 0.75f;    // of the large knob's radius: between the inner knob's edge and its own
 constexpr float kSpotDistance = 8.0f;  // units that a free spot keeps from every element
 
-PanelPoint middleOf(const PanelRect& rect) {
+UnitPoint middleOf(const UnitRect& rect) {
     return {rect.x + rect.width / 2.0f, rect.y + rect.height / 2.0f};
 }
 
-PanelPoint digitsMiddle(const ThemeLayout& layout, std::int32_t element) {
+UnitPoint digitsMiddle(const ThemeLayout& layout, std::int32_t element) {
     const bool isActive = element == kActiveMhzDigits || element == kActiveChannelDigits;
     const FrequencyCells cells = layoutFrequency(layout.displays[isActive ? 0 : 1]);
     const bool isMhz = element == kActiveMhzDigits || element == kStandbyMhzDigits;
     return middleOf(isMhz ? cells.mhzField : cells.channelField);
 }
 
-PanelPoint ringPoint(const PanelHotspot& knob) {
-    const PanelPoint middle = middleOf(knob.rect);
+UnitPoint ringPoint(const PanelHotspot& knob) {
+    const UnitPoint middle = middleOf(knob.rect);
     return {middle.x + knob.rect.width / 2.0f * kRingShare, middle.y};
 }
 
-bool isFree(std::int32_t theme, PanelPoint at) {
+bool isFree(std::int32_t theme, UnitPoint at) {
     for (const float dx : {-kSpotDistance, 0.0f, kSpotDistance}) {
         for (const float dy : {-kSpotDistance, 0.0f, kSpotDistance}) {
             if (hit_test(theme, {at.x + dx, at.y + dy}) != kBackground) return false;
@@ -57,12 +57,12 @@ double PanelDriver::scale() const {
     return static_cast<double>(client.right) / static_cast<double>(layout_.width);
 }
 
-POINT PanelDriver::toClient(PanelPoint point) const {
+POINT PanelDriver::toClient(UnitPoint point) const {
     return {static_cast<LONG>(static_cast<double>(point.x - layout_.origin.x) * scale()),
             static_cast<LONG>(static_cast<double>(point.y - layout_.origin.y) * scale())};
 }
 
-PanelPoint PanelDriver::freeSpot() const {
+UnitPoint PanelDriver::freeSpot() const {
     for (float y = layout_.origin.y + 20.0f; y < layout_.origin.y + layout_.height; y += 10.0f) {
         for (float x = layout_.origin.x + 60.0f; x < layout_.origin.x + layout_.width; x += 10.0f) {
             if (isFree(theme_, {x, y})) return {x, y};
@@ -72,7 +72,7 @@ PanelPoint PanelDriver::freeSpot() const {
 }
 
 POINT PanelDriver::pointOn(std::int32_t element) const {
-    PanelPoint point = kNowhere;
+    UnitPoint point = kNowhere;
     const PanelHotspot* hotspot = findHotspot(layout_, element);
     if (element == kBackground) {
         point = freeSpot();

@@ -29,7 +29,7 @@ class PanelDriver {
     // A client point on the element, well inside; of the large knob's ring for kLargeKnob, a free spot for kBackground.
     // {-1, -1} when the theme lacks it.
     POINT pointOn(std::int32_t element) const;
-    POINT toClient(PanelPoint point) const;
+    POINT toClient(UnitPoint point) const;
 
     // Each posts one message at a client point.
     void press(POINT at) const { postAt(WM_LBUTTONDOWN, MK_LBUTTON, at); }
@@ -45,7 +45,7 @@ class PanelDriver {
 
   private:
     void postAt(UINT message, WPARAM keys, POINT at) const;
-    PanelPoint freeSpot() const;
+    UnitPoint freeSpot() const;
 
     HWND panel_;
     const ThemeLayout& layout_;

@@ -34,7 +34,7 @@ class PanelLamps : public PanelTest {
   protected:
     Lamps lamps(std::int32_t theme) const {
         const ArgbImage picture = askForPicture(findPanel());
-        const auto middle = [&](const PanelRect& lamp) -> std::uint32_t {
+        const auto middle = [&](const UnitRect& lamp) -> std::uint32_t {
             const POINT at = panel().toClient({lamp.x + lamp.width / 2, lamp.y + lamp.height / 2});
             return picture.isEmpty() ? 0 : picture.row(at.y)[at.x];
         };

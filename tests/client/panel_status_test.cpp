@@ -77,10 +77,15 @@ void forEachLine(std::int32_t theme, float percent, Check check) {
     }
 }
 
+ArgbImage paint(const TextLine& line) {
+    TextFonts fonts;
+    return paintTextLine(fonts, line);
+}
+
 // Where there is room for all of it.
 std::int32_t wholeWidth(TextLine line) {
     line.width *= 2;
-    return widthOf(inkOf(paintTextLine(line)));
+    return widthOf(inkOf(paint(line)));
 }
 
 // The rows that the last columns of the ink reach over: a letter's height, or a dot's.
@@ -103,10 +108,10 @@ TEST(PanelStatus, TheLongestLinesAreWholeFromFullSizeOn) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         for (const float percent : {100.0f, 200.0f}) {
             forEachLine(theme, percent, [](const TextLine& line) {
-                const Columns ink = inkOf(paintTextLine(line));
+                const Columns ink = inkOf(paint(line));
                 EXPECT_GT(ink.last, ink.first);
                 EXPECT_EQ(widthOf(ink), wholeWidth(line)) << "in " << line.width << " pixels";
-                const std::int32_t fromItsSide = line.isRightAligned ? line.width - 1 - ink.last : ink.first;
+                const std::int32_t fromItsSide = line.side == TextSide::kRight ? line.width - 1 - ink.last : ink.first;
                 EXPECT_LE(fromItsSide, 4);
             });
         }
@@ -118,7 +123,7 @@ TEST(PanelStatus, ALineThatHasNoRoomEndsInDotsInsideItsPlace) {
     int cut = 0;
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         forEachLine(theme, 50.0f, [&](const TextLine& line) {
-            const ArgbImage image = paintTextLine(line);
+            const ArgbImage image = paint(line);
             ASSERT_FALSE(image.isEmpty());
             const std::int32_t whole = wholeWidth(line), seen = widthOf(inkOf(image));
             EXPECT_GT(seen, line.width / 2);

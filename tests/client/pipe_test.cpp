@@ -63,8 +63,8 @@ TEST(SimulatorPipe, ThatIsFullIsTriedForASecondsPassesAndThenSaidToBeFull) {
         transport.connect();
         int passes = 0;
         EXPECT_EQ(transport.problem(), "");
-        while (passes < 1000 && transport.poll() == TransportState::Connecting) passes++;
-        EXPECT_EQ(transport.poll(), TransportState::Closed);
+        while (passes < 1000 && transport.poll() == TransportState::kConnecting) passes++;
+        EXPECT_EQ(transport.poll(), TransportState::kClosed);
         EXPECT_EQ(transport.problem(), "the simulator has no room for another program");
         EXPECT_GT(passes, 40);
         EXPECT_LT(passes, 50);
@@ -76,16 +76,16 @@ TEST(SimulatorPipe, ThatWasFullIsTakenInTheFirstPassWithRoom) {
     ASSERT_TRUE(pipe.isFull());
     PipeTransport transport;
     transport.connect();
-    for (int pass = 0; pass < 10; pass++) ASSERT_EQ(transport.poll(), TransportState::Connecting);
+    for (int pass = 0; pass < 10; pass++) ASSERT_EQ(transport.poll(), TransportState::kConnecting);
     ASSERT_TRUE(pipe.makeRoom());
-    EXPECT_EQ(transport.poll(), TransportState::Open);
+    EXPECT_EQ(transport.poll(), TransportState::kOpen);
     EXPECT_EQ(transport.problem(), "");
 }
 
 TEST(SimulatorPipe, ThatIsNotThereIsNoProblemWorthAWord) {
     PipeTransport transport;
     transport.connect();
-    EXPECT_EQ(transport.poll(), TransportState::Closed);
+    EXPECT_EQ(transport.poll(), TransportState::kClosed);
     EXPECT_EQ(transport.problem(), "");
 }
 

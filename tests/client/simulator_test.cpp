@@ -197,7 +197,7 @@ TEST(Simulator, WorkerGetsAlongWithEveryPersonality) {
 
 TEST(Simulator, IsReachedByItsIPv6AddressToo) {
     standin::Server server(*standin::findPersonality("stock"));
-    const auto port = server.listenTcp(0, standin::Loopback::IPv6);
+    const auto port = server.listenTcp(0, standin::Loopback::kIPv6);
     if (port == 0) GTEST_SKIP() << "this machine has no IPv6";
     server.start();
     WorkerAtWork worker;

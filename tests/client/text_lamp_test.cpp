@@ -12,7 +12,7 @@ class TextLamp : public PanelTest {
   protected:
     // Its middle, drawn in the half of a flash in which it is lit if it flashes.
     std::uint32_t colour(std::int32_t theme) {
-        const PanelRect& lamp = findHotspot(themeLayout(theme), kCustomKeyA)->indicator;
+        const UnitRect& lamp = findHotspot(themeLayout(theme), kCustomKeyA)->indicator;
         const POINT at = panel().toClient({lamp.x + lamp.width / 2.0f, lamp.y + lamp.height / 2.0f});
         const auto flash = [] { return systemTickMs() / kTextFlashMs; };
         for (int tries = 0; tries < 50; tries++) {

@@ -1,7 +1,7 @@
 // voice_test.h - a session whose voice hooks are held to the plain ones: settings in, controls out.
 #pragma once
 #include <string>
-#include "audio/receive_gain.h"
+#include "audio/volume_policy.h"
 #include "settings/settings_text.h"
 #include "tests/client/client_session_win.h"
 #include "tests/reference/plain_voice_hooks.h"

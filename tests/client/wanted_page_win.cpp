@@ -27,7 +27,7 @@ TimeOfDay wallClock(double unixSeconds) {
     return {static_cast<int>(second / 3600 % 24), static_cast<int>(second / 60 % 60), static_cast<int>(second % 60)};
 }
 
-PixelRect pixelsOf(const PageRect& rect, float scale) {
+PixelRect pixelsOf(const UnitRect& rect, float scale) {
     const RECT area = pagePixels(rect, scale);
     return {area.left, area.top, area.right, area.bottom};
 }

@@ -3,7 +3,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
 

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <sstream>
 #include "bridge/worker_command_line.h"
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
 #include "tests/client/worker_at_work_win.h"
@@ -79,8 +79,15 @@ class Worker : public PluginTest {
     static bool waitForEnd(std::uint32_t processId) {
         return waitFor([&] { return !isProcessRunning(processId); }, kPatienceMs);
     }
-    bool waitForReports(std::size_t count) {
-        return session.waitUntil([&] { return startReports(session.pluginFolder).size() == count; }, kPatienceMs);
+    testing::AssertionResult waitForReports(std::size_t count) {
+        if (session.waitUntil([&] { return startReports(session.pluginFolder).size() == count; }, kPatienceMs))
+            return testing::AssertionSuccess();
+        auto failure = testing::AssertionFailure() << "no report " << count << "; in the folder:";
+        for (const auto& entry : std::filesystem::directory_iterator(session.pluginFolder))
+            failure << ' ' << entry.path().filename().string();
+        failure << "; in the log:";
+        for (const std::string& line : host.logLines()) failure << "\n  " << line;
+        return failure;
     }
     // The fake worker beside the DLL, started; its report.
     StartReport startWithWorker() {

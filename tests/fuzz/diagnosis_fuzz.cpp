@@ -17,7 +17,7 @@ std::string asIs(const std::string& narrow) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Diagnosis found;
     FoundFile file;
-    file.state = FoundFile::State::Read;
+    file.state = FoundFile::State::kRead;
     file.bytes.assign(reinterpret_cast<const char*>(data), size);
     file.size = size;
     found.settings = found.telemetry = found.command = found.log = file;

@@ -15,8 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         aircraft.poll(ms);
         const auto& sim = aircraft.snapshot();
         for (std::size_t i = 0; sim.ok && i < sim.radios.size(); i++) {
-            if (!isChannelOf(sim, i, sim.radios[i].activeKHz) || !isChannelOf(sim, i, sim.radios[i].standbyKHz))
-                std::abort();
+            if (!isChannelOf(sim, i, sim.radios[i].active) || !isChannelOf(sim, i, sim.radios[i].standby)) std::abort();
         }
     }
     return 0;

@@ -22,7 +22,7 @@ class FuzzTransport : public simconnect::Transport {
     void close() override { open_ = false; }
     simconnect::TransportState poll() override {
         if (rest_.empty()) open_ = false;
-        return open_ ? simconnect::TransportState::Open : simconnect::TransportState::Closed;
+        return open_ ? simconnect::TransportState::kOpen : simconnect::TransportState::kClosed;
     }
     std::size_t receive(std::span<std::uint8_t> into) override {
         if (!open_) return 0;
@@ -65,9 +65,9 @@ class FuzzTransport : public simconnect::Transport {
     bool open_ = false;
 };
 
-bool isSound(const ComRadio& radio) {
+bool isSound(const RadioReading& radio) {
     const auto inBand = [](std::int32_t khz) { return khz == 0 || (khz >= kBandMinKHz && khz <= kBandMaxKHz); };
-    return inBand(radio.activeKHz) && inBand(radio.standbyKHz) && radio.spacing >= -1 && radio.spacing <= 1 &&
+    return inBand(radio.active) && inBand(radio.standby) && radio.spacing >= -1 && radio.spacing <= 1 &&
            (radio.volume == -1.0 || (radio.volume >= 0.0 && radio.volume <= 1.0));
 }
 
@@ -83,7 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const auto& sim = link.snapshot();
         for (const auto& radio : sim.radios) {
             if (!isSound(radio)) std::abort();
-            if (!sim.ok && !(radio == ComRadio())) std::abort();
+            if (!sim.ok && !(radio == RadioReading())) std::abort();
         }
         if (sim.status.empty()) std::abort();
         link.write({static_cast<std::size_t>(pass & 1), static_cast<RadioSlot>(pass / 2 % 4), 0.5}, nowMs);

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include "exchange/telemetry.h"
+#include "bridge/sim_state.h"
 #include "tests/unit/exchange/telemetry_reference.h"
 #include "tests/unit/fakes.h"
 
@@ -20,10 +20,10 @@ bool isAtRest(const RadioReading& radio) {
            radio.writable == std::array{false, false, false, false};
 }
 
-void checkPublished(const SimState& state, bool fresh) {
+void checkPublished(const SimState& state, const StatusTexts& status, bool fresh) {
     if (state.connected != fresh) fail("connected is not what the reading says");
     if (fresh) return;
-    if (state.statusText != "DISCONNECTED") fail("a stale file shows a status of its own");
+    if (status.statusText != "DISCONNECTED") fail("a stale file shows a status of its own");
     for (const auto& radio : state.radios)
         if (!isAtRest(radio)) fail("a stale file leaves a radio known");
 }
@@ -38,12 +38,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ManualClock clock;
     MemoryFiles files;
     files.put("telemetry.json", text);
-    SettingsStore settings(files);
     SharedSimState sim;
-    SelectedRadio selected;
-    std::string status;
-    const bool fresh = readTelemetry(files, "", clock, settings, sim, selected, status);
-    checkPublished(copySimState(sim), fresh);
-    if (!fresh && selected.frequencyKHz != 0) fail("a stale file selects a frequency");
+    StatusLines status;
+    const auto reading = readTelemetry(files, "", clock);
+    if (!reading) {
+        if (!text.empty()) fail("a file that can be read is not");
+        return 0;
+    }
+    publishTelemetry(*reading, sim, status);
+    checkPublished(copySimState(sim), copyStatus(status), reading->fresh);
+    if (!reading->fresh && selectRadio(Settings{}, *reading).frequencyKHz != 0)
+        fail("a stale file selects a frequency");
     return 0;
 }

@@ -11,10 +11,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto command = parseCommandText(text);
     if (!command) return 0;
     // What is taken must be usable: a known radio, finite numbers, an id that a telemetry file carries unchanged.
-    TelemetryRecord record;
-    record.ack.id = command->id;
+    Telemetry record;
+    record.ackId = command->id;
     const bool usable = command->write.radio < 2 && std::isfinite(command->write.value) &&
-                        std::isfinite(command->created) && lastAckId(telemetryText(record, 0.0)) == command->id;
+                        std::isfinite(command->created) && lastAckId(writeTelemetryText(record, 0.0)) == command->id;
     if (!usable) std::abort();
     return 0;
 }

@@ -10,13 +10,13 @@
 namespace standin {
 
 struct ConnectionEvent {
-    enum class Kind : std::uint8_t { Opened, Received, Closed };
-    Kind kind = Kind::Opened;
+    enum class Kind : std::uint8_t { kOpened, kReceived, kClosed };
+    Kind kind = Kind::kOpened;
     int connection = 0;
     std::string bytes;  // of Received
 };
 
-enum class Loopback : std::uint8_t { IPv4, IPv6 };
+enum class Loopback : std::uint8_t { kIPv4, kIPv6 };
 
 class Connections {
   public:

@@ -110,7 +110,7 @@ class PosixConnections : public Connections {
             const int on = 1;
             ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
             sockets_.emplace(++last_, std::move(socket));
-            events.push_back({ConnectionEvent::Kind::Opened, last_, ""});
+            events.push_back({ConnectionEvent::Kind::kOpened, last_, ""});
         }
     }
 
@@ -119,10 +119,10 @@ class PosixConnections : public Connections {
         const auto count = ::recv(sockets_.at(number).get(), bytes.data(), bytes.size(), 0);
         if (count > 0) {
             events.push_back(
-                {ConnectionEvent::Kind::Received, number, {bytes.data(), static_cast<std::size_t>(count)}});
+                {ConnectionEvent::Kind::kReceived, number, {bytes.data(), static_cast<std::size_t>(count)}});
         } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
             sockets_.erase(number);
-            events.push_back({ConnectionEvent::Kind::Closed, number, ""});
+            events.push_back({ConnectionEvent::Kind::kClosed, number, ""});
         }
     }
 
@@ -130,7 +130,7 @@ class PosixConnections : public Connections {
     Descriptor wakeWrite_;
     Descriptor listener_;
     std::uint16_t port_ = 0;
-    Loopback loopback_ = Loopback::IPv4;
+    Loopback loopback_ = Loopback::kIPv4;
     std::map<int, Descriptor> sockets_;
     int last_ = 0;
 };

@@ -231,7 +231,7 @@ class WindowsConnections : public Connections {
             const BOOL on = TRUE;
             setsockopt(accepted, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
             sockets_[++last_] = std::make_unique<SocketEnd>(accepted, FD_READ | FD_CLOSE);
-            events.push_back({Kind::Opened, last_, ""});
+            events.push_back({Kind::kOpened, last_, ""});
         }
     }
 
@@ -243,7 +243,7 @@ class WindowsConnections : public Connections {
         end->finish(none);
         end->beginRead();
         pipes_[++last_] = std::move(end);
-        events.push_back({Kind::Opened, last_, ""});
+        events.push_back({Kind::kOpened, last_, ""});
     }
 
     void readPipes(std::vector<ConnectionEvent>& events) {
@@ -253,7 +253,7 @@ class WindowsConnections : public Connections {
             bool isThere = true;
             if (end->isSignalled()) {
                 isThere = end->finish(bytes);
-                events.push_back({isThere ? Kind::Received : Kind::Closed, number, std::move(bytes)});
+                events.push_back({isThere ? Kind::kReceived : Kind::kClosed, number, std::move(bytes)});
                 if (isThere) end->beginRead();
             }
             entry = isThere ? std::next(entry) : pipes_.erase(entry);
@@ -270,9 +270,9 @@ class WindowsConnections : public Connections {
                 error = count < 0 ? WSAGetLastError() : 0;
             }
             if (count > 0)
-                events.push_back({Kind::Received, number, {buffer_.data(), static_cast<std::size_t>(count)}});
+                events.push_back({Kind::kReceived, number, {buffer_.data(), static_cast<std::size_t>(count)}});
             const bool isGone = count == 0 || (count < 0 && error != WSAEWOULDBLOCK);
-            if (isGone) events.push_back({Kind::Closed, number, ""});
+            if (isGone) events.push_back({Kind::kClosed, number, ""});
             entry = isGone ? sockets_.erase(entry) : std::next(entry);
         }
     }
@@ -280,7 +280,7 @@ class WindowsConnections : public Connections {
     Handle wake_;
     std::unique_ptr<SocketEnd> listener_;
     std::uint16_t port_ = 0;
-    Loopback loopback_ = Loopback::IPv4;
+    Loopback loopback_ = Loopback::kIPv4;
     std::string pipePath_;               // empty: no pipe
     std::unique_ptr<PipeEnd> nextPipe_;  // waits for the next client
     bool isReachable_ = true;

@@ -9,7 +9,7 @@ namespace standin {
 VariableProblem DataService::define(const DatumRequest& request) {
     Variable variable;
     const auto problem = findVariable(request.name, request.units, request.type, variable);
-    if (problem == VariableProblem::None)
+    if (problem == VariableProblem::kNone)
         definitions_[request.defineId].push_back({variable, request.epsilon, request.datumId});
     return problem;
 }

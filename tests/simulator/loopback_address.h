@@ -11,7 +11,7 @@ namespace standin {
 
 class LoopbackAddress {
   public:
-    LoopbackAddress(std::uint16_t port, Loopback loopback) : isIpv6_(loopback == Loopback::IPv6) {
+    LoopbackAddress(std::uint16_t port, Loopback loopback) : isIpv6_(loopback == Loopback::kIPv6) {
         if (isIpv6_) {
             ipv6_.sin6_family = AF_INET6;
             ipv6_.sin6_port = htons(port);

@@ -8,7 +8,7 @@
 namespace standin {
 
 // What happens when a client writes to a radio.
-enum class OnWrite : std::uint8_t { Applies, Quits, Crashes };
+enum class OnWrite : std::uint8_t { kApplies, kQuits, kCrashes };
 
 struct Personality {
     std::string_view name;
@@ -16,7 +16,7 @@ struct Personality {
     std::uint32_t oldestProtocol = 2;  // the newest is the edition's own
     Habits habits{};
     std::uint32_t writeDelayMs = 0;  // until a write shows
-    OnWrite onWrite = OnWrite::Applies;
+    OnWrite onWrite = OnWrite::kApplies;
     bool isRough = false;          // packets cut, joined, and mixed with unknown and very long ones
     bool freezesInPause = false;   // sends no changes and carries out no key event until the pause is over
     bool isSilent = false;         // takes everything and answers nothing

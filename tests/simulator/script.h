@@ -10,26 +10,26 @@
 namespace standin {
 
 enum class ActionKind : std::uint8_t {
-    Tune,       // radio, slot, value Hz
-    Swap,       // radio
-    Volume,     // radio, value percent
-    Power,      // radio, value 0 or 1
-    Spacing,    // radio, value 1 for 8.33
-    Obey,       // radio, slot, value 0 or 1
-    Readback,   // value ms until a write shows
-    Drop,       // value ms without a connection; nobody is told
-    Crash,      // the same, in the middle of a packet
-    Quit,       // the same, told
-    Exit,       // for good
-    Sim,        // value 0 menu, 1 running
-    Pause,      // value 0 or 1
-    Load,       // text: an aircraft's name
-    Character,  // text: its name
-    Event,      // text: a key event pressed in the cockpit; value its number
+    kTune,       // radio, slot, value Hz
+    kSwap,       // radio
+    kVolume,     // radio, value percent
+    kPower,      // radio, value 0 or 1
+    kSpacing,    // radio, value 1 for 8.33
+    kObey,       // radio, slot, value 0 or 1
+    kReadback,   // value ms until a write shows
+    kDrop,       // value ms without a connection; nobody is told
+    kCrash,      // the same, in the middle of a packet
+    kQuit,       // the same, told
+    kExit,       // for good
+    kSim,        // value 0 menu, 1 running
+    kPause,      // value 0 or 1
+    kLoad,       // text: an aircraft's name
+    kCharacter,  // text: its name
+    kEvent,      // text: a key event pressed in the cockpit; value its number
 };
 
 struct Action {
-    ActionKind kind = ActionKind::Exit;
+    ActionKind kind = ActionKind::kExit;
     std::size_t radio = 0;
     Slot slot = kActive;
     double value = 0.0;

@@ -86,7 +86,7 @@ void Server::run() {
 
 void Server::takeIn(const std::vector<ConnectionEvent>& events) {
     for (const auto& event : events) {
-        if (event.kind == ConnectionEvent::Kind::Opened) {
+        if (event.kind == ConnectionEvent::Kind::kOpened) {
             const int client = simulator_.connect(nowMs());
             clients_[event.connection] = client;
             connectionOf_[client] = event.connection;
@@ -94,7 +94,7 @@ void Server::takeIn(const std::vector<ConnectionEvent>& events) {
         }
         const auto client = clients_.find(event.connection);
         if (client == clients_.end()) continue;
-        if (event.kind == ConnectionEvent::Kind::Received) {
+        if (event.kind == ConnectionEvent::Kind::kReceived) {
             simulator_.receive(client->second, event.bytes, nowMs());
             continue;
         }

@@ -26,7 +26,7 @@ class Server {
     ~Server();  // closes all connections, untold
 
     // Before start. As in Connections.
-    std::uint16_t listenTcp(std::uint16_t port, Loopback loopback = Loopback::IPv4) {
+    std::uint16_t listenTcp(std::uint16_t port, Loopback loopback = Loopback::kIPv4) {
         return connections_->listenTcp(port, loopback);
     }
     bool listenPipe(const std::string& name) { return connections_->listenPipe(name); }

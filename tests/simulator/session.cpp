@@ -141,13 +141,13 @@ void Session::define(std::string_view packet) {
     const auto request = readDatum(packet);
     const auto title = request.name + " in " + request.units;
     switch (data_.define(request)) {
-        case VariableProblem::None:
+        case VariableProblem::kNone:
             return;
-        case VariableProblem::Name:
+        case VariableProblem::kName:
             return refuse(kNameUnrecognized, 2, title);
-        case VariableProblem::Units:
+        case VariableProblem::kUnits:
             return refuse(kNameUnrecognized, 3, title);
-        case VariableProblem::Type:
+        case VariableProblem::kType:
             return refuse(kInvalidDataType, 4, title);
     }
 }

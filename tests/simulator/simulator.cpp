@@ -38,7 +38,7 @@ void Simulator::receive(int number, std::string_view bytes, std::uint64_t nowMs)
     speaking_ = 0;
     // Not before: the session must outlive its own packet.
     if (std::exchange(isLeaving_, false)) {
-        leave(personality_->onWrite == OnWrite::Quits ? ActionKind::Quit : ActionKind::Crash, kAwayAfterWriteMs);
+        leave(personality_->onWrite == OnWrite::kQuits ? ActionKind::kQuit : ActionKind::kCrash, kAwayAfterWriteMs);
     }
     flush(false);
 }
@@ -101,63 +101,63 @@ bool Simulator::act(const Action& action, std::uint64_t nowMs, std::string& erro
     const auto isOn = action.value != 0.0;
     switch (action.kind) {
         // What the pilot does at the radio itself always works: it is what clients write that may be ignored.
-        case ActionKind::Tune:
+        case ActionKind::kTune:
             (action.slot == kActive ? radio.activeHz : radio.standbyHz) = static_cast<std::uint32_t>(action.value);
             return true;
-        case ActionKind::Swap:
+        case ActionKind::kSwap:
             std::swap(radio.activeHz, radio.standbyHz);
             return true;
-        case ActionKind::Volume:
+        case ActionKind::kVolume:
             radio.volumePercent = std::min(action.value, 100.0);
             return true;
-        case ActionKind::Power:
+        case ActionKind::kPower:
             radio.isPowered = isOn;
             return true;
-        case ActionKind::Spacing:
+        case ActionKind::kSpacing:
             radio.is833 = isOn;
             return true;
-        case ActionKind::Obey:
+        case ActionKind::kObey:
             radio.obeys[action.slot] = isOn;
             return true;
-        case ActionKind::Readback:
+        case ActionKind::kReadback:
             writeDelayMs_ = static_cast<std::uint32_t>(action.value);
             return true;
-        case ActionKind::Drop:
-        case ActionKind::Crash:
-        case ActionKind::Quit:
+        case ActionKind::kDrop:
+        case ActionKind::kCrash:
+        case ActionKind::kQuit:
             leave(action.kind, static_cast<std::uint64_t>(action.value));
             return true;
-        case ActionKind::Exit:
-            leave(ActionKind::Quit, 0);
+        case ActionKind::kExit:
+            leave(ActionKind::kQuit, 0);
             isOver_ = true;
             return true;
-        case ActionKind::Sim:
+        case ActionKind::kSim:
             setFlightRunning(isOn);
             return true;
-        case ActionKind::Pause:
+        case ActionKind::kPause:
             isPaused_ = isOn;
             for (auto& [number, client] : clients_) {
                 client.session->raiseSystemEvent("Pause", isOn);
                 client.session->raiseSystemEvent("Pause_EX1", isOn);
             }
             return true;
-        case ActionKind::Load: {
+        case ActionKind::kLoad: {
             Aircraft aircraft;
             error = makeAircraft(action.text, aircraft) ? "" : "no such aircraft";
             if (error.empty()) load(aircraft);
             return error.empty();
         }
-        case ActionKind::Character: {
+        case ActionKind::kCharacter: {
             const auto* personality = findPersonality(action.text);
             error = personality ? "" : "no such personality";
             if (!personality) return false;
-            leave(ActionKind::Drop, 0);  // sessions keep the one they began with
+            leave(ActionKind::kDrop, 0);  // sessions keep the one they began with
             personality_ = personality;
             writeDelayMs_ = personality->writeDelayMs;
             wasOpened_ = false;
             return true;
         }
-        case ActionKind::Event: {
+        case ActionKind::kEvent: {
             const auto* event = findKeyEvent(action.text);
             error = event ? "" : "no such key event";
             if (event) press(*event, static_cast<std::uint32_t>(action.value));
@@ -200,7 +200,7 @@ void Simulator::onOpened(const std::string& clientName, std::uint32_t version) {
 
 void Simulator::onKeyEvent(const KeyEvent& event, std::uint32_t data) {
     report("event " + std::string(event.name) + ' ' + std::to_string(data));
-    if (personality_->onWrite != OnWrite::Applies) {
+    if (personality_->onWrite != OnWrite::kApplies) {
         isLeaving_ = true;
         return;
     }
@@ -225,10 +225,11 @@ void Simulator::press(const KeyEvent& event, std::uint32_t data) {
 // Whoever is connected is told (Quit), cut off in the middle of a packet (Crash) or just cut off (Drop).
 void Simulator::leave(ActionKind how, std::uint64_t awayMs) {
     for (auto& [number, client] : clients_) {
-        if (how == ActionKind::Quit) client.session->quit();
+        if (how == ActionKind::kQuit) client.session->quit();
         std::string bytes;
         for (const auto& packet : client.session->takePackets()) bytes += packet;
-        if (how == ActionKind::Crash) bytes += dataAnswer(personality_->edition->protocol, {}, "cut off").substr(0, 30);
+        if (how == ActionKind::kCrash)
+            bytes += dataAnswer(personality_->edition->protocol, {}, "cut off").substr(0, 30);
         output_.push_back({number, std::move(bytes), true});
     }
     clients_.clear();

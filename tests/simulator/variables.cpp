@@ -9,7 +9,7 @@ namespace standin {
 
 namespace {
 
-enum class Quantity : std::uint8_t { Frequency, Percent, Number, Seconds, Text };
+enum class Quantity : std::uint8_t { kFrequency, kPercent, kNumber, kSeconds, kText };
 
 struct Moment {
     const Aircraft& aircraft;
@@ -48,41 +48,41 @@ using M = const Moment&;
 
 // clang-format off
 constexpr VariableKind kVariables[] = {
-    {"COM ACTIVE FREQUENCY",      true,  Frequency, [](M m) { return 1.0 * m.radio.activeHz; }},
-    {"COM STANDBY FREQUENCY",     true,  Frequency, [](M m) { return 1.0 * m.radio.standbyHz; }},
-    {"COM SPACING MODE",          true,  Number,    [](M m) { return 1.0 * m.radio.is833; }},
-    {"COM VOLUME",                true,  Percent,   [](M m) { return m.radio.volumePercent; }},
-    {"COM AVAILABLE",             true,  Number,    [](M m) { return 1.0 * m.radio.isFitted; }},
-    {"COM STATUS",                true,  Number,    [](M m) { return 1.0 * m.radio.status(); }},
-    {"COM TRANSMIT",              true,  Number,    [](M m) { return 1.0 * m.isTransmitting(); }},
-    {"COM RECEIVE",               true,  Number,    [](M m) { return 1.0 * m.isHeard(); }},
-    {"COM RECEIVE EX1",           true,  Number,    [](M m) { return 1.0 * m.radio.isReceiving; }},
-    {"CIRCUIT COM ON",            true,  Number,    [](M m) { return 1.0 * m.radio.isPowered; }},
-    {"CIRCUIT NAVCOM1 ON",        false, Number,    [](M m) { return 1.0 * m.aircraft.radios[0].isPowered; }},
-    {"CIRCUIT NAVCOM2 ON",        false, Number,    [](M m) { return 1.0 * m.aircraft.radios[1].isPowered; }},
-    {"AVIONICS MASTER SWITCH",    true,  Number,    [](M) { return 1.0; }},
-    {"ELECTRICAL MASTER BATTERY", true,  Number,    [](M) { return 1.0; }},
-    {"SIMULATION TIME",           false, Seconds,   [](M m) { return m.seconds; }},
-    {"ABSOLUTE TIME",             false, Seconds,   [](M m) { return 6.4e10 + m.seconds; }},
-    {"TITLE",                     false, Text,      nullptr, titleOf},
+    {"COM ACTIVE FREQUENCY",      true,  kFrequency, [](M m) { return 1.0 * m.radio.activeHz; }},
+    {"COM STANDBY FREQUENCY",     true,  kFrequency, [](M m) { return 1.0 * m.radio.standbyHz; }},
+    {"COM SPACING MODE",          true,  kNumber,    [](M m) { return 1.0 * m.radio.is833; }},
+    {"COM VOLUME",                true,  kPercent,   [](M m) { return m.radio.volumePercent; }},
+    {"COM AVAILABLE",             true,  kNumber,    [](M m) { return 1.0 * m.radio.isFitted; }},
+    {"COM STATUS",                true,  kNumber,    [](M m) { return 1.0 * m.radio.status(); }},
+    {"COM TRANSMIT",              true,  kNumber,    [](M m) { return 1.0 * m.isTransmitting(); }},
+    {"COM RECEIVE",               true,  kNumber,    [](M m) { return 1.0 * m.isHeard(); }},
+    {"COM RECEIVE EX1",           true,  kNumber,    [](M m) { return 1.0 * m.radio.isReceiving; }},
+    {"CIRCUIT COM ON",            true,  kNumber,    [](M m) { return 1.0 * m.radio.isPowered; }},
+    {"CIRCUIT NAVCOM1 ON",        false, kNumber,    [](M m) { return 1.0 * m.aircraft.radios[0].isPowered; }},
+    {"CIRCUIT NAVCOM2 ON",        false, kNumber,    [](M m) { return 1.0 * m.aircraft.radios[1].isPowered; }},
+    {"AVIONICS MASTER SWITCH",    true,  kNumber,    [](M) { return 1.0; }},
+    {"ELECTRICAL MASTER BATTERY", true,  kNumber,    [](M) { return 1.0; }},
+    {"SIMULATION TIME",           false, kSeconds,   [](M m) { return m.seconds; }},
+    {"ABSOLUTE TIME",             false, kSeconds,   [](M m) { return 6.4e10 + m.seconds; }},
+    {"TITLE",                     false, kText,      nullptr, titleOf},
 };
 
 constexpr Unit kUnits[] = {
-    {Frequency, "MHz",              1e6,   false},
-    {Frequency, "Megahertz",        1e6,   false},
-    {Frequency, "kHz",              1e3,   false},
-    {Frequency, "Kilohertz",        1e3,   false},
-    {Frequency, "Hz",               1.0,   false},
-    {Frequency, "Hertz",            1.0,   false},
-    {Frequency, "Frequency BCD16",  1e4,   true},
-    {Percent,   "Percent",          1.0,   false},
-    {Percent,   "Percent over 100", 100.0, false},
-    {Number,    "Bool",             1.0,   false},
-    {Number,    "Boolean",          1.0,   false},
-    {Number,    "Enum",             1.0,   false},
-    {Number,    "Number",           1.0,   false},
-    {Seconds,   "Seconds",          1.0,   false},
-    {Seconds,   "Second",           1.0,   false},
+    {kFrequency, "MHz",              1e6,   false},
+    {kFrequency, "Megahertz",        1e6,   false},
+    {kFrequency, "kHz",              1e3,   false},
+    {kFrequency, "Kilohertz",        1e3,   false},
+    {kFrequency, "Hz",               1.0,   false},
+    {kFrequency, "Hertz",            1.0,   false},
+    {kFrequency, "Frequency BCD16",  1e4,   true},
+    {kPercent,   "Percent",          1.0,   false},
+    {kPercent,   "Percent over 100", 100.0, false},
+    {kNumber,    "Bool",             1.0,   false},
+    {kNumber,    "Boolean",          1.0,   false},
+    {kNumber,    "Enum",             1.0,   false},
+    {kNumber,    "Number",           1.0,   false},
+    {kSeconds,   "Seconds",          1.0,   false},
+    {kSeconds,   "Second",           1.0,   false},
 };
 // clang-format on
 
@@ -117,21 +117,21 @@ bool isTextType(std::uint32_t type) {
 VariableProblem findVariable(std::string_view name, std::string_view units, std::uint32_t type, Variable& variable) {
     Variable found;
     const bool hasIndex = name.find(':') != std::string_view::npos;
-    if (!splitIndex(name, found.radio)) return VariableProblem::Name;
+    if (!splitIndex(name, found.radio)) return VariableProblem::kName;
     found.kind = std::find_if(std::begin(kVariables), std::end(kVariables),
                               [&](const VariableKind& row) { return isSameName(row.name, name); });
-    if (found.kind == std::end(kVariables) || (hasIndex && !found.kind->isIndexed)) return VariableProblem::Name;
-    const bool isText = found.kind->quantity == Text;
-    if (type == 0 || type > kString260 || isText != isTextType(type)) return VariableProblem::Type;
+    if (found.kind == std::end(kVariables) || (hasIndex && !found.kind->isIndexed)) return VariableProblem::kName;
+    const bool isText = found.kind->quantity == kText;
+    if (type == 0 || type > kString260 || isText != isTextType(type)) return VariableProblem::kType;
     found.type = static_cast<DataType>(type);
     if (!isText) {
         found.unit = std::find_if(std::begin(kUnits), std::end(kUnits), [&](const Unit& row) {
             return row.quantity == found.kind->quantity && isSameName(row.name, units);
         });
-        if (found.unit == std::end(kUnits)) return VariableProblem::Units;
+        if (found.unit == std::end(kUnits)) return VariableProblem::kUnits;
     }
     variable = found;
-    return VariableProblem::None;
+    return VariableProblem::kNone;
 }
 
 double numberOf(const Variable& variable, const Aircraft& aircraft, double simulatedSeconds) {

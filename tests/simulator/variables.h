@@ -30,7 +30,7 @@ struct Variable {
     DataType type = kFloat64;
 };
 
-enum class VariableProblem { None, Name, Units, Type };
+enum class VariableProblem { kNone, kName, kUnits, kType };
 
 // Looks up "COM ACTIVE FREQUENCY:1" in "MHz" as kFloat64. On a problem variable stays as it was.
 VariableProblem findVariable(std::string_view name, std::string_view units, std::uint32_t type, Variable& variable);

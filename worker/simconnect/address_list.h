@@ -1,5 +1,5 @@
-// address_list.h - the names and addresses that getaddrinfo knows, as NetAddress. Included behind the header in which
-// the system declares it: <ws2tcpip.h> or <netdb.h>, which agree on everything used here.
+// address_list.h - the names and addresses that getaddrinfo knows, as NetAddress. Include it after the system header
+// that declares getaddrinfo: <ws2tcpip.h> or <netdb.h>, which agree on everything used here.
 #pragma once
 #include <cstring>
 #include <memory>

@@ -16,23 +16,23 @@ inline constexpr double kStatusNone = 1.0;
 inline constexpr double kStatusNoPower = 2.0;
 inline constexpr double kStatusFailed = 3.0;
 
-// The simulator's own 8.33 kHz frequencies have three decimals of a megahertz, so no BCD16 units, which keep two.
+// No BCD16 units, which keep two decimals of a megahertz: the simulator's own 8.33 kHz frequencies have three.
 inline constexpr std::array<Variable, kRadioCount* kComVariables> kVariables = {{
-    {"COM ACTIVE FREQUENCY:1", "MHz", DataType::Float64},
-    {"COM STANDBY FREQUENCY:1", "MHz", DataType::Float64},
-    {"COM SPACING MODE:1", "Enum", DataType::Int32},  // 0 25 kHz, 1 8.33 kHz
-    {"COM VOLUME:1", "Percent", DataType::Float64},   // 0..100
-    {"COM AVAILABLE:1", "Bool", DataType::Int32},
-    {"COM STATUS:1", "Enum", DataType::Int32},
-    {"COM ACTIVE FREQUENCY:2", "MHz", DataType::Float64},
-    {"COM STANDBY FREQUENCY:2", "MHz", DataType::Float64},
-    {"COM SPACING MODE:2", "Enum", DataType::Int32},
-    {"COM VOLUME:2", "Percent", DataType::Float64},
-    {"COM AVAILABLE:2", "Bool", DataType::Int32},
-    {"COM STATUS:2", "Enum", DataType::Int32},
+    {"COM ACTIVE FREQUENCY:1", "MHz", DataType::kFloat64},
+    {"COM STANDBY FREQUENCY:1", "MHz", DataType::kFloat64},
+    {"COM SPACING MODE:1", "Enum", DataType::kInt32},  // 0 25 kHz, 1 8.33 kHz
+    {"COM VOLUME:1", "Percent", DataType::kFloat64},   // 0..100
+    {"COM AVAILABLE:1", "Bool", DataType::kInt32},
+    {"COM STATUS:1", "Enum", DataType::kInt32},
+    {"COM ACTIVE FREQUENCY:2", "MHz", DataType::kFloat64},
+    {"COM STANDBY FREQUENCY:2", "MHz", DataType::kFloat64},
+    {"COM SPACING MODE:2", "Enum", DataType::kInt32},
+    {"COM VOLUME:2", "Percent", DataType::kFloat64},
+    {"COM AVAILABLE:2", "Bool", DataType::kInt32},
+    {"COM STATUS:2", "Enum", DataType::kInt32},
 }};
 
-// By radio, then by RadioSlot. Frequencies in Hz, volume in whole percent, a swap takes nothing. COM1 has no number in
+// By radio, then by RadioSlot. Frequencies in Hz, volume in whole percent, nothing for a swap. COM1 has no number in
 // its frequency events, but has one in the others.
 inline constexpr std::size_t kKeyEventCount = std::size_t{kRadioCount} * kSlotCount;
 inline constexpr std::array<const char*, kKeyEventCount> kKeyEvents = {{

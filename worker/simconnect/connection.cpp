@@ -11,23 +11,23 @@ constexpr int kChunksPerPass = 64;  // a flood waits for the next pass
 }  // namespace
 
 void Connection::poll(std::uint64_t nowMs) {
-    if (state_ == ConnectionState::Waiting) {
+    if (state_ == ConnectionState::kWaiting) {
         if (nowMs < dueMs_) return;
         beginConnecting(nowMs);
     }
     const auto transport = transport_.poll();
-    if (state_ == ConnectionState::Connecting) {
-        if (transport == TransportState::Closed) return retryLater(transport_.problem(), nowMs);
-        if (transport == TransportState::Connecting) {
+    if (state_ == ConnectionState::kConnecting) {
+        if (transport == TransportState::kClosed) return retryLater(transport_.problem(), nowMs);
+        if (transport == TransportState::kConnecting) {
             if (nowMs >= dueMs_) retryLater("the simulator's computer does not answer", nowMs);
             return;
         }
         introduce(nowMs);
     }
-    // What came before the end is still handed out; only then the end counts.
+    // What came before the end is handed out first; only then does the end count.
     const bool heard = receive(nowMs);
-    const bool ended = (transport == TransportState::Closed && !heard) || sendFailed_;
-    if (state_ == ConnectionState::Opening) return awaitReply(ended, nowMs);
+    const bool ended = (transport == TransportState::kClosed && !heard) || sendFailed_;
+    if (state_ == ConnectionState::kOpening) return awaitReply(ended, nowMs);
     if (stream_.isBroken()) return drop("what it sends makes no sense", nowMs);
     if (!ended) return;
     const auto reason = transport_.problem();
@@ -36,7 +36,7 @@ void Connection::poll(std::uint64_t nowMs) {
 
 void Connection::beginConnecting(std::uint64_t nowMs) {
     transport_.connect();
-    state_ = ConnectionState::Connecting;
+    state_ = ConnectionState::kConnecting;
     dueMs_ = nowMs + kConnectLimitMs;
 }
 
@@ -45,7 +45,7 @@ void Connection::introduce(std::uint64_t nowMs) {
     sendId_ = 0;
     sendFailed_ = false;
     heardMs_ = nowMs;
-    state_ = ConnectionState::Opening;
+    state_ = ConnectionState::kOpening;
     dueMs_ = nowMs + kOpenLimitMs;
     send(encodeOpen(stamp(), version(), application_));
 }
@@ -84,7 +84,7 @@ void Connection::awaitReply(bool ended, std::uint64_t nowMs) {
 }
 
 void Connection::onOpened(const OpenPacket& reply, std::uint64_t nowMs) {
-    state_ = ConnectionState::Open;
+    state_ = ConnectionState::kOpen;
     dueMs_ = nowMs;
     openings_++;
     versionsTried_ = 0;
@@ -99,14 +99,14 @@ void Connection::tryNextVersion(const std::string& problem, std::uint64_t nowMs)
     versionIndex_ = (versionIndex_ + 1) % kClientVersions.size();
     if (++versionsTried_ == kClientVersions.size()) return retryLater(problem, nowMs);
     transport_.close();
-    state_ = ConnectionState::Waiting;
+    state_ = ConnectionState::kWaiting;
     dueMs_ = nowMs;
 }
 
 void Connection::retryLater(const std::string& problem, std::uint64_t nowMs) {
     transport_.close();
     stream_.reset();
-    state_ = ConnectionState::Waiting;
+    state_ = ConnectionState::kWaiting;
     dueMs_ = nowMs + kRetryMs[std::min(failures_, kRetryMs.size() - 1)];
     failures_++;
     versionsTried_ = 0;
@@ -121,8 +121,9 @@ void Connection::drop(const std::string& reason, std::uint64_t nowMs) {
 
 std::string Connection::status() const {
     if (!problem_.empty()) return problem_;
-    // Between two versions as well: a line that changes back and forth says less.
-    const bool connecting = state_ == ConnectionState::Opening || state_ == ConnectionState::Open || versionsTried_ > 0;
+    // Also between two versions: a line that changes back and forth says less.
+    const bool connecting =
+        state_ == ConnectionState::kOpening || state_ == ConnectionState::kOpen || versionsTried_ > 0;
     return connecting ? "connecting to the simulator" : "waiting for the simulator";
 }
 

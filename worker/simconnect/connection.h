@@ -1,5 +1,5 @@
-// connection.h - gets a connection to the simulator open and keeps trying: introduces us, falls back to other versions
-// of the introduction, waits longer from failure to failure. Time comes in as an argument.
+// connection.h - opens a connection to the simulator and keeps trying: introduces us, falls back to other versions of
+// the introduction, waits longer after each failure. Time comes in as an argument.
 #pragma once
 #include <optional>
 #include <string>
@@ -16,10 +16,10 @@ inline constexpr std::array<std::uint64_t, 3> kRetryMs = {1'000, 2'000, 5'000}; 
 inline constexpr std::uint64_t kLastingMs = 10'000;  // a connection open this long starts the waits afresh
 
 enum class ConnectionState {
-    Waiting,     // for the next try
-    Connecting,  // until the transport is there
-    Opening,     // introduced, no answer yet
-    Open,
+    kWaiting,     // for the next try
+    kConnecting,  // until the transport is there
+    kOpening,     // introduced, no answer yet
+    kOpen,
 };
 
 class Connection {
@@ -32,7 +32,7 @@ class Connection {
     std::optional<Received> next();
 
     ConnectionState state() const { return state_; }
-    // How often it has been opened; another number is another simulator, to which everything must be said again.
+    // How often it has been opened; after each opening the simulator must be told everything again.
     std::uint32_t openings() const { return openings_; }
     // When anything was last received on this connection.
     std::uint64_t heardMs() const { return heardMs_; }
@@ -63,8 +63,8 @@ class Connection {
     Transport& transport_;
     std::string application_;
     PacketStream stream_;
-    ConnectionState state_ = ConnectionState::Waiting;
-    std::size_t versionIndex_ = 0;  // stays with what the simulator has last taken
+    ConnectionState state_ = ConnectionState::kWaiting;
+    std::size_t versionIndex_ = 0;  // stays at the version last accepted
     std::size_t versionsTried_ = 0;
     std::size_t failures_ = 0;  // since it was last open for long
     std::uint64_t dueMs_ = 0;   // Waiting: the next try; Connecting, Opening: the limit; Open: when it was opened
@@ -73,7 +73,7 @@ class Connection {
     std::uint64_t heardMs_ = 0;
     bool sendFailed_ = false;
     std::string problem_;   // empty: there is just no simulator
-    std::string lastNote_;  // the same thing over and over is said once
+    std::string lastNote_;  // a line that repeats is logged once
     std::vector<std::string> notes_;
 };
 

@@ -9,14 +9,14 @@ inline constexpr std::size_t kMaxPacketBytes = 1'048'576;  // a simulator's own 
 
 class PacketStream {
   public:
-    // Holds at most one packet's beginning and what is added at once.
+    // Holds at most the beginning of one packet and what one call adds.
     void add(ByteView bytes);
 
     // The next whole packet, its header included; valid until the next call of anything here. Nothing if it has not
     // arrived yet, or if the stream is broken.
     std::optional<ByteView> next();
 
-    // A packet says it is shorter than its own header, or too long: where the next one starts cannot be known.
+    // A packet's declared size is below its own header's or too large: where the next one starts cannot be known.
     bool isBroken() const { return broken_; }
 
     // As new.

@@ -72,7 +72,7 @@ std::uint64_t littleEndian(ByteView bytes) {
     return value;
 }
 
-// 0 beyond the packet's end: only fields that a shorter packet may lack are read without asking for the length first.
+// 0 beyond the packet's end: only fields that a shorter packet may lack are read without checking the length first.
 std::uint32_t numberAt(ByteView packet, std::size_t offset) {
     return offset + 4 <= packet.size() ? static_cast<std::uint32_t>(littleEndian(packet.subspan(offset, 4))) : 0;
 }
@@ -177,10 +177,10 @@ Received decodePacket(ByteView packet) {
 }
 
 std::optional<double> decodeValue(ByteView values, DataType type) {
-    const std::size_t width = type == DataType::Int32 ? 4 : 8;
+    const std::size_t width = type == DataType::kInt32 ? 4 : 8;
     if (values.size() < width) return std::nullopt;
     const auto bits = littleEndian(values.first(width));
-    if (type == DataType::Int32) return static_cast<std::int32_t>(static_cast<std::uint32_t>(bits));
+    if (type == DataType::kInt32) return static_cast<std::int32_t>(static_cast<std::uint32_t>(bits));
     return std::bit_cast<double>(bits);
 }
 

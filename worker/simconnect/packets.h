@@ -18,7 +18,7 @@ using ByteView = std::span<const std::uint8_t>;
 
 inline constexpr std::size_t kReceivedHeaderBytes = 12;  // size, protocol, id
 
-// How a client introduces itself; a simulator may know some of them only.
+// How a client introduces itself; a simulator may know only some of them.
 struct ClientVersion {
     std::uint32_t protocol = 0;
     std::array<std::uint8_t, 3> alias{};
@@ -28,9 +28,9 @@ struct ClientVersion {
     std::uint32_t buildMinor = 0;
 };
 
-// In the order to try. The packets that follow differ in nothing but the protocol's number.
+// In the order to try. The packets that follow differ only in the protocol's number.
 inline constexpr std::array<ClientVersion, 3> kClientVersions = {{
-    {5, {'H', 'K', 0}, 11, 0, 62651, 3},     // MSFS 2020, taken by 2024 as well
+    {5, {'H', 'K', 0}, 11, 0, 62651, 3},     // MSFS 2020, accepted by 2024 as well
     {6, {'R', 'S', 0}, 12, 2, 282174, 999},  // MSFS 2024
     {4, {'X', 'S', 'F'}, 10, 0, 61259, 0},   // the generation before
 }};
@@ -41,14 +41,14 @@ struct Stamp {
     std::uint32_t sendId = 0;  // counts the packets of a connection from 1
 };
 
-enum class DataType : std::uint32_t { Int32 = 1, Float64 = 4 };
-enum class Period : std::uint32_t { Never = 0, VisualFrame = 2, Second = 4 };
+enum class DataType : std::uint32_t { kInt32 = 1, kFloat64 = 4 };
+enum class Period : std::uint32_t { kNever = 0, kVisualFrame = 2, kSecond = 4 };
 
 // Of the user's own aircraft.
 struct DataRequest {
     std::uint32_t requestId = 0;
     std::uint32_t defineId = 0;
-    Period period = Period::Never;
+    Period period = Period::kNever;
     bool onlyChanges = false;
     std::uint32_t skippedPeriods = 0;  // between two replies
 };
@@ -97,7 +97,7 @@ Received decodePacket(ByteView packet);
 // The first value of that type; nothing if there are too few bytes.
 std::optional<double> decodeValue(ByteView values, DataType type);
 
-// The size that a packet's first bytes tell; needs four.
+// The size that a packet's first four bytes declare.
 std::uint32_t declaredSize(ByteView bytes);
 
 // "NAME_UNRECOGNIZED" for 7; "unknown" beyond the list.

@@ -24,21 +24,21 @@ void PipeTransport::connect() {
     close();
     problem_.clear();
     busyTries_ = 0;
-    state_ = TransportState::Connecting;
+    state_ = TransportState::kConnecting;
     tryOpen();
 }
 
-// Whoever has made the pipe may know who we are, but not act in our name.
+// Whoever made the pipe may learn who we are, but not act in our name.
 void PipeTransport::tryOpen() {
     pipe_ = CreateFileA(kPipeName, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                         FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr);
     if (pipe_ != INVALID_HANDLE_VALUE) {
-        state_ = TransportState::Open;
+        state_ = TransportState::kOpen;
         return beginRead();
     }
     const DWORD error = GetLastError();
     if (error == ERROR_PIPE_BUSY && ++busyTries_ < kMaxBusyTries) return;  // the next pass tries again
-    state_ = TransportState::Closed;
+    state_ = TransportState::kClosed;
     if (error == ERROR_PIPE_BUSY) problem_ = "the simulator has no room for another program";
     if (error == ERROR_ACCESS_DENIED) problem_ = "the simulator lets no program of this user in";
     if (!problem_.empty() || error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return;
@@ -58,12 +58,12 @@ void PipeTransport::close() {
     writes_.clear();
     unsentBytes_ = 0;
     filled_ = taken_ = 0;
-    state_ = TransportState::Closed;
+    state_ = TransportState::kClosed;
 }
 
 TransportState PipeTransport::poll() {
-    if (state_ == TransportState::Connecting) tryOpen();
-    if (state_ == TransportState::Open) dropFinishedWrites();
+    if (state_ == TransportState::kConnecting) tryOpen();
+    if (state_ == TransportState::kOpen) dropFinishedWrites();
     return state_;
 }
 
@@ -93,9 +93,9 @@ void PipeTransport::finishRead() {
 }
 
 std::size_t PipeTransport::receive(std::span<std::uint8_t> into) {
-    if (state_ != TransportState::Open) return 0;
+    if (state_ != TransportState::kOpen) return 0;
     if (reading_) finishRead();
-    if (state_ != TransportState::Open || reading_) return 0;
+    if (state_ != TransportState::kOpen || reading_) return 0;
     const auto count = std::min(into.size(), filled_ - taken_);
     std::memcpy(into.data(), buffer_.data() + taken_, count);
     taken_ += count;
@@ -103,10 +103,10 @@ std::size_t PipeTransport::receive(std::span<std::uint8_t> into) {
     return count;
 }
 
-// A failing write is over at once; the end shows with the read, behind what the simulator has still said.
+// A write that fails ends at once; the end of the connection shows in the read, after the simulator's last words.
 bool PipeTransport::send(std::span<const std::uint8_t> packet) {
     dropFinishedWrites();
-    if (state_ != TransportState::Open || unsentBytes_ + packet.size() > kMaxUnsentBytes) return false;
+    if (state_ != TransportState::kOpen || unsentBytes_ + packet.size() > kMaxUnsentBytes) return false;
     auto& write = writes_.emplace_back();
     write.bytes.assign(packet.begin(), packet.end());
     write.event.reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
@@ -133,7 +133,7 @@ void PipeTransport::end(DWORD error) {
 }
 
 void* PipeTransport::wakeHandle() const {
-    return state_ == TransportState::Open ? readEvent_.get() : nullptr;
+    return state_ == TransportState::kOpen ? readEvent_.get() : nullptr;
 }
 
 }  // namespace simconnect

@@ -28,8 +28,8 @@ class PipeTransport : public Transport {
     void* wakeHandle() const override;
 
   private:
-    // The system uses both until the write is over, so a write stays where it is until then. It has an event of its
-    // own: waiting for the pipe as such would end with any other read or write.
+    // The system uses both until the write is over, so a write stays in place until then. It has an event of its own:
+    // waiting for the pipe itself would end with any other read or write.
     struct Write {
         OVERLAPPED overlapped{};
         std::vector<std::uint8_t> bytes;
@@ -51,7 +51,7 @@ class PipeTransport : public Transport {
     std::size_t taken_ = 0;   // of them, handed out
     std::deque<Write> writes_;
     std::size_t unsentBytes_ = 0;
-    TransportState state_ = TransportState::Closed;
+    TransportState state_ = TransportState::kClosed;
     int busyTries_ = 0;
     std::string problem_;
 };

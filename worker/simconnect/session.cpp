@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* kApplication = "Corvalis";
 constexpr std::size_t kRememberedPackets = 512;  // several times what a new flight sends
-constexpr std::size_t kMaxNotes = 50;            // a connection; a simulator that complains all the time fills no log
+constexpr std::size_t kMaxNotes = 50;            // per connection: endless complaints do not fill the log
 constexpr std::uint32_t kFirstKeyEventId = 100;
 constexpr std::uint32_t kStateRequestId = 1;  // a number space of its own: answers come in another packet
 
@@ -56,24 +56,24 @@ void Session::setUp() {
     forgetReadings();
     for (std::size_t i = 0; i < plan_.keyEvents.size(); i++) {
         const auto id = kFirstKeyEventId + static_cast<std::uint32_t>(i);
-        connection_.send(encodeMapEvent(stampFor(Sent::KeyEventMap, i), id, plan_.keyEvents[i]));
+        connection_.send(encodeMapEvent(stampFor(Sent::kKeyEventMap, i), id, plan_.keyEvents[i]));
     }
     for (std::size_t i = 0; i < plan_.variables.size(); i++) {
         const auto& variable = plan_.variables[i];
-        connection_.send(encodeVariable(stampFor(Sent::Variable, i), static_cast<std::uint32_t>(i + 1), variable.name,
+        connection_.send(encodeVariable(stampFor(Sent::kVariable, i), static_cast<std::uint32_t>(i + 1), variable.name,
                                         variable.units, variable.type));
     }
     for (std::size_t i = 0; i < std::size(kSystemEvents); i++) {
-        connection_.send(encodeSubscribe(stampFor(Sent::SystemEvent, i), kSystemEvents[i].id, kSystemEvents[i].name));
+        connection_.send(encodeSubscribe(stampFor(Sent::kSystemEvent, i), kSystemEvents[i].id, kSystemEvents[i].name));
     }
     askWhetherSimRuns();
 }
 
 void Session::askWhetherSimRuns() {
-    connection_.send(encodeStateRequest(stampFor(Sent::SystemState, 0), kStateRequestId, "Sim"));
+    connection_.send(encodeStateRequest(stampFor(Sent::kSystemState, 0), kStateRequestId, "Sim"));
 }
 
-// There is no other keep-alive. A simulator that loads may be silent for long; one that is unplugged is for ever.
+// There is no other keep-alive. A loading simulator may be silent for long; an unplugged one stays silent.
 void Session::watchSilence(std::uint64_t nowMs) {
     if (nowMs - connection_.heardMs() >= kDeadMs) return connection_.drop("nothing heard for two minutes", nowMs);
     if (nowMs - std::max(connection_.heardMs(), pingedMs_) < kPingMs) return;
@@ -81,16 +81,16 @@ void Session::watchSilence(std::uint64_t nowMs) {
     askWhetherSimRuns();
 }
 
-// A variable that is missing stays so: which ones there are depends on the simulator, not on the aircraft.
+// A missing variable stays missing: which ones exist depends on the simulator, not on the aircraft.
 void Session::forgetReadings() {
     for (auto& reading : readings_) {
-        if (reading.state == Reading::State::Known) reading = {};
+        if (reading.state == Reading::State::kKnown) reading = {};
     }
     dataMs_.reset();
 }
 
-// Answers carry the number of their request, and each generation has its own: what was under way from the aircraft
-// before is not taken for the new one's.
+// Answers carry the number of their request, and each generation has its own: values still on their way from the
+// previous aircraft are not taken for the new one's.
 std::uint32_t Session::requestBase() const {
     return generation_ * static_cast<std::uint32_t>(2 * plan_.variables.size() + 1);
 }
@@ -102,36 +102,36 @@ void Session::requestAll(std::uint64_t nowMs) {
     requesting_ = true;
     requestedMs_ = nowMs;
     heartbeat_ = 0;
-    while (heartbeat_ < readings_.size() && readings_[heartbeat_].state == Reading::State::Missing) heartbeat_++;
+    while (heartbeat_ < readings_.size() && readings_[heartbeat_].state == Reading::State::kMissing) heartbeat_++;
     for (std::size_t i = 0; i < readings_.size(); i++) requestVariable(i, true);
-    requestHeartbeat(Period::VisualFrame);
+    requestHeartbeat(Period::kVisualFrame);
 }
 
 void Session::stopRequests() {
     if (!requesting_) return;
     requesting_ = false;
     for (std::size_t i = 0; i < readings_.size(); i++) requestVariable(i, false);
-    requestHeartbeat(Period::Never);
+    requestHeartbeat(Period::kNever);
 }
 
-// Changes at the end of their frame; beside that everything every five seconds, should a change ever get lost.
+// Changes at the end of their frame; besides, everything every five seconds, in case a change is ever lost.
 void Session::requestVariable(std::size_t variable, bool running) {
-    if (readings_[variable].state == Reading::State::Missing) return;
+    if (readings_[variable].state == Reading::State::kMissing) return;
     const auto define = static_cast<std::uint32_t>(variable + 1);
     const auto id = requestBase() + 2 * static_cast<std::uint32_t>(variable) + 1;
-    connection_.send(encodeDataRequest(stampFor(Sent::Request, variable),
-                                       {id, define, running ? Period::VisualFrame : Period::Never, running, 0}));
+    connection_.send(encodeDataRequest(stampFor(Sent::kRequest, variable),
+                                       {id, define, running ? Period::kVisualFrame : Period::kNever, running, 0}));
     connection_.send(encodeDataRequest(
-        stampFor(Sent::Request, variable),
-        {id + 1, define, running ? Period::Second : Period::Never, false, running ? kRereadSkip : 0}));
+        stampFor(Sent::kRequest, variable),
+        {id + 1, define, running ? Period::kSecond : Period::kNever, false, running ? kRereadSkip : 0}));
 }
 
 void Session::requestHeartbeat(Period period) {
     if (heartbeat_ >= readings_.size()) return;
     const auto id = requestBase() + static_cast<std::uint32_t>(2 * readings_.size()) + 1;
-    connection_.send(encodeDataRequest(
-        stampFor(Sent::Request, heartbeat_),
-        {id, static_cast<std::uint32_t>(heartbeat_ + 1), period, false, period == Period::Never ? 0 : kHeartbeatSkip}));
+    connection_.send(encodeDataRequest(stampFor(Sent::kRequest, heartbeat_),
+                                       {id, static_cast<std::uint32_t>(heartbeat_ + 1), period, false,
+                                        period == Period::kNever ? 0 : kHeartbeatSkip}));
 }
 
 Stamp Session::stampFor(Sent kind, std::size_t index) {
@@ -161,8 +161,8 @@ void Session::onData(const DataPacket& data, std::uint64_t nowMs) {
     if (variable == readings_.size()) return;  // a heartbeat from before the last variable turned out to be missing
     auto& reading = readings_[variable];
     const auto value = decodeValue(data.values, plan_.variables[variable].type);
-    if (!value || reading.state == Reading::State::Missing) return;
-    reading = {Reading::State::Known, *value};
+    if (!value || reading.state == Reading::State::kMissing) return;
+    reading = {Reading::State::kKnown, *value};
     dataMs_ = nowMs;
 }
 
@@ -173,7 +173,7 @@ void Session::onEvent(const EventPacket& event, std::uint64_t nowMs) {
     beginAircraft(nowMs);
 }
 
-// What held for the aircraft before no longer does, and its requests may have gone with it.
+// What held for the previous aircraft no longer does, and its requests may be gone with it.
 void Session::beginAircraft(std::uint64_t nowMs) {
     aircraft_++;
     forgetReadings();
@@ -193,44 +193,44 @@ void Session::onException(const ExceptionPacket& exception) {
                                    [&](const SentPacket& packet) { return packet.sendId == exception.sendId; });
     const auto code = "exception " + std::to_string(exception.code) + ", " + std::string(exceptionName(exception.code));
     if (exception.sendId == 0 || sent == sent_.end()) return noteOnce("the simulator reports " + code);
-    // A request for a variable that is known to be missing may well be refused too; that is no news.
-    const bool news = sent->kind != Sent::Request || readings_[sent->index].state != Reading::State::Missing;
+    // A request for a variable known to be missing may be refused too; that is not worth a note.
+    const bool news = sent->kind != Sent::kRequest || readings_[sent->index].state != Reading::State::kMissing;
     if (news) noteOnce("the simulator refuses " + describe(*sent) + " (" + code + ')');
-    if (sent->kind == Sent::KeyEventMap) keyEventKnown_[sent->index] = false;
-    if (sent->kind == Sent::Variable) onMissingVariable(sent->index);
+    if (sent->kind == Sent::kKeyEventMap) keyEventKnown_[sent->index] = false;
+    if (sent->kind == Sent::kVariable) onMissingVariable(sent->index);
 }
 
 void Session::onMissingVariable(std::size_t variable) {
-    readings_[variable] = {Reading::State::Missing, 0.0};
+    readings_[variable] = {Reading::State::kMissing, 0.0};
     if (!requesting_ || variable != heartbeat_) return;
-    while (heartbeat_ < readings_.size() && readings_[heartbeat_].state == Reading::State::Missing) heartbeat_++;
-    requestHeartbeat(Period::VisualFrame);
+    while (heartbeat_ < readings_.size() && readings_[heartbeat_].state == Reading::State::kMissing) heartbeat_++;
+    requestHeartbeat(Period::kVisualFrame);
 }
 
 bool Session::isAllRead() const {
     return std::none_of(readings_.begin(), readings_.end(),
-                        [](const Reading& reading) { return reading.state == Reading::State::Awaited; });
+                        [](const Reading& reading) { return reading.state == Reading::State::kAwaited; });
 }
 
 bool Session::sendKeyEvent(std::size_t event, std::uint32_t data) {
     if (!isOpen() || !keyEventKnown_[event]) return false;
     const auto id = kFirstKeyEventId + static_cast<std::uint32_t>(event);
-    connection_.send(encodeKeyEvent(stampFor(Sent::KeyEvent, event), id, data));
+    connection_.send(encodeKeyEvent(stampFor(Sent::kKeyEvent, event), id, data));
     return true;
 }
 
 std::string Session::describe(const SentPacket& sent) const {
     switch (sent.kind) {
-        case Sent::Variable:
+        case Sent::kVariable:
             return std::string("the variable ") + plan_.variables[sent.index].name;
-        case Sent::Request:
+        case Sent::kRequest:
             return std::string("to report ") + plan_.variables[sent.index].name;
-        case Sent::KeyEventMap:
-        case Sent::KeyEvent:
+        case Sent::kKeyEventMap:
+        case Sent::kKeyEvent:
             return std::string("the key event ") + plan_.keyEvents[sent.index];
-        case Sent::SystemEvent:
+        case Sent::kSystemEvent:
             return std::string("the system event ") + kSystemEvents[sent.index].name;
-        case Sent::SystemState:
+        case Sent::kSystemState:
             return "the system state Sim";
     }
     return {};

@@ -10,7 +10,7 @@ namespace simconnect {
 
 inline constexpr std::uint64_t kPingMs = 10'000;    // of silence; then we ask for something
 inline constexpr std::uint64_t kDeadMs = 120'000;   // of silence: loading a flight takes long, but not this long
-inline constexpr std::uint32_t kHeartbeatSkip = 3;  // frames between heartbeats: 0.8 s at 5 frames a second
+inline constexpr std::uint32_t kHeartbeatSkip = 3;  // frames between heartbeats: 0.8 s at 5 frames per second
 inline constexpr std::uint32_t kRereadSkip = 4;     // seconds between readings of what has not changed
 
 // A simulation variable. Each has a definition of its own: one that is unknown must not shift the others.
@@ -28,11 +28,11 @@ struct SessionPlan {
 
 struct Reading {
     enum class State : std::uint8_t {
-        Awaited,  // not read since the flight or the aircraft began
-        Known,
-        Missing,  // the simulator does not know the variable
+        kAwaited,  // not read since the flight or the aircraft began
+        kKnown,
+        kMissing,  // the simulator does not know the variable
     };
-    State state = State::Awaited;
+    State state = State::kAwaited;
     double value = 0.0;  // if known
 };
 
@@ -42,7 +42,7 @@ class Session {
 
     void poll(std::uint64_t nowMs);
 
-    bool isOpen() const { return connection_.state() == ConnectionState::Open; }
+    bool isOpen() const { return connection_.state() == ConnectionState::kOpen; }
     // One line while it is not open.
     std::string status() const { return connection_.status(); }
 
@@ -53,9 +53,9 @@ class Session {
     std::uint32_t aircraft() const { return aircraft_; }
 
     const Reading& reading(std::size_t variable) const { return readings_[variable]; }
-    // Nothing is awaited any more.
+    // Nothing is awaited any longer.
     bool isAllRead() const;
-    // When the readings were last asked for, and last confirmed by any data; nothing before the first data.
+    // When the readings were last requested, and last confirmed by any data; nothing before the first data.
     std::uint64_t requestedMs() const { return requestedMs_; }
     std::optional<std::uint64_t> dataMs() const { return dataMs_; }
 
@@ -67,7 +67,7 @@ class Session {
     std::vector<std::string> takeNotes() { return std::exchange(notes_, {}); }
 
   private:
-    enum class Sent : std::uint8_t { Variable, KeyEventMap, Request, KeyEvent, SystemEvent, SystemState };
+    enum class Sent : std::uint8_t { kVariable, kKeyEventMap, kRequest, kKeyEvent, kSystemEvent, kSystemState };
     struct SentPacket {
         std::uint32_t sendId;
         Sent kind;
@@ -98,13 +98,13 @@ class Session {
 
     Connection connection_;
     SessionPlan plan_;
-    std::uint32_t openings_ = 0;  // the connection's count that everything below is about
+    std::uint32_t openings_ = 0;  // the opening of the connection that everything below belongs to
     std::vector<Reading> readings_;
     std::vector<bool> keyEventKnown_;
     std::deque<SentPacket> sent_;  // the latest, for exceptions that refer to them
     std::optional<bool> simRunning_;
     bool requesting_ = false;
-    std::uint32_t generation_ = 0;  // of requests: answers to older ones are not ours any more
+    std::uint32_t generation_ = 0;  // of requests: answers to older ones are no longer ours
     std::size_t heartbeat_ = 0;     // the variable that is sent every few frames, changed or not
     std::uint64_t requestedMs_ = 0;
     std::optional<std::uint64_t> dataMs_;

@@ -15,14 +15,14 @@ constexpr double kSilence = 0.005;  // a volume below this is 0
 // A known value; nothing while it is awaited or if the simulator does not know it.
 std::optional<double> valueOf(const Session& session, std::size_t radio, ComVariable variable) {
     const auto& reading = session.reading(variableOf(radio, variable));
-    return reading.state == Reading::State::Known ? std::optional(reading.value) : std::nullopt;
+    return reading.state == Reading::State::kKnown ? std::optional(reading.value) : std::nullopt;
 }
 
 bool isAwaited(const Session& session, std::size_t radio, ComVariable variable) {
-    return session.reading(variableOf(radio, variable)).state == Reading::State::Awaited;
+    return session.reading(variableOf(radio, variable)).state == Reading::State::kAwaited;
 }
 
-// Rounded, since the simulator's 118.005 may be 118.00499; 0 outside the band and for no number at all.
+// Rounded, since the simulator's 118.005 may be 118.00499; 0 outside the band and if it is not a number.
 std::int32_t toKHz(std::optional<double> mhz) {
     const double khz = std::round(mhz.value_or(0.0) * 1000.0);
     return khz >= kBandMinKHz && khz <= kBandMaxKHz ? static_cast<std::int32_t>(khz) : 0;
@@ -34,29 +34,29 @@ std::int32_t toSpacing(std::optional<double> mode) {
 }
 
 double toVolume(std::optional<double> percent) {
-    constexpr double kSlack = 0.5;  // arithmetic on the way: 100.0000001 is full
+    constexpr double kSlack = 0.5;  // rounding errors on the way: 100.0000001 is full
     if (!percent || !(*percent >= -kSlack && *percent <= 100.0 + kSlack)) return -1.0;
     return std::clamp(*percent, 0.0, 100.0) / 100.0;
 }
 
 // What a write to the slot would change.
-std::pair<double, double> shown(const ComRadio& radio, RadioSlot slot) {
+std::pair<double, double> shown(const RadioReading& radio, RadioSlot slot) {
     switch (slot) {
         case kSlotActive:
-            return {radio.activeKHz, 0.0};
+            return {radio.active, 0.0};
         case kSlotStandby:
-            return {radio.standbyKHz, 0.0};
+            return {radio.standby, 0.0};
         case kSlotVolume:
             return {radio.volume, 0.0};
         case kSlotSwap:
-            return {radio.activeKHz, radio.standbyKHz};
+            return {radio.active, radio.standby};
     }
     return {};
 }
 
-std::string shownText(const ComRadio& radio, RadioSlot slot) {
+std::string shownText(const RadioReading& radio, RadioSlot slot) {
     if (slot == kSlotVolume) return percentText(radio.volume);
-    return mhzText(slot == kSlotStandby ? radio.standbyKHz : radio.activeKHz);
+    return mhzText(slot == kSlotStandby ? radio.standby : radio.active);
 }
 
 std::uint32_t eventData(const RadioWrite& write) {
@@ -65,10 +65,10 @@ std::uint32_t eventData(const RadioWrite& write) {
     return static_cast<std::uint32_t>(std::lround(write.value * scale));
 }
 
-bool isReadable(const ComRadio& radio, RadioSlot slot) {
+bool isReadable(const RadioReading& radio, RadioSlot slot) {
     if (slot == kSlotVolume) return radio.volume >= 0.0;
-    if (slot == kSlotSwap) return radio.activeKHz > 0 && radio.standbyKHz > 0;
-    return radio.spacing >= 0 && (slot == kSlotActive ? radio.activeKHz : radio.standbyKHz) > 0;
+    if (slot == kSlotSwap) return radio.active > 0 && radio.standby > 0;
+    return radio.spacing >= 0 && (slot == kSlotActive ? radio.active : radio.standby) > 0;
 }
 
 }  // namespace
@@ -126,18 +126,18 @@ SimSnapshot SimConnectLink::describe(std::uint64_t nowMs) const {
     for (std::size_t radio = 0; radio < kRadioCount; radio++) {
         const auto& shownRadio = sim.radios[radio] = describeRadio(radio);
         any = any || shownRadio.spacing >= 0;
-        all25 = all25 && (shownRadio.spacing == kSpacing25 || shownRadio.activeKHz == 0);
+        all25 = all25 && (shownRadio.spacing == kSpacing25 || shownRadio.active == 0);
     }
     sim.rangeMaxKHz = any && all25 ? kBandMax25KHz : kBandMaxKHz;
     return sim;
 }
 
-ComRadio SimConnectLink::describeRadio(std::size_t radio) const {
-    ComRadio values;
+RadioReading SimConnectLink::describeRadio(std::size_t radio) const {
+    RadioReading values;
     const auto fault = condition(radio);
     if (fault == kNotFitted) return values;
-    values.activeKHz = toKHz(valueOf(session_, radio, kComActive));
-    values.standbyKHz = toKHz(valueOf(session_, radio, kComStandby));
+    values.active = toKHz(valueOf(session_, radio, kComActive));
+    values.standby = toKHz(valueOf(session_, radio, kComStandby));
     values.spacing = toSpacing(valueOf(session_, radio, kComSpacing));
     values.volume = toVolume(valueOf(session_, radio, kComVolume));
     for (std::size_t i = 0; i < kSlotCount && fault.empty(); i++) {
@@ -148,8 +148,8 @@ ComRadio SimConnectLink::describeRadio(std::size_t radio) const {
     return values;
 }
 
-// What keeps the radio from being used; empty if nothing does. Where one of the two variables is missing in the
-// simulator the other one decides.
+// What makes the radio unusable; empty if nothing does. If the simulator lacks one of the two variables, the other one
+// decides.
 std::string_view SimConnectLink::condition(std::size_t radio) const {
     const auto available = valueOf(session_, radio, kComAvailable);
     const auto status = valueOf(session_, radio, kComStatus);
@@ -181,8 +181,8 @@ bool SimConnectLink::write(const RadioWrite& write, std::uint64_t) {
     return session_.sendKeyEvent(keyEventOf(write.radio, write.slot), eventData(write));
 }
 
-// Volume goes in whole percent. At 0 a knob that is the power switch as well would switch the radio off for good: a
-// radio without power takes no volume any more. So 1 % is the least, until this one has been seen to stay on at 0.
+// Volume goes in whole percent. At 0 a knob that is also the power switch would switch the radio off for good: a radio
+// without power takes no volume. So 1 % is the least, until this radio has been seen to stay on at 0.
 RadioWrite SimConnectLink::adjusted(const RadioWrite& write) const {
     if (write.slot != kSlotVolume) return write;
     auto sent = write;
@@ -191,8 +191,8 @@ RadioWrite SimConnectLink::adjusted(const RadioWrite& write) const {
     return sent;
 }
 
-// Only a slot where nothing moved counts as ignored: an aircraft that rounds to its own steps does listen. One without
-// power by now could not.
+// Only a slot where nothing moved counts as ignored: an aircraft that rounds to its own steps does obey. A radio that
+// has lost power by now could not.
 std::string SimConnectLink::noteReadback(const RadioWrite& write, bool seen) {
     auto& ignored = learnt_[write.radio].ignored[write.slot];
     auto& radio = snapshot_.radios[write.radio];

@@ -12,9 +12,9 @@
 namespace simconnect {
 
 inline constexpr std::uint64_t kFreshMs = 1000;      // older data is no telemetry
-inline constexpr std::uint64_t kFirstReadMs = 1500;  // then what has been read has to do
-inline constexpr std::uint64_t kSilentMs = 2000;  // a radio at volume 0 that still has power after this long keeps it
-inline constexpr std::uint64_t kRestMs = 200;     // data wakes us; this is for retries and for data that stays out
+inline constexpr std::uint64_t kFirstReadMs = 1500;  // after that, what has been read must do
+inline constexpr std::uint64_t kSilentMs = 2000;  // a radio that has power this long after going to volume 0 keeps it
+inline constexpr std::uint64_t kRestMs = 200;     // data wakes us; this is for retries and for missing data
 inline constexpr int kIgnoredWrites = 2;          // in a row; then the slot is not writable in this aircraft
 
 class SimConnectLink : public SimLink {
@@ -30,25 +30,25 @@ class SimConnectLink : public SimLink {
     std::uint64_t restMs() const override { return kRestMs; }
 
   private:
-    // What this aircraft has taught us about a radio.
+    // What we have learnt about a radio of this aircraft.
     struct Learnt {
         std::array<int, kSlotCount> ignored{};  // writes in a row without effect
-        std::uint64_t silentSinceMs = 0;        // at volume 0 with power; 0 = is not
+        std::uint64_t silentSinceMs = 0;        // at volume 0 with power; 0 = it is not
         bool staysOnAtZero = false;             // has been seen at volume 0 with power for a while
     };
 
     std::string groundStatus(std::uint64_t nowMs) const;
     void learn(std::uint64_t nowMs);
     SimSnapshot describe(std::uint64_t nowMs) const;
-    ComRadio describeRadio(std::size_t radio) const;
+    RadioReading describeRadio(std::size_t radio) const;
     std::string_view condition(std::size_t radio) const;
     std::string radioStatus() const;
 
     std::unique_ptr<Transport> transport_;  // never null
     Session session_;
-    std::uint32_t aircraft_ = 0;  // the session's number of the aircraft that learnt_ is about
+    std::uint32_t aircraft_ = 0;  // the session's number for the aircraft that learnt_ belongs to
     std::array<Learnt, kRadioCount> learnt_;
-    std::array<ComRadio, kRadioCount> atWrite_;  // each radio as it was when last written to
+    std::array<RadioReading, kRadioCount> atWrite_;  // each radio as it was when last written to
     SimSnapshot snapshot_;
 };
 

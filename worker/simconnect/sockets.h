@@ -1,4 +1,4 @@
-// sockets.h - the few socket calls that a TCP connection needs, none of which blocks but lookUp.
+// sockets.h - the few socket calls that a TCP connection needs; none blocks except lookUp.
 // tcp_win.cpp has them for Windows, tcp_posix.cpp for everything else.
 #pragma once
 #include <array>
@@ -27,10 +27,10 @@ class Sockets {
 };
 
 // [any] The addresses of the host, in the order to try them. With literalOnly a name gives none and nothing blocks;
-// otherwise this asks the network and may take many seconds.
+// otherwise the network is asked, which may take many seconds.
 std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly);
 
-enum class SocketProgress { Pending, Ready, Failed };
+enum class SocketProgress { kPending, kReady, kFailed };
 
 // One TCP connection; closed when it goes. Does not delay small packets.
 class Socket {

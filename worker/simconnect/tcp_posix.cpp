@@ -44,27 +44,27 @@ bool Socket::startConnect(const NetAddress& address) {
 }
 
 SocketProgress Socket::connectProgress() {
-    if (handle_ < 0) return SocketProgress::Failed;
+    if (handle_ < 0) return SocketProgress::kFailed;
     pollfd ready{descriptor(handle_), POLLOUT, 0};
-    if (::poll(&ready, 1, 0) == 0) return SocketProgress::Pending;
+    if (::poll(&ready, 1, 0) == 0) return SocketProgress::kPending;
     int error = 0;
     socklen_t length = sizeof error;
     const bool asked = getsockopt(descriptor(handle_), SOL_SOCKET, SO_ERROR, &error, &length) == 0;
-    return asked && error == 0 ? SocketProgress::Ready : SocketProgress::Failed;
+    return asked && error == 0 ? SocketProgress::kReady : SocketProgress::kFailed;
 }
 
 SocketProgress Socket::receive(std::span<std::uint8_t> into, std::size_t& count) {
     const auto result = ::recv(descriptor(handle_), into.data(), into.size(), 0);
-    if (result < 0) return isJustNotNow(errno) ? SocketProgress::Pending : SocketProgress::Failed;
+    if (result < 0) return isJustNotNow(errno) ? SocketProgress::kPending : SocketProgress::kFailed;
     count = static_cast<std::size_t>(result);
-    return count > 0 ? SocketProgress::Ready : SocketProgress::Failed;
+    return count > 0 ? SocketProgress::kReady : SocketProgress::kFailed;
 }
 
 SocketProgress Socket::send(std::span<const std::uint8_t> bytes, std::size_t& count) {
     const auto result = ::send(descriptor(handle_), bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    if (result < 0) return isJustNotNow(errno) ? SocketProgress::Pending : SocketProgress::Failed;
+    if (result < 0) return isJustNotNow(errno) ? SocketProgress::kPending : SocketProgress::kFailed;
     count = static_cast<std::size_t>(result);
-    return SocketProgress::Ready;
+    return SocketProgress::kReady;
 }
 
 void Socket::close() {

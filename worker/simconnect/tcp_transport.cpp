@@ -7,9 +7,9 @@
 
 namespace simconnect {
 
-// The lookup may outlast the transport and even its next connection; whoever lets go last frees it.
+// The lookup may outlast the transport and even its next connection; the last to let go frees it.
 struct TcpTransport::Lookup {
-    Mutex mutex;  // the worker's thread and the lookup's own one, for one assignment
+    Mutex mutex;  // for one assignment, by the worker's thread or the lookup's own
     bool done GUARDED_BY(mutex) = false;
     std::vector<NetAddress> found GUARDED_BY(mutex);
 };
@@ -22,11 +22,11 @@ TcpTransport::~TcpTransport() = default;
 void TcpTransport::connect() {
     close();
     problem_.clear();
-    state_ = TransportState::Connecting;
+    state_ = TransportState::kConnecting;
     untried_ = lookUp_(address_, true);
     std::reverse(untried_.begin(), untried_.end());
     if (!untried_.empty()) return tryNextAddress();
-    if (lookup_) return;  // still at it for the connection before
+    if (lookup_) return;  // the previous connection's lookup is still running
     lookup_ = std::make_shared<Lookup>();
     try {
         std::thread([lookup = lookup_, lookUp = lookUp_, address = address_] {
@@ -45,17 +45,17 @@ void TcpTransport::close() {
     socket_.close();
     unsent_.clear();
     untried_.clear();
-    state_ = TransportState::Closed;
+    state_ = TransportState::kClosed;
 }
 
 TransportState TcpTransport::poll() {
-    if (state_ == TransportState::Connecting && lookup_) takeAddresses();
-    if (state_ == TransportState::Connecting && !lookup_) {
+    if (state_ == TransportState::kConnecting && lookup_) takeAddresses();
+    if (state_ == TransportState::kConnecting && !lookup_) {
         const auto progress = socket_.connectProgress();
-        if (progress == SocketProgress::Ready) state_ = TransportState::Open;
-        if (progress == SocketProgress::Failed) tryNextAddress();
+        if (progress == SocketProgress::kReady) state_ = TransportState::kOpen;
+        if (progress == SocketProgress::kFailed) tryNextAddress();
     }
-    if (state_ == TransportState::Open) flush();
+    if (state_ == TransportState::kOpen) flush();
     return state_;
 }
 
@@ -71,7 +71,7 @@ void TcpTransport::takeAddresses() {
     tryNextAddress();
 }
 
-// Nobody listening is not worth a word: the simulator is just not running.
+// Nobody listening is not reported as a problem: the simulator is just not running.
 void TcpTransport::tryNextAddress() {
     while (!untried_.empty()) {
         const auto address = untried_.back();
@@ -83,26 +83,26 @@ void TcpTransport::tryNextAddress() {
 }
 
 std::size_t TcpTransport::receive(std::span<std::uint8_t> into) {
-    if (state_ != TransportState::Open) return 0;
+    if (state_ != TransportState::kOpen) return 0;
     std::size_t count = 0;
     const auto progress = socket_.receive(into, count);
-    if (progress == SocketProgress::Failed) end({});
-    return progress == SocketProgress::Ready ? count : 0;
+    if (progress == SocketProgress::kFailed) end({});
+    return progress == SocketProgress::kReady ? count : 0;
 }
 
 bool TcpTransport::send(std::span<const std::uint8_t> packet) {
-    if (state_ != TransportState::Open || unsent_.size() + packet.size() > kMaxUnsentBytes) return false;
+    if (state_ != TransportState::kOpen || unsent_.size() + packet.size() > kMaxUnsentBytes) return false;
     unsent_.insert(unsent_.end(), packet.begin(), packet.end());
     flush();
-    return state_ == TransportState::Open;
+    return state_ == TransportState::kOpen;
 }
 
 void TcpTransport::flush() {
     while (!unsent_.empty()) {
         std::size_t count = 0;
         const auto progress = socket_.send(unsent_, count);
-        if (progress == SocketProgress::Failed) return end({});
-        if (progress == SocketProgress::Pending) return;
+        if (progress == SocketProgress::kFailed) return end({});
+        if (progress == SocketProgress::kPending) return;
         unsent_.erase(unsent_.begin(), unsent_.begin() + static_cast<std::ptrdiff_t>(count));
     }
 }
@@ -113,7 +113,7 @@ void TcpTransport::end(std::string problem) {
 }
 
 void* TcpTransport::wakeHandle() const {
-    return state_ == TransportState::Closed ? nullptr : socket_.wakeHandle();
+    return state_ == TransportState::kClosed ? nullptr : socket_.wakeHandle();
 }
 
 }  // namespace simconnect

@@ -1,5 +1,5 @@
 // tcp_transport.h - a simulator on another computer. Looks the name up on a thread of its own, tries the addresses one
-// after the other and keeps what the network has no room for yet.
+// after the other and keeps what the network cannot take yet.
 #pragma once
 #include <functional>
 #include <memory>
@@ -10,7 +10,7 @@
 
 namespace simconnect {
 
-// As lookUp (sockets.h) does it. Called from this thread and from one of its own, which may outlast the transport.
+// Like lookUp (sockets.h). Called on this thread and on one of its own, which may outlast the transport.
 using AddressLookUp = std::function<std::vector<NetAddress>(const HostPort& address, bool literalOnly)>;
 
 class TcpTransport : public Transport {
@@ -42,7 +42,7 @@ class TcpTransport : public Transport {
     std::shared_ptr<Lookup> lookup_;
     std::vector<NetAddress> untried_;  // the last one is next
     Socket socket_;
-    TransportState state_ = TransportState::Closed;
+    TransportState state_ = TransportState::kClosed;
     std::vector<std::uint8_t> unsent_;
     std::string problem_;
 };

@@ -12,14 +12,14 @@ SOCKET socketOf(std::intptr_t handle) {
 
 // What a failed call means: not just now, or never again.
 SocketProgress failure() {
-    return WSAGetLastError() == WSAEWOULDBLOCK ? SocketProgress::Pending : SocketProgress::Failed;
+    return WSAGetLastError() == WSAEWOULDBLOCK ? SocketProgress::kPending : SocketProgress::kFailed;
 }
 
 }  // namespace
 
 Sockets::Sockets() {
     WSADATA data;
-    WSAStartup(MAKEWORD(2, 2), &data);  // should it fail, so will every call below
+    WSAStartup(MAKEWORD(2, 2), &data);  // if it fails, so will every call below
 }
 
 Sockets::~Sockets() {
@@ -42,7 +42,7 @@ bool Socket::startConnect(const NetAddress& address) {
     const bool evented = WSAEventSelect(made, event_, FD_CONNECT | FD_READ | FD_WRITE | FD_CLOSE) == 0;
     const auto* to = reinterpret_cast<const sockaddr*>(address.bytes.data());
     if (evented &&
-        (::connect(made, to, static_cast<int>(address.length)) == 0 || failure() == SocketProgress::Pending)) {
+        (::connect(made, to, static_cast<int>(address.length)) == 0 || failure() == SocketProgress::kPending)) {
         return true;
     }
     close();
@@ -50,25 +50,25 @@ bool Socket::startConnect(const NetAddress& address) {
 }
 
 SocketProgress Socket::connectProgress() {
-    if (handle_ == -1) return SocketProgress::Failed;
+    if (handle_ == -1) return SocketProgress::kFailed;
     fd_set writable, failed;
     FD_ZERO(&writable);
     FD_ZERO(&failed);
     FD_SET(socketOf(handle_), &writable);
     FD_SET(socketOf(handle_), &failed);
     timeval now{};
-    if (select(0, nullptr, &writable, &failed, &now) == 0) return SocketProgress::Pending;
-    return FD_ISSET(socketOf(handle_), &writable) ? SocketProgress::Ready : SocketProgress::Failed;
+    if (select(0, nullptr, &writable, &failed, &now) == 0) return SocketProgress::kPending;
+    return FD_ISSET(socketOf(handle_), &writable) ? SocketProgress::kReady : SocketProgress::kFailed;
 }
 
-// The event is taken back first: what comes after that sets it again.
+// The event is reset first: whatever arrives after that sets it again.
 SocketProgress Socket::receive(std::span<std::uint8_t> into, std::size_t& count) {
     WSAResetEvent(event_);
     const int result =
         ::recv(socketOf(handle_), reinterpret_cast<char*>(into.data()), static_cast<int>(into.size()), 0);
     if (result < 0) return failure();
     count = static_cast<std::size_t>(result);
-    return count > 0 ? SocketProgress::Ready : SocketProgress::Failed;
+    return count > 0 ? SocketProgress::kReady : SocketProgress::kFailed;
 }
 
 SocketProgress Socket::send(std::span<const std::uint8_t> bytes, std::size_t& count) {
@@ -76,7 +76,7 @@ SocketProgress Socket::send(std::span<const std::uint8_t> bytes, std::size_t& co
         ::send(socketOf(handle_), reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()), 0);
     if (result < 0) return failure();
     count = static_cast<std::size_t>(result);
-    return SocketProgress::Ready;
+    return SocketProgress::kReady;
 }
 
 void Socket::close() {

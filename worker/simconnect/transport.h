@@ -10,27 +10,27 @@ namespace simconnect {
 
 inline constexpr std::size_t kMaxUnsentBytes = 262'144;  // ten times what a session sends at its start
 
-enum class TransportState { Closed, Connecting, Open };
+enum class TransportState { kClosed, kConnecting, kOpen };
 
 class Transport {
   public:
     virtual ~Transport() = default;
 
-    // Begins a new connection; one that is there already is closed first.
+    // Begins a new connection; closes an existing one first.
     virtual void connect() = 0;
     virtual void close() = 0;
 
-    // Moves a connection that is being made on. Closed: never connected, failed, or ended by the other side.
+    // Advances a connection that is being made. Closed: never connected, failed, or ended by the other side.
     virtual TransportState poll() = 0;
 
     // Takes up to into.size() bytes that have arrived; 0 = none just now, or none any more.
     virtual std::size_t receive(std::span<std::uint8_t> into) = 0;
 
-    // Takes the whole packet and sends it as soon as the other side has room. False if the connection is gone, or has
-    // not taken anything for so long that too much is waiting.
+    // Takes the whole packet and sends it as soon as the other side can take it. False if the connection is gone, or
+    // has taken nothing for so long that too much is waiting.
     virtual bool send(std::span<const std::uint8_t> packet) = 0;
 
-    // Why it is closed, in plain English; empty if there is simply nobody to connect to.
+    // Why it is closed, in plain English; empty if there is nobody to connect to.
     virtual std::string problem() const = 0;
 
     // Something the system can wait for, signalled when bytes have arrived: an event handle, or null.

@@ -9,7 +9,7 @@
 #include <functional>
 #include <string>
 #include <vector>
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "tests/client/circuit/flight_record.h"
 #include "tests/client/circuit/lamp_watch_win.h"
 #include "tests/client/host_model.h"

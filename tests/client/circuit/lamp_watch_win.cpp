@@ -26,7 +26,7 @@ const std::array<PanelLamp, 3>& LampWatch::look() {
     const float scale = static_cast<float>(place.right - place.left) / layout_.width;
     const HDC screen = GetDC(nullptr);
     for (std::size_t i = 0; i < lamps_.size(); i++) {
-        const PanelRect& glass = glasses_[i];
+        const UnitRect& glass = glasses_[i];
         const float x = (glass.x + glass.width / 2.0f - layout_.origin.x) * scale;
         const float y = (glass.y + glass.height / 2.0f - layout_.origin.y) * scale;
         lamps_[i].isLit =

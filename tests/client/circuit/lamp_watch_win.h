@@ -19,6 +19,6 @@ class LampWatch {
 
   private:
     const ThemeLayout& layout_;
-    std::array<PanelRect, 3> glasses_;
+    std::array<UnitRect, 3> glasses_;
     std::array<PanelLamp, 3> lamps_{{{"TX"}, {"RX"}, {"TEXT"}}};
 };

@@ -11,7 +11,7 @@
 #include <cstring>
 #include "base/clock_win.h"
 #include "base/number_text.h"
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "tests/client/circuit/flight_plan.h"
 #include "tests/client/circuit/voice_client_win.h"
 #include "tests/client/test_machine_win.h"

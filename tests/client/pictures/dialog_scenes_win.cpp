@@ -27,7 +27,7 @@ void openDialog(Stage& stage) {
 template <int kPage>
 void openPage(Stage& stage) {
     openDialog(stage);
-    DialogDriver(findDialog(), kPage).command(kFirstTab + kPage);
+    DialogDriver(findDialog(), kPage).command(kGeneralTab + kPage);
 }
 
 void pressAndFocus(Stage& stage) {

@@ -77,7 +77,7 @@ void holdKnob(Stage& stage) {
 
 // --- what the panel shows, in its own picture ---
 
-PixelRect pixelsOf(const Stage& stage, const PanelRect& part) {
+PixelRect pixelsOf(const Stage& stage, const UnitRect& part) {
     const POINT first = stage.panel.toClient({part.x, part.y});
     const POINT last = stage.panel.toClient({part.x + part.width, part.y + part.height});
     return {static_cast<std::int32_t>(first.x), static_cast<std::int32_t>(first.y), static_cast<std::int32_t>(last.x),
@@ -85,7 +85,7 @@ PixelRect pixelsOf(const Stage& stage, const PanelRect& part) {
 }
 
 // Another picture than before the act in this part of the theme's layout.
-bool isChanged(const Stage& stage, const PanelRect& part) {
+bool isChanged(const Stage& stage, const UnitRect& part) {
     const ArgbImage now = askForPicture(stage.panel.window());
     const PixelRect area = pixelsOf(stage, part);
     return now.pixels.size() == stage.before.pixels.size() &&
@@ -99,7 +99,7 @@ bool isElementChanged(const Stage& stage, std::int32_t element) {
 
 // The left one: the right one is about the channel.
 bool isStatusChanged(const Stage& stage) {
-    PanelRect line = themeLayout(stage.theme).statusStrip;
+    UnitRect line = themeLayout(stage.theme).statusStrip;
     line.width /= 2;
     return isChanged(stage, line);
 }

@@ -9,7 +9,7 @@
 TEST(VoiceHookThreads, MayRunOnThreadsOfTheirOwnWhileTheSettingsChange) {
     MemoryFiles files;
     SettingsStore settings(files);
-    BridgeOutputs bridge;
+    VoiceLevels bridge;
     const auto play = [&](std::uint32_t seed) {
         Hooks hooks;
         VoiceBlocks blocks(seed);
@@ -39,7 +39,7 @@ TEST(VoiceHookThreads, BeginAfreshWithEachSwitchThatIsToggledWhileTheyRun) {
     constexpr std::uint32_t kToggles = 20;
     MemoryFiles files;
     SettingsStore settings(files);
-    const BridgeOutputs bridge;
+    const VoiceLevels bridge;
     std::atomic<std::uint32_t> seen[2] = {0, 0};  // by each thread, stored after the block; the toggles wait for it
     std::atomic<bool> isSpeaking{true};
     const auto speak = [&](std::atomic<std::uint32_t>& mine) {
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(Seeds, VoiceSession, ::testing::Range(1U, 7U));
 TEST(VoiceControls, AreWhatSettingsAndBridgePublish) {
     MemoryFiles files;
     SettingsStore settings(files);
-    BridgeOutputs bridge;
+    VoiceLevels bridge;
     const VoiceControls first = loadVoiceControls(settings, bridge);
     EXPECT_EQ(first.audioFlags, 7U);
     EXPECT_EQ(first.transmitGain, 1.0f);

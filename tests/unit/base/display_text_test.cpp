@@ -1,5 +1,6 @@
 #include "base/display_text.h"
 #include <gtest/gtest.h>
+#include "base/utf8.h"
 
 namespace {
 

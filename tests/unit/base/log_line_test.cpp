@@ -1,5 +1,6 @@
 #include "base/log_line.h"
 #include <gtest/gtest.h>
+#include "base/utf8.h"
 #include "tests/client/host_model.h"
 #include "tests/unit/fakes.h"
 

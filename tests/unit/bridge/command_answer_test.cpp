@@ -43,7 +43,7 @@ TEST_F(CommandAnswer, AnAcknowledgementSetsNoStatusOfItsOwn) {
     for (const bool ok : {true, false}) {
         writeNow(1, kSlotActive, 121500.0);
         acknowledge(ok);
-        setStatusText(sim, "what the worker said");
+        setStatusText(radios.status, "what the worker said");
         process();
         EXPECT_EQ(size(), 0U);
         EXPECT_EQ(status(), "what the worker said");
@@ -146,7 +146,7 @@ TEST_F(CommandAnswer, ALostBridgeEmptiesTheQueueAndWritesNothing) {
     add(1, kSlotActive, 121500.0);
     add(2, kSlotSwap, 0.0);
     connect(false);
-    setStatusText(sim, "DISCONNECTED");
+    setStatusText(radios.status, "DISCONNECTED");
     processAfter(300);
     EXPECT_EQ(size(), 0U);
     EXPECT_EQ(writes(), 0);

@@ -192,12 +192,12 @@ TEST_F(CommandQueueTest, AMergedTurnStartsTheQuietTimeAnew) {
 }
 
 TEST_F(CommandQueueTest, TheNewestCommandOfASlotIsThePendingOne) {
-    EXPECT_FALSE(pendingCommand(queue, 1, kSlotStandby).has_value());
+    EXPECT_FALSE(pendingCommand(copyCommands(queue), 1, kSlotStandby).has_value());
     add(1, kSlotStandby, 121500.0);
     processAfter(300);
     add(1, kSlotStandby, 121600.0);
-    ASSERT_TRUE(pendingCommand(queue, 1, kSlotStandby).has_value());
-    EXPECT_EQ(pendingCommand(queue, 1, kSlotStandby)->value, 121600.0);
-    EXPECT_FALSE(pendingCommand(queue, 1, kSlotActive).has_value());
-    EXPECT_FALSE(pendingCommand(queue, 2, kSlotStandby).has_value());
+    ASSERT_TRUE(pendingCommand(copyCommands(queue), 1, kSlotStandby).has_value());
+    EXPECT_EQ(pendingCommand(copyCommands(queue), 1, kSlotStandby)->value, 121600.0);
+    EXPECT_FALSE(pendingCommand(copyCommands(queue), 1, kSlotActive).has_value());
+    EXPECT_FALSE(pendingCommand(copyCommands(queue), 2, kSlotStandby).has_value());
 }

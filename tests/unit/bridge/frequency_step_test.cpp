@@ -18,7 +18,7 @@ class FrequencyStep : public QueueTest {
     }
     // The value on its way to COM1 ACTIVE; 0 = none.
     double queued() {
-        const auto pending = pendingCommand(queue, 1, kSlotActive);
+        const auto pending = pendingCommand(copyCommands(queue), 1, kSlotActive);
         return pending ? pending->value : 0.0;
     }
     void expectRefused() {

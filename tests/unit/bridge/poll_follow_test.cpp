@@ -1,5 +1,6 @@
 // When the poll loop follows a frequency, driven pass by pass, 50 ms apart.
 #include <gtest/gtest.h>
+#include "exchange/command_text.h"
 #include "tests/unit/bridge/rig.h"
 
 namespace {
@@ -168,7 +169,7 @@ TEST_F(PollFollow, AnUnknownFrequencyIsNotFollowed) {
 TEST_F(PollFollow, TheUsersOwnWriteHoldsTheFollowingUntil350MsAfterIt) {
     rig.host.setMoveRule({MoveAnswer::kSilence});
     rig.passFor(1000);
-    ASSERT_TRUE(enqueue(rig.commands, rig.sim, 1, kSlotStandby, 121525.0, -1.0f, rig.clock.tickMs()));
+    ASSERT_TRUE(enqueue(rig.radios, 1, kSlotStandby, 121525.0, -1.0f, rig.clock.tickMs()));
     EXPECT_EQ(looksIn(2000), Times{});  // queued, then written and not answered
     const std::string text = rig.files.text(pathOf(kCommandFile));
     const auto id = text.substr(7, text.find('"', 7) - 7);
@@ -181,7 +182,7 @@ TEST_F(PollFollow, TheUsersOwnWriteHoldsTheFollowingUntil350MsAfterIt) {
 TEST_F(PollFollow, ATurnIsQuietFor350MsEvenWhenItsCommandIsGone) {
     rig.host.setMoveRule({MoveAnswer::kSilence});
     rig.passFor(1000);
-    ASSERT_TRUE(enqueue(rig.commands, rig.sim, 1, kSlotSwap, 0.0, -1.0f, rig.clock.tickMs()));
+    ASSERT_TRUE(enqueue(rig.radios, 1, kSlotSwap, 0.0, -1.0f, rig.clock.tickMs()));
     const auto turnedAt = now();
     {
         MutexLock lock(rig.commands.mutex);
@@ -210,7 +211,7 @@ TEST_F(PollFollow, TheFollowedSlotIsTheOneOfTheSettings) {
 
 TEST_F(PollFollow, AQueuedCommandIsWrittenByThePassesAndDropsWithTheBridge) {
     rig.passFor(100);
-    ASSERT_TRUE(enqueue(rig.commands, rig.sim, 1, kSlotStandby, 121525.0, -1.0f, rig.clock.tickMs()));
+    ASSERT_TRUE(enqueue(rig.radios, 1, kSlotStandby, 121525.0, -1.0f, rig.clock.tickMs()));
     rig.passFor(300);
     EXPECT_FALSE(rig.files.has(pathOf(kCommandFile)));
     rig.pass();

@@ -1,14 +1,15 @@
 // What a pass publishes besides the following: receive gain, own talk, tails, capture mode.
 #include <gtest/gtest.h>
 #include "audio/capture_mode.h"
+#include "exchange/command_text.h"
 #include "tests/unit/bridge/rig.h"
 
 namespace {
 
 class PollOutputs : public testing::Test {
   protected:
-    float gain() const { return rig.outputs.ReceiveGain; }
-    std::int32_t captureMode() const { return rig.outputs.CaptureMode; }
+    float gain() const { return rig.voice.ReceiveGain; }
+    std::int32_t captureMode() const { return rig.voice.CaptureMode; }
     int readsIn(std::uint64_t ms) {  // besides the telemetry
         const int before = rig.files.reads;
         rig.passFor(ms);
@@ -52,7 +53,7 @@ TEST_F(PollOutputs, AVolumeAcknowledgedInThisPassCountsInItAlready) {
     rig.change([](Settings& live) { live.receive_volume = 100.0f; });
     rig.pass();
     EXPECT_NEAR(gain(), 0.75 * 1.99526, 1e-4);
-    ASSERT_TRUE(enqueue(rig.commands, rig.sim, 1, kSlotVolume, 0.4, 40.0f, rig.clock.tickMs()));
+    ASSERT_TRUE(enqueue(rig.radios, 1, kSlotVolume, 0.4, 40.0f, rig.clock.tickMs()));
     rig.passFor(350);
     const std::string text = rig.files.text(pathOf(kCommandFile));
     const auto id = text.substr(7, text.find('"', 7) - 7);
@@ -64,7 +65,7 @@ TEST_F(PollOutputs, AVolumeAcknowledgedInThisPassCountsInItAlready) {
 TEST_F(PollOutputs, AfterTheLastPassReceivedVoicesAreLeftAsTheyAre) {
     rig.pass();
     ASSERT_NE(gain(), 1.0f);
-    finishPolling(rig.outputs);
+    finishPolling(rig.voice);
     EXPECT_EQ(gain(), 1.0f);
 }
 

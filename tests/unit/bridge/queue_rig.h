@@ -1,6 +1,7 @@
 // queue_rig.h - the command queue with its rooms, driven by hand: enqueue and process at chosen ticks.
 #pragma once
 #include <gtest/gtest.h>
+#include "exchange/command_text.h"
 #include "tests/unit/bridge/rig.h"
 
 // Does something the moment a file is written: what another thread might do just then.
@@ -16,15 +17,18 @@ class InterruptedFiles : public MemoryFiles {
 
 class QueueTest : public testing::Test {
   protected:
-    QueueTest() { setState(sim, connectedState()); }
+    QueueTest() {
+        setState(sim, connectedState());
+        setStatusText(radios.status, "CONNECTED");
+    }
 
     bool add(std::int32_t com, std::int32_t slot, double value, float localVolume = -1.0f) {
-        return enqueue(queue, sim, com, slot, value, localVolume, clock.tickMs());
+        return enqueue(radios, com, slot, value, localVolume, clock.tickMs());
     }
     void step(std::int32_t com, std::int32_t slot, bool wholeMegahertz, std::int32_t steps) {
-        stepFrequency(queue, sim, com, slot, wholeMegahertz, steps, clock.tickMs());
+        stepFrequency(radios, com, slot, wholeMegahertz, steps, clock.tickMs());
     }
-    void process() { processCommands(queue, sim, settings, {files, clock, kHostProcess, kFolder}); }
+    void process() { processCommands(radios, settings, {files, clock, kHostProcess, kFolder}); }
     void processAfter(std::uint64_t ms) {
         clock.advance(ms);
         process();
@@ -46,7 +50,7 @@ class QueueTest : public testing::Test {
         MutexLock lock(sim.mutex);
         sim.state.connected = connected;
     }
-    std::string status() { return copySimState(sim).statusText; }
+    std::string status() { return copyStatus(radios.status).statusText; }
     std::size_t size() { return commandsOf(queue).size(); }
     Command only() {
         const auto commands = commandsOf(queue);
@@ -57,6 +61,7 @@ class QueueTest : public testing::Test {
     ManualClock clock;
     InterruptedFiles files;
     SettingsStore settings{files};
-    SharedSimState sim;
-    CommandQueue queue;
+    SimRadios radios;
+    SharedSimState& sim = radios.sim;
+    CommandQueue& queue = radios.commands;
 };

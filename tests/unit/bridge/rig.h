@@ -87,7 +87,6 @@ inline SimState connectedState() {
     state.connected = true;
     state.rangeMin = 118000;
     state.rangeMax = 136990;
-    state.statusText = "CONNECTED";
     state.radios[0] = {122800, 121500, 0, 0.75f, {true, true, true, true}};
     state.radios[1] = {118005, 127250, 1, 0.5f, {true, true, true, true}};
     return state;
@@ -119,7 +118,7 @@ struct PollRig {
     // One pass with telemetry written just now, then 50 ms go by and the host's events arrive.
     void pass() {
         if (workerAlive) files.put(pathOf(kTelemetryFile), telemetry.writtenAt(clock.unixSeconds()).text());
-        pollOnce(memory, rooms);
+        pollOnce(memory, context);
         clock.advance(kPollPeriodMs);
         deliver();
     }
@@ -143,8 +142,8 @@ struct PollRig {
         for (const HostCall& call : host.callsOf("getChannelList")) times.push_back(call.atMs - kStartMs);
         return times;
     }
-    std::string channelStatus() { return copySimState(sim).channelStatus; }
-    std::string statusText() { return copySimState(sim).statusText; }
+    std::string channelStatus() { return copyStatus(radios.status).channelStatus; }
+    std::string statusText() { return copyStatus(radios.status).statusText; }
 
     static constexpr std::uint64_t kStartMs = 1'000'000;  // ManualClock's first tick
     ManualClock clock;
@@ -155,13 +154,24 @@ struct PollRig {
     bool workerAlive = true;  // the telemetry is rewritten before every pass
     std::atomic<std::uint64_t> server{1};
     SettingsStore settings{files};
-    SharedSimState sim;
-    CommandQueue commands;
+    SimRadios radios;
+    SharedSimState& sim = radios.sim;
+    CommandQueue& commands = radios.commands;
     MoveTracker moves;
     TalkTracker talk;
     TailPlayer tails{functions, settings, clock, "C:/Data/radio_tail.wav", {}};
-    BridgeOutputs outputs;
+    VoiceLevels voice;
     PollMemory memory;
-    PollRooms rooms{functions, files,    clock, kFolder, kHostProcess, server, settings,
-                    sim,       commands, moves, talk,    tails,        outputs};
+    PollContext context{.host = functions,
+                        .files = files,
+                        .clock = clock,
+                        .dataFolder = kFolder,
+                        .processId = kHostProcess,
+                        .currentServer = server,
+                        .settings = settings,
+                        .radios = radios,
+                        .moves = moves,
+                        .talk = talk,
+                        .tails = tails,
+                        .voice = voice};
 };

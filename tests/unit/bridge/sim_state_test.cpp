@@ -18,16 +18,19 @@ class SimStateTest : public testing::Test {
         return read();
     }
     Reading read() {
-        Reading reading;
-        reading.fresh = readTelemetry(files, kFolder, clock, settings, sim, reading.selected, reading.status);
-        return reading;
+        const auto read = readTelemetry(files, kFolder, clock);
+        if (!read) return {};
+        publishTelemetry(*read, sim, status);
+        return {read->fresh, selectRadio(copySettings(settings), *read), read->telemetry.status};
     }
     SimState state() { return copySimState(sim); }
+    std::string statusText() { return copyStatus(status).statusText; }
 
     ManualClock clock;
     MemoryFiles files;
     SettingsStore settings{files};
     SharedSimState sim;
+    StatusLines status;
     TelemetryFile file;
 };
 
@@ -56,7 +59,7 @@ class ClockFiles : public DataFiles {
 }  // namespace
 
 TEST_F(SimStateTest, StartsDisconnectedWithUnknownRadios) {
-    EXPECT_EQ(state().statusText, "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED");
     EXPECT_FALSE(state().connected);
     for (const auto& radio : state().radios) {
         expectUnknown(radio);
@@ -108,15 +111,16 @@ TEST_F(SimStateTest, AClockSetBackMakesTheFileOneOfTheFuture) {
     EXPECT_TRUE(readText(file.text()).fresh);
     clock.seconds = clock.unixSeconds() - 3600.0;
     EXPECT_FALSE(read().fresh);
-    EXPECT_EQ(state().statusText, "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED");
     EXPECT_TRUE(readText(file.writtenAt(clock.unixSeconds()).text()).fresh);
 }
 
 TEST_F(SimStateTest, AFileWrittenAtTheMomentOfReadingIsNotOfTheFuture) {
     ClockFiles slow(files, clock, 20);
     files.put(pathOf(kTelemetryFile), file.writtenAt(clock.unixSeconds() + 0.015).text());
-    Reading reading;
-    EXPECT_TRUE(readTelemetry(slow, kFolder, clock, settings, sim, reading.selected, reading.status));
+    const auto reading = readTelemetry(slow, kFolder, clock);
+    ASSERT_TRUE(reading);
+    EXPECT_TRUE(reading->fresh);
 }
 
 TEST_F(SimStateTest, OnlyProtocolTwoCounts) {
@@ -145,7 +149,7 @@ TEST_F(SimStateTest, AStaleFileGivesUnknownRadiosButSpacingRangeAndAcknowledgeme
     EXPECT_FALSE(readText(file.text()).fresh);
     const SimState now = state();
     EXPECT_FALSE(now.connected);
-    EXPECT_EQ(now.statusText, "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED");
     for (const auto& radio : now.radios) {
         expectUnknown(radio);
         EXPECT_EQ(radio.spacing, 1);
@@ -160,13 +164,13 @@ TEST_F(SimStateTest, AStaleFileGivesUnknownRadiosButSpacingRangeAndAcknowledgeme
 
 TEST_F(SimStateTest, AMissingOrEmptyFileLeavesTheStateUntouched) {
     readText(file.text());
-    setStatusText(sim, "something");
+    setStatusText(status, "something");
     files.remove(pathOf(kTelemetryFile));
     for (int round = 0; round < 2; round++) {
         clock.advance(50);
         EXPECT_FALSE(read().fresh);
         EXPECT_TRUE(state().connected);
-        EXPECT_EQ(state().statusText, "something");
+        EXPECT_EQ(statusText(), "something");
         EXPECT_EQ(state().radios[0].active, 122800);
         EXPECT_EQ(state().readTick, clock.tickMs() - 50 * (static_cast<std::uint64_t>(round) + 1));
         files.put(pathOf(kTelemetryFile), "");
@@ -175,9 +179,9 @@ TEST_F(SimStateTest, AMissingOrEmptyFileLeavesTheStateUntouched) {
 
 TEST_F(SimStateTest, ALostBridgeResetsTheRadiosButKeepsSpacingAndWritability) {
     readText(file.text());
-    setDisconnected(sim);
+    setDisconnected(sim, status);
     EXPECT_FALSE(state().connected);
-    EXPECT_EQ(state().statusText, "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED");
     expectUnknown(state().radios[0]);
     expectUnknown(state().radios[1]);
     EXPECT_EQ(state().radios[1].spacing, 1);
@@ -210,55 +214,55 @@ TEST_F(SimStateTest, AStaleFileSelectsNothing) {
 
 TEST_F(SimStateTest, TheWorkersStatusIsHandedOnAndNotShown) {
     EXPECT_EQ(readText(file.text()).status, "flying");
-    EXPECT_NE(state().statusText, "flying");
+    EXPECT_NE(statusText(), "flying");
 }
 
 TEST_F(SimStateTest, ANewAcknowledgementShowsItsMessage) {
     EXPECT_TRUE(readText(file.set("ack_id", "\"1\"").text()).fresh);
-    EXPECT_EQ(state().statusText, "Tuned");
+    EXPECT_EQ(statusText(), "Tuned");
     readText(file.set("ack_id", "\"2\"").set("ack_message", "\"Refused\"").text());
-    EXPECT_EQ(state().statusText, "Refused");
+    EXPECT_EQ(statusText(), "Refused");
     readText(file.set("ack_id", "\"3\"").set("ack_message", "\"\"").text());
-    EXPECT_EQ(state().statusText, "");
+    EXPECT_EQ(statusText(), "");
 }
 
 TEST_F(SimStateTest, TheSameAcknowledgementWhileConnectedLeavesTheStatusAlone) {
     readText(file.text());
-    EXPECT_EQ(state().statusText, "Tuned");
+    EXPECT_EQ(statusText(), "Tuned");
     readText(file.set("ack_message", "\"Another text\"").text());
-    EXPECT_EQ(state().statusText, "Tuned");
-    setStatusText(sim, "Writing; awaiting simulator readback");
+    EXPECT_EQ(statusText(), "Tuned");
+    setStatusText(status, "Writing; awaiting simulator readback");
     readText(file.text());
-    EXPECT_EQ(state().statusText, "Writing; awaiting simulator readback");
+    EXPECT_EQ(statusText(), "Writing; awaiting simulator readback");
 }
 
 TEST_F(SimStateTest, TheFirstFreshFileWithoutAnAcknowledgementShowsConnected) {
     readText(file.set("ack_id", "\"\"").text());
-    EXPECT_EQ(state().statusText, "CONNECTED");
+    EXPECT_EQ(statusText(), "CONNECTED");
 }
 
 TEST_F(SimStateTest, ComingBackWithTheSameAcknowledgementShowsConnected) {
     readText(file.text());
     clock.advance(5000);
     readText(file.text());
-    EXPECT_EQ(state().statusText, "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED");
     readText(file.writtenAt(clock.unixSeconds()).text());
-    EXPECT_EQ(state().statusText, "CONNECTED");
+    EXPECT_EQ(statusText(), "CONNECTED");
 }
 
 TEST_F(SimStateTest, AnAcknowledgementSeenInAStaleFileIsNotNewWhenItFreshens) {
     readText(file.set("ok", "false").set("ack_id", "\"77\"").text());
-    EXPECT_EQ(state().statusText, "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED");
     readText(file.set("ok", "true").text());
-    EXPECT_EQ(state().statusText, "CONNECTED");
+    EXPECT_EQ(statusText(), "CONNECTED");
 }
 
 TEST_F(SimStateTest, TheChannelStatusOutlivesEveryReading) {
-    setChannelStatus(sim, "TS3 channel confirmed");
+    setChannelStatus(status, "TS3 channel confirmed");
     readText(file.text());
     readText(file.set("ok", "false").text());
-    setDisconnected(sim);
-    EXPECT_EQ(state().channelStatus, "TS3 channel confirmed");
+    setDisconnected(sim, status);
+    EXPECT_EQ(copyStatus(status).channelStatus, "TS3 channel confirmed");
 }
 
 TEST_F(SimStateTest, RadiosAreNumberedFromOne) {

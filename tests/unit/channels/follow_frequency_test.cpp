@@ -14,13 +14,13 @@ constexpr std::uint64_t kApproach = 2;
 constexpr std::uint64_t kTower = 3;
 constexpr std::uint64_t kTower2 = 4;
 
-constexpr const char* kNoMatch = "No matching TS3 channel";
-constexpr const char* kConfirmed = "TS3 channel confirmed";
-constexpr const char* kRequested = "TS3 move requested; awaiting confirmation";
-constexpr const char* kPending = "TS3 move pending; awaiting confirmation";
-constexpr const char* kNotConfirmed = "TS3 channel join not confirmed";
-constexpr const char* kFailed = "TS3 channel join failed";
-constexpr const char* kUntouched = "as it was";
+constexpr MoveReport kNoMatch{MoveStage::kNoChannel};
+constexpr MoveReport kConfirmed{MoveStage::kConfirmed};
+constexpr MoveReport kRequested{MoveStage::kRequested};
+constexpr MoveReport kPending{MoveStage::kPending};
+constexpr MoveReport kNotConfirmed{MoveStage::kNotConfirmed};
+constexpr MoveReport kFailed{MoveStage::kNotRequested};
+constexpr MoveReport kUntouched{MoveStage::kUnknown};
 
 }  // namespace
 
@@ -37,7 +37,6 @@ class FollowFrequency : public testing::Test {
         silent.answer = MoveAnswer::kSilence;
         host.setMoveRule(silent);
         tracker.moveReturnCode = "rc-1";
-        setChannelStatus(sim, kUntouched);
     }
     ~FollowFrequency() override {
         EXPECT_EQ(host.problems(), std::vector<std::string>{});
@@ -45,8 +44,12 @@ class FollowFrequency : public testing::Test {
         EXPECT_EQ(host.leaks(), std::vector<std::string>{});
     }
 
-    bool follow(std::int32_t khz) { return followFrequency(tracker, functions, sim, clock, kServer, khz); }
-    std::string status() { return copySimState(sim).channelStatus; }
+    // True when the user is there already.
+    bool follow(std::int32_t khz) {
+        report = followFrequency(tracker, functions, clock, kServer, khz);
+        return report.stage == MoveStage::kConfirmed;
+    }
+    MoveReport status() const { return report; }
     std::vector<HostCall> moves() const { return host.callsOf("requestClientMove"); }
     // Lets time go by; what the server then reports goes the way of the plugin's error event.
     void wait(std::uint64_t ms) {
@@ -61,7 +64,7 @@ class FollowFrequency : public testing::Test {
     ManualClock clock;
     HostModel host{clock};
     HostFunctions functions = resolveHostFunctions(host.table());
-    SharedSimState sim;
+    MoveReport report;
     MoveTracker tracker;
 };
 
@@ -199,7 +202,7 @@ TEST_F(FollowFrequency, ShowsTheCodeOfARefusedMoveAndRequestsAgainTwoSecondsLate
     follow(121500);
     wait(2000);
     EXPECT_FALSE(follow(121500));
-    EXPECT_EQ(status(), "TS3 channel join failed (2568)");
+    EXPECT_EQ(status(), (MoveReport{MoveStage::kRefused, 2568}));
     EXPECT_EQ(tracker.pendingChannel, 0u);
     EXPECT_EQ(tracker.moveError, 0);
     EXPECT_EQ(moves().size(), 1u);
@@ -214,7 +217,7 @@ TEST_F(FollowFrequency, ShowsTheCodeEvenWhenTheTimeIsUpAsWell) {
     wait(60000);
     EXPECT_TRUE(onServerError(tracker, "rc-1", 768));
     follow(121500);
-    EXPECT_EQ(status(), "TS3 channel join failed (768)");
+    EXPECT_EQ(status(), (MoveReport{MoveStage::kRefused, 768}));
 }
 
 TEST_F(FollowFrequency, TakesAReportedSuccessForNoReport) {
@@ -259,7 +262,7 @@ TEST_F(FollowFrequency, RequestsAtOnceOnAnotherServerThanTheOneOfTheOutstandingM
     host.addChannel(8, {50, "Lobby"});
     host.addChannel(8, {51, "121.500"});
     follow(121500);
-    EXPECT_FALSE(followFrequency(tracker, functions, sim, clock, 8, 121500));
+    EXPECT_NE(followFrequency(tracker, functions, clock, 8, 121500).stage, MoveStage::kConfirmed);
     ASSERT_EQ(moves().size(), 2u);
     EXPECT_EQ(moves()[1].schid, 8u);
     EXPECT_EQ(moves()[1].clientId, 5u);
@@ -269,7 +272,7 @@ TEST_F(FollowFrequency, RequestsAtOnceOnAnotherServerThanTheOneOfTheOutstandingM
 }
 
 TEST_F(FollowFrequency, DoesNothingWithoutAServer) {
-    EXPECT_FALSE(followFrequency(tracker, functions, sim, clock, 0, 121500));
+    EXPECT_NE(followFrequency(tracker, functions, clock, 0, 121500).stage, MoveStage::kConfirmed);
     EXPECT_EQ(status(), kUntouched);
     EXPECT_TRUE(host.calls().empty());
 }
@@ -298,10 +301,10 @@ TEST_F(FollowFrequency, KeepsTheStatusWhenTheHostCannotBeAsked) {
 TEST_F(FollowFrequency, KeepsTheStatusWhenTheHostLacksTheQueries) {
     HostFunctions without = functions;
     without.getClientID = nullptr;
-    EXPECT_FALSE(followFrequency(tracker, without, sim, clock, kServer, 121500));
+    EXPECT_NE(followFrequency(tracker, without, clock, kServer, 121500).stage, MoveStage::kConfirmed);
     without = functions;
     without.getChannelOfClient = nullptr;
-    EXPECT_FALSE(followFrequency(tracker, without, sim, clock, kServer, 121500));
+    EXPECT_NE(followFrequency(tracker, without, clock, kServer, 121500).stage, MoveStage::kConfirmed);
     EXPECT_EQ(status(), kUntouched);
     EXPECT_TRUE(moves().empty());
 }
@@ -321,7 +324,7 @@ TEST_F(FollowFrequency, FindsNoChannelWhenNoNameCanBeRead) {
     EXPECT_EQ(status(), kNoMatch);
     host.failFunction(kGetChannelVariableAsStringPosition, 0);
     functions.getChannelVariableAsString = nullptr;
-    setChannelStatus(sim, kUntouched);
+    report = kUntouched;
     EXPECT_FALSE(follow(121500));
     EXPECT_EQ(status(), kNoMatch);
 }
@@ -363,8 +366,9 @@ TEST_F(FollowFrequency, MayMeetErrorsFromTheHostsThreadAtAnyMoment) {
     });
     for (int i = 0; i < 300; i++) {
         follow(121500);
-        const std::string line = status();
-        EXPECT_TRUE(line == kRequested || line == kPending || line == "TS3 channel join failed (768)") << line;
+        const MoveReport line = status();
+        EXPECT_TRUE(line == kRequested || line == kPending || line == (MoveReport{MoveStage::kRefused, 768}))
+            << static_cast<int>(line.stage);
     }
     stop = true;
     reports.join();

@@ -1,6 +1,6 @@
 #include "exchange/command_text.h"
 #include <gtest/gtest.h>
-#include "exchange/command_file.h"
+#include "exchange/telemetry_text.h"
 #include "tests/unit/worker/worker_fakes.h"
 
 namespace {
@@ -9,19 +9,52 @@ const std::string kGood = commandText("4242-91234567", 2, "standby", "118005", 1
 
 }  // namespace
 
-TEST(WorkerCommandText, ReadsWhatThePluginWrites) {
-    Command written;
-    written.com = 2;
-    written.slot = kSlotVolume;
-    written.value = 0.6;
-    written.id = "4242-91234567";
-    const auto command = parseCommandText(writeCommandText(written, 1790000000.125));
-    ASSERT_TRUE(command);
-    EXPECT_EQ(command->id, "4242-91234567");
-    EXPECT_EQ(command->write.radio, 1u);
-    EXPECT_EQ(command->write.slot, kSlotVolume);
-    EXPECT_DOUBLE_EQ(command->write.value, 0.6);
-    EXPECT_DOUBLE_EQ(command->created, 1790000000.125);
+TEST(CommandText, IsOneLineWithoutBlanksInItsOrder) {
+    EXPECT_EQ(writeCommandText({"4242-91234567", {0, kSlotStandby, 122800.0}, 1790000000.125}),
+              R"({"id":"4242-91234567","com":1,"slot":"standby","target":122800,"created":1790000000.125})");
+}
+
+TEST(CommandText, NamesEverySlotAndCallsAnUnknownOneSwap) {
+    const struct {
+        std::int32_t slot;
+        const char* name;
+    } rows[] = {{0, "active"}, {1, "standby"}, {2, "volume"}, {3, "swap"}, {4, "swap"}, {-1, "swap"}, {99, "swap"}};
+    for (const auto& row : rows)
+        EXPECT_EQ(writeCommandText({"1-2", {1, static_cast<RadioSlot>(row.slot), 0.0}, 5.0}),
+                  R"({"id":"1-2","com":2,"slot":")" + std::string(row.name) + R"(","target":0,"created":5.000})");
+}
+
+TEST(CommandText, WritesTheTargetWithSixSignificantDigits) {
+    const struct {
+        double value;
+        const char* text;
+    } rows[] = {{118005.0, "118005"}, {136990.0, "136990"},  {0.0, "0"},         {1.0, "1"},     {0.5, "0.5"},
+                {0.625, "0.625"},     {1.0 / 3, "0.333333"}, {0.00001, "1e-05"}, {1e6, "1e+06"}, {0.0001, "0.0001"},
+                {1e100, "1e+100"},    {2.0 / 3, "0.666667"}, {0.1f, "0.1"}};
+    for (const auto& row : rows)
+        EXPECT_EQ(writeCommandText({"1-2", {0, kSlotVolume, row.value}, 0.0}),
+                  R"({"id":"1-2","com":1,"slot":"volume","target":)" + std::string(row.text) + R"(,"created":0.000})");
+}
+
+// Each field by itself, so that none can hide behind another that happens to be the same.
+TEST(WorkerCommandText, ReadsEveryFieldAsThePluginWritesIt) {
+    const auto travels = [](const CommandRequest& written) {
+        const auto command = parseCommandText(writeCommandText(written));
+        return command && command->id == written.id && command->write.radio == written.write.radio &&
+               command->write.slot == written.write.slot && command->write.value == written.write.value &&
+               command->created == written.created;
+    };
+    const CommandRequest plain{"1-1", {0, kSlotActive, 0.0}, 0.0};
+    EXPECT_TRUE(travels(plain));
+    for (const char* id : {"4242-91234567", "4294967295-18446744073709551615"})
+        EXPECT_TRUE(travels({id, plain.write, 0.0})) << id;
+    EXPECT_TRUE(travels({"1-1", {1, kSlotActive, 0.0}, 0.0}));
+    for (const RadioSlot slot : {kSlotActive, kSlotStandby, kSlotVolume, kSlotSwap})
+        EXPECT_TRUE(travels({"1-1", {0, slot, 0.0}, 0.0})) << slot;
+    for (const double value : {118000.0, 118005.0, 136990.0, 0.6, 0.8125, 1.0})
+        EXPECT_TRUE(travels({"1-1", {0, kSlotActive, value}, 0.0})) << value;
+    for (const double created : {0.001, 1790000000.125, 1790000000.999})
+        EXPECT_TRUE(travels({"1-1", plain.write, created})) << created;
 }
 
 TEST(WorkerCommandText, ReadsEverySlot) {

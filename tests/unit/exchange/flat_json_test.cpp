@@ -7,12 +7,12 @@ TEST(FlatJson, ReadsEveryKindOfValueWithBlanksAnywhere) {
     ASSERT_TRUE(fields);
     ASSERT_EQ(fields->size(), 5u);
     EXPECT_EQ((*fields)[0].text, "text");
-    EXPECT_EQ((*fields)[0].kind, FlatKind::Text);
-    EXPECT_EQ((*fields)[1].kind, FlatKind::Number);
+    EXPECT_EQ((*fields)[0].kind, FlatKind::kText);
+    EXPECT_EQ((*fields)[1].kind, FlatKind::kNumber);
     EXPECT_EQ((*fields)[1].number, -1250.0);
-    EXPECT_EQ((*fields)[2].kind, FlatKind::True);
-    EXPECT_EQ((*fields)[3].kind, FlatKind::False);
-    EXPECT_EQ((*fields)[4].kind, FlatKind::Null);
+    EXPECT_EQ((*fields)[2].kind, FlatKind::kTrue);
+    EXPECT_EQ((*fields)[3].kind, FlatKind::kFalse);
+    EXPECT_EQ((*fields)[4].kind, FlatKind::kNull);
     EXPECT_EQ(findField(*fields, "b"), &(*fields)[1]);
     EXPECT_EQ(findField(*fields, "z"), nullptr);
 }

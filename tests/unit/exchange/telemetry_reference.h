@@ -6,7 +6,7 @@
 #include <limits>
 #include <optional>
 #include <string>
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 
 // Where the value of a key begins; nothing if the key, a colon behind it or any text behind that is missing.
 inline std::optional<std::string> referenceValue(const std::string& text, const std::string& key) {

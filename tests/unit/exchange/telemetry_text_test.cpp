@@ -5,61 +5,92 @@
 #include <limits>
 #include "base/number_text.h"
 #include "exchange/flat_json.h"
-#include "exchange/telemetry.h"
 
 namespace {
 
-TelemetryRecord fullRecord() {
-    TelemetryRecord record;
-    record.sim.ok = true;
-    record.sim.status = "built-in aircraft";
-    record.sim.rangeMinKHz = 118000;
-    record.sim.rangeMaxKHz = 136975;
-    record.sim.radios[0] = {122800, 118005, 1, 0.6, {true, false, true, false}};
-    record.sim.radios[1] = {121500, 136975, 0, 0.25, {false, true, false, true}};
-    record.commandPending = true;
-    record.ack = {"4242-91234567", true, "COM1 standby 118.005"};
-    return record;
+Telemetry fullTelemetry() {
+    Telemetry telemetry;
+    telemetry.ok = true;
+    telemetry.status = "built-in aircraft";
+    telemetry.rangeMin = 118000;
+    telemetry.rangeMax = 136975;
+    telemetry.radios[0] = {122800, 118005, 1, 0.6f, {true, false, true, false}};
+    telemetry.radios[1] = {121500, 136975, 0, 0.25f, {false, true, false, true}};
+    telemetry.commandPending = true;
+    telemetry.ackId = "4242-91234567";
+    telemetry.ackOk = true;
+    telemetry.ackMessage = "COM1 standby 118.005";
+    return telemetry;
 }
 
 }  // namespace
 
 TEST(WorkerTelemetryText, IsReadBackByThePluginWhole) {
-    const auto read = parseTelemetry(telemetryText(fullRecord(), 1790000000.125));
-    EXPECT_DOUBLE_EQ(read.updated, 1790000000.125);
+    const auto read = parseTelemetry(writeTelemetryText(fullTelemetry(), 1790000000.125));
+    auto expected = fullTelemetry();
+    expected.updated = 1790000000.125;
+    expected.protocol = 2.0;
+    EXPECT_EQ(read, expected);
     EXPECT_TRUE(isFresh(read, 1790000000.125));
-    EXPECT_EQ(read.rangeMin, 118000);
-    EXPECT_EQ(read.rangeMax, 136975);
-    EXPECT_EQ(read.radios[0].active, 122800);
-    EXPECT_EQ(read.radios[0].standby, 118005);
-    EXPECT_EQ(read.radios[0].spacing, 1);
-    EXPECT_FLOAT_EQ(read.radios[0].volume, 0.6f);
-    EXPECT_EQ(read.radios[0].writable, (std::array<bool, kSlotCount>{true, false, true, false}));
-    EXPECT_EQ(read.radios[1].active, 121500);
-    EXPECT_EQ(read.radios[1].standby, 136975);
-    EXPECT_EQ(read.radios[1].spacing, 0);
-    EXPECT_FLOAT_EQ(read.radios[1].volume, 0.25f);
-    EXPECT_EQ(read.radios[1].writable, (std::array<bool, kSlotCount>{false, true, false, true}));
-    EXPECT_TRUE(read.commandPending);
-    EXPECT_EQ(read.ackId, "4242-91234567");
-    EXPECT_TRUE(read.ackOk);
-    EXPECT_EQ(read.ackMessage, "COM1 standby 118.005");
-    EXPECT_EQ(read.status, "built-in aircraft");
+}
+
+// Each field by itself, so that none can hide behind another that happens to be the same.
+TEST(WorkerTelemetryText, EachFieldTravelsByItself) {
+    using Change = void (*)(Telemetry&);
+    const Change changes[] = {
+        [](Telemetry& t) { t.ok = true; },          [](Telemetry& t) { t.rangeMin = 118000; },
+        [](Telemetry& t) { t.rangeMax = 136990; },  [](Telemetry& t) { t.ackId = "4242-1"; },
+        [](Telemetry& t) { t.ackOk = true; },       [](Telemetry& t) { t.commandPending = true; },
+        [](Telemetry& t) { t.status = "in menu"; }, [](Telemetry& t) { t.ackMessage = "COM2 swapped to 118.005"; },
+    };
+    const auto travels = [](Telemetry telemetry) {
+        telemetry.updated = 5.0;
+        telemetry.protocol = kTelemetryProtocol;
+        EXPECT_EQ(parseTelemetry(writeTelemetryText(telemetry, 5.0)), telemetry);
+    };
+    travels({});
+    for (const Change& change : changes) {
+        Telemetry telemetry;
+        change(telemetry);
+        ASSERT_NE(telemetry, Telemetry{});
+        travels(telemetry);
+    }
+    for (std::size_t radio = 0; radio < kRadioCount; radio++) {
+        const std::int32_t known[] = {118005, 136990, 0, 1};
+        for (const std::int32_t value : known) {
+            for (std::int32_t RadioReading::*field :
+                 {&RadioReading::active, &RadioReading::standby, &RadioReading::spacing}) {
+                Telemetry telemetry;
+                telemetry.radios[radio].*field = value;
+                travels(telemetry);
+            }
+        }
+        for (int percent = 0; percent <= 100; percent++) {
+            Telemetry telemetry;
+            telemetry.radios[radio].volume = static_cast<float>(percent) / 100.0f;
+            travels(telemetry);
+        }
+        for (std::size_t slot = 0; slot < kSlotCount; slot++) {
+            Telemetry telemetry;
+            telemetry.radios[radio].writable[slot] = true;
+            travels(telemetry);
+        }
+    }
 }
 
 TEST(WorkerTelemetryText, IsOneFlatJsonObjectWithEveryKeyOnce) {
-    const auto text = telemetryText(fullRecord(), 1790000000.0);
+    const auto text = writeTelemetryText(fullTelemetry(), 1790000000.0);
     const auto fields = readFlatJson(text);
     ASSERT_TRUE(fields);
     EXPECT_EQ(fields->size(), 26u);
     EXPECT_EQ(findField(*fields, "protocol")->number, 2.0);
-    EXPECT_EQ(findField(*fields, "com2_swap_writable")->kind, FlatKind::True);
+    EXPECT_EQ(findField(*fields, "com2_swap_writable")->kind, FlatKind::kTrue);
 }
 
 TEST(WorkerTelemetryText, ADownLinkIsNotFreshAndKnowsNothing) {
-    TelemetryRecord record;
-    record.sim.status = "waiting for the simulator";
-    const auto read = parseTelemetry(telemetryText(record, 1790000000.0));
+    Telemetry record;
+    record.status = "waiting for the simulator";
+    const auto read = parseTelemetry(writeTelemetryText(record, 1790000000.0));
     EXPECT_FALSE(isFresh(read, 1790000000.0));
     EXPECT_EQ(read.status, "waiting for the simulator");
     EXPECT_EQ(read.radios[0].active, 0);
@@ -69,7 +100,7 @@ TEST(WorkerTelemetryText, ADownLinkIsNotFreshAndKnowsNothing) {
 
 TEST(WorkerTelemetryText, StampsThreeDecimalsNeverLaterThanNow) {
     for (const double now : {1790000000.0, 1790000000.0006, 1790000000.9999, 1790000000.1234999, 0.0}) {
-        const auto text = telemetryText({}, now);
+        const auto text = writeTelemetryText({}, now);
         const auto comma = text.find(',');
         EXPECT_EQ(text.substr(0, 11), "{\"updated\":");
         EXPECT_EQ(text[comma - 4], '.') << text;
@@ -83,7 +114,7 @@ TEST(WorkerTelemetryText, KeepsThePointInACommaLocale) {
     const std::string before = setlocale(LC_ALL, nullptr);
     const bool comma = setlocale(LC_ALL, "de_DE.UTF-8") || setlocale(LC_ALL, "fr_FR.UTF-8") ||
                        setlocale(LC_ALL, "de_DE.utf8") || setlocale(LC_ALL, "German");
-    const auto text = telemetryText(fullRecord(), 1790000000.5);
+    const auto text = writeTelemetryText(fullTelemetry(), 1790000000.5);
     setlocale(LC_ALL, before.c_str());
     EXPECT_NE(text.find("\"updated\":1790000000.500,"), std::string::npos) << text;
     EXPECT_NE(text.find("\"com1_volume\":0.6,"), std::string::npos) << text;
@@ -91,10 +122,10 @@ TEST(WorkerTelemetryText, KeepsThePointInACommaLocale) {
 }
 
 TEST(WorkerTelemetryText, LetsNoTextBreakOutOfItsQuotes) {
-    auto record = fullRecord();
-    record.sim.status = "a \"b\" c\\d\r\n\t\x01\x7f\xe4";
-    record.ack.message = "\",\"ok\":false,\"x\":\"";
-    const auto text = telemetryText(record, 1790000000.0);
+    auto record = fullTelemetry();
+    record.status = "a \"b\" c\\d\r\n\t\x01\x7f\xe4";
+    record.ackMessage = "\",\"ok\":false,\"x\":\"";
+    const auto text = writeTelemetryText(record, 1790000000.0);
     ASSERT_TRUE(readFlatJson(text)) << text;
     const auto read = parseTelemetry(text);
     EXPECT_EQ(read.status, "a 'b' c/d     \xe4");
@@ -104,9 +135,9 @@ TEST(WorkerTelemetryText, LetsNoTextBreakOutOfItsQuotes) {
 
 TEST(WorkerTelemetryText, AnIdThatIsAKeyHidesNoOtherValue) {
     for (const char* key : {"ok", "status", "ack_message", "updated", "com1_active", "ack_ok"}) {
-        auto record = fullRecord();
-        record.ack.id = key;
-        const auto read = parseTelemetry(telemetryText(record, 1790000000.0));
+        auto record = fullTelemetry();
+        record.ackId = key;
+        const auto read = parseTelemetry(writeTelemetryText(record, 1790000000.0));
         EXPECT_TRUE(read.ok && read.ackOk) << key;
         EXPECT_EQ(read.status, "built-in aircraft") << key;
         EXPECT_EQ(read.ackMessage, "COM1 standby 118.005") << key;
@@ -116,10 +147,10 @@ TEST(WorkerTelemetryText, AnIdThatIsAKeyHidesNoOtherValue) {
 }
 
 TEST(WorkerTelemetryText, AnUnusableVolumeIsUnknown) {
-    auto record = fullRecord();
-    record.sim.radios[0].volume = std::numeric_limits<double>::quiet_NaN();
-    record.sim.radios[1].volume = std::numeric_limits<double>::infinity();
-    const auto read = parseTelemetry(telemetryText(record, 1790000000.0));
+    auto record = fullTelemetry();
+    record.radios[0].volume = std::numeric_limits<float>::quiet_NaN();
+    record.radios[1].volume = std::numeric_limits<float>::infinity();
+    const auto read = parseTelemetry(writeTelemetryText(record, 1790000000.0));
     EXPECT_FLOAT_EQ(read.radios[0].volume, -1.0f);
     EXPECT_FLOAT_EQ(read.radios[1].volume, -1.0f);
 }

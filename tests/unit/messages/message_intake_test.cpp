@@ -15,9 +15,9 @@ class MessageIntake : public testing::Test {
   protected:
     MessageIntake() { model.addServer(4, 10, 5); }
     void take(const char* sender, const char* text, std::uint16_t target = kPrivateMessage, std::uint16_t id = 9) {
-        takeTextMessage({sender, text, target, id}, store, clock, rooms());
+        takeTextMessage({sender, text, target, id}, store, clock, context());
     }
-    AlertRooms rooms() { return {host, settings, server, alertPath, window}; }
+    AlertContext context() { return {host, settings, server, alertPath, window}; }
     void set(bool Settings::*field, bool value) {
         updateSettings(settings, [&](Settings& live) { live.*field = value; });
     }
@@ -98,7 +98,7 @@ TEST_F(MessageIntake, AnnouncesAsTheSettingsSay) {
 }
 
 TEST_F(MessageIntake, AnAlertAloneStoresAndLogsNothing) {
-    playTextAlert(rooms());
+    playTextAlert(context());
     EXPECT_EQ(model.playedSounds().size(), 1U);
     EXPECT_EQ(window.opened, 1);
     EXPECT_TRUE(model.logLines().empty());

@@ -228,10 +228,10 @@ TEST_F(MessageModelTest, TheHeaderDragsTheWindow) {
         screen.dotsPerInch = dotsPerInch;
         const auto at = [&](int x, int y) {
             const float scale = messageScale(dotsPerInch);
-            return PagePoint{static_cast<std::int32_t>(static_cast<float>(x) * scale),
-                             static_cast<std::int32_t>(static_cast<float>(y) * scale)};
+            return PixelPoint{static_cast<std::int32_t>(static_cast<float>(x) * scale),
+                              static_cast<std::int32_t>(static_cast<float>(y) * scale)};
         };
-        for (const PagePoint point : {at(0, 0), at(300, 20), at(300, 43), at(575, 24), at(596, 5), at(615, 24)}) {
+        for (const PixelPoint point : {at(0, 0), at(300, 20), at(300, 43), at(575, 24), at(596, 5), at(615, 24)}) {
             screen.takeSteps();
             model.pressAt(point);
             EXPECT_EQ(screen.takeSteps(), "drag+") << dotsPerInch << ": " << point.x << ", " << point.y;
@@ -249,7 +249,7 @@ TEST_F(MessageModelTest, TheCloseGlyphIsRedWhileThePointerIsOnIt) {
         screen.dotsPerInch = dotsPerInch;
         const float scale = messageScale(dotsPerInch);
         // Near the button's lower left corner.
-        const PagePoint close = {static_cast<std::int32_t>(583 * scale), static_cast<std::int32_t>(37 * scale)};
+        const PixelPoint close = {static_cast<std::int32_t>(583 * scale), static_cast<std::int32_t>(37 * scale)};
         model.show();
         EXPECT_EQ(closeColour(), kDimGreen);
         model.movePointer(close);
@@ -330,9 +330,9 @@ TEST_F(MessageModelTest, TheCursorBlinksAndOnlyItsBlockIsPainted) {
         tick();
         EXPECT_GT(screen.updates, updates);
         EXPECT_EQ(model.cursor().has_value(), clock.tick / 500 % 2 == 0) << clock.tick;
-        const std::vector<PageRect> stale = screen.takeStaleParts();
+        const std::vector<UnitRect> stale = screen.takeStaleParts();
         if (model.cursor().has_value() != isLit) {
-            EXPECT_EQ(stale, std::vector<PageRect>{lit.rect});
+            EXPECT_EQ(stale, std::vector<UnitRect>{lit.rect});
             changes++;
         } else {
             EXPECT_TRUE(stale.empty());
@@ -348,12 +348,12 @@ TEST_F(MessageModelTest, AMovedCursorIsPaintedWhereItWasAndWhereItIs) {
     add("long message");
     add("short");
     model.show();
-    const PageRect before = model.cursor()->rect;
+    const UnitRect before = model.cursor()->rect;
     screen.takeStaleParts();
     press(MessageKey::kUp);
-    const PageRect after = model.cursor()->rect;
+    const UnitRect after = model.cursor()->rect;
     EXPECT_GT(after.x, before.x);
-    EXPECT_EQ(screen.takeStaleParts(), (std::vector<PageRect>{before, after}));
+    EXPECT_EQ(screen.takeStaleParts(), (std::vector<UnitRect>{before, after}));
 }
 
 TEST_F(MessageModelTest, WithoutRoomForAPictureItTriesAgainAtTheNextTick) {

@@ -51,7 +51,7 @@ class MessagePageTest : public testing::Test {
             if (item.kind == PageItemKind::kText && item.rect.x == 20.0f) found.push_back(item);
         return found;
     }
-    std::optional<PageRect> cursor() {
+    std::optional<UnitRect> cursor() {
         items();
         const std::optional<PageItem> item = page.cursor(clock.tickMs());
         if (!item) return std::nullopt;
@@ -60,7 +60,7 @@ class MessagePageTest : public testing::Test {
         return item->rect;
     }
 
-    static PageItem text(const std::u16string& what, PageRect rect, PageTextStyle style, std::uint32_t colour,
+    static PageItem text(const std::u16string& what, UnitRect rect, PageTextStyle style, std::uint32_t colour,
                          PageAlign align = PageAlign::kLeft) {
         return {PageItemKind::kText, rect, colour, what, style, align};
     }
@@ -165,7 +165,7 @@ TEST_F(MessagePageTest, TheSenderIsNamedInAFontThatHasItsLetters) {
     EXPECT_EQ(find(u"北京放行")->style, chinese(13, true));
     add("hello", "");
     EXPECT_EQ(find(u"UNKNOWN")->style, mono(13, true));
-    EXPECT_EQ(find(u"UNKNOWN")->rect, (PageRect{76, 44, 400, 18}));
+    EXPECT_EQ(find(u"UNKNOWN")->rect, (UnitRect{76, 44, 400, 18}));
     add("hello", "a\nb\u202Ec");
     EXPECT_TRUE(find(u"a bc"));
     add("hello", std::string(10'000, 'W'));
@@ -175,10 +175,10 @@ TEST_F(MessagePageTest, TheSenderIsNamedInAFontThatHasItsLetters) {
 TEST_F(MessagePageTest, NothingOnTheMetaLineRunsIntoTheTimesLabel) {
     const std::u16string fits(53, u'W'), isLong(54, u'W');  // of 6.5 in 348
     add("hello", std::string(53, 'W'));
-    EXPECT_EQ(find(fits)->rect, (PageRect{76, 44, 400, 18}));
+    EXPECT_EQ(find(fits)->rect, (UnitRect{76, 44, 400, 18}));
     EXPECT_FALSE(find(fits)->isShortened);
     add("hello", std::string(54, 'W'));
-    EXPECT_EQ(find(isLong)->rect, (PageRect{76, 44, 348, 18}));
+    EXPECT_EQ(find(isLong)->rect, (UnitRect{76, 44, 348, 18}));
     EXPECT_TRUE(find(isLong)->isShortened);
     for (const float cell : {0.5f, 0.55f, 0.6f}) {  // em: our usual one, Consolas', a wide font's
         tools.measure = [=](const PageTextStyle& style, std::u16string_view measuredText) {
@@ -260,7 +260,7 @@ TEST_F(MessagePageTest, TheCursorBlinksAfterTheLastLine) {
     add("one\ntwo45");
     const float size = 15.0f;
     ASSERT_TRUE(cursor());
-    EXPECT_EQ(*cursor(), (PageRect{20 + 5 * size / 2, 72 + 22.5f + 0.15f * size, 0.55f * size, 0.95f * size}));
+    EXPECT_EQ(*cursor(), (UnitRect{20 + 5 * size / 2, 72 + 22.5f + 0.15f * size, 0.55f * size, 0.95f * size}));
     clock.advance(499);
     EXPECT_TRUE(cursor());
     clock.advance(1);
@@ -277,7 +277,7 @@ TEST_F(MessagePageTest, TheCursorStaysInsideTheLine) {
     add("放");
     EXPECT_EQ(cursor()->x, 20 + 15);
     add("\n");
-    EXPECT_EQ(*cursor(), (PageRect{20, 72 + 0.15f * 15, 0.55f * 15, 0.95f * 15}));
+    EXPECT_EQ(*cursor(), (UnitRect{20, 72 + 0.15f * 15, 0.55f * 15, 0.95f * 15}));
     add("\u202E");  // nothing to show at all
     EXPECT_EQ(cursor()->x, 20);
 }

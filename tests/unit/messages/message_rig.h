@@ -21,12 +21,12 @@ class FakeMessageScreen : public MessageScreen {
     void place() override { note("place"); }
     void appear() override { note("appear"); }
     void vanish() override { note("vanish"); }
-    void dragFrom(PagePoint at) override {
+    void dragFrom(PixelPoint at) override {
         note("drag");
         draggedFrom = at;
     }
     std::int32_t clientWidth() const override { return static_cast<std::int32_t>(620.0f * messageScale(dotsPerInch)); }
-    std::uint32_t dpi() const override { return dotsPerInch; }
+    std::uint32_t screenDpi() const override { return dotsPerInch; }
     MeasureStyledText preparePicture() override {
         if (!hasRoom) return nullptr;
         return [this](const PageTextStyle& style, std::u16string_view text) {
@@ -44,7 +44,7 @@ class FakeMessageScreen : public MessageScreen {
         isShown = false;
     }
     void invalidate() override { isAllStale = true; }
-    void invalidate(const PageRect& part) override { staleParts.push_back(part); }
+    void invalidate(const UnitRect& part) override { staleParts.push_back(part); }
     void update() override {
         updates++;
         isShown = isShown || isAllStale;
@@ -54,15 +54,15 @@ class FakeMessageScreen : public MessageScreen {
     // What was asked, with "+" while the visible flag is up: "place paint+ appear+".
     std::string takeSteps() { return std::exchange(steps_, ""); }
     int takePainted() { return std::exchange(painted, 0); }
-    std::vector<PageRect> takeStaleParts() { return std::exchange(staleParts, {}); }
+    std::vector<UnitRect> takeStaleParts() { return std::exchange(staleParts, {}); }
 
     std::uint32_t dotsPerInch = 96;
     bool hasRoom = true;
     bool canPaint = true;
     std::function<void()> whileMeasuring;
     std::vector<PageItem> picture;  // the last one painted
-    PagePoint draggedFrom;
-    std::vector<PageRect> staleParts;
+    PixelPoint draggedFrom;
+    std::vector<UnitRect> staleParts;
     bool isAllStale = false;
     bool isShown = false;  // the picture has been painted, invalidated as a whole and updated
     int painted = 0;
@@ -86,8 +86,8 @@ class MessageRig : public testing::Test {
     static constexpr std::uint32_t kBrightGreen = 0xFF86E8AC;
     static constexpr std::uint32_t kRed = 0xFFFF6B6B;
     static constexpr std::uint64_t kTickMs = 33;
-    static constexpr PagePoint kOnClose = {596, 24};
-    static constexpr PagePoint kOnPage = {300, 200};
+    static constexpr PixelPoint kOnClose = {596, 24};
+    static constexpr PixelPoint kOnPage = {300, 200};
 
     void add(const std::string& text, const std::string& sender = "Tower") {
         addMessage(store, sender, text, kChannelMessage, 7, clock.tickMs());
@@ -143,7 +143,7 @@ class MessageRig : public testing::Test {
                        screen};
 
   private:
-    std::string textAt(const PageRect& rect) const {
+    std::string textAt(const UnitRect& rect) const {
         for (const PageItem& item : screen.picture) {
             if (item.kind != PageItemKind::kText || item.rect != rect) continue;
             std::string text;

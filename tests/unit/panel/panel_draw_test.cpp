@@ -84,8 +84,8 @@ constexpr Scene kScenes[] = {{kGeneralTheme, 100}, {kBoeingTheme, 100}, {kAirbus
                              {kGeneralTheme, 50},  {kBoeingTheme, 61},  {kAirbusTheme, 200}};
 
 // The pixel in the middle of a rectangle of the layout.
-std::uint32_t middleOf(const ArgbImage& image, const PanelPicture& picture, const PanelRect& rect) {
-    const PanelPoint origin = themeLayout(picture.theme).origin;
+std::uint32_t middleOf(const ArgbImage& image, const PanelPicture& picture, const UnitRect& rect) {
+    const UnitPoint origin = themeLayout(picture.theme).origin;
     const auto x = static_cast<std::int32_t>((rect.x + rect.width / 2 - origin.x) * picture.scale);
     const auto y = static_cast<std::int32_t>((rect.y + rect.height / 2 - origin.y) * picture.scale);
     return image.row(y)[x];
@@ -142,8 +142,8 @@ TEST(PanelDraw, EmptyDisplaysHaveTheDisplaysGroundAndDeadDigitsTheirColour) {
         picture.frequencies = {};
         PanelLayers layers = layersOf(picture);
         const ArgbImage image = drawWhole(layers, picture);
-        for (const PanelRect& display : themeLayout(theme).displays) {
-            const PanelRect leftEdge = {display.x, display.y, display.width * 0.05f, display.height};
+        for (const UnitRect& display : themeLayout(theme).displays) {
+            const UnitRect leftEdge = {display.x, display.y, display.width * 0.05f, display.height};
             EXPECT_EQ(middleOf(image, picture, leftEdge), kDisplayArgb);
         }
         EXPECT_GT(std::count(image.pixels.begin(), image.pixels.end(), kDisconnectedArgb), 1000) << theme;

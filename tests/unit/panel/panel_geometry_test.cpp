@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr ScreenRect kFullHd{0, 0, 1920, 1040};  // with a task bar
+constexpr PixelRect kFullHd{0, 0, 1920, 1040};  // with a task bar
 constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
 
@@ -66,7 +66,7 @@ TEST(PanelPlacement, GrowsWithTheSettingAndTheMonitorsDpi) {
 TEST(PanelPlacement, APanelTooLargeForItsMonitorFillsTheTighterSide) {
     const struct {
         std::int32_t theme;
-        ScreenRect area;
+        PixelRect area;
         Size size;
     } rows[] = {
         {0, {0, 0, 1000, 1000}, {1000, 303}},                                       // width decides
@@ -83,7 +83,7 @@ TEST(PanelPlacement, APanelTooLargeForItsMonitorFillsTheTighterSide) {
 TEST(PanelPlacement, NeverOutgrowsTheWorkArea) {
     for (std::int32_t theme = 0; theme < 3; theme++)
         for (std::int32_t side = 1; side < 2500; side += 7)
-            for (const ScreenRect& area : {ScreenRect{0, 0, side, 3000}, ScreenRect{0, 0, 5000, side}}) {
+            for (const PixelRect& area : {PixelRect{0, 0, side, 3000}, PixelRect{0, 0, 5000, side}}) {
                 const PanelPlacement panel = placePanel(settingsOf(theme, 200), area, 192);
                 ASSERT_LE(panel.width, area.right) << theme << ' ' << side;
                 ASSERT_LE(panel.height, area.bottom) << theme << ' ' << side;
@@ -116,7 +116,7 @@ TEST(PanelPlacement, SitsFlushWithTheEdgeItWouldHaveCrossed) {
 }
 
 TEST(PanelPlacement, KnowsMonitorsLeftOfAndAboveTheFirst) {
-    constexpr ScreenRect kLeft{-1920, -300, 0, 780};
+    constexpr PixelRect kLeft{-1920, -300, 0, 780};
     const struct {
         std::int32_t storedX, storedY, x, y;
     } rows[] = {{-1000, -100, -1000, -100}, {-2000, -400, -1920, -300}, {80, 900, -900, 507}, {-900, 507, -900, 507}};
@@ -128,7 +128,7 @@ TEST(PanelPlacement, KnowsMonitorsLeftOfAndAboveTheFirst) {
 }
 
 TEST(PanelPlacement, KnowsAMonitorRightOfTheFirstWithATaskBarOnTopAndItsOwnDpi) {
-    constexpr ScreenRect kRight{1920, 260, 5760, 2300};  // 3840 wide, its first row 220 lower, a bar of 40 on top
+    constexpr PixelRect kRight{1920, 260, 5760, 2300};  // 3840 wide, its first row 220 lower, a bar of 40 on top
     const struct {
         std::int32_t storedX, storedY, x, y;
     } rows[] = {{80, 80, 1920, 260}, {2000, 240, 2000, 260}, {5700, 2290, 4410, 1891}, {4410, 1891, 4410, 1891}};
@@ -142,8 +142,8 @@ TEST(PanelPlacement, KnowsAMonitorRightOfTheFirstWithATaskBarOnTopAndItsOwnDpi) 
 }
 
 TEST(PanelPlacement, AWorkAreaWithoutSizeLeavesSizeAndPositionAsTheyAreWanted) {
-    for (const ScreenRect& area : {ScreenRect{}, ScreenRect{0, 0, 1920, 0}, ScreenRect{0, 0, 0, 1080},
-                                   ScreenRect{1920, 1080, 0, 0}, ScreenRect{kMost, kMost, kLeast, kLeast}}) {
+    for (const PixelRect& area : {PixelRect{}, PixelRect{0, 0, 1920, 0}, PixelRect{0, 0, 0, 1080},
+                                  PixelRect{1920, 1080, 0, 0}, PixelRect{kMost, kMost, kLeast, kLeast}}) {
         const PanelPlacement panel = placePanel(settingsAt(-777, 4321), area, 96);
         EXPECT_EQ(panel.width, 900);
         EXPECT_EQ(panel.height, 273);

@@ -4,8 +4,8 @@
 
 namespace {
 
-constexpr PanelRect kActiveDisplay{160, 240, 696, 125};
-constexpr PanelRect kStandbyDisplay{1200, 240, 685, 125};
+constexpr UnitRect kActiveDisplay{160, 240, 696, 125};
+constexpr UnitRect kStandbyDisplay{1200, 240, 685, 125};
 
 // Worked out from the display's size by hand: 85 high, 45.05 wide, 10.3615 apart, a point of 11.713.
 constexpr float kHeight = 85.0f;
@@ -16,7 +16,7 @@ constexpr float kWhole = 6 * kWidth + 6 * kGap + kPoint;
 constexpr float kRounding = 0.002f;
 constexpr float kNear = 0.01f;
 
-float leftOf(const PanelRect& display) {
+float leftOf(const UnitRect& display) {
     return display.x + (display.width - kWhole) / 2;
 }
 
@@ -25,7 +25,7 @@ PanelElement hit(float x, float y) {
 }
 
 struct DisplayCase {
-    PanelRect display;
+    UnitRect display;
     PanelElement mhz, channel;
 };
 const DisplayCase kDisplays[] = {{kActiveDisplay, kActiveMhzDigits, kActiveChannelDigits},
@@ -34,10 +34,10 @@ const DisplayCase kDisplays[] = {{kActiveDisplay, kActiveMhzDigits, kActiveChann
 }  // namespace
 
 TEST(FrequencyCells, AreSixDigitsAndAPointCentredInTheDisplay) {
-    for (const PanelRect& display : {kActiveDisplay, kStandbyDisplay}) {
+    for (const UnitRect& display : {kActiveDisplay, kStandbyDisplay}) {
         const FrequencyCells cells = layoutFrequency(display);
         float x = leftOf(display);
-        std::vector<PanelRect> row(cells.digits.begin(), cells.digits.begin() + 3);
+        std::vector<UnitRect> row(cells.digits.begin(), cells.digits.begin() + 3);
         row.push_back(cells.point);
         row.insert(row.end(), cells.digits.begin() + 3, cells.digits.end());
         for (std::size_t i = 0; i < row.size(); i++) {
@@ -60,14 +60,14 @@ TEST(FrequencyCells, FieldsShareTheRowWithoutAHole) {
     EXPECT_NEAR(cells.pointField.width, kPoint + kGap, kRounding);
     EXPECT_EQ(cells.channelField.x, cells.digits[3].x);
     EXPECT_NEAR(cells.channelField.width, 3 * kWidth + 2 * kGap, kRounding);
-    for (const PanelRect& field : {cells.mhzField, cells.pointField, cells.channelField}) {
+    for (const UnitRect& field : {cells.mhzField, cells.pointField, cells.channelField}) {
         EXPECT_EQ(field.y, cells.digits[0].y);
         EXPECT_EQ(field.height, cells.digits[0].height);
     }
 }
 
 TEST(FrequencyCells, OfADisplayWithoutSizeHaveNone) {
-    for (const PanelRect& digit : layoutFrequency({}).digits) EXPECT_EQ(digit, PanelRect{});
+    for (const UnitRect& digit : layoutFrequency({}).digits) EXPECT_EQ(digit, UnitRect{});
 }
 
 TEST(FrequencyDigits, OfGeneralTuneMhzLeftOfThePointAndChannelsRightOfIt) {
@@ -122,7 +122,7 @@ TEST(FrequencyDigits, OfGeneralEndAtTheirFieldsEdges) {
 }
 
 TEST(FrequencyDigits, OfGeneralLeaveTheRestOfTheDisplayToTheDisplay) {
-    for (const PanelRect& display : {kActiveDisplay, kStandbyDisplay}) {
+    for (const UnitRect& display : {kActiveDisplay, kStandbyDisplay}) {
         const float right = display.x + display.width;
         EXPECT_EQ(hit(display.x, 240), kFrequencyDisplay);
         EXPECT_EQ(hit(right - kNear, 365 - kNear), kFrequencyDisplay);

@@ -15,54 +15,54 @@ struct Edges {
     float left, top, right, bottom;
 };
 
-Edges edgesOf(const PanelRect& rect) {
+Edges edgesOf(const UnitRect& rect) {
     return {rect.x, rect.y, rect.x + rect.width, rect.y + rect.height};
 }
 
-PanelPoint centreOf(const PanelRect& rect) {
+UnitPoint centreOf(const UnitRect& rect) {
     return {rect.x + rect.width / 2, rect.y + rect.height / 2};
 }
 
-bool overlap(const PanelRect& a, const PanelRect& b) {
+bool overlap(const UnitRect& a, const UnitRect& b) {
     const Edges p = edgesOf(a);
     const Edges q = edgesOf(b);
     return p.left < q.right && q.left < p.right && p.top < q.bottom && q.top < p.bottom;
 }
 
-bool isWithin(const PanelRect& inner, const PanelRect& outer) {
+bool isWithin(const UnitRect& inner, const UnitRect& outer) {
     const Edges p = edgesOf(inner);
     const Edges q = edgesOf(outer);
     return p.left >= q.left && p.top >= q.top && p.right <= q.right && p.bottom <= q.bottom;
 }
 
 // The element at the rectangle's rim: the knob pair's rim is the large knob.
-void expectFillsItsRectangle(std::int32_t theme, const PanelRect& rect, std::int32_t element) {
+void expectFillsItsRectangle(std::int32_t theme, const UnitRect& rect, std::int32_t element) {
     const auto [left, top, right, bottom] = edgesOf(rect);
-    const PanelPoint middle = centreOf(rect);
-    const PanelPoint inside[] = {
+    const UnitPoint middle = centreOf(rect);
+    const UnitPoint inside[] = {
         {left, top},      {right - kNear, top},      {left, bottom - kNear}, {right - kNear, bottom - kNear},
         {left, middle.y}, {right - kNear, middle.y}, {middle.x, top},        {middle.x, bottom - kNear},
     };
-    for (const PanelPoint& point : inside) EXPECT_EQ(hit_test(theme, point), element) << point.x << ',' << point.y;
-    const PanelPoint outside[] = {
+    for (const UnitPoint& point : inside) EXPECT_EQ(hit_test(theme, point), element) << point.x << ',' << point.y;
+    const UnitPoint outside[] = {
         {left - kNear, middle.y}, {right, middle.y}, {middle.x, top - kNear},     {middle.x, bottom}, {right, top},
         {left, bottom},           {right, bottom},   {left - kNear, top - kNear},
     };
-    for (const PanelPoint& point : outside) EXPECT_NE(hit_test(theme, point), element) << point.x << ',' << point.y;
+    for (const UnitPoint& point : outside) EXPECT_NE(hit_test(theme, point), element) << point.x << ',' << point.y;
 }
 
-PanelRect visibleArea(const ThemeLayout& layout) {
+UnitRect visibleArea(const ThemeLayout& layout) {
     return {layout.origin.x, layout.origin.y, layout.width, layout.height};
 }
 
 // What a theme has to be like, apart from its table: some of its places, and how many elements it has.
 struct Landmarks {
     std::int32_t theme;
-    PanelRect area;
-    PanelRect activeDisplay;
-    PanelRect swapKey;
-    PanelRect volumeKnob;
-    PanelRect com2Key, com2Lamp;
+    UnitRect area;
+    UnitRect activeDisplay;
+    UnitRect swapKey;
+    UnitRect volumeKnob;
+    UnitRect com2Key, com2Lamp;
     std::int32_t com2LampStyle;
     std::size_t elements;
 };
@@ -126,7 +126,7 @@ TEST(PanelLayout, OnlyKnobsAreRoundAndOnlyKeysHaveALampOfAKnownStyle) {
         for (const PanelHotspot& hotspot : themeLayout(theme).hotspots) {
             SCOPED_TRACE(testing::Message() << "theme " << theme << " element " << hotspot.id);
             EXPECT_EQ(hotspot.round, isKnob(hotspot.id));
-            const bool isLit = hotspot.indicator != PanelRect{};
+            const bool isLit = hotspot.indicator != UnitRect{};
             EXPECT_FALSE(isLit && isKnob(hotspot.id));
             EXPECT_EQ(isLit, hotspot.indicator.width > 0.0f && hotspot.indicator.height > 0.0f);
             EXPECT_GE(hotspot.indicatorStyle, kLightBar);
@@ -138,8 +138,8 @@ TEST(PanelLayout, OnlyKnobsAreRoundAndOnlyKeysHaveALampOfAKnownStyle) {
 TEST(PanelLayout, KeysDisplaysStripAndLampsLieInTheVisibleAreaAndApart) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         const ThemeLayout& layout = themeLayout(theme);
-        std::vector<PanelRect> solid = {layout.displays[0], layout.displays[1], layout.statusStrip, layout.txLamp,
-                                        layout.rxLamp};
+        std::vector<UnitRect> solid = {layout.displays[0], layout.displays[1], layout.statusStrip, layout.txLamp,
+                                       layout.rxLamp};
         for (const PanelHotspot& hotspot : layout.hotspots) solid.push_back(hotspot.rect);
         for (std::size_t i = 0; i < solid.size(); i++) {
             EXPECT_TRUE(isWithin(solid[i], visibleArea(layout))) << theme << ' ' << i;
@@ -155,11 +155,11 @@ TEST(PanelLayout, IndicatorsCoverNoOtherKeyAndNeitherStripNorLampsCoverThem) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         const ThemeLayout& layout = themeLayout(theme);
         for (const PanelHotspot& lit : layout.hotspots) {
-            if (lit.indicator == PanelRect{}) continue;
+            if (lit.indicator == UnitRect{}) continue;
             EXPECT_TRUE(isWithin(lit.indicator, visibleArea(layout))) << theme << ' ' << lit.id;
             for (const PanelHotspot& other : layout.hotspots)
                 EXPECT_TRUE(other.id == lit.id || !overlap(lit.indicator, other.rect)) << lit.id << ' ' << other.id;
-            for (const PanelRect& rect : {layout.statusStrip, layout.txLamp, layout.rxLamp})
+            for (const UnitRect& rect : {layout.statusStrip, layout.txLamp, layout.rxLamp})
                 EXPECT_FALSE(overlap(lit.indicator, rect)) << theme << ' ' << lit.id;
         }
     }
@@ -179,7 +179,7 @@ TEST(PanelLayout, AnUnknownThemeIsGeneral) {
 TEST(PanelLayout, FindsTheHotspotOfAnElement) {
     const ThemeLayout& boeing = themeLayout(kBoeingTheme);
     ASSERT_TRUE(findHotspot(boeing, kSettingsKey));
-    EXPECT_EQ(findHotspot(boeing, kSettingsKey)->rect, (PanelRect{1721, 187, 83, 76}));
+    EXPECT_EQ(findHotspot(boeing, kSettingsKey)->rect, (UnitRect{1721, 187, 83, 76}));
     EXPECT_EQ(findHotspot(boeing, kSmallKnob), findHotspot(boeing, kLargeKnob));
     EXPECT_NE(findHotspot(boeing, kSmallKnob), nullptr);
     EXPECT_EQ(findHotspot(boeing, kCustomKeyC), nullptr);
@@ -200,7 +200,7 @@ TEST(PanelHitTest, EveryHotspotFillsItsRectangleUpToTheRightAndBottomEdge) {
 TEST(PanelHitTest, TheSmallKnobReachesTo046OfTheLargeOnesRadius) {
     const struct {
         std::int32_t theme;
-        PanelPoint centre;
+        UnitPoint centre;
         float radius;  // of the large knob
     } pairs[] = {{kBoeingTheme, {1589, 618}, 124}, {kAirbusTheme, {1120, 592}, 128}};
     for (const auto& pair : pairs) {
@@ -209,7 +209,7 @@ TEST(PanelHitTest, TheSmallKnobReachesTo046OfTheLargeOnesRadius) {
             float dx, dy;
         } directions[] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}, {0.6f, 0.8f}, {-0.8f, 0.6f}, {-0.6f, -0.8f}, {0.8f, -0.6f}};
         for (const auto& d : directions) {
-            const auto at = [&](float r) { return PanelPoint{pair.centre.x + d.dx * r, pair.centre.y + d.dy * r}; };
+            const auto at = [&](float r) { return UnitPoint{pair.centre.x + d.dx * r, pair.centre.y + d.dy * r}; };
             EXPECT_EQ(hit_test(pair.theme, at(edge)), kSmallKnob) << pair.theme << ' ' << d.dx << ' ' << d.dy;
             EXPECT_EQ(hit_test(pair.theme, at(edge - kNear)), kSmallKnob) << pair.theme << ' ' << d.dx << ' ' << d.dy;
             EXPECT_EQ(hit_test(pair.theme, at(edge + kNear)), kLargeKnob) << pair.theme << ' ' << d.dx << ' ' << d.dy;
@@ -225,10 +225,10 @@ TEST(PanelHitTest, TheKnobPairsCornersAreTheLargeKnob) {
 TEST(PanelHitTest, TheDisplaysOfBoeingAndAirbusAreOneElement) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         if (theme == kGeneralTheme) continue;
-        for (const PanelRect& display : themeLayout(theme).displays) {
+        for (const UnitRect& display : themeLayout(theme).displays) {
             expectFillsItsRectangle(theme, display, kFrequencyDisplay);
             EXPECT_EQ(hit_test(theme, centreOf(display)), kFrequencyDisplay);
-            for (const PanelRect& digit : layoutFrequency(display).digits)
+            for (const UnitRect& digit : layoutFrequency(display).digits)
                 EXPECT_EQ(hit_test(theme, centreOf(digit)), kFrequencyDisplay);
         }
     }
@@ -237,8 +237,8 @@ TEST(PanelHitTest, TheDisplaysOfBoeingAndAirbusAreOneElement) {
 TEST(PanelHitTest, EverywhereElseIsBackground) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         const ThemeLayout& layout = themeLayout(theme);
-        const auto isActive = [&](PanelPoint point) {
-            const auto has = [&](const PanelRect& rect) {
+        const auto isActive = [&](UnitPoint point) {
+            const auto has = [&](const UnitRect& rect) {
                 return point.x >= rect.x && point.x < rect.x + rect.width && point.y >= rect.y &&
                        point.y < rect.y + rect.height;
             };
@@ -258,9 +258,9 @@ TEST(PanelHitTest, NothingLiesFarOutsideOrNowhere) {
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     constexpr float kMost = std::numeric_limits<float>::max();
     for (std::int32_t theme = 0; theme < kThemeCount; theme++)
-        for (const PanelPoint point :
-             {PanelPoint{kNan, kNan}, PanelPoint{kNan, 300}, PanelPoint{kInfinity, 300},
-              PanelPoint{-kInfinity, -kInfinity}, PanelPoint{kMost, kMost}, PanelPoint{-kMost, 300}, PanelPoint{0, 0}})
+        for (const UnitPoint point :
+             {UnitPoint{kNan, kNan}, UnitPoint{kNan, 300}, UnitPoint{kInfinity, 300}, UnitPoint{-kInfinity, -kInfinity},
+              UnitPoint{kMost, kMost}, UnitPoint{-kMost, 300}, UnitPoint{0, 0}})
             EXPECT_EQ(hit_test(theme, point), kBackground) << point.x << ',' << point.y;
 }
 
@@ -269,7 +269,7 @@ TEST(PanelToLogical, DividesByTheScaleAndAddsTheThemesOrigin) {
         std::int32_t theme;
         float scale;
         int clientX, clientY;
-        PanelPoint logical;
+        UnitPoint logical;
     } rows[] = {
         {kGeneralTheme, 1.0f, 0, 0, {43, 76}},      {kGeneralTheme, 0.5f, 100, 50, {243, 176}},
         {kBoeingTheme, 1.0f, 10, 20, {39, 62}},     {kBoeingTheme, 2.0f, -2, -4, {28, 40}},
@@ -277,7 +277,7 @@ TEST(PanelToLogical, DividesByTheScaleAndAddsTheThemesOrigin) {
         {kAirbusTheme, 1.0f, -18, -41, {0, 0}},     {kGeneralTheme, 0.5f, -32768, 32767, {-65493, 65610}},
     };
     for (const auto& row : rows) {
-        const PanelPoint point = panel_to_logical(row.theme, row.scale, row.clientX, row.clientY);
+        const UnitPoint point = panel_to_logical(row.theme, row.scale, row.clientX, row.clientY);
         EXPECT_EQ(point.x, row.logical.x) << row.theme << ' ' << row.scale;
         EXPECT_EQ(point.y, row.logical.y) << row.theme << ' ' << row.scale;
     }
@@ -286,7 +286,7 @@ TEST(PanelToLogical, DividesByTheScaleAndAddsTheThemesOrigin) {
 TEST(PanelToLogical, AScaleThatIsNoneCountsAsOne) {
     for (const float scale : {0.0f, -0.0f, -2.0f, std::numeric_limits<float>::quiet_NaN(),
                               std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity()}) {
-        const PanelPoint point = panel_to_logical(kBoeingTheme, scale, 100, 200);
+        const UnitPoint point = panel_to_logical(kBoeingTheme, scale, 100, 200);
         EXPECT_EQ(point.x, 129.0f) << scale;
         EXPECT_EQ(point.y, 242.0f) << scale;
     }

@@ -155,7 +155,7 @@ TEST_F(PanelClick, KnobsDigitsDisplayBackgroundAndTheUnassignedKeyDoNothing) {
 TEST_F(PanelClick, ElementsWithoutAnActionDoNothingEvenWhenAskedForDirectly) {
     const Settings before = now();
     for (const std::int32_t element : {0, 7, 8, 9, 13, 19, 20, 21, 22, 23, 25, -1, 1000, -2147483647})
-        clickElement(rooms, element, clock.tickMs());
+        clickElement(context, element, clock.tickMs());
     expectUntouched(before);
 }
 
@@ -227,18 +227,18 @@ TEST_F(PanelClick, AKnobThatWasMovedDoesNotSpoilTheNextClick) {
 
 TEST_F(PanelClick, TheBackgroundAsksForAMoveOfTheWindowAndHoldsNothing) {
     const Settings before = now();
-    EXPECT_EQ(press(ClientPoint{0, 0}), PressResult::kMoveWindow);
+    EXPECT_EQ(press(PixelPoint{0, 0}), PressResult::kMoveWindow);
     EXPECT_EQ(model.drag_element, kBackground);
     EXPECT_EQ(model.hover_element, kBackground);
     release({0, 0});
     expectUntouched(before);
-    EXPECT_EQ(press(ClientPoint{-5, -5}), PressResult::kMoveWindow);
-    EXPECT_EQ(press(ClientPoint{100000, 10}), PressResult::kMoveWindow);
+    EXPECT_EQ(press(PixelPoint{-5, -5}), PressResult::kMoveWindow);
+    EXPECT_EQ(press(PixelPoint{100000, 10}), PressResult::kMoveWindow);
 }
 
 TEST_F(PanelClick, APressRemembersWhereAndOnWhat) {
     change([](Settings& live) { live.radio = 2; });
-    const ClientPoint at = middleOf(kVolumeKnob);
+    const PixelPoint at = middleOf(kVolumeKnob);
     EXPECT_EQ(press(at), PressResult::kCapture);
     EXPECT_EQ(model.drag_element, kVolumeKnob);
     EXPECT_EQ(model.hover_element, kVolumeKnob);
@@ -262,7 +262,7 @@ TEST_F(PanelClick, WorksAtEveryScaleAndTheme) {
 }
 
 TEST_F(PanelClick, HoveringTellsWhatLiesUnderTheMouse) {
-    EXPECT_EQ(hoverPanel(model, rooms, middleOf(kSwapKey)), kSwapKey);
+    EXPECT_EQ(hoverPanel(model, context, middleOf(kSwapKey)), kSwapKey);
     EXPECT_EQ(model.hover_element, kSwapKey);
     move(middleOf(kActiveMhzDigits));
     EXPECT_EQ(model.hover_element, kActiveMhzDigits);
@@ -271,8 +271,8 @@ TEST_F(PanelClick, HoveringTellsWhatLiesUnderTheMouse) {
     EXPECT_EQ(model.hover_element, kBackground);
     EXPECT_FALSE(model.mouse_tracking);
     useTheme(kBoeingTheme);
-    EXPECT_EQ(hoverPanel(model, rooms, middleOf(kUnassignedKey)), kUnassignedKey);
-    EXPECT_EQ(hoverPanel(model, rooms, kNowhere), kBackground);
+    EXPECT_EQ(hoverPanel(model, context, middleOf(kUnassignedKey)), kUnassignedKey);
+    EXPECT_EQ(hoverPanel(model, context, kNowhere), kBackground);
 }
 
 TEST_F(PanelClick, AnUnknownRadioOrThemeWorksOnCom1AndGeneral) {

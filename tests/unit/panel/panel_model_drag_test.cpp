@@ -190,7 +190,7 @@ TEST_F(PanelDrag, EndsWithThePress) {
     EXPECT_TRUE(queued().empty());
     EXPECT_FALSE(model.drag_moved);
     press(kSmallKnob);
-    press(ClientPoint{0, 0});  // the release was lost
+    press(PixelPoint{0, 0});  // the release was lost
     dragUp(50);
     EXPECT_TRUE(queued().empty());
 }
@@ -211,7 +211,7 @@ TEST_F(PanelDrag, ExtremePositionsTurnOneStepOrToTheEnd) {
 }
 
 TEST_F(PanelDrag, AScaleThatIsNoneCountsAsOne) {
-    const ClientPoint at = middleOf(kVolumeKnob);
+    const PixelPoint at = middleOf(kVolumeKnob);
     for (const float scale :
          {0.0f, -1.0f, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
         forgetCommands();

@@ -183,7 +183,7 @@ TEST_F(PanelWheel, ATurnOverAnythingElseDoesNothing) {
             wheel(element, 1200);
             EXPECT_EQ(model.hover_element, element);
         }
-        wheelPanel(model, rooms, kNowhere, -1200, clock.tickMs());
+        wheelPanel(model, context, kNowhere, -1200, clock.tickMs());
         EXPECT_EQ(now(), before);
         EXPECT_TRUE(queued().empty());
         EXPECT_EQ(status(), "CONNECTED");
@@ -228,7 +228,7 @@ TEST_F(PanelWheel, SurvivesTheLargestTurns) {
 }
 
 TEST_F(PanelWheel, ADisconnectedRadioSaysSo) {
-    setDisconnected(sim);
+    setDisconnected(sim, radios.status);
     wheel(kStandbyMhzDigits, 120);
     EXPECT_TRUE(queued().empty());
     EXPECT_EQ(status(), "Radio spacing unavailable or frequency limit");

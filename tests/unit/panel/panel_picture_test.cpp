@@ -6,10 +6,12 @@ class PanelPictureTest : public PanelTest {
     PanelPicture picture() {
         inputs.settings = now();
         inputs.sim = copySimState(sim);
-        return makePicture(inputs, commands, model, placement);
+        inputs.commands = copyCommands(commands);
+        inputs.status = copyStatus(radios.status);
+        return makePicture(inputs, model, placement);
     }
     void order(std::int32_t com, std::int32_t slot, double value = 0.0) {
-        enqueue(commands, sim, com, slot, value, -1.0f, clock.tickMs());
+        enqueue(radios, com, slot, value, -1.0f, clock.tickMs());
     }
     void markOldestWritten(const std::string& id) {
         MutexLock lock(commands.mutex);
@@ -42,7 +44,7 @@ TEST_F(PanelPictureTest, ShowsTheSelectedRadiosFrequencies) {
 
 TEST_F(PanelPictureTest, ShowsZeroWhileDisconnected) {
     order(1, kSlotStandby, 121600);
-    setDisconnected(sim);
+    setDisconnected(sim, radios.status);
     expectShown(0, kDisconnected, 0, kDisconnected);
     setState(sim, connectedState());
     changeState([](SimState& state) { state.connected = false; });  // readings are still there
@@ -62,7 +64,7 @@ TEST_F(PanelPictureTest, ShowsAQueuedFrequencyAsPendingInItsOwnField) {
 TEST_F(PanelPictureTest, TheOtherRadiosOrdersAndVolumesAreNoFrequencies) {
     order(2, kSlotStandby, 121600);
     order(2, kSlotSwap);
-    enqueue(commands, sim, 1, kSlotVolume, 0.5, 40.0f, clock.tickMs());
+    enqueue(radios, 1, kSlotVolume, 0.5, 40.0f, clock.tickMs());
     expectShown(122800, kConfirmed, 121500, kConfirmed);
 }
 
@@ -141,7 +143,7 @@ TEST_F(PanelPictureTest, TheVolumeIsTheSelectedRadiosPendingOneFirst) {
     EXPECT_FLOAT_EQ(picture().volumePercent, 60.0f);
     change([](Settings& live) { live.radio = 2; });
     EXPECT_FLOAT_EQ(picture().volumePercent, 40.0f);
-    enqueue(commands, sim, 2, kSlotVolume, 1.0, 93.0f, clock.tickMs());
+    enqueue(radios, 2, kSlotVolume, 1.0, 93.0f, clock.tickMs());
     EXPECT_FLOAT_EQ(picture().volumePercent, 93.0f);
 }
 
@@ -274,8 +276,8 @@ TEST_F(PanelPictureTest, EveryVisibleChangeMakesAnotherPicture) {
         [&] { change([](Settings& live) { live.pin = true; }); },
         [&] { change([](Settings& live) { live.receive_volume = 90; }); },
         [&] { change([](Settings& live) { live.theme = 1; }); },
-        [&] { setStatusText(sim, "Command queue busy"); },
-        [&] { setChannelStatus(sim, "No channel"); },
+        [&] { setStatusText(radios.status, "Command queue busy"); },
+        [&] { setChannelStatus(radios.status, "No channel"); },
         [&] { inputs.ownTransmit = true; },
         [&] { model.large_knob_angle = 12; },
         [&] { model.small_knob_angle = 14; },
@@ -330,8 +332,8 @@ TEST_F(PanelPictureTest, CarriesPlacementAnglesAndStatusLines) {
     placement.height = 298;
     model.large_knob_angle = 348;
     model.small_knob_angle = 28;
-    setStatusText(sim, "Tuned");
-    setChannelStatus(sim, "TWR 122.800");
+    setStatusText(radios.status, "Tuned");
+    setChannelStatus(radios.status, "TWR 122.800");
     const PanelPicture shown = picture();
     EXPECT_EQ(shown.theme, kGeneralTheme);
     EXPECT_EQ(shown.scale, 0.5f);

@@ -15,7 +15,10 @@ class CountedActions : public PanelActions {
 
 class PanelTest : public testing::Test {
   protected:
-    PanelTest() { setState(sim, connectedState()); }
+    PanelTest() {
+        setState(sim, connectedState());
+        setStatusText(radios.status, "CONNECTED");
+    }
 
     void change(const std::function<void(Settings&)>& edit) { updateSettings(settings, edit); }
     void useTheme(std::int32_t theme) {
@@ -26,7 +29,7 @@ class PanelTest : public testing::Test {
         edit(sim.state);
     }
     Settings now() { return copySettings(settings); }
-    std::string status() { return copySimState(sim).statusText; }
+    std::string status() { return copyStatus(radios.status).statusText; }
     std::vector<Command> queued() { return commandsOf(commands); }
     Command only() {
         const auto waiting = queued();
@@ -39,17 +42,17 @@ class PanelTest : public testing::Test {
     }
 
     // The client pixel at a point of the artwork, at the model's scale.
-    ClientPoint clientOf(PanelPoint point) {
-        const PanelPoint origin = themeLayout(now().theme).origin;
+    PixelPoint clientOf(UnitPoint point) {
+        const UnitPoint origin = themeLayout(now().theme).origin;
         const float scale = model.panel_scale_factor;
         return {static_cast<std::int32_t>((point.x - origin.x) * scale),
                 static_cast<std::int32_t>((point.y - origin.y) * scale)};
     }
     // A client pixel well inside the element; the large knob's lies right of the small one.
-    ClientPoint middleOf(std::int32_t element) {
+    PixelPoint middleOf(std::int32_t element) {
         const ThemeLayout& layout = themeLayout(now().theme);
-        const auto inside = [](const PanelRect& rect, float shareX) {
-            return PanelPoint{rect.x + rect.width * shareX, rect.y + rect.height / 2};
+        const auto inside = [](const UnitRect& rect, float shareX) {
+            return UnitPoint{rect.x + rect.width * shareX, rect.y + rect.height / 2};
         };
         if (element >= kActiveMhzDigits && element <= kStandbyChannelDigits) {
             const int field = element - kActiveMhzDigits;
@@ -62,35 +65,36 @@ class PanelTest : public testing::Test {
         if (!hotspot) return kNowhere;
         return clientOf(inside(hotspot->rect, element == kLargeKnob ? 0.9f : 0.5f));
     }
-    PressResult press(ClientPoint at) {
+    PressResult press(PixelPoint at) {
         mouse = at;
-        return pressPanel(model, rooms, at, clock.tickMs());
+        return pressPanel(model, context, at, clock.tickMs());
     }
     PressResult press(std::int32_t element) { return press(middleOf(element)); }
-    void move(ClientPoint at) {
+    void move(PixelPoint at) {
         mouse = at;
-        movePanel(model, rooms, at, clock.tickMs());
+        movePanel(model, context, at, clock.tickMs());
     }
-    void release(ClientPoint at) { releasePanel(model, rooms, at, clock.tickMs()); }
+    void release(PixelPoint at) { releasePanel(model, context, at, clock.tickMs()); }
     void click(std::int32_t element) {
-        const ClientPoint at = middleOf(element);
+        const PixelPoint at = middleOf(element);
         press(at);
         release(at);
     }
     // The held mouse goes up by this many pixels (down if negative).
     void dragUp(std::int32_t pixels) { move({mouse.x, mouse.y - pixels}); }
     void wheel(std::int32_t element, std::int32_t delta) {
-        wheelPanel(model, rooms, middleOf(element), delta, clock.tickMs());
+        wheelPanel(model, context, middleOf(element), delta, clock.tickMs());
     }
 
-    static constexpr ClientPoint kNowhere{-30000, -30000};
+    static constexpr PixelPoint kNowhere{-30000, -30000};
     ManualClock clock;
     MemoryFiles files;
     SettingsStore settings{files};
-    SharedSimState sim;
-    CommandQueue commands;
+    SimRadios radios;
+    SharedSimState& sim = radios.sim;
+    CommandQueue& commands = radios.commands;
     CountedActions actions;
-    PanelRooms rooms{settings, sim, commands, actions};
+    PanelContext context{settings, radios, actions};
     PanelModel model;
-    ClientPoint mouse;  // where it was pressed or moved to last
+    PixelPoint mouse;  // where it was pressed or moved to last
 };

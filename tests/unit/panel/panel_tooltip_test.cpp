@@ -143,8 +143,7 @@ TEST(PanelTooltip, AnUnknownRadioIsCom1) {
 
 TEST(PanelTooltip, Stands14PixelsRightOfAnd22BelowTheCursorOnEveryMonitor) {
     const struct {
-        std::int32_t x, y;
-        TipPlace tip;
-    } rows[] = {{0, 0, {14, 22}}, {959, 540, {973, 562}}, {-1920, -300, {-1906, -278}}, {3839, 20, {3853, 42}}};
-    for (const auto& row : rows) EXPECT_EQ(tipPlace(row.x, row.y), row.tip) << row.x << ',' << row.y;
+        PixelPoint cursor, tip;
+    } rows[] = {{{0, 0}, {14, 22}}, {{959, 540}, {973, 562}}, {{-1920, -300}, {-1906, -278}}, {{3839, 20}, {3853, 42}}};
+    for (const auto& row : rows) EXPECT_EQ(tipPlace(row.cursor), row.tip) << row.cursor.x << ',' << row.cursor.y;
 }

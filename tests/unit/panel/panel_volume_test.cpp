@@ -6,15 +6,15 @@
 class PanelVolume : public testing::Test {
   protected:
     PanelVolume() {
+        setStatusText(radios.status, "CONNECTED");
         MutexLock lock(sim.mutex);
         sim.state.connected = true;
-        sim.state.statusText = "CONNECTED";
         for (auto& radio : sim.state.radios) radio.writable.fill(true);
     }
     void follow(bool on) {
         updateSettings(settings, [&](Settings& live) { live.follow_volume = on; });
     }
-    void turn(std::int32_t com, float percent) { set_panel_volume(queue, sim, settings, com, percent, 1000); }
+    void turn(std::int32_t com, float percent) { set_panel_volume(radios, settings, com, percent, 1000); }
     std::size_t queued() {
         MutexLock lock(queue.mutex);
         return queue.commands.size();
@@ -30,13 +30,16 @@ class PanelVolume : public testing::Test {
     void setReceiveVolume(float percent) {
         updateSettings(settings, [&](Settings& live) { live.receive_volume = percent; });
     }
-    float shown(std::int32_t radio) { return panel_volume(queue, copySimState(sim), copySettings(settings), radio); }
-    std::string status() { return copySimState(sim).statusText; }
+    float shown(std::int32_t radio) {
+        return panel_volume(copyCommands(queue), copySimState(sim), copySettings(settings), radio);
+    }
+    std::string status() { return copyStatus(radios.status).statusText; }
 
     MemoryFiles files;
     SettingsStore settings{files};
-    SharedSimState sim;
-    CommandQueue queue;
+    SimRadios radios;
+    SharedSimState& sim = radios.sim;
+    CommandQueue& queue = radios.commands;
 };
 
 TEST_F(PanelVolume, ChangesTheReceiveVolumeWhenTheRadioIsNotFollowed) {
@@ -61,7 +64,7 @@ TEST_F(PanelVolume, AsksTheSimulatorForUnityAt80AndForNoMoreAbove) {
     } rows[] = {{0, 0, 0}, {40, 0.5, 40}, {80, 1, 80}, {90, 1, 90}, {100, 1, 100}, {250, 1, 100}, {-9, 0, 0}};
     for (const auto& row : rows) {
         turn(1, row.turned);  // the waiting write takes the new value
-        const auto command = pendingCommand(queue, 1, kSlotVolume);
+        const auto command = pendingCommand(copyCommands(queue), 1, kSlotVolume);
         ASSERT_TRUE(command);
         EXPECT_EQ(command->value, row.simulator) << row.turned;
         EXPECT_EQ(command->localVolume, row.panel) << row.turned;
@@ -72,9 +75,9 @@ TEST_F(PanelVolume, AsksTheSimulatorForUnityAt80AndForNoMoreAbove) {
 
 TEST_F(PanelVolume, AsksTheRadioWhoseKnobIsTurned) {
     turn(2, 20);
-    EXPECT_FALSE(pendingCommand(queue, 1, kSlotVolume));
-    ASSERT_TRUE(pendingCommand(queue, 2, kSlotVolume));
-    EXPECT_EQ(pendingCommand(queue, 2, kSlotVolume)->value, 0.25);
+    EXPECT_FALSE(pendingCommand(copyCommands(queue), 1, kSlotVolume));
+    ASSERT_TRUE(pendingCommand(copyCommands(queue), 2, kSlotVolume));
+    EXPECT_EQ(pendingCommand(copyCommands(queue), 2, kSlotVolume)->value, 0.25);
 }
 
 TEST_F(PanelVolume, TellsThatTheSimulatorControlsItWhenItsVolumeIsNotWritable) {
@@ -103,7 +106,7 @@ TEST_F(PanelVolume, ShowsTheReceiveVolumeWhenTheRadioIsNotFollowed) {
         EXPECT_EQ(shown(1), percent);
         EXPECT_EQ(shown(2), percent);
     }
-    enqueue(queue, sim, 1, kSlotVolume, 0.25, 20.0f, 1000);  // queued before following was switched off
+    enqueue(radios, 1, kSlotVolume, 0.25, 20.0f, 1000);  // queued before following was switched off
     EXPECT_EQ(shown(1), 100.0f);
 }
 
@@ -142,7 +145,7 @@ TEST_F(PanelVolume, ShowsAQueuedWriteBeforeTheReading) {
     EXPECT_EQ(shown(2), 40.0f);
     turn(1, 0);
     EXPECT_EQ(shown(1), 0.0f);
-    enqueue(queue, sim, 1, kSlotVolume, 0.75, -1.0f, 1000);  // no panel value of its own
+    enqueue(radios, 1, kSlotVolume, 0.75, -1.0f, 1000);  // no panel value of its own
     EXPECT_FLOAT_EQ(shown(1), 60.0f);
 }
 

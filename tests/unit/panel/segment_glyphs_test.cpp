@@ -7,9 +7,8 @@
 
 namespace {
 
-const PanelRect kCells[] = {{0, 0, 45.05f, 85.0f}, {1500.5f, 260.25f, 45.05f, 85.0f},
-                            {-30, -20, 10, 60},    {3, 4, 60, 20},
-                            {100, 100, 0.5f, 1},   {2000, 300, 35.68f, 67.32f}};
+const UnitRect kCells[] = {{0, 0, 45.05f, 85.0f}, {1500.5f, 260.25f, 45.05f, 85.0f}, {-30, -20, 10, 60}, {3, 4, 60, 20},
+                           {100, 100, 0.5f, 1},   {2000, 300, 35.68f, 67.32f}};
 constexpr float kSlants[] = {0.0f, 0.05f, 0.12f, -0.08f, 0.5f, -3.0f, 100.0f};
 
 std::string segmentNames(char digit) {
@@ -22,16 +21,16 @@ std::string segmentNames(char digit) {
 double areaOf(const SegmentOutline& outline) {
     double twice = 0;
     for (int i = 0; i < outline.count; i++) {
-        const PanelPoint& p = outline.corners[static_cast<std::size_t>(i)];
-        const PanelPoint& q = outline.corners[static_cast<std::size_t>((i + 1) % outline.count)];
+        const UnitPoint& p = outline.corners[static_cast<std::size_t>(i)];
+        const UnitPoint& q = outline.corners[static_cast<std::size_t>((i + 1) % outline.count)];
         twice +=
             static_cast<double>(p.x) * static_cast<double>(q.y) - static_cast<double>(q.x) * static_cast<double>(p.y);
     }
     return std::fabs(twice) / 2;
 }
 
-PanelPoint centreOf(const SegmentOutline& outline) {
-    PanelPoint sum;
+UnitPoint centreOf(const SegmentOutline& outline) {
+    UnitPoint sum;
     for (int i = 0; i < outline.count; i++) {
         sum.x += outline.corners[static_cast<std::size_t>(i)].x / static_cast<float>(outline.count);
         sum.y += outline.corners[static_cast<std::size_t>(i)].y / static_cast<float>(outline.count);
@@ -43,8 +42,8 @@ PanelPoint centreOf(const SegmentOutline& outline) {
 bool contains(const SegmentOutline& outline, double x, double y) {
     bool inside = false;
     for (int i = 0; i < outline.count; i++) {
-        const PanelPoint& p = outline.corners[static_cast<std::size_t>(i)];
-        const PanelPoint& q = outline.corners[static_cast<std::size_t>((i + 1) % outline.count)];
+        const UnitPoint& p = outline.corners[static_cast<std::size_t>(i)];
+        const UnitPoint& q = outline.corners[static_cast<std::size_t>((i + 1) % outline.count)];
         const double px = static_cast<double>(p.x), py = static_cast<double>(p.y);
         const double qx = static_cast<double>(q.x), qy = static_cast<double>(q.y);
         if ((py > y) != (qy > y) && x < (qx - px) * (y - py) / (qy - py) + px) inside = !inside;
@@ -72,14 +71,14 @@ TEST(SegmentGlyphs, AnythingElseIsBlank) {
 }
 
 TEST(SegmentGlyphs, EverySegmentStaysWithinItsCell) {
-    for (const PanelRect& cell : kCells)
+    for (const UnitRect& cell : kCells)
         for (const float slant : kSlants)
             for (int segment = 0; segment < kSegmentCount; segment++) {
                 const SegmentOutline outline = segmentOutline(cell, segment, slant);
                 ASSERT_GE(outline.count, 4);
                 ASSERT_LE(outline.count, 6);
                 for (int i = 0; i < outline.count; i++) {
-                    const PanelPoint& corner = outline.corners[static_cast<std::size_t>(i)];
+                    const UnitPoint& corner = outline.corners[static_cast<std::size_t>(i)];
                     EXPECT_GE(corner.x, cell.x) << segment << ' ' << slant;
                     EXPECT_LE(corner.x, cell.x + cell.width) << segment << ' ' << slant;
                     EXPECT_GE(corner.y, cell.y) << segment << ' ' << slant;
@@ -90,13 +89,13 @@ TEST(SegmentGlyphs, EverySegmentStaysWithinItsCell) {
 }
 
 TEST(SegmentGlyphs, SegmentsFillTheCellToItsEdges) {
-    const PanelRect cell = kCells[0];
+    const UnitRect cell = kCells[0];
     for (const float slant : {0.0f, 0.1f, -0.1f}) {
         float left = 1e9f, right = -1e9f, top = 1e9f, bottom = -1e9f;
         for (int segment = 0; segment < kSegmentCount; segment++) {
             const SegmentOutline outline = segmentOutline(cell, segment, slant);
             for (int i = 0; i < outline.count; i++) {
-                const PanelPoint& corner = outline.corners[static_cast<std::size_t>(i)];
+                const UnitPoint& corner = outline.corners[static_cast<std::size_t>(i)];
                 left = std::min(left, corner.x);
                 right = std::max(right, corner.x);
                 top = std::min(top, corner.y);
@@ -111,7 +110,7 @@ TEST(SegmentGlyphs, SegmentsFillTheCellToItsEdges) {
 }
 
 TEST(SegmentGlyphs, SegmentsDoNotOverlap) {
-    for (const PanelRect& cell : kCells)
+    for (const UnitRect& cell : kCells)
         for (const float slant : kSlants) {
             std::array<SegmentOutline, kSegmentCount> outlines;
             for (int segment = 0; segment < kSegmentCount; segment++)
@@ -129,7 +128,7 @@ TEST(SegmentGlyphs, SegmentsDoNotOverlap) {
 }
 
 TEST(SegmentGlyphs, OutlinesAreConvex) {
-    for (const PanelRect& cell : kCells)
+    for (const UnitRect& cell : kCells)
         for (const float slant : kSlants)
             for (int segment = 0; segment < kSegmentCount; segment++) {
                 const SegmentOutline outline = segmentOutline(cell, segment, slant);
@@ -137,7 +136,7 @@ TEST(SegmentGlyphs, OutlinesAreConvex) {
                 int left = 0;
                 int right = 0;
                 for (int i = 0; i < outline.count; i++) {
-                    const PanelPoint p = corner(i), q = corner(i + 1), r = corner(i + 2);
+                    const UnitPoint p = corner(i), q = corner(i + 1), r = corner(i + 2);
                     const float turn = (q.x - p.x) * (r.y - q.y) - (q.y - p.y) * (r.x - q.x);
                     left += turn < 0.0f;
                     right += turn > 0.0f;
@@ -147,20 +146,20 @@ TEST(SegmentGlyphs, OutlinesAreConvex) {
 }
 
 TEST(SegmentGlyphs, SegmentsStandWhereTheirLettersSay) {
-    const PanelRect cell{10, 20, 50, 100};
+    const UnitRect cell{10, 20, 50, 100};
     const struct {
         float x, y;  // shares of the cell
     } places[] = {{0.5f, 0.05f}, {0.9f, 0.27f}, {0.9f, 0.73f}, {0.5f, 0.95f},
                   {0.1f, 0.73f}, {0.1f, 0.27f}, {0.5f, 0.5f}};
     for (int segment = 0; segment < kSegmentCount; segment++) {
-        const PanelPoint centre = centreOf(segmentOutline(cell, segment, 0.0f));
+        const UnitPoint centre = centreOf(segmentOutline(cell, segment, 0.0f));
         EXPECT_NEAR(centre.x, cell.x + places[segment].x * cell.width, 5) << segment;
         EXPECT_NEAR(centre.y, cell.y + places[segment].y * cell.height, 5) << segment;
     }
 }
 
 TEST(SegmentGlyphs, TheTopOfASlantedDigitIsRightOfItsBottom) {
-    const PanelRect cell{10, 20, 50, 100};
+    const UnitRect cell{10, 20, 50, 100};
     for (const float slant : {0.1f, 0.2f, -0.1f}) {
         const float top = centreOf(segmentOutline(cell, 0, slant)).x;
         const float bottom = centreOf(segmentOutline(cell, 3, slant)).x;

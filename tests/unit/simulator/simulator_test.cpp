@@ -317,7 +317,7 @@ TEST(SimulatorScript, PlaysInTimesOrderAndRefusesWhatItDoesNotUnderstand) {
     std::string error;
     ASSERT_TRUE(parseScript("# a flight\n2.5 swap com1\r\n\n0 tune COM2 standby 118.105 # early\n", script, error));
     ASSERT_EQ(script.size(), 2u);
-    EXPECT_EQ(script[0].action.kind, ActionKind::Tune);
+    EXPECT_EQ(script[0].action.kind, ActionKind::kTune);
     EXPECT_EQ(script[0].action.radio, 1u);
     EXPECT_EQ(script[0].action.value, 118'105'000.0);
     EXPECT_EQ(script[1].atMs, 2500u);

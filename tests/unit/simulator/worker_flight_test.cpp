@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <deque>
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "tests/simulator/simulator.h"
 #include "tests/unit/worker/worker_fakes.h"
 #include "worker/simconnect/simconnect_link.h"
@@ -34,7 +34,7 @@ class SimulatorLine : public simconnect::Transport {
             waiting_ += output.bytes;
             if (output.isLast) client_ = 0;
         }
-        return client_ == 0 ? simconnect::TransportState::Closed : simconnect::TransportState::Open;
+        return client_ == 0 ? simconnect::TransportState::kClosed : simconnect::TransportState::kOpen;
     }
     std::size_t receive(std::span<std::uint8_t> into) override {
         const auto count = std::min(into.size(), waiting_.size());

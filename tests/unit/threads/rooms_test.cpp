@@ -6,6 +6,7 @@
 #include <future>
 #include <memory>
 #include <thread>
+#include "exchange/command_text.h"
 #include "plugin/host_events.h"
 #include "settings/settings_text.h"
 #include "tests/unit/bridge/rig.h"
@@ -19,8 +20,8 @@ constexpr auto kDeadline = std::chrono::seconds(20);  // a busy machine under a 
 // caller held would keep that thread waiting past the deadline.
 class LockProbe {
   public:
-    LockProbe(SettingsStore& settings, SharedSimState& sim, CommandQueue& commands, TalkTracker& talk)
-        : settings_(settings), sim_(sim), commands_(commands), talk_(talk) {}
+    LockProbe(SettingsStore& settings, SimRadios& radios, TalkTracker& talk)
+        : settings_(settings), radios_(radios), talk_(talk) {}
 
     // The settings-file mutex may be held while its own file is saved.
     void check(const std::string& place, bool savesSettings) {
@@ -30,8 +31,9 @@ class LockProbe {
         auto done = taken->get_future();
         std::thread other([this, taken, savesSettings] {
             copySettings(settings_);
-            copySimState(sim_);
-            isBusy(commands_, 0);
+            copySimState(radios_.sim);
+            copyStatus(radios_.status);
+            isBusy(radios_.commands, 0);
             { MutexLock lock(talk_.mutex); }
             if (!savesSettings) {
                 MutexLock lock(settings_.fileMutex);
@@ -58,8 +60,7 @@ class LockProbe {
 
   private:
     SettingsStore& settings_;
-    SharedSimState& sim_;
-    CommandQueue& commands_;
+    SimRadios& radios_;
     TalkTracker& talk_;
     std::atomic<std::size_t> count_{0};
     std::atomic<bool> isHeld_{false};
@@ -123,14 +124,24 @@ class RoomsTest : public testing::Test {
 
     void runPolling(const std::atomic<bool>& stop) {
         PollMemory memory;
-        PollRooms rooms{functions, files,    clock, kFolder, kHostProcess, server, settings,
-                        sim,       commands, moves, talk,    tails,        outputs};
+        PollContext context{.host = functions,
+                            .files = files,
+                            .clock = clock,
+                            .dataFolder = kFolder,
+                            .processId = kHostProcess,
+                            .currentServer = server,
+                            .settings = settings,
+                            .radios = radios,
+                            .moves = moves,
+                            .talk = talk,
+                            .tails = tails,
+                            .voice = voice};
         while (!stop) {
-            pollOnce(memory, rooms);
+            pollOnce(memory, context);
             clock.advance(kPollPeriodMs);
             passes++;
         }
-        finishPolling(outputs);
+        finishPolling(voice);
     }
     void runWorker(int turn) {
         const std::string command = files.text(pathOf(kCommandFile));
@@ -140,16 +151,16 @@ class RoomsTest : public testing::Test {
     }
     void runPanel(int turn) {
         const std::uint64_t nowMs = clock.tickMs();
-        stepFrequency(commands, sim, 1 + turn % 2, turn % 2, turn % 5 == 0, turn % 3 - 1, nowMs);
-        enqueue(commands, sim, 1, kSlotVolume, 0.5, static_cast<float>(turn % 100), nowMs);
-        if (turn % 4 == 0) enqueue(commands, sim, 2, kSlotSwap, 0.0, -1.0f, nowMs);
+        stepFrequency(radios, 1 + turn % 2, turn % 2, turn % 5 == 0, turn % 3 - 1, nowMs);
+        enqueue(radios, 1, kSlotVolume, 0.5, static_cast<float>(turn % 100), nowMs);
+        if (turn % 4 == 0) enqueue(radios, 2, kSlotSwap, 0.0, -1.0f, nowMs);
         updateSettings(settings, [&](Settings& live) {
             live.panel_x++;
             live.enabled = turn % 10 != 0;
             live.radio = 1 + turn % 2;
         });
         if (!fitsTogether(copySimState(sim))) torn++;
-        pendingCommand(commands, 1, kSlotActive);
+        pendingCommand(copyCommands(commands), 1, kSlotActive);
         if (commandsOf(commands).size() > kMaxCommands) tooMany++;
         if (const Settings copy = copySettings(settings); copy.receive_volume < 0.0f) torn++;
     }
@@ -179,8 +190,8 @@ class RoomsTest : public testing::Test {
         const bool grows = generation >= lastGeneration;
         lastGeneration = generation;
         const float transmit = settings.TransmitGain;
-        const float receive = outputs.ReceiveGain;
-        const std::int32_t capture = outputs.CaptureMode;
+        const float receive = voice.ReceiveGain;
+        const std::int32_t capture = voice.CaptureMode;
         const std::uint16_t own = talk.ownClientId;
         static_cast<void>(talk.ownTransmit.load());
         static_cast<void>(talk.othersReceiving.load());
@@ -218,7 +229,7 @@ class RoomsTest : public testing::Test {
         while (std::chrono::steady_clock::now() < deadline) {
             runWorker(0);
             const bool hasWritten = files.has(pathOf(kCommandFile));
-            if (!hasWritten) enqueue(commands, sim, 2, kSlotSwap, 0.0, -1.0f, clock.tickMs());
+            if (!hasWritten) enqueue(radios, 2, kSlotSwap, 0.0, -1.0f, clock.tickMs());
             talkChanged(talk, 1, 30, passes / 10 % 2 == 0, clock.tickMs());
             if (hasWritten && !host.callsOf("requestClientMove").empty() && !host.playedSounds().empty()) return true;
             std::this_thread::yield();
@@ -239,13 +250,14 @@ class RoomsTest : public testing::Test {
     HostFunctions functions;
     std::atomic<std::uint64_t> server{1};
     SettingsStore settings{files};
-    SharedSimState sim;
-    CommandQueue commands;
+    SimRadios radios;
+    SharedSimState& sim = radios.sim;
+    CommandQueue& commands = radios.commands;
     MoveTracker moves;
     TalkTracker talk;
     TailPlayer tails{functions, settings, clock, "C:/Data/radio_tail.wav", {}};
-    BridgeOutputs outputs;
-    LockProbe probe{settings, sim, commands, talk};
+    VoiceLevels voice;
+    LockProbe probe{settings, radios, talk};
     std::atomic<int> passes{0};
     std::atomic<int> torn{0};
     std::atomic<int> tooMany{0};
@@ -260,7 +272,7 @@ TEST_F(RoomsTest, AllThreadsTogetherTearNothingAndCallNobodyUnderALock) {
     EXPECT_EQ(torn, 0);
     EXPECT_EQ(tooMany, 0);
     EXPECT_EQ(nonsense, 0);
-    EXPECT_EQ(outputs.ReceiveGain, 1.0f);
+    EXPECT_EQ(voice.ReceiveGain, 1.0f);
 
     // Each call was looked at, and the host was treated well.
     EXPECT_GE(passes, kTurns - 1);

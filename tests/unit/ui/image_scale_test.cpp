@@ -134,7 +134,7 @@ TEST(ImageScale, AShadedSpriteIsDarkerAndAShrunkOneSmaller) {
 }
 
 TEST(ImageScale, SpritesBeyondTheTargetTouchNothing) {
-    for (const PanelPoint at : {PanelPoint{-1000, 5}, PanelPoint{5, 1e6f}, PanelPoint{-20, -20}}) {
+    for (const UnitPoint at : {UnitPoint{-1000, 5}, UnitPoint{5, 1e6f}, UnitPoint{-20, -20}}) {
         ArgbImage target(10, 10);
         stampSprite(viewOf(target), knob(30), {at, 45.0f, 1.0f, 1.0f}, {-100, -100, 100, 100});
         for (const std::uint32_t pixel : target.pixels) EXPECT_EQ(pixel, 0U);

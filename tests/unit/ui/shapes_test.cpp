@@ -3,7 +3,7 @@
 #include <array>
 
 TEST(Shapes, DistancesAreNegativeInsideAndZeroOnTheOutline) {
-    const PanelRect rect = {10, 20, 40, 20};
+    const UnitRect rect = {10, 20, 40, 20};
     EXPECT_NEAR(roundedRectDistance(rect, 5, {30, 30}), -10.0f, 1e-4f);
     EXPECT_NEAR(roundedRectDistance(rect, 5, {10, 30}), 0.0f, 1e-4f);
     EXPECT_NEAR(roundedRectDistance(rect, 5, {30, 45}), 5.0f, 1e-4f);
@@ -15,15 +15,15 @@ TEST(Shapes, DistancesAreNegativeInsideAndZeroOnTheOutline) {
 }
 
 TEST(Shapes, ACirclesDistanceIsExact) {
-    const PanelRect circle = {0, 0, 20, 20};
+    const UnitRect circle = {0, 0, 20, 20};
     EXPECT_NEAR(ellipseDistance(circle, {10, 3}), -3.0f, 1e-4f);
     EXPECT_NEAR(ellipseDistance(circle, {10 + 3 * 5, 10 + 4 * 5}), 15.0f, 1e-4f);
     EXPECT_NEAR(ellipseDistance(circle, {10, 10}), -10.0f, 1e-4f);
 }
 
 TEST(Shapes, APolygonsDistanceDoesNotDependOnItsDirection) {
-    const std::array<PanelPoint, 4> clockwise = {PanelPoint{0, 0}, {10, 0}, {10, 10}, {0, 10}};
-    const std::array<PanelPoint, 4> other = {PanelPoint{0, 0}, {0, 10}, {10, 10}, {10, 0}};
+    const std::array<UnitPoint, 4> clockwise = {UnitPoint{0, 0}, {10, 0}, {10, 10}, {0, 10}};
+    const std::array<UnitPoint, 4> other = {UnitPoint{0, 0}, {0, 10}, {10, 10}, {10, 0}};
     for (const auto& corners : {clockwise, other}) {
         EXPECT_NEAR(convexDistance(corners, {5, 2}), -2.0f, 1e-4f);
         EXPECT_NEAR(convexDistance(corners, {5, -2}), 2.0f, 1e-4f);

@@ -133,7 +133,7 @@ TEST(WordWrap, StopsAfterAsManyLinesAsWanted) {
         const std::u16string text = randomText(random, random() % 200);
         const Lines all = wrap(text, 20);
         for (const std::size_t maxLines : {std::size_t{0}, std::size_t{1}, std::size_t{3}, all.size()}) {
-            const auto some = wrapText(text, 20, cells, maxLines);
+            const auto some = wrapText(text, 20, cells, kMessageWrap, maxLines);
             ASSERT_EQ(some.size(), std::min(maxLines, all.size()));
             for (std::size_t i = 0; i < some.size(); i++) ASSERT_EQ(some[i], all[i]);
         }

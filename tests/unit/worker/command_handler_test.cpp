@@ -24,7 +24,7 @@ TEST_F(CommandHandling, AcknowledgesOnlyOnceTheValueIsReadBack) {
     EXPECT_EQ(handler.ack(), CommandAck{});
     handler.pass(1100);
     EXPECT_TRUE(handler.isPending());
-    link.sim.radios[0].standbyKHz = 118005;
+    link.sim.radios[0].standby = 118005;
     handler.pass(1145);
     EXPECT_FALSE(handler.isPending());
     EXPECT_EQ(handler.ack(), (CommandAck{"1-2", true, "COM1 standby 118.005"}));
@@ -36,7 +36,7 @@ TEST_F(CommandHandling, NamesWhatWasWrittenInPlainEnglish) {
         std::size_t radio;
         RadioSlot slot;
         double value;
-        ComRadio after;
+        RadioReading after;
         const char* message;
     } rows[] = {
         {0, kSlotActive, 118105, {118105, 121500, 1, 0.5, {}}, "COM1 active 118.105"},
@@ -62,8 +62,8 @@ TEST_F(CommandHandling, NamesWhatWasWrittenInPlainEnglish) {
 
 TEST_F(CommandHandling, TheOtherRadioOrSlotIsNoReadBack) {
     send(0, kSlotStandby, 118005);
-    link.sim.radios[1].standbyKHz = 118005;
-    link.sim.radios[0].activeKHz = 118005;
+    link.sim.radios[1].standby = 118005;
+    link.sim.radios[0].active = 118005;
     handler.pass(1100);
     EXPECT_TRUE(handler.isPending());
 }

@@ -13,7 +13,7 @@ std::string undecoded(const std::string& narrow) {
 
 FoundFile fileOf(const std::string& bytes, double age = 5.0) {
     FoundFile file;
-    file.state = FoundFile::State::Read;
+    file.state = FoundFile::State::kRead;
     file.bytes = bytes;
     file.size = bytes.size();
     file.writtenUnixSeconds = kNow - age;
@@ -275,7 +275,7 @@ TEST(Diagnosis, ShowsDamagedFilesAsTextOfOurOwn) {
     EXPECT_TRUE(has(text, "bytes that are no text"));
     EXPECT_TRUE(has(text, "== Plugin's log"));
 
-    found.settings = FoundFile{FoundFile::State::Unreadable, "", 17, kNow};
+    found.settings = FoundFile{FoundFile::State::kUnreadable, "", 17, kNow};
     EXPECT_TRUE(has(report(found), "== settings.ini: there, but cannot be read\r\n"));
 }
 

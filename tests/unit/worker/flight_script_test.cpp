@@ -34,12 +34,18 @@ TEST(FlightScript, ReadsEveryAction) {
         RadioSlot slot;
         double value;
     } rows[] = {
-        {500, 2, ScriptAction::Tune, 0, kSlotActive, 118005},  {1000, 3, ScriptAction::Swap, 1, kSlotActive, 0},
-        {2000, 5, ScriptAction::Volume, 0, kSlotActive, 0.6},  {3000, 6, ScriptAction::Power, 1, kSlotActive, 0},
-        {4000, 7, ScriptAction::Spacing, 0, kSlotActive, 0},   {5000, 8, ScriptAction::Writable, 0, kSlotStandby, 0},
-        {6000, 9, ScriptAction::Writable, 0, kSlotStandby, 1}, {7000, 10, ScriptAction::Obey, 0, kSlotSwap, 0},
-        {8000, 11, ScriptAction::Obey, 0, kSlotSwap, 1},       {9000, 12, ScriptAction::Readback, 0, kSlotActive, 200},
-        {10000, 13, ScriptAction::Drop, 0, kSlotActive, 3500}, {11000, 14, ScriptAction::Repeat, 0, kSlotActive, 0},
+        {500, 2, ScriptAction::kTune, 0, kSlotActive, 118005},
+        {1000, 3, ScriptAction::kSwap, 1, kSlotActive, 0},
+        {2000, 5, ScriptAction::kVolume, 0, kSlotActive, 0.6},
+        {3000, 6, ScriptAction::kPower, 1, kSlotActive, 0},
+        {4000, 7, ScriptAction::kSpacing, 0, kSlotActive, 0},
+        {5000, 8, ScriptAction::kWritable, 0, kSlotStandby, 0},
+        {6000, 9, ScriptAction::kWritable, 0, kSlotStandby, 1},
+        {7000, 10, ScriptAction::kObey, 0, kSlotSwap, 0},
+        {8000, 11, ScriptAction::kObey, 0, kSlotSwap, 1},
+        {9000, 12, ScriptAction::kReadback, 0, kSlotActive, 200},
+        {10000, 13, ScriptAction::kDrop, 0, kSlotActive, 3500},
+        {11000, 14, ScriptAction::kRepeat, 0, kSlotActive, 0},
     };
     ASSERT_EQ(script.steps.size(), std::size(rows));
     for (std::size_t i = 0; i < std::size(rows); i++) {

@@ -29,7 +29,7 @@ struct MakingALink : testing::Test {
     // Simulated from a script with this text.
     std::unique_ptr<SimLink> madeFrom(const std::string& text) {
         files.put(kScript, text);
-        options = {"C:\\d", 0, LinkKind::Simulate, kScript, {}};
+        options = {"C:\\d", 0, LinkKind::kSimulate, kScript, {}};
         return made();
     }
 };
@@ -37,7 +37,7 @@ struct MakingALink : testing::Test {
 }  // namespace
 
 TEST_F(MakingALink, LooksForTheSimulatorUnlessToldOtherwise) {
-    for (const auto kind : {std::optional<LinkKind>(), std::optional(LinkKind::Auto)}) {
+    for (const auto kind : {std::optional<LinkKind>(), std::optional(LinkKind::kAuto)}) {
         options.link = kind;
         const auto link = made();
         EXPECT_FALSE(link->snapshot().ok);
@@ -52,21 +52,21 @@ TEST_F(MakingALink, LooksForTheSimulatorUnlessToldOtherwise) {
 
 TEST_F(MakingALink, FliesTheScript) {
     const auto link = madeFrom("0 tune COM1 active 118.005\n");
-    EXPECT_EQ(link->snapshot().radios[0].activeKHz, 118005);
+    EXPECT_EQ(link->snapshot().radios[0].active, 118005);
     EXPECT_TRUE(logFile.has("script C:\\d\\flight.txt: 1 actions"));
 }
 
 TEST_F(MakingALink, ReportsBadLinesAndCountsTheRest) {
     std::string text = "0 tune COM1 active 118.005\n0 land\n";
     for (int i = 0; i < 30; i++) text += "x\n";
-    EXPECT_EQ(madeFrom(text)->snapshot().radios[0].activeKHz, 118005);
+    EXPECT_EQ(madeFrom(text)->snapshot().radios[0].active, 118005);
     EXPECT_EQ(logFile.count("script line 2 skipped: no such action"), 1);
     EXPECT_EQ(logFile.count("script: 11 more lines skipped"), 1);
 }
 
 TEST_F(MakingALink, StandsStillWithoutAUsableScript) {
-    options = {"C:\\d", 0, LinkKind::Simulate, kScript, {}};
-    EXPECT_EQ(made()->snapshot().radios[0].activeKHz, 122800);
+    options = {"C:\\d", 0, LinkKind::kSimulate, kScript, {}};
+    EXPECT_EQ(made()->snapshot().radios[0].active, 122800);
     EXPECT_TRUE(logFile.has("script C:\\d\\flight.txt not found; the aircraft stands still"));
     options.script.clear();
     EXPECT_TRUE(made()->snapshot().ok);

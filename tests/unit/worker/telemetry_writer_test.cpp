@@ -13,7 +13,7 @@ struct TelemetryWriting : testing::Test {
     MemoryLogFile logFile;
     WorkerLog log{logFile, clock};
     TelemetryWriter writer{kPath, files, log};
-    TelemetryRecord record;
+    Telemetry record;
 
     // True if this pass wrote the file.
     bool passWrites(std::uint64_t afterMs) {
@@ -34,7 +34,7 @@ TEST_F(TelemetryWriting, WritesAtOnceThenKeepsItsDistance) {
     EXPECT_TRUE(passWrites(0));
     int atMs = 0;
     for (int i = 0; i < 1000; i++) {
-        record.sim.radios[0].activeKHz = i;
+        record.radios[0].active = i;
         atMs++;
         if (passWrites(1)) {
             EXPECT_EQ(atMs, static_cast<int>(kMinWriteGapMs));
@@ -71,7 +71,7 @@ TEST_F(TelemetryWriting, KeepsItsRhythmWhenTheClockIsSetBack) {
     clock.seconds = clock.seconds.load() - 3600.0;
     EXPECT_TRUE(passWrites(kMaxWriteGapMs));
     EXPECT_NEAR(stamp(), clock.unixSeconds(), 0.002);
-    record.sim.ok = true;
+    record.ok = true;
     EXPECT_TRUE(passWrites(kMinWriteGapMs));
 }
 

@@ -70,7 +70,7 @@ class ManualLink : public SimLink {
     ManualLink() {
         sim.ok = true;
         sim.status = "test aircraft";
-        for (auto& radio : sim.radios) radio = {122800, 121500, 1, 0.5, {true, true, true, true}};
+        for (auto& radio : sim.radios) radio = {122800, 121500, 1, 0.5f, {true, true, true, true}};
     }
     void poll(std::uint64_t) override {}
     const SimSnapshot& snapshot() const override { return sim; }

@@ -1,6 +1,6 @@
 #include "worker/worker_loop.h"
 #include <gtest/gtest.h>
-#include "exchange/telemetry.h"
+#include "exchange/telemetry_text.h"
 #include "tests/unit/worker/worker_fakes.h"
 #include "worker/simulated_aircraft.h"
 
@@ -235,8 +235,8 @@ TEST(WorkerLoop, RestsOnlyWhileALinkNeedsNoPollAndNoCommandIsPending) {
     EXPECT_EQ(pass().waitMs, kPassMs);
     files.put("C:\\d\\command.json", commandText("1-1", 1, "swap", "0", clock.unixSeconds()));
     EXPECT_EQ(pass().quietMs, kPassMs);
-    link.sim.radios[0].activeKHz = 121500;
-    link.sim.radios[0].standbyKHz = 122800;
+    link.sim.radios[0].active = 121500;
+    link.sim.radios[0].standby = 122800;
     EXPECT_EQ(pass().quietMs, 90u);
     bool soonerForTelemetry = false;
     for (int i = 0; i < 5; i++) soonerForTelemetry = pass().quietMs < 90 || soonerForTelemetry;

@@ -31,11 +31,11 @@ TEST(WorkerArguments, ReadsWhatThePluginPasses) {
 
 TEST(WorkerArguments, ReadsSimulateWithAndWithoutAScript) {
     const auto bare = parsed({"--simulate", "--data-dir", "C:\\d"});
-    EXPECT_EQ(bare.link, LinkKind::Simulate);
+    EXPECT_EQ(bare.link, LinkKind::kSimulate);
     EXPECT_EQ(bare.script, "");
     EXPECT_EQ(bare.dataDir, "C:\\d");
     const auto last = parsed({"--data-dir", "C:\\d", "--simulate"});
-    EXPECT_EQ(last.link, LinkKind::Simulate);
+    EXPECT_EQ(last.link, LinkKind::kSimulate);
     const auto scripted = parsed({"--data-dir", "C:\\d", "--simulate", "flight.txt"});
     EXPECT_EQ(scripted.script, "flight.txt");
 }
@@ -43,7 +43,7 @@ TEST(WorkerArguments, ReadsSimulateWithAndWithoutAScript) {
 TEST(WorkerArguments, ReadsTheAddressOfASimulatorElsewhere) {
     const auto options = parsed({"--data-dir", "d", "--address", "192.168.1.20:500"});
     EXPECT_EQ(options.address, (HostPort{"192.168.1.20", 500}));
-    EXPECT_EQ(options.link, LinkKind::Auto);  // over a link=simulate of worker.ini
+    EXPECT_EQ(options.link, LinkKind::kAuto);  // over a link=simulate of worker.ini
     EXPECT_EQ(errorOf({"--data-dir", "d", "--address"}), "--address needs a value");
     EXPECT_EQ(errorOf({"--data-dir", "d", "--address", "simpc"}),
               "--address needs an address as in simpc:500 or [fe80::1]:500, not simpc");
@@ -128,7 +128,7 @@ TEST(WorkerOptionsText, NamesWhatTheLinkIsSetTo) {
     EXPECT_EQ(describeLink(options), "link auto, simulator on this computer");
     options.address = HostPort{"simpc", 500};
     EXPECT_EQ(describeLink(options), "link auto, simulator at simpc:500");
-    options.link = LinkKind::Simulate;
+    options.link = LinkKind::kSimulate;
     EXPECT_EQ(describeLink(options), "link simulate, script none");
     options.script = "a.txt";
     EXPECT_EQ(describeLink(options), "link simulate, script a.txt");
@@ -146,14 +146,14 @@ TEST(WorkerIni, FillsWhatTheCommandLineLeftOpen) {
     const auto remarks =
         applyIni("\xEF\xBB\xBF; worker\r\n# more\r\n[worker]\r\n link = simulate \r\nscript=flights\\a.txt", options);
     EXPECT_TRUE(remarks.empty());
-    EXPECT_EQ(options.link, LinkKind::Simulate);
+    EXPECT_EQ(options.link, LinkKind::kSimulate);
     EXPECT_EQ(options.script, "C:\\Users\\a b\\Corvalis\\flights\\a.txt");
 }
 
 TEST(WorkerIni, TheCommandLineWins) {
     auto options = parsed({"--data-dir", "C:\\d", "--simulate", "mine.txt"});
     applyIni("link=auto\nscript=other.txt\n", options);
-    EXPECT_EQ(options.link, LinkKind::Simulate);
+    EXPECT_EQ(options.link, LinkKind::kSimulate);
     EXPECT_EQ(options.script, "mine.txt");
 }
 
@@ -166,7 +166,7 @@ TEST(WorkerIni, ReadsTheAddressOfASimulatorElsewhere) {
     options = parsed({"--data-dir", "d", "--address", "other:1"});
     applyIni("link=simulate\naddress=simpc:500\n", options);
     EXPECT_EQ(options.address, (HostPort{"other", 1}));
-    EXPECT_EQ(options.link, LinkKind::Auto);
+    EXPECT_EQ(options.link, LinkKind::kAuto);
 }
 
 TEST(WorkerIni, LeavesAnAbsoluteOrQuotedPathAlone) {
@@ -186,7 +186,7 @@ TEST(WorkerIni, RemarksOnEveryLineItIgnores) {
         "worker.ini line 4 ignored: it has no =",
     };
     EXPECT_EQ(remarks, expected);
-    EXPECT_EQ(options.link, LinkKind::Auto);  // the last one counts
+    EXPECT_EQ(options.link, LinkKind::kAuto);  // the last one counts
 }
 
 TEST(WorkerIni, SurvivesTheHugeAndTheDamaged) {

@@ -59,9 +59,9 @@ TEST_F(DialogHand, AClickWorksEveryControlOfEveryPage) {
 
 TEST_F(DialogHand, APressThatEndsElsewhereDoesNothing) {
     const DialogLayout now = layout();
-    EXPECT_TRUE(pressMouse(input, model, now, middleOf(rect(6000))));
-    EXPECT_EQ(input.pressed.id, 6000);
-    EXPECT_EQ(releaseMouse(input, model, now, middleOf(rect(6001))), std::nullopt);
+    EXPECT_TRUE(pressMouse(input, model, now, middleOf(rect(kMasterToggle))));
+    EXPECT_EQ(input.pressed.id, kMasterToggle);
+    EXPECT_EQ(releaseMouse(input, model, now, middleOf(rect(kPanelVisibleToggle))), std::nullopt);
     EXPECT_EQ(input.pressed, DialogHit{});
     EXPECT_EQ(model.working, Settings{});
 }
@@ -75,15 +75,15 @@ TEST_F(DialogHand, TheTitleBarAndEmptyGroundCaptureNothing) {
 }
 
 TEST_F(DialogHand, HoverFollowsTheMouse) {
-    moveMouse(input, model, layout(), middleOf(rect(6081)));
-    EXPECT_EQ(input.hover.id, 6081);
+    moveMouse(input, model, layout(), middleOf(rect(kSaveAndClose)));
+    EXPECT_EQ(input.hover.id, kSaveAndClose);
     leaveMouse(input);
     EXPECT_EQ(input.hover, DialogHit{});
 }
 
 TEST_F(DialogHand, ASliderIsDraggedBeyondItsEnds) {
     const DialogLayout now = layout();
-    const PixelRect track = trackRect(now, *findControl(now, 6003));
+    const PixelRect track = trackRect(now, *findControl(now, kOpacitySlider));
     const std::int32_t y = track.top + 1;
     EXPECT_TRUE(pressMouse(input, model, now, {(track.left + track.right) / 2, y}));
     EXPECT_TRUE(input.isDragging);
@@ -98,14 +98,14 @@ TEST_F(DialogHand, ASliderIsDraggedBeyondItsEnds) {
 
 TEST_F(DialogHand, AClickOnASlidersWordsChangesNothing) {
     model.working.opacity = 47.0f;
-    const PixelRect slider = rect(6003);
+    const PixelRect slider = rect(kOpacitySlider);
     click({slider.left + 30, slider.top + 10});
     EXPECT_EQ(model.working.opacity, 47.0f);
 }
 
 TEST_F(DialogHand, ALostCaptureEndsTheDrag) {
     const DialogLayout now = layout();
-    const PixelRect track = trackRect(now, *findControl(now, 6003));
+    const PixelRect track = trackRect(now, *findControl(now, kOpacitySlider));
     pressMouse(input, model, now, {track.left, track.top});
     forgetMouse(input);
     moveMouse(input, model, now, {track.right, track.top});
@@ -115,31 +115,31 @@ TEST_F(DialogHand, ALostCaptureEndsTheDrag) {
 
 TEST_F(DialogHand, TheWheelStepsSlidersAndSelectors) {
     model.page = 1;
-    wheel(6022, 120);
+    wheel(kReceiveVolumeSlider, 120);
     EXPECT_EQ(model.working.receive_volume, 81.0f);
-    wheel(6022, -360);
+    wheel(kReceiveVolumeSlider, -360);
     EXPECT_EQ(model.working.receive_volume, 78.0f);
-    wheel(6022, 60);
+    wheel(kReceiveVolumeSlider, 60);
     EXPECT_EQ(model.working.receive_volume, 78.0f);
-    wheel(6022, 60);
+    wheel(kReceiveVolumeSlider, 60);
     EXPECT_EQ(model.working.receive_volume, 79.0f);
-    wheel(6022, 60);
-    wheel(6022, -60);  // the other way: the half notch is forgotten
+    wheel(kReceiveVolumeSlider, 60);
+    wheel(kReceiveVolumeSlider, -60);  // the other way: the half notch is forgotten
     EXPECT_EQ(model.working.receive_volume, 79.0f);
     model.page = 2;
-    wheel(6061, -240);
+    wheel(kKeyBSelector, -240);
     EXPECT_EQ(model.working.bind_B, 2);
-    wheel(6061, 1200);
+    wheel(kKeyBSelector, 1200);
     EXPECT_EQ(model.working.bind_B, 0);
 }
 
 TEST_F(DialogHand, TheWheelScrollsALowWindow) {
     height = 450;
-    wheel(6000, -120);
+    wheel(kMasterToggle, -120);
     EXPECT_EQ(input.scroll, 48);
-    wheel(6000, 1200);
+    wheel(kMasterToggle, 1200);
     EXPECT_EQ(input.scroll, 0);
-    wheel(6000, -12000);
+    wheel(kMasterToggle, -12000);
     EXPECT_EQ(input.scroll, layout().scrollRange);
 }
 
@@ -191,30 +191,30 @@ TEST_F(DialogHand, TabScrollsTheFocusIntoView) {
 }
 
 TEST_F(DialogHand, SpaceAndEnterWorkTheFocusedControl) {
-    focus(6000);
+    focus(kMasterToggle);
     press(DialogKey::kSpace);
     EXPECT_FALSE(model.working.master);
     press(DialogKey::kEnter);
     EXPECT_TRUE(model.working.master);
-    focus(6080);
+    focus(kApply);
     press(DialogKey::kEnter);
     EXPECT_EQ(last, DialogAction::kApply);
-    focus(6002);
+    focus(kThemeChoice);
     press(DialogKey::kSpace);
     EXPECT_EQ(model.working.theme, 1);
-    focus(5105);
+    focus(languageControl(kGerman));
     press(DialogKey::kSpace);
     EXPECT_EQ(model.working.language, "de");
     const Settings before = model.working;
     focus(kNothingHit);
     press(DialogKey::kEnter);
-    focus(6031);  // on another page
+    focus(kNoiseReductionToggle);  // on another page
     press(DialogKey::kEnter);
     EXPECT_EQ(model.working, before);
 }
 
 TEST_F(DialogHand, EscapeClosesWhereverTheFocusIs) {
-    for (const int id : {kNothingHit, 6000, 6081}) {
+    for (const int id : {kNothingHit, int{kMasterToggle}, int{kSaveAndClose}}) {
         focus(id);
         last = DialogAction::kNone;
         press(DialogKey::kEscape);
@@ -223,7 +223,7 @@ TEST_F(DialogHand, EscapeClosesWhereverTheFocusIs) {
 }
 
 TEST_F(DialogHand, ArrowsHomeAndEndMoveASlider) {
-    focus(6004);
+    focus(kPanelScaleSlider);
     press(DialogKey::kRight);
     press(DialogKey::kUp);
     EXPECT_EQ(model.working.panel_scale, 110.0f);
@@ -237,14 +237,14 @@ TEST_F(DialogHand, ArrowsHomeAndEndMoveASlider) {
 }
 
 TEST_F(DialogHand, ArrowsStepChoicesWithinTheirEnds) {
-    focus(6002);
-    const int themes = optionCount(row(6002));
+    focus(kThemeChoice);
+    const int themes = optionCount(row(kThemeChoice));
     for (int i = 0; i < themes; i++) press(DialogKey::kRight);
     EXPECT_EQ(model.working.theme, themes - 1);
     press(DialogKey::kHome);
     EXPECT_EQ(model.working.theme, 0);
     model.page = 2;
-    focus(6063);
+    focus(kKeyDSelector);
     press(DialogKey::kEnd);
     EXPECT_EQ(model.working.bind_D, 7);
     press(DialogKey::kLeft);
@@ -252,25 +252,25 @@ TEST_F(DialogHand, ArrowsStepChoicesWithinTheirEnds) {
 }
 
 TEST_F(DialogHand, ArrowsMoveBetweenTabsLanguagesAndOptions) {
-    focus(5000);
+    focus(kGeneralTab);
     press(DialogKey::kDown);
     EXPECT_EQ(model.page, 1);
-    EXPECT_EQ(input.focus, 5001);
+    EXPECT_EQ(input.focus, kVoiceTab);
     press(DialogKey::kUp);
     press(DialogKey::kUp);
     EXPECT_EQ(model.page, 0);
-    focus(5104);
+    focus(languageControl(kKorean));
     press(DialogKey::kDown);
-    EXPECT_EQ(input.focus, 5107);
+    EXPECT_EQ(input.focus, languageControl(kSpanish));
     press(DialogKey::kDown);
-    EXPECT_EQ(input.focus, 5107);
+    EXPECT_EQ(input.focus, languageControl(kSpanish));
     press(DialogKey::kRight);
-    EXPECT_EQ(input.focus, 5108);
+    EXPECT_EQ(input.focus, languageControl(kRussian));
     EXPECT_EQ(model.working.language, "auto");  // chosen with Space only
     model.page = 2;
-    focus(6040);
+    focus(kCom1Option);
     press(DialogKey::kDown);
-    EXPECT_EQ(input.focus, 6042);
+    EXPECT_EQ(input.focus, kActiveOption);
     EXPECT_EQ(model.working.target, 0);
 }
 
@@ -290,19 +290,19 @@ TEST_F(DialogHand, AnotherPageBeginsAtItsTopAndLetsGoOfTheMouse) {
     ASSERT_GT(input.scroll, 0);
     const DialogLayout now = layout();
     ASSERT_TRUE(pressMouse(input, model, now, {now.scrollBar.left + 2, now.scrollThumb.top + 2}));
-    command(kFirstTab + 1);
+    command(kGeneralTab + 1);
     EXPECT_EQ(input.scroll, 0);
     EXPECT_FALSE(input.isDragging);
     EXPECT_EQ(input.pressed, DialogHit{});
     EXPECT_EQ(input.hover, DialogHit{});
     input.scroll = 5;
-    command(kFirstTab + 1);  // the same page once more
+    command(kGeneralTab + 1);  // the same page once more
     EXPECT_EQ(input.scroll, 5);
 }
 
 TEST_F(DialogHand, AnotherLanguageEndsADragWhereItStands) {
     const DialogLayout now = layout();
-    const PixelRect track = trackRect(now, *findControl(now, 6003));
+    const PixelRect track = trackRect(now, *findControl(now, kOpacitySlider));
     pressMouse(input, model, now, {(track.left + track.right) / 2, track.top});
     ASSERT_EQ(model.working.opacity, 65.0f);
     command(kFirstLanguage + int{kEnglish});  // it is English already
@@ -317,7 +317,7 @@ TEST_F(DialogHand, AnotherLanguageEndsADragWhereItStands) {
 }
 
 TEST_F(DialogHand, AToggleLeavesTheMouseWhereItIs) {
-    moveMouse(input, model, layout(), middleOf(rect(6081)));
-    command(6000);
-    EXPECT_EQ(input.hover.id, 6081);
+    moveMouse(input, model, layout(), middleOf(rect(kSaveAndClose)));
+    command(kMasterToggle);
+    EXPECT_EQ(input.hover.id, kSaveAndClose);
 }

@@ -103,12 +103,13 @@ TEST(DialogLayoutTest, TheMiddleOfEachControlHitsIt) {
 TEST(DialogLayoutTest, KeepsTheGivenDistancesAndSizes) {
     const DialogLayout layout = wholeDialog(96, 0);
     const auto rect = [&](int id) { return findControl(layout, id)->rect; };
-    for (int n = 1; n < kPageCount; n++) EXPECT_EQ(rect(5000 + n).top - rect(5000 + n - 1).top, 48);
+    for (int n = 1; n < kPageCount; n++) EXPECT_EQ(rect(kGeneralTab + n).top - rect(kGeneralTab + n - 1).top, 48);
     for (int n = 0; n < kLanguageCount; n++) {
-        EXPECT_EQ(rect(5100 + n).top, rect(5100).top + n / 3 * 40);
-        EXPECT_EQ(rect(5100 + n).left, rect(5100 + n % 3).left);
+        EXPECT_EQ(rect(kFirstLanguage + n).top, rect(kFirstLanguage).top + n / 3 * 40);
+        EXPECT_EQ(rect(kFirstLanguage + n).left, rect(kFirstLanguage + n % 3).left);
     }
-    const int options[] = {6020, 6021, 6026, 6027, 6028, 6029};
+    const int options[] = {kAutoSwitchingToggle, kFollowVolumeToggle, kDistortSelfToggle,
+                           kDistortOthersToggle, kTailSelfToggle,     kTailOthersToggle};
     for (int i = 0; i < 6; i++) {
         EXPECT_EQ(rect(options[i]).right - rect(options[i]).left, 327);
         EXPECT_EQ(rect(options[i]).bottom - rect(options[i]).top, 46);
@@ -142,7 +143,7 @@ TEST(DialogLayoutTest, EachPageHasItsHeadingsAndWhatEveryPageHas) {
             if (text.style == DialogTextStyle::kHeading) headed.insert(text.entry);
         }
         EXPECT_EQ(headed, headings[page]);
-        for (int tab = 0; tab < kPageCount; tab++) EXPECT_TRUE(findControl(layout, kFirstTab + tab)) << page;
+        for (int tab = 0; tab < kPageCount; tab++) EXPECT_TRUE(findControl(layout, kGeneralTab + tab)) << page;
         for (const int id : {kWindowButton, kLiveRow, kApply, kSaveAndClose, kCancel})
             EXPECT_TRUE(findControl(layout, id)) << page << ' ' << id;
     }
@@ -170,11 +171,11 @@ TEST(DialogLayoutTest, EveryTextOfEveryLanguageFits) {
 TEST(DialogLayoutTest, EveryActionFitsItsSelector) {
     const DialogLayout layout = wholeDialog(96, 2);
     for (std::int32_t language = 0; language < kLanguageCount; language++) {
-        for (std::int32_t action = 0; action < optionCount(*findRow(6062)); action++) {
+        for (std::int32_t action = 0; action < optionCount(*findRow(kKeyCSelector)); action++) {
             DialogView view = viewIn(language);
             view.settings.bind_C = action;
             for (const DialogText& text : dialogTexts(layout, view)) {
-                if (text.id == 6062) {
+                if (text.id == kKeyCSelector) {
                     EXPECT_TRUE(isFitting(text, generousWidth)) << text.text;
                 }
             }
@@ -221,12 +222,12 @@ TEST(DialogLayoutTest, ScrollsALowWindowUntilEverythingWasSeen) {
 
 TEST(DialogLayoutTest, WhatIsScrolledAwayIsNotHit) {
     const DialogLayout layout = layoutDialog(1366, 728, 144, 0, 1'000'000);
-    const DialogControl& first = *findControl(layout, 5100);
+    const DialogControl& first = *findControl(layout, kFirstLanguage);
     ASSERT_LT(first.rect.top, layout.pageView.top);
-    EXPECT_NE(hitDialog(layout, {first.rect.left + 5, first.rect.top + 2}).id, 5100);
+    EXPECT_NE(hitDialog(layout, {first.rect.left + 5, first.rect.top + 2}).id, kFirstLanguage);
     int labels = 0;
     for (const DialogText& text : dialogTexts(layout, viewIn(kEnglish))) {
-        if (text.id != 5100) continue;
+        if (text.id != kFirstLanguage) continue;
         labels++;
         EXPECT_TRUE(text.clip.isEmpty() || text.clip.top >= layout.pageView.top);
     }
@@ -240,14 +241,14 @@ TEST(DialogLayoutTest, ShrinksWhenTooNarrowOrVeryLow) {
     const DialogLayout low = layoutDialog(940, 210, 96, 2, 0);
     EXPECT_FLOAT_EQ(low.scale, 210.5f / 420.0f);
     const DialogControl& live = *findControl(low, kLiveRow);
-    EXPECT_TRUE(intersectRects(live.rect, findControl(low, 5003)->rect).isEmpty());
+    EXPECT_TRUE(intersectRects(live.rect, findControl(low, kAboutTab)->rect).isEmpty());
     EXPECT_EQ(layoutDialog(940, 660, 0, 0, 0).scale, 1.0f);  // an unknown resolution
     EXPECT_GT(layoutDialog(0, 0, 96, 9, -5).scale, 0.0f);
 }
 
 TEST(DialogLayoutTest, SliderThumbAndValueAgree) {
     const DialogLayout layout = wholeDialog(144, 1);
-    for (const int id : {6022, 6023, 6024, 6025}) {
+    for (const int id : {kReceiveVolumeSlider, kTransmitGainSlider, kVolumeMinSlider, kVolumeMaxSlider}) {
         const DialogControl& control = *findControl(layout, id);
         const SliderRange& range = findRow(id)->range;
         for (float value = range.min; value <= range.max; value += range.step) {

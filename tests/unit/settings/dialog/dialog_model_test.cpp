@@ -44,13 +44,13 @@ TEST_F(DialogModelTest, EveryToggleSwitchesItsOwnFieldOnly) {
 }
 
 TEST_F(DialogModelTest, OptionsSetRadioAndTarget) {
-    runDialogCommand(model, 6041);
+    runDialogCommand(model, kCom2Option);
     EXPECT_EQ(model.working.radio, 2);
-    runDialogCommand(model, 6040);
+    runDialogCommand(model, kCom1Option);
     EXPECT_EQ(model.working.radio, 1);
-    runDialogCommand(model, 6043);
+    runDialogCommand(model, kStandbyOption);
     EXPECT_EQ(model.working.target, 1);
-    runDialogCommand(model, 6042);
+    runDialogCommand(model, kActiveOption);
     EXPECT_EQ(model.working.target, 0);
 }
 
@@ -65,26 +65,26 @@ TEST_F(DialogModelTest, ChoicesTakeAnOptionOrGoOnAroundTheEnd) {
     std::int32_t Settings::*const keys[] = {&Settings::bind_A, &Settings::bind_B, &Settings::bind_C, &Settings::bind_D,
                                             &Settings::bind_E};
     for (int key = 0; key < 5; key++) {
-        runDialogCommand(model, 6060 + key, 3 + key % 2);
+        runDialogCommand(model, kKeyASelector + key, 3 + key % 2);
         EXPECT_EQ(model.working.*keys[key], 3 + key % 2);
     }
-    runDialogCommand(model, 6064, 7);
-    runDialogCommand(model, 6064);
+    runDialogCommand(model, kKeyESelector, 7);
+    runDialogCommand(model, kKeyESelector);
     EXPECT_EQ(model.working.bind_E, 0);
 }
 
 TEST_F(DialogModelTest, SlidersStepAndStayInRange) {
-    stepLevel(model, *findRow(6004), 3);
+    stepLevel(model, *findRow(kPanelScaleSlider), 3);
     EXPECT_EQ(model.working.panel_scale, 115.0f);
-    stepLevel(model, *findRow(6004), 100);
+    stepLevel(model, *findRow(kPanelScaleSlider), 100);
     EXPECT_EQ(model.working.panel_scale, 200.0f);
-    setLevel(model, *findRow(6025), 0.37f);
+    setLevel(model, *findRow(kVolumeMaxSlider), 0.37f);
     EXPECT_EQ(model.working.volume_max, 0.35f);
-    setLevel(model, *findRow(6025), std::numeric_limits<float>::quiet_NaN());
+    setLevel(model, *findRow(kVolumeMaxSlider), std::numeric_limits<float>::quiet_NaN());
     EXPECT_EQ(model.working.volume_max, 0.35f);
-    setLevel(model, *findRow(6000), 5.0f);
+    setLevel(model, *findRow(kMasterToggle), 5.0f);
     EXPECT_TRUE(model.working.master);
-    EXPECT_EQ(runDialogCommand(model, 6004), DialogAction::kNone);
+    EXPECT_EQ(runDialogCommand(model, kPanelScaleSlider), DialogAction::kNone);
     EXPECT_EQ(model.working.panel_scale, 200.0f);
 }
 
@@ -92,14 +92,14 @@ TEST_F(DialogModelTest, ButtonsAskForWhatTheyAreCalled) {
     const struct {
         int id;
         DialogAction action;
-    } rows[] = {{6080, DialogAction::kApply},
-                {6081, DialogAction::kSaveAndClose},
-                {6082, DialogAction::kClose},
-                {5150, DialogAction::kClose},
-                {6049, DialogAction::kPreviewMessages},
-                {6050, DialogAction::kClearMessages},
-                {6005, DialogAction::kNone},
-                {6006, DialogAction::kNone},
+    } rows[] = {{kApply, DialogAction::kApply},
+                {kSaveAndClose, DialogAction::kSaveAndClose},
+                {kCancel, DialogAction::kClose},
+                {kWindowButton, DialogAction::kClose},
+                {kPreviewMessages, DialogAction::kPreviewMessages},
+                {kClearMessages, DialogAction::kClearMessages},
+                {kResetPanel, DialogAction::kNone},
+                {kLiveRow, DialogAction::kNone},
                 {1, DialogAction::kNone},
                 {-1, DialogAction::kNone}};
     for (const auto& row : rows) EXPECT_EQ(runDialogCommand(model, row.id), row.action) << row.id;
@@ -107,14 +107,14 @@ TEST_F(DialogModelTest, ButtonsAskForWhatTheyAreCalled) {
 
 TEST_F(DialogModelTest, TabsTurnThePage) {
     for (int page = 3; page >= 0; page--) {
-        runDialogCommand(model, 5000 + page);
+        runDialogCommand(model, kGeneralTab + page);
         EXPECT_EQ(model.page, page);
     }
     EXPECT_TRUE(model.changed.empty());
 }
 
 TEST_F(DialogModelTest, FollowsTheLiveRecordInWhatTheUserHasNotTouched) {
-    runDialogCommand(model, 6044);  // pin on
+    runDialogCommand(model, kPinToggle);  // pin on
     Settings live = copySettings(store);
     live.panel_x = 500;
     live.radio = 2;
@@ -126,7 +126,7 @@ TEST_F(DialogModelTest, FollowsTheLiveRecordInWhatTheUserHasNotTouched) {
 }
 
 TEST_F(DialogModelTest, CommitKeepsWhatThePanelChangedMeanwhile) {
-    runDialogCommand(model, 6002, 1);
+    runDialogCommand(model, kThemeChoice, 1);
     updateSettings(store, [](Settings& live) {
         live.panel_x = 321;
         live.receive_volume = 42.0f;
@@ -144,14 +144,14 @@ TEST_F(DialogModelTest, CommitKeepsWhatThePanelChangedMeanwhile) {
 }
 
 TEST_F(DialogModelTest, CommitWritesWhatTheUserSetOverWhatThePanelSet) {
-    setLevel(model, *findRow(6022), 10.0f);
+    setLevel(model, *findRow(kReceiveVolumeSlider), 10.0f);
     updateSettings(store, [](Settings& live) { live.receive_volume = 42.0f; });
     commit();
     EXPECT_EQ(copySettings(store).receive_volume, 10.0f);
 }
 
 TEST_F(DialogModelTest, AfterACommitEverythingFollowsAgain) {
-    runDialogCommand(model, 6044);
+    runDialogCommand(model, kPinToggle);
     commit();
     updateSettings(store, [](Settings& live) { live.pin = false; });
     commit();
@@ -161,10 +161,10 @@ TEST_F(DialogModelTest, AfterACommitEverythingFollowsAgain) {
 TEST_F(DialogModelTest, ResetPutsThePanelBackEvenIfItMovesAgain) {
     updateSettings(store, [](Settings& live) { live.panel_x = live.panel_y = -700; });
     followLive(model, copySettings(store));
-    runDialogCommand(model, 6003);
-    setLevel(model, *findRow(6003), 40.0f);
-    setLevel(model, *findRow(6004), 150.0f);
-    runDialogCommand(model, 6005);
+    runDialogCommand(model, kOpacitySlider);
+    setLevel(model, *findRow(kOpacitySlider), 40.0f);
+    setLevel(model, *findRow(kPanelScaleSlider), 150.0f);
+    runDialogCommand(model, kResetPanel);
     EXPECT_EQ(copySettings(store).panel_x, -700);  // only in the working copy
     updateSettings(store, [](Settings& live) { live.panel_x = 900; });
     commit();
@@ -176,8 +176,8 @@ TEST_F(DialogModelTest, ResetPutsThePanelBackEvenIfItMovesAgain) {
 }
 
 TEST_F(DialogModelTest, CommitPutsTheVolumesInOrder) {
-    setLevel(model, *findRow(6024), 0.9f);
-    setLevel(model, *findRow(6025), 0.2f);
+    setLevel(model, *findRow(kVolumeMinSlider), 0.9f);
+    setLevel(model, *findRow(kVolumeMaxSlider), 0.2f);
     EXPECT_EQ(model.working.volume_min, 0.9f);
     commit();
     EXPECT_EQ(copySettings(store).volume_min, 0.2f);
@@ -188,7 +188,7 @@ TEST_F(DialogModelTest, CommitPutsTheVolumesInOrder) {
 
 TEST_F(DialogModelTest, LanguageShowsAtOnceAndCountsForTheOthersAfterACommit) {
     EXPECT_EQ(dialogLanguage(model, kGermanSystem), kGerman);  // "auto"
-    runDialogCommand(model, 5108);
+    runDialogCommand(model, languageControl(kRussian));
     EXPECT_EQ(model.working.language, "ru");
     EXPECT_EQ(dialogLanguage(model, kGermanSystem), kRussian);
     EXPECT_EQ(languageIndex, kEnglish);
@@ -204,10 +204,10 @@ TEST_F(DialogModelTest, CommitAsksTheSystemWhenNoLanguageIsNamed) {
 }
 
 TEST_F(DialogModelTest, CommitCountsTheVoiceGenerationOnlyForVoiceSwitches) {
-    runDialogCommand(model, 6044);
+    runDialogCommand(model, kPinToggle);
     commit();
     EXPECT_EQ(store.DspGeneration, 0u);
-    runDialogCommand(model, 6031);
+    runDialogCommand(model, kNoiseReductionToggle);
     commit();
     EXPECT_EQ(store.DspGeneration, 1u);
     EXPECT_EQ(store.AudioFlags & kAudioNrSelf, static_cast<std::uint32_t>(kAudioNrSelf));

@@ -4,7 +4,7 @@
 #include "settings/dialog/dialog_interaction.h"
 #include "settings/dialog/dialog_view.h"
 
-inline DialogPoint middleOf(const PixelRect& rect) {
+inline PixelPoint middleOf(const PixelRect& rect) {
     return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
 }
 
@@ -23,7 +23,7 @@ struct DialogRig {
     void run(const std::optional<DialogCommand>& command) {
         if (command) last = runCommand(input, model, *command, kRigSystemLanguage);
     }
-    void click(DialogPoint at) {
+    void click(PixelPoint at) {
         pressMouse(input, model, layout(), at);
         run(releaseMouse(input, model, layout(), at));
     }
@@ -32,7 +32,7 @@ struct DialogRig {
         click(middleOf(partRect(now, *findControl(now, id), part)));
     }
     void command(int id, int option = -1) { run(DialogCommand{id, option}); }
-    void turnTo(int page) { click(kFirstTab + page); }
+    void turnTo(int page) { click(kGeneralTab + page); }
     // Takes a slider's thumb where it stands for `from` to where it stands for `to`.
     void drag(int id, float from, float to) {
         const DialogLayout now = layout();

@@ -13,10 +13,12 @@ const struct {
     RowKind kind;
     int label;
 } kOtherControls[] = {
-    {5000, RowKind::kTab, 5},    {5001, RowKind::kTab, 6},     {5002, RowKind::kTab, 7},
-    {5003, RowKind::kTab, 8},    {5150, RowKind::kButton, -1}, {6005, RowKind::kButton, 17},
-    {6006, RowKind::kLive, 69},  {6049, RowKind::kButton, 50}, {6050, RowKind::kButton, 51},
-    {6080, RowKind::kButton, 4}, {6081, RowKind::kButton, 2},  {6082, RowKind::kButton, 3},
+    {kGeneralTab, RowKind::kTab, 5},        {kVoiceTab, RowKind::kTab, 6},
+    {kRadioTab, RowKind::kTab, 7},          {kAboutTab, RowKind::kTab, 8},
+    {kWindowButton, RowKind::kButton, -1},  {kResetPanel, RowKind::kButton, 17},
+    {kLiveRow, RowKind::kLive, 69},         {kPreviewMessages, RowKind::kButton, 50},
+    {kClearMessages, RowKind::kButton, 51}, {kApply, RowKind::kButton, 4},
+    {kSaveAndClose, RowKind::kButton, 2},   {kCancel, RowKind::kButton, 3},
 };
 
 }  // namespace
@@ -72,7 +74,7 @@ TEST(DialogRows, HoldTabsButtonsTheLiveRowTheSettingsAndNothingElse) {
             expected.insert(setting.control.id + i);
     }
     EXPECT_EQ(ids, expected);
-    for (int page = 0; page < kPageCount; page++) EXPECT_EQ(findRow(kFirstTab + page)->value, page);
+    for (int page = 0; page < kPageCount; page++) EXPECT_EQ(findRow(kGeneralTab + page)->value, page);
     for (int id = -1; id <= *ids.rbegin() + 1; id++) EXPECT_EQ(findRow(id) != nullptr, ids.count(id) == 1) << id;
 }
 
@@ -80,8 +82,9 @@ TEST(DialogRows, CallOptionsAndKeysByWhatIsEngravedOnThePanel) {
     const struct {
         int id, value;
         const char* caption;
-    } rows[] = {{6040, 1, "COM1"}, {6041, 2, "COM2"}, {6042, 0, "ACTIVE"}, {6043, 1, "STANDBY"}, {6060, 0, "A"},
-                {6061, 0, "B"},    {6062, 0, "C"},    {6063, 0, "D"},      {6064, 0, "E"}};
+    } rows[] = {{kCom1Option, 1, "COM1"},       {kCom2Option, 2, "COM2"}, {kActiveOption, 0, "ACTIVE"},
+                {kStandbyOption, 1, "STANDBY"}, {kKeyASelector, 0, "A"},  {kKeyBSelector, 0, "B"},
+                {kKeyCSelector, 0, "C"},        {kKeyDSelector, 0, "D"},  {kKeyESelector, 0, "E"}};
     for (const auto& row : rows) {
         EXPECT_EQ(findRow(row.id)->value, row.value) << row.id;
         for (std::int32_t language = 0; language < kLanguageCount; language++)
@@ -93,12 +96,12 @@ TEST(DialogRows, CallTheThemesByTheirNamesAndTheActionsByTheirTexts) {
     const DialogRow& theme = *findRow(kThemeChoice);
     const char* const names[] = {"GENERAL", "BOEING", "AIRBUS"};
     for (int i = 0; i < 3; i++) EXPECT_EQ(optionText(theme, i, kGerman), names[i]);
-    const DialogRow& key = *findRow(kFirstKeySelector);
+    const DialogRow& key = *findRow(kKeyASelector);
     for (int code = 0; code < optionCount(key); code++)
-        EXPECT_EQ(optionText(key, code, kFrench), textOf(kFrench, kTextActionFirst + code));
+        EXPECT_EQ(optionText(key, code, kFrench), textOf(kFrench, kTextActionNone + code));
     EXPECT_EQ(optionText(key, optionCount(key), kFrench), "");
     EXPECT_EQ(optionText(key, -1, kFrench), "");
-    EXPECT_EQ(optionCount(*findRow(6000)), 0);
+    EXPECT_EQ(optionCount(*findRow(kMasterToggle)), 0);
 }
 
 TEST(DialogRows, CallALanguageByItsOwnNameInEveryLanguage) {
@@ -114,21 +117,21 @@ TEST(DialogRows, CallALanguageByItsOwnNameInEveryLanguage) {
 }
 
 TEST(DialogRows, WriteSliderValuesWithUnitAndDecimals) {
-    EXPECT_EQ(sliderText(findRow(6003)->range, 80.0f), "80 %");
-    EXPECT_EQ(sliderText(findRow(6023)->range, 12.4f), "12 dB");
-    EXPECT_EQ(sliderText(findRow(6048)->range, 15.0f), "15 px");
-    EXPECT_EQ(sliderText(findRow(6024)->range, 0.85f), "0.85");
-    EXPECT_EQ(sliderText(findRow(6025)->range, 1.0f), "1.00");
+    EXPECT_EQ(sliderText(findRow(kOpacitySlider)->range, 80.0f), "80 %");
+    EXPECT_EQ(sliderText(findRow(kTransmitGainSlider)->range, 12.4f), "12 dB");
+    EXPECT_EQ(sliderText(findRow(kTextScaleSlider)->range, 15.0f), "15 px");
+    EXPECT_EQ(sliderText(findRow(kVolumeMinSlider)->range, 0.85f), "0.85");
+    EXPECT_EQ(sliderText(findRow(kVolumeMaxSlider)->range, 1.0f), "1.00");
 }
 
 TEST(DialogRows, SnapToStepsWithinTheRange) {
-    EXPECT_EQ(snapToStep(findRow(6004)->range, 137.0f), 135.0f);
-    EXPECT_EQ(snapToStep(findRow(6004)->range, 138.0f), 140.0f);
-    EXPECT_EQ(snapToStep(findRow(6003)->range, 12.0f), 30.0f);
-    EXPECT_EQ(snapToStep(findRow(6003)->range, 400.0f), 100.0f);
+    EXPECT_EQ(snapToStep(findRow(kPanelScaleSlider)->range, 137.0f), 135.0f);
+    EXPECT_EQ(snapToStep(findRow(kPanelScaleSlider)->range, 138.0f), 140.0f);
+    EXPECT_EQ(snapToStep(findRow(kOpacitySlider)->range, 12.0f), 30.0f);
+    EXPECT_EQ(snapToStep(findRow(kOpacitySlider)->range, 400.0f), 100.0f);
     for (int i = 0; i <= 20; i++) {
         const float wanted = static_cast<float>(i * 5) / 100.0f;
-        EXPECT_EQ(snapToStep(findRow(6025)->range, wanted + 0.011f), wanted) << i;  // 0.15, not 0.15000001
+        EXPECT_EQ(snapToStep(findRow(kVolumeMaxSlider)->range, wanted + 0.011f), wanted) << i;  // 0.15, not 0.15000001
     }
 }
 

@@ -1,21 +1,22 @@
 #include "settings/dialog/dialog_view.h"
 #include <gtest/gtest.h>
+#include "settings/language.h"
 
 namespace {
 
-SimState flying() {
-    SimState sim;
-    sim.connected = true;
-    sim.readTick = 10'000;
-    sim.radios[0].active = 122800;
-    sim.radios[0].volume = 0.85f;
-    sim.radios[1].active = 118005;
-    return sim;
+LiveRadio flying() {
+    LiveRadio radio;
+    radio.isConnected = true;
+    radio.isKnown = true;
+    radio.readTickMs = 10'000;
+    radio.activeKHz = 122800;
+    radio.volume = 0.85f;
+    return radio;
 }
 
-LiveStatus lookAt(const SimState& sim, std::int32_t com, std::uint64_t nowMs = 10'050) {
+LiveStatus lookAt(const LiveRadio& radio, std::int32_t com, std::uint64_t nowMs = 10'050) {
     LiveMemory memory;
-    return liveStatusOf(sim, com, memory, nowMs);
+    return liveStatusOf(radio, com, memory, nowMs);
 }
 
 }  // namespace
@@ -26,13 +27,16 @@ TEST(DialogLive, ShowsTheSelectedRadio) {
     EXPECT_EQ(first.volume, "VOL 85%");
     EXPECT_EQ(first.stateEntry, 70);
     EXPECT_TRUE(first.isConnected);
-    const LiveStatus second = lookAt(flying(), 2);
+    LiveRadio other = flying();
+    other.activeKHz = 118005;
+    other.volume = -1.0f;
+    const LiveStatus second = lookAt(other, 2);
     EXPECT_EQ(second.frequency, "COM2   118.005 MHz");
     EXPECT_EQ(second.volume, "");
 }
 
 TEST(DialogLive, ShowsDashesWithoutTheSimulator) {
-    const LiveStatus live = lookAt(SimState{}, 1);
+    const LiveStatus live = lookAt(LiveRadio{}, 1);
     EXPECT_EQ(live.frequency, "COM  ---.--- MHz");
     EXPECT_EQ(live.volume, "");
     EXPECT_EQ(live.stateEntry, 72);
@@ -40,9 +44,9 @@ TEST(DialogLive, ShowsDashesWithoutTheSimulator) {
 }
 
 TEST(DialogLive, CallsAVolumeOfZeroKnown) {
-    SimState sim = flying();
-    sim.radios[0].volume = 0.0f;
-    EXPECT_EQ(lookAt(sim, 1).volume, "VOL 0%");
+    LiveRadio radio = flying();
+    radio.volume = 0.0f;
+    EXPECT_EQ(lookAt(radio, 1).volume, "VOL 0%");
 }
 
 TEST(DialogLive, CallsAnOldSnapshotStale) {
@@ -53,13 +57,13 @@ TEST(DialogLive, CallsAnOldSnapshotStale) {
 
 TEST(DialogLive, CallsAConnectionJustLostStaleForTenSeconds) {
     LiveMemory memory;
-    SimState sim = flying();
-    liveStatusOf(sim, 1, memory, 10'000);
-    sim.connected = false;
-    EXPECT_EQ(liveStatusOf(sim, 1, memory, 10'100).stateEntry, 71);
-    EXPECT_EQ(liveStatusOf(sim, 1, memory, 10'100).frequency, "COM  ---.--- MHz");
-    EXPECT_EQ(liveStatusOf(sim, 1, memory, 19'999).stateEntry, 71);
-    EXPECT_EQ(liveStatusOf(sim, 1, memory, 20'000).stateEntry, 72);
+    LiveRadio radio = flying();
+    liveStatusOf(radio, 1, memory, 10'000);
+    radio.isConnected = false;
+    EXPECT_EQ(liveStatusOf(radio, 1, memory, 10'100).stateEntry, 71);
+    EXPECT_EQ(liveStatusOf(radio, 1, memory, 10'100).frequency, "COM  ---.--- MHz");
+    EXPECT_EQ(liveStatusOf(radio, 1, memory, 19'999).stateEntry, 71);
+    EXPECT_EQ(liveStatusOf(radio, 1, memory, 20'000).stateEntry, 72);
 }
 
 TEST(DialogViewTexts, BreakAtSpacesAndBetweenIdeographs) {
@@ -88,9 +92,9 @@ TEST(DialogViewTexts, ShowWhatIsSetInTheLanguageChosen) {
     const DialogLayout layout = layoutDialog(940, 660, 96, 0, 0);
     bool hasOpacity = false, hasLabel = false, hasOwnFont = false;
     for (const DialogText& text : dialogTexts(layout, view)) {
-        if (text.id == 6003 && text.text == "55 %") hasOpacity = true;
-        if (text.id == 6000 && text.text == "Hauptschalter") hasLabel = true;
-        if (text.id == 5103 && text.language == 3) hasOwnFont = true;
+        if (text.id == kOpacitySlider && text.text == "55 %") hasOpacity = true;
+        if (text.id == kMasterToggle && text.text == "Hauptschalter") hasLabel = true;
+        if (text.id == languageControl(kJapanese) && text.language == 3) hasOwnFont = true;
     }
     EXPECT_TRUE(hasOpacity);
     EXPECT_TRUE(hasLabel);

@@ -21,7 +21,7 @@ class FakeTransport : public simconnect::Transport {
         incoming.clear();
         state = onConnect;
     }
-    void close() override { state = simconnect::TransportState::Closed; }
+    void close() override { state = simconnect::TransportState::kClosed; }
     simconnect::TransportState poll() override { return state; }
     std::size_t receive(std::span<std::uint8_t> into) override {
         const auto count = std::min({into.size(), incoming.size(), mostAtOnce});
@@ -30,14 +30,14 @@ class FakeTransport : public simconnect::Transport {
         return count;
     }
     bool send(std::span<const std::uint8_t> packet) override {
-        if (state != simconnect::TransportState::Open || refusesSends) return false;
+        if (state != simconnect::TransportState::kOpen || refusesSends) return false;
         sent.emplace_back(packet.begin(), packet.end());
         return true;
     }
     std::string problem() const override { return reason; }
 
-    simconnect::TransportState state = simconnect::TransportState::Closed;
-    simconnect::TransportState onConnect = simconnect::TransportState::Open;
+    simconnect::TransportState state = simconnect::TransportState::kClosed;
+    simconnect::TransportState onConnect = simconnect::TransportState::kOpen;
     std::string reason;
     int connects = 0;
     bool refusesSends = false;

@@ -61,12 +61,12 @@ TEST(SimConnectPackets, IntroducesItselfAsEachOfTheThreeVersions) {
 }
 
 TEST(SimConnectPackets, WritesEveryRequestByteForByte) {
-    EXPECT_EQ(sc::encodeVariable({5, 1}, 3, "COM ACTIVE FREQUENCY:1", "MHz", sc::DataType::Float64),
+    EXPECT_EQ(sc::encodeVariable({5, 1}, 3, "COM ACTIVE FREQUENCY:1", "MHz", sc::DataType::kFloat64),
               dump(544, {{0, "20 02 00 00 05 00 00 00 0c 00 00 f0 01 00 00 00 03 00 00 00"},
                          {0x14, "43 4f 4d 20 41 43 54 49 56 45 20 46 52 45 51 55 45 4e 43 59 3a 31"},
                          {0x114, "4d 48 7a"},
                          {0x214, "04 00 00 00 00 00 00 00 ff ff ff ff"}}));
-    EXPECT_EQ(sc::encodeDataRequest({5, 4}, {7, 3, sc::Period::VisualFrame, true, 3}),
+    EXPECT_EQ(sc::encodeDataRequest({5, 4}, {7, 3, sc::Period::kVisualFrame, true, 3}),
               dump(48, {{0, "30 00 00 00 05 00 00 00 0e 00 00 f0 04 00 00 00"},
                         {0x10, "07 00 00 00 03 00 00 00 00 00 00 00 02 00 00 00"},
                         {0x20, "01 00 00 00 00 00 00 00 03 00 00 00 00 00 00 00"}}));
@@ -99,10 +99,10 @@ TEST(SimConnectPackets, ReadsWhatASimulatorSays) {
     const auto* values = std::get_if<sc::DataPacket>(&received);
     ASSERT_TRUE(values);
     EXPECT_EQ(values->requestId, 7u);
-    EXPECT_EQ(sc::decodeValue(values->values, sc::DataType::Float64), 122.82);
-    EXPECT_EQ(sc::decodeValue(values->values.subspan(8), sc::DataType::Float64), 50.0);
-    EXPECT_EQ(sc::decodeValue(values->values.subspan(16), sc::DataType::Int32), -1.0);
-    EXPECT_EQ(sc::decodeValue(values->values.subspan(16), sc::DataType::Float64), std::nullopt);
+    EXPECT_EQ(sc::decodeValue(values->values, sc::DataType::kFloat64), 122.82);
+    EXPECT_EQ(sc::decodeValue(values->values.subspan(8), sc::DataType::kFloat64), 50.0);
+    EXPECT_EQ(sc::decodeValue(values->values.subspan(16), sc::DataType::kInt32), -1.0);
+    EXPECT_EQ(sc::decodeValue(values->values.subspan(16), sc::DataType::kFloat64), std::nullopt);
 
     const auto event = sc::decodePacket(FakePacket(6).u32(1).u32(55).u32(9).text("a\xe9\n.air", 260).u32(0).bytes());
     ASSERT_TRUE(std::holds_alternative<sc::EventPacket>(event));

@@ -9,9 +9,9 @@ namespace sc = simconnect;
 
 namespace {
 
-constexpr std::array<sc::Variable, 3> kThree = {{{"ALPHA", "MHz", sc::DataType::Float64},
-                                                 {"BETA", "Enum", sc::DataType::Int32},
-                                                 {"GAMMA", "Percent", sc::DataType::Float64}}};
+constexpr std::array<sc::Variable, 3> kThree = {{{"ALPHA", "MHz", sc::DataType::kFloat64},
+                                                 {"BETA", "Enum", sc::DataType::kInt32},
+                                                 {"GAMMA", "Percent", sc::DataType::kFloat64}}};
 constexpr std::array<const char*, 2> kTwo = {"FIRST_SET", "SECOND_SET"};
 
 struct SimConnectSession : testing::Test {
@@ -103,7 +103,7 @@ TEST_F(SimConnectSession, ReadsValuesAsTheyAreTold) {
     pass();
     EXPECT_EQ(session.reading(0).value, 122.8);
     EXPECT_EQ(session.reading(1).value, -1.0);
-    EXPECT_EQ(stateOf(2), State::Awaited);
+    EXPECT_EQ(stateOf(2), State::kAwaited);
     EXPECT_EQ(session.dataMs(), nowMs);
     // The rereading and the heartbeat tell the same.
     const auto change = simulator.changeRequestOf("GAMMA");
@@ -144,7 +144,7 @@ TEST_F(SimConnectSession, FallsBackToTheOtherVersionsOnANewConnectionEach) {
             protocols.push_back(u32At(fresh.sent.at(0), 4));
             EXPECT_EQ(fresh.connects, i + 1);
             if (way == 0) other.exception(5, 1);
-            if (way == 1) fresh.state = sc::TransportState::Closed;
+            if (way == 1) fresh.state = sc::TransportState::kClosed;
             tried.poll(now += way == 2 ? 5000 : 20);
             if (i < 2) {
                 EXPECT_EQ(tried.status(), "connecting to the simulator");
@@ -178,7 +178,7 @@ TEST_F(SimConnectSession, StaysWithTheVersionThatWasTaken) {
 }
 
 TEST_F(SimConnectSession, WaitsLongerFromFailureToFailure) {
-    transport.onConnect = sc::TransportState::Closed;
+    transport.onConnect = sc::TransportState::kClosed;
     pass();
     std::vector<std::uint64_t> waits;
     for (auto last = nowMs; waits.size() < 5;) {
@@ -196,12 +196,12 @@ TEST_F(SimConnectSession, WaitsLongerFromFailureToFailure) {
 }
 
 TEST_F(SimConnectSession, GivesUpOnAConnectionThatIsNotMade) {
-    transport.onConnect = sc::TransportState::Connecting;
+    transport.onConnect = sc::TransportState::kConnecting;
     pass();
     pass(9990);
     EXPECT_EQ(session.status(), "waiting for the simulator");
     pass(10);
-    EXPECT_EQ(transport.state, sc::TransportState::Closed);
+    EXPECT_EQ(transport.state, sc::TransportState::kClosed);
     EXPECT_EQ(session.status(), "the simulator's computer does not answer");
     EXPECT_EQ(transport.connects, 1);
 }
@@ -212,18 +212,18 @@ TEST_F(SimConnectSession, SetsUpAnewAfterQuitCrashAndNonsense) {
         if (!session.isOpen()) fly();
         simulator.tell("ALPHA", 122.8);
         pass(10'000);  // a connection that has lasted
-        ASSERT_EQ(stateOf(0), State::Known);
+        ASSERT_EQ(stateOf(0), State::kKnown);
         const auto aircraft = session.aircraft();
         const int connects = transport.connects;
         if (way == 0) simulator.quit();
-        if (way == 1) transport.state = sc::TransportState::Closed;
+        if (way == 1) transport.state = sc::TransportState::kClosed;
         if (way == 2) simulator.say(FakeBytes(64, 0xff));
         if (way == 3) transport.refusesSends = true;
         session.sendKeyEvent(0, 1);
         pass();
         pass();
         EXPECT_FALSE(session.isOpen()) << way;
-        EXPECT_EQ(stateOf(0), State::Awaited) << way;
+        EXPECT_EQ(stateOf(0), State::kAwaited) << way;
         EXPECT_EQ(session.dataMs(), std::nullopt) << way;
         EXPECT_EQ(session.isSimRunning(), std::nullopt) << way;
         EXPECT_TRUE(noted("connection to the simulator lost")) << way;
@@ -243,7 +243,7 @@ TEST_F(SimConnectSession, SetsUpAnewAfterQuitCrashAndNonsense) {
 TEST_F(SimConnectSession, TakesInWhatCameBeforeTheEnd) {
     fly();
     simulator.quit();
-    transport.state = sc::TransportState::Closed;
+    transport.state = sc::TransportState::kClosed;
     pass();
     EXPECT_TRUE(noted("the simulator has quit"));
     EXPECT_EQ(std::count_if(notes.begin(), notes.end(), [](auto& line) { return line.find("lost") != line.npos; }), 1);
@@ -254,7 +254,7 @@ TEST_F(SimConnectSession, AnUnknownVariableIsMissingAndTheRestWorks) {
     simulator.exception(7, simulator.sendIdOf(FakeSimulator::kVariable, "ALPHA"));
     simulator.simState(1);
     pass();
-    EXPECT_EQ(stateOf(0), State::Missing);
+    EXPECT_EQ(stateOf(0), State::kMissing);
     EXPECT_TRUE(noted("the simulator refuses the variable ALPHA (exception 7, NAME_UNRECOGNIZED)"));
     EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), 5u);  // two each and the heartbeat, from another one
     simulator.tell("BETA", 1);
@@ -284,7 +284,7 @@ TEST_F(SimConnectSession, AHeartbeatOnItsWayIsNobodysOnceNoVariableIsLeft) {
     }
     simulator.sayData(heartbeat, "ALPHA", 122.8);
     pass();
-    for (std::size_t i = 0; i < kThree.size(); i++) EXPECT_EQ(stateOf(i), State::Missing);
+    for (std::size_t i = 0; i < kThree.size(); i++) EXPECT_EQ(stateOf(i), State::kMissing);
     EXPECT_EQ(session.dataMs(), std::nullopt);
 }
 
@@ -326,7 +326,7 @@ TEST_F(SimConnectSession, TakesNothingFromTheAircraftBeforeForTheNewOne) {
     simulator.sayData(old, "ALPHA", 122.8);
     pass();
     EXPECT_GT(session.aircraft(), aircraft);
-    EXPECT_EQ(stateOf(0), State::Awaited);
+    EXPECT_EQ(stateOf(0), State::kAwaited);
     EXPECT_TRUE(noted("aircraft loaded: SimObjects\\Airplanes\\C172\\aircraft.cfg"));
     int stopped = 0;
     for (const auto& packet : simulator.all(FakeSimulator::kRequest)) stopped += u32At(packet, 28) == 0;
@@ -344,7 +344,7 @@ TEST_F(SimConnectSession, ForgetsTheValuesWhenTheFlightEnds) {
     simulator.tell("ALPHA", 0.0);
     pass();
     EXPECT_EQ(session.isSimRunning(), false);
-    EXPECT_EQ(stateOf(0), State::Awaited);
+    EXPECT_EQ(stateOf(0), State::kAwaited);
     const auto before = simulator.all(FakeSimulator::kRequest).size();
     simulator.simEvent(1);
     pass();

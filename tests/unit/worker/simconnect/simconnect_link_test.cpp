@@ -108,20 +108,20 @@ TEST_F(SimConnectRadios, SaysWhereItStandsOnTheWayToTheRadios) {
     EXPECT_EQ(status(), "ok: flying");
     pass(1);
     EXPECT_EQ(status(), "no: the simulator sends no data");
-    EXPECT_EQ(sim().radios[0], ComRadio());
+    EXPECT_EQ(sim().radios[0], RadioReading());
     tellAll();
     EXPECT_EQ(status(), "ok: flying");
     simulator.quit();
     pass();
     EXPECT_EQ(status(), "no: waiting for the simulator");
-    EXPECT_EQ(sim().radios[0], ComRadio());
+    EXPECT_EQ(sim().radios[0], RadioReading());
 }
 
 TEST_F(SimConnectRadios, ShowsBothRadios) {
     fly();
     const std::array<bool, kSlotCount> all = {true, true, true, true};
-    EXPECT_EQ(sim().radios[0], (ComRadio{122800, 121500, kSpacing833, 0.8, all}));
-    EXPECT_EQ(sim().radios[1], (ComRadio{118000, 119100, kSpacing25, 1.0, all}));
+    EXPECT_EQ(sim().radios[0], (RadioReading{122800, 121500, kSpacing833, 0.8, all}));
+    EXPECT_EQ(sim().radios[1], (RadioReading{118000, 119100, kSpacing25, 1.0, all}));
     EXPECT_EQ(sim().rangeMinKHz, 118000);
     EXPECT_EQ(sim().rangeMaxKHz, 136990);
     set("COM SPACING MODE:1", 0);
@@ -146,7 +146,7 @@ TEST_F(SimConnectRadios, RoundsFrequenciesAndKnowsNoneOutsideTheBand) {
                 {INFINITY, 0}};
     for (const auto& row : rows) {
         set("COM STANDBY FREQUENCY:1", row.mhz);
-        EXPECT_EQ(sim().radios[0].standbyKHz, row.khz) << row.mhz;
+        EXPECT_EQ(sim().radios[0].standby, row.khz) << row.mhz;
         EXPECT_EQ(sim().radios[0].writable[kSlotStandby], row.khz != 0) << row.mhz;
     }
 }
@@ -186,7 +186,7 @@ TEST_F(SimConnectRadios, IsWritableWhileFittedAndPowered) {
         set("COM AVAILABLE:2", row.available);
         set("COM STATUS:2", row.status);
         for (const bool writable : sim().radios[1].writable) EXPECT_EQ(writable, row.writable) << row.text;
-        EXPECT_EQ(sim().radios[1].activeKHz, row.shown ? 118000 : 0) << row.text;
+        EXPECT_EQ(sim().radios[1].active, row.shown ? 118000 : 0) << row.text;
         EXPECT_EQ(sim().status, row.text);
         EXPECT_TRUE(sim().radios[0].writable[kSlotActive]);
         EXPECT_TRUE(sim().ok);
@@ -269,7 +269,7 @@ TEST_F(SimConnectRadios, AcknowledgesWhatTheSimulatorShows) {
     command(0, kSlotStandby, 118005);
     pass(400);
     EXPECT_TRUE(handler.isPending());
-    EXPECT_EQ(sim().radios[0].standbyKHz, 121500);  // not before the simulator says so
+    EXPECT_EQ(sim().radios[0].standby, 121500);  // not before the simulator says so
     set("COM STANDBY FREQUENCY:1", 118.00499999999999);
     EXPECT_EQ(handler.ack(), (CommandAck{"1-1", true, "COM1 standby 118.005"}));
     command(0, kSlotVolume, 0.637);
@@ -354,7 +354,7 @@ TEST_F(SimConnectRadios, TurnsNoRadioOffByItsVolume) {
     EXPECT_EQ(simulator.keyEvents().back(), "COM1_VOLUME_SET 1");
     set("COM VOLUME:1", 1);
     EXPECT_EQ(handler.ack(), (CommandAck{"1-1", true, "COM1 volume 1 %"}));
-    EXPECT_EQ(sim().radios[0].volume, 0.01);
+    EXPECT_EQ(sim().radios[0].volume, 0.01f);
 }
 
 TEST_F(SimConnectRadios, SendsVolume0ToARadioThatHasBeenSeenToStayOnAtIt) {

@@ -28,7 +28,7 @@ using standin::LoopbackAddress;
 // Listens on a port of this machine that the system chooses; the kernel itself accepts into the backlog.
 class Listener {
   public:
-    explicit Listener(Loopback loopback = Loopback::IPv4, int backlog = 4) {
+    explicit Listener(Loopback loopback = Loopback::kIPv4, int backlog = 4) {
         LoopbackAddress address(0, loopback);
         socket_ = socket(address.family(), SOCK_STREAM, 0);
         socklen_t length = address.length();
@@ -65,7 +65,7 @@ std::vector<NetAddress> addressOf(const Listener& listener) {
 // Whoever connects hears nothing, not even a refusal: its queue is full, so the kernel drops what comes.
 class SilentListener : public Listener {
   public:
-    SilentListener() : Listener(Loopback::IPv4, 0) {
+    SilentListener() : Listener(Loopback::kIPv4, 0) {
         for (auto& filler : fillers_) EXPECT_TRUE(filler.startConnect(addressOf(*this).at(0)));
     }
 
@@ -95,8 +95,8 @@ bool becomes(const std::function<bool()>& condition) {
 
 bool opens(TcpTransport& transport) {
     transport.connect();
-    return becomes([&] { return transport.poll() != TransportState::Connecting; }) &&
-           transport.poll() == TransportState::Open;
+    return becomes([&] { return transport.poll() != TransportState::kConnecting; }) &&
+           transport.poll() == TransportState::kOpen;
 }
 
 std::vector<std::uint8_t> receivedBy(TcpTransport& transport, std::size_t count) {
@@ -104,7 +104,7 @@ std::vector<std::uint8_t> receivedBy(TcpTransport& transport, std::size_t count)
     std::size_t have = 0;
     EXPECT_TRUE(becomes([&] {
         have += transport.receive(std::span(all).subspan(have));
-        return have == count || transport.poll() == TransportState::Closed;
+        return have == count || transport.poll() == TransportState::kClosed;
     }));
     all.resize(have);
     return all;
@@ -127,7 +127,7 @@ TEST(TcpTransport, CarriesBytesBothWaysAndSeesTheEnd) {
     ASSERT_EQ(write(listener.peer, bytes.data(), 2), 2);
     listener.drop();
     EXPECT_EQ(receivedBy(transport, 5).size(), 2u);  // what came before the end
-    EXPECT_EQ(transport.poll(), TransportState::Closed);
+    EXPECT_EQ(transport.poll(), TransportState::kClosed);
     EXPECT_FALSE(transport.send(bytes));
     ASSERT_TRUE(opens(transport));
 }
@@ -137,12 +137,12 @@ TEST(TcpTransport, NobodyListeningIsNoProblemWorthAWord) {
     listener.stop();
     TcpTransport transport({"127.0.0.1", listener.port});
     EXPECT_FALSE(opens(transport));
-    EXPECT_EQ(transport.poll(), TransportState::Closed);
+    EXPECT_EQ(transport.poll(), TransportState::kClosed);
     EXPECT_EQ(transport.problem(), "");
 }
 
 TEST(TcpTransport, ReachesAnIPv6Address) {
-    Listener listener(Loopback::IPv6);
+    Listener listener(Loopback::kIPv6);
     if (listener.port == 0) GTEST_SKIP() << "this machine has no IPv6";
     const auto address = parseHostPort("[::1]:" + std::to_string(listener.port));
     ASSERT_TRUE(address);
@@ -206,10 +206,10 @@ TEST(TcpTransport, LooksANameUpWithoutWaitingForIt) {
         return addresses;
     });
     transport.connect();
-    EXPECT_EQ(transport.poll(), TransportState::Connecting);
+    EXPECT_EQ(transport.poll(), TransportState::kConnecting);
     EXPECT_FALSE(listener.hasVisitor());
     answer.set_value();
-    EXPECT_TRUE(becomes([&] { return transport.poll() == TransportState::Open; })) << transport.problem();
+    EXPECT_TRUE(becomes([&] { return transport.poll() == TransportState::kOpen; })) << transport.problem();
 }
 
 TEST(TcpTransport, SaysThatANameIsNotKnown) {
@@ -218,7 +218,7 @@ TEST(TcpTransport, SaysThatANameIsNotKnown) {
     transport.connect();
     transport.close();
     transport.connect();  // while the name is still being looked up
-    ASSERT_TRUE(becomes([&] { return transport.poll() == TransportState::Closed; }));
+    ASSERT_TRUE(becomes([&] { return transport.poll() == TransportState::kClosed; }));
     EXPECT_EQ(transport.problem(), tooLong + " is not known on this network");
 }
 
@@ -231,5 +231,5 @@ TEST(TcpTransport, RefusesMoreOnceTooMuchIsWaiting) {
     std::size_t taken = 0;
     while (taken < 1000 && transport.send(packet)) taken++;
     EXPECT_LT(taken, 1000u);  // nobody reads
-    EXPECT_EQ(transport.poll(), TransportState::Open);
+    EXPECT_EQ(transport.poll(), TransportState::kOpen);
 }

@@ -1,8 +1,9 @@
-#include "exchange/telemetry.h"
 #include <gtest/gtest.h>
 #include <clocale>
 #include <limits>
 #include <locale>
+#include "exchange/command_text.h"
+#include "exchange/telemetry_text.h"
 #include "tests/unit/bridge/rig.h"
 #include "tests/unit/exchange/telemetry_reference.h"
 
@@ -227,8 +228,8 @@ TEST(TelemetryText, ReadsTheSameUnderALocaleWithCommas) {
     const CommaLocale commas;
     expectFullFile(parseTelemetry(TelemetryFile().text()));
     EXPECT_EQ(parseTelemetry(R"({"com1_volume":0.25})").radios[0].volume, 0.25f);
-    EXPECT_EQ(writeCommandText({1, 2, 0.25, -1.0f, "1-2"}, 1790000000.5),
+    EXPECT_EQ(writeCommandText({"1-2", {0, kSlotVolume, 0.25}, 1790000000.5}),
               R"({"id":"1-2","com":1,"slot":"volume","target":0.25,"created":1790000000.500})");
-    EXPECT_EQ(writeCommandText({1, 0, 122800.0, -1.0f, "1-2"}, 1790000000.5),
+    EXPECT_EQ(writeCommandText({"1-2", {0, kSlotActive, 122800.0}, 1790000000.5}),
               R"({"id":"1-2","com":1,"slot":"active","target":122800,"created":1790000000.500})");
 }
