@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # run.sh [--full] [--simconnect] - shows the product: installs what is missing, builds, makes the package, flies a short
-# circuit (the real plugin in the stand-in voice client under Wine, its real worker with the built-in aircraft), takes
-# a picture of each window and sends a voice through the radio. out/index.html has it all on one page. A minute once
+# circuit (the real plugin in the stand-in voice client under Wine, its real worker with the built-in aircraft), takes a
+# picture of each window and sends a voice through the radio. out/index.html has it all on one page. Takes a minute once
 # built. Ends with 0 only if all went as it should and the page lacks nothing.
 # --full flies as a pilot would, takes every picture there is and sends the own voice through the chain too: some
-# minutes. --simconnect puts the stand-in simulator behind the simulator's pipe in the built-in aircraft's place, and
+# minutes. --simconnect puts the stand-in simulator behind the simulator's pipe in place of the built-in aircraft, and
 # afterwards kills and restarts simulator, worker, plugin and voice client in turn.
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -15,7 +15,7 @@ for option in "$@"; do
     case "$option" in
         --full) full=(--full) ;;
         --simconnect) simconnect=(--simconnect) ;;
-        --fast) ;;  # the short circuit, from when the long one was flown unless this was said
+        --fast) ;;  # the short circuit, from when the long one was the default
         *) echo "usage: ./run.sh [--full] [--simconnect]" >&2; exit 2 ;;
     esac
 done
@@ -25,14 +25,14 @@ step() {
     echo "== $*"
 }
 
-# Prints how far ninja is: in place on a terminal, elsewhere after every tenth of the way.
+# Prints ninja's progress: in place on a terminal, elsewhere after every tenth of the way.
 show_progress() {
     local line made all before=0 tenth=-1 end='\n'
     [ ! -t 1 ] || end='\r'
     while IFS= read -r line; do
         [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\] ]] || continue
         made=${BASH_REMATCH[1]} all=${BASH_REMATCH[2]}
-        [ "$all" -eq "$before" ] || tenth=-1  # what comes first is a look whether there is anything to do
+        [ "$all" -eq "$before" ] || tenth=-1  # ninja first checks whether there is anything to do
         before=$all
         [ -t 1 ] || [ "$made" -eq "$all" ] || [ $((10 * made / all)) -gt "$tenth" ] || continue
         tenth=$((10 * made / all))
@@ -41,7 +41,7 @@ show_progress() {
     [ ! -t 1 ] || echo
 }
 
-# Everything that this run starts, at once.
+# Builds everything that this run starts, in one go.
 build() {
     local log=build/run.log
     mkdir -p build
@@ -67,7 +67,7 @@ echo "$package"
 
 . tools/wine.sh
 start_wine
-export CORVALIS_WINE_RUNS=1  # the tools below take this screen and this server
+export CORVALIS_WINE_RUNS=1  # the tools below use this screen and this server
 result=0
 
 step "Flying the circuit: $([ ${#full[@]} -gt 0 ] && echo two minutes || echo half a minute)"

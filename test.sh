@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # test.sh - installs what is missing, builds everything and runs all tests: the real DLL in the stand-in voice client
 # and the unit tests under Wine, while the unit tests are built and run under the address and undefined-behaviour
-# sanitizers, those with threads under the thread sanitizer, and what no sanitizer allows as it is; the stand-in
-# simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (2) each on new ones; the
-# formatting. Logs stand in build/test-logs. Ends with the sum of all runs.
+# sanitizers, those with threads under the thread sanitizer, and without one those that no sanitizer allows; the
+# stand-in simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (2) each on new ones;
+# the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
 # test.sh --full - the same with every unit test under Wine too; otherwise those whose results depend on the compiler.
 # test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
@@ -24,7 +24,7 @@ esac
 
 fuzz_seconds=${FUZZ_SECONDS:-2}
 fuzz_jobs=$(nproc)
-wine_slots=6  # most of a client test is waiting: more than there are cores
+wine_slots=6  # client tests mostly wait, so more of them than there are cores
 logs=build/test-logs
 counts=$logs/counts
 rm -rf "$logs"
@@ -32,18 +32,18 @@ mkdir -p "$logs"
 : >"$counts"
 started=$SECONDS
 
-# say WORDS - a line with the minutes since the start. One call of the system, so that lines of two phases do not mix.
+# say WORDS - a line with the minutes since the start. One system call, so that lines of two phases do not mix.
 say() {
     local now=$((SECONDS - started))
     printf '%2d:%02d  %s\n' $((now / 60)) $((now % 60)) "$*"
 }
 
-# add PASSED FAILED - to the sum. Phases that run beside each other meet in this file only.
+# add PASSED FAILED - adds to the sum, in a file: the only thing that phases running side by side share.
 add() {
     echo "$1 $2" >>"$counts"
 }
 
-# count RESULT WHAT - one check of this script's own.
+# count RESULT WHAT - a check by this script itself.
 count() {
     if [ "$1" -eq 0 ]; then
         add 1 0
@@ -65,8 +65,8 @@ build() {
     return $result
 }
 
-# run_tests PRESET JOBS [OPTION...] - runs the preset's tests and adds what the runner counted; a run that counts nothing
-# is a failure.
+# run_tests PRESET JOBS [OPTION...] - runs the preset's tests and adds what the runner counted; a run that counts
+# nothing is a failure.
 run_tests() {
     local preset=$1 jobs=$2 log="$logs/test-$1.log" total bad cases
     ctest --preset "$preset" -j "$jobs" "${@:3}" >"$log" 2>&1
@@ -79,7 +79,7 @@ run_tests() {
     if [ "$bad" -gt 0 ]; then
         grep -vE '^ *[0-9]+/[0-9]+ Test.* Passed|^ +Start |^\[ +(OK|RUN) ' "$log" | tail -200
     fi
-    # To ctest a run of a GoogleTest program is one test; this counts its cases, and each other test as one.
+    # To ctest one run of a GoogleTest program is one test; this counts its cases, and each other test as one.
     cases=$(sed -nE 's/^\[==========\] ([0-9]+) tests? from .* ran\..*/\1/p' "build/$preset/Testing/Temporary/LastTest.log" |
         awk '{ sum += $1 } END { print sum + 0 }')
     add "$((cases > bad ? cases - bad : 0))" "$bad"
@@ -113,8 +113,8 @@ fuzz_all() {
     say "fuzz: ${#programs[@]} targets, $inputs new inputs"
 }
 
-# The stand-in simulator through a client that other people wrote, and the worker on the same flight. Needs the network
-# once, for npm.
+# The stand-in simulator, tested with a client that other people wrote, and the worker on the same flight. Needs the
+# network once, for npm.
 check_simulator() {
     local log="$logs/simulator.log" good bad
     tests/simulator/node/check.sh build/asan/bin build/node >"$log" 2>&1
@@ -129,7 +129,7 @@ check_simulator() {
     say "simulator: $good of $((good + bad)) checks passed"
 }
 
-# check NAME WHAT COMMAND... - a command that says itself what is wrong, or ends with 77 where it cannot be run.
+# check NAME WHAT COMMAND... - a command that itself says what is wrong, or ends with 77 if it cannot be run.
 check() {
     local log="$logs/$1.log"
     "${@:3}" >"$log" 2>&1
@@ -142,7 +142,7 @@ check() {
     say "$(tail -1 "$log")"
 }
 
-# What is tested on this machine itself: builds, mostly.
+# What is tested on this machine itself; mostly builds.
 test_natively() {
     # shellcheck disable=SC2046  # words are what is wanted
     if build asan unit_tests stand_in_simulator native_worker $(cd tests/fuzz && echo *_fuzz.cpp | sed 's/\.cpp//g'); then
@@ -163,12 +163,12 @@ say "Installing what is missing"
 tools/packages.sh product native wine test node || exit 1
 . tools/wine.sh
 
-# The one is mostly waiting, the other mostly compiling: beside each other they leave no core idle, and the one that
-# takes longer goes first.
+# One mostly waits, the other mostly compiles: side by side they leave no core idle, and the one that takes longer goes
+# first.
 say "Building for Windows, then testing under Wine; the rest meanwhile"
 test_natively &
 natively=$!
-renice -n 4 -p $natively >/dev/null  # more, and beside a busy program it would hardly run at all
+renice -n 4 -p $natively >/dev/null  # with more it would hardly run at all beside a busy program
 build windows "${windows_tests[@]}" &
 windows_build=$!
 start_wine_slots "$wine_slots"

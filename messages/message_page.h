@@ -80,7 +80,7 @@ struct PageTools {
     const Clock& clock;
 };
 
-// The shown message as laid out; kept until the message, the text size, the resolution or the language changes.
+// The shown message as laid out; made anew when the messages, the page, the text size, DPI or language change.
 struct PageLayout {
     std::int32_t count = 0;  // messages stored; with 0 nothing below counts
     std::u16string sender;

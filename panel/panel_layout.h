@@ -81,7 +81,7 @@ const PanelHotspot* findHotspot(const ThemeLayout& layout, std::int32_t id);
 struct FrequencyCells {
     std::array<UnitRect, 6> digits;
     UnitRect point;
-    UnitRect mhzField;      // first cell to the gap behind the third
+    UnitRect mhzField;      // first cell to the gap after the third
     UnitRect pointField;    // the point with its gap
     UnitRect channelField;  // the rest
 };

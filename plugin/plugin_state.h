@@ -61,7 +61,7 @@ struct PluginState {
     std::atomic<std::int32_t> languageIndex{2};  // settings/language.h; [host] stores, [any] loads
     std::atomic<bool> running{false};            // between init and shutdown; [host] stores, [any] loads
 
-    // The rooms.
+    // The rooms' records.
     WindowsDataFiles files;
     SystemClock clock;
     SettingsStore settings{files};
@@ -81,7 +81,7 @@ struct PluginState {
     std::atomic<bool> stopPolling{false};
     std::atomic<HWND> panel_window{nullptr};  // [ui] publishes
 
-    // The settings dialog: on its own thread when it is opened from the menu or the panel, else on one of the host's.
+    // The settings dialog: on its own thread if opened from the menu or the panel, else on a host thread.
     DialogLink dialog;
     ThreadSlot settingsThread;                 // touched only by whoever has set settingsRunning, and by shutdown
     std::atomic<bool> settingsRunning{false};  // from the start of settingsThread until its dialog has gone

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# format.sh [--check] - brings all C++ sources into the form .clang-format describes; with --check it changes nothing,
-# names the places and ends with 1. Versions of clang-format disagree in details (spaces around ::*, short lambdas and
-# structs), and this code is as version 14 has it, Debian 12's: with another one nothing is checked or changed, which
-# it says, and ends with 77. CLANG_FORMAT names another clang-format than the system's.
+# format.sh [--check] - formats all C++ sources as .clang-format says; with --check it changes nothing, names the places
+# and ends with 1. Versions of clang-format disagree on details (spaces around ::*, short lambdas and structs), and this
+# code follows version 14, Debian 12's: with any other it does nothing, says so and ends with 77. CLANG_FORMAT names a
+# clang-format other than the system's.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

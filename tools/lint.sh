@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# lint.sh [FILE...] - clang-tidy over every source of the plugin and the worker, those for Windows too, or over those
-# named. .clang-tidy has the checks; a finding is an error. CLANG_TIDY names another clang-tidy than the system's.
+# lint.sh [FILE...] - clang-tidy over every source of the plugin and the worker, including those for Windows, or over
+# the files named. .clang-tidy has the checks; a finding is an error. CLANG_TIDY replaces the system's clang-tidy.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -26,7 +26,7 @@ write_database() {
     mv "$CORVALIS_LINT_DATABASE/new" "$CORVALIS_LINT_DATABASE/compile_commands.json"  # another run may be reading it
 }
 
-# lint_one PLACE FILE - prints what there is to say of one file at once, for two of these run side by side.
+# lint_one PLACE FILE - prints all that is found in one file in one go, since two of these run side by side.
 lint_one() {
     local place=$1 file=$2 command=(-p "$CORVALIS_LINT_DATABASE") findings result=0
     # Not part of the Windows build.

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# packages.sh GROUP... - installs what is missing of Debian's packages for the groups named, see below.
+# packages.sh GROUP... - installs those Debian packages of the named groups (see below) that are missing.
 # Does nothing, and asks no package server, on a machine that has them all.
 set -euo pipefail
 
@@ -7,12 +7,12 @@ set -euo pipefail
 product_packages=(ca-certificates cmake ninja-build git python3-minimal g++-mingw-w64-x86-64-posix googletest zip)
 # The tests of this machine itself, and the benchmarks with their peers.
 native_packages=(g++ clang libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev)
-# With the fonts that stand in for Windows' (wine.sh).
+# Including the fonts that stand in for Windows' (wine.sh).
 wine_packages=(wine wine64 xvfb xauth sox fonts-noto-cjk fonts-open-sans fonts-dejavu-core fonts-liberation)
 pictures_packages=(xcompmgr)
 test_packages=(libclang-rt-dev clang-format python3-numpy python3-pil)
 lint_packages=(clang-tidy)
-# Whoever has Node from elsewhere has npm with it, and not from Debian's package.
+# A Node from elsewhere has its own npm, which is not Debian's package.
 node_packages=()
 command -v npm >/dev/null || node_packages=(nodejs npm)
 artwork_packages=(blender fonts-b612 python3-numpy python3-pil)

@@ -10,7 +10,7 @@ export WINEDEBUG=-all
 export WINEARCH=win64
 # Wine names files in the locale's character set: without UTF-8 nobody called Jürgen could log in.
 export LC_ALL=C.UTF-8
-# Not universal time, or nobody would see one mistaken for the other. A rule, not a name: that needs no zone files.
+# Not UTC, or a mix-up of UTC and local time would go unnoticed. A rule, not a name: that needs no zone files.
 export TZ=CET-1CEST,M3.5.0,M10.5.0/3
 # Wine would offer to download these.
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
@@ -25,7 +25,7 @@ stop_wine() {
     [ ${#screen_pids[@]} -eq 0 ] || kill "${screen_pids[@]}" 2>/dev/null || true
 }
 
-# A screen of our own: what stands on the user's must not matter.
+# A screen of our own: what is on the user's must not matter.
 start_screen() {
     local number_file
     number_file=$(mktemp)
@@ -39,8 +39,8 @@ start_screen() {
 }
 
 # What the prefix's registry needs, as a file for regedit: Windows' interface fonts are not here, so each is replaced by
-# a Debian font (packages.sh wine) with glyphs of the same region; the resolution; and that no window is left to a window
-# manager, for there is none, and Wine would wait seconds for its answers.
+# a Debian font (packages.sh wine) with glyphs of the same region; the resolution; and unmanaged windows, since there is
+# no window manager, for whose answers Wine would wait seconds.
 wine_registry() {
     cat <<END
 REGEDIT4
@@ -74,7 +74,7 @@ end_server() {
     wineserver -w 2>/dev/null || true
 }
 
-# Only a change costs time: what was registered last stands in the prefix beside the registry.
+# Only a change costs time: what was last registered is in the prefix beside the registry.
 register_wine() {
     local registered="$WINEPREFIX/corvalis.reg"
     wine_registry | cmp -s - "$registered" && return

@@ -14,7 +14,7 @@ bool isNameChar(char c) {
     return isAlphanumeric(c) || c == '.' || c == '-' || c == '_';
 }
 
-// The zone behind a percent sign is an interface's name or number.
+// The zone after a percent sign is an interface's name or number.
 bool isIpv6Char(char c) {
     return isNameChar(c) || c == ':' || c == '%';
 }

@@ -105,7 +105,7 @@ bool ClientSession::waitForCalls(const char* function, std::size_t count, std::u
     if (!waitUntil([&] { return host.ownChannel(kSchid) == channelId; })) {
         return ::testing::AssertionFailure() << "the user is in channel " << host.ownChannel(kSchid);
     }
-    // A look that was under way may have begun before the arrival; its channel query then came before it, too.
+    // A look that was under way may have begun before the arrival, and then so did its channel query.
     const std::size_t looks = host.callsOf("getChannelOfClient").size();
     if (waitForCalls("getChannelOfClient", looks + 1) && waitPasses(1)) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "no further look at the channel";

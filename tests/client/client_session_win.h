@@ -1,6 +1,6 @@
 // client_session_win.h - one evening at the voice client: a fresh %APPDATA% and plugin folder, a server with channels,
 // the real DLL, and a worker's telemetry kept alive while a test waits. Everything is gone afterwards.
-// [host] All of it runs on the test's main thread, as the host's callbacks do.
+// [host] All of it runs on the test's main thread, like the host's callbacks.
 #pragma once
 #include <gtest/gtest.h>
 #include <optional>
@@ -12,7 +12,7 @@
 #include "tests/client/plugin_library_win.h"
 #include "tests/client/test_machine_win.h"
 
-// What stands on the model's server when a session begins.
+// The model's server when a session begins.
 inline constexpr std::uint64_t kSchid = 1;
 inline constexpr std::uint16_t kOwnClient = 7;
 inline constexpr std::uint16_t kOtherClient = 9;
@@ -30,14 +30,14 @@ class ClientSession {
 
     // Loads the DLL, hands over the host's table and the plugin's id.
     ::testing::AssertionResult load();
-    ::testing::AssertionResult start();  // loads if need be; init must answer 0
-    void stop();                         // shutdown, if it runs
+    ::testing::AssertionResult start();  // loads the DLL if needed; init must answer 0
+    void stop();                         // shutdown, if it is running
     bool isRunning() const { return isRunning_; }
 
     // Writes the telemetry with the present time; from then on waitUntil keeps it fresh.
     void publish();
     void stopPublishing() { isPublishing_ = false; }
-    // Tunes the aircraft's radio and publishes; the tick from just before the plugin could see it.
+    // Tunes the aircraft's radio and publishes; returns the tick just before the plugin could see it.
     std::uint64_t tune(int com, std::int32_t activeKhz);
 
     // Waits for the condition while the host's events are delivered and the telemetry stays fresh.
@@ -53,11 +53,11 @@ class ClientSession {
     // Waits for whole passes of the plugin's poll thread, counted by its talk query (needs a connected server).
     bool waitPasses(int passes);
     bool waitTicks(std::uint64_t ms);  // whole passes until ms have gone by
-    // How many passes asked for the talk flag in that time. None is shorter than 50 ms, however busy the machine is: a
-    // bound in passes holds where one in milliseconds does not.
+    // How many passes asked for the talk flag in that time. No pass is shorter than 50 ms, however busy the machine is:
+    // a bound in passes holds where one in milliseconds does not.
     std::size_t passesBetween(std::uint64_t fromMs, std::uint64_t toMs) const;
     bool waitForCalls(const char* function, std::size_t count, std::uint64_t deadlineMs = 10'000);
-    // Waits until the user is in the channel and the plugin has had a look at that: the move is over for both.
+    // Waits until the user is in the channel and the plugin has seen that: the move is over for both.
     ::testing::AssertionResult waitForArrival(std::uint64_t channelId);
     bool waitForLog(const std::string& part, std::uint64_t deadlineMs = 10'000);
     void pump();
@@ -76,7 +76,7 @@ class ClientSession {
     HostModel host{clock};
     PluginLibrary plugin;
     FakeTelemetry telemetry;
-    std::vector<int> eventAnswers;  // what the server-error export answered, in order
+    std::vector<int> eventAnswers;  // the answers of the server-error export, in order
 
   private:
     bool isRunning_ = false;
@@ -84,12 +84,12 @@ class ClientSession {
     std::uint64_t publishedAt_ = 0;
 };
 
-// A test with one session; afterwards nothing the plugin did may have broken a rule of the host.
+// A test with one session; at its end the plugin must not have broken a rule of the host.
 class PluginTest : public ::testing::Test {
   protected:
     void TearDown() override;
 
     ClientSession session;
     HostModel& host = session.host;
-    bool mayLeak = false;  // the test took freeMemory away
+    bool mayLeak = false;  // the test has removed freeMemory
 };

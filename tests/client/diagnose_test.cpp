@@ -1,4 +1,4 @@
-// The real worker program as a user starts it for a report: --diagnose on prepared folders, without plugin and client.
+// diagnose_test.cpp - the real worker program started for a report: --diagnose on prepared folders, without a client.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <atomic>
@@ -24,7 +24,7 @@ std::wstring quoted(const std::filesystem::path& path) {
     return L"\"" + path.wstring() + L"\"";
 }
 
-// Runs the program to its end with its standard output in a file, as "> file" of a command prompt does.
+// Runs the program to its end with its standard output in a file, like "> file" at a command prompt.
 Outcome runWorker(const std::wstring& arguments, const std::filesystem::path& outputFile) {
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
     const HANDLE output = CreateFileW(outputFile.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
@@ -56,7 +56,7 @@ bool has(const std::string& text, const std::string& part) {
 
 class Diagnose : public ::testing::Test {
   protected:
-    // The folder for a user of that name, with a few files in it.
+    // Makes the folder of a user of that name, with a few files in it.
     void prepare(const std::wstring& user) {
         profile = machine.path / L"Users" / user;
         appData = profile / L"AppData" / L"Roaming";
@@ -71,7 +71,7 @@ class Diagnose : public ::testing::Test {
                                   "2026-11-21 06:19:08.355 UTC  link down: simulator not running\r\n"));
     }
     Outcome run(const std::wstring& arguments) { return runWorker(arguments, machine.path / "output.txt"); }
-    // What stands behind the report on the standard output.
+    // What follows the report on the standard output.
     static std::string behind(const std::string& report, const std::string& output) {
         return output.starts_with(report) ? output.substr(report.size()) : "not the report";
     }
@@ -107,7 +107,7 @@ TEST_F(Diagnose, PrintsWhatItSavesAndMasksTheUser) {
 
     int files = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(data)) files++;
-    EXPECT_EQ(files, 5);  // the report is all that has come
+    EXPECT_EQ(files, 5);  // only the report was added
 }
 
 TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
@@ -115,12 +115,12 @@ TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
     const EnvironmentValue appDataVariable(L"APPDATA", appData.wstring());
     standin::Program worker;
     ASSERT_TRUE(worker.start(quoted(productFile(kWorkerProgram)) + L" --data-dir " + quoted(data)));
-    // The telemetry that says so follows the line in the log.
+    // Fresh telemetry comes after the log's line about the link.
     ASSERT_TRUE(
         waitFor([&] { return isFresh(parseTelemetry(readFile(data / kTelemetryFile)), SystemClock().unixSeconds()); },
                 kPatienceMs));
     const auto outcome = run(L"--diagnose");
-    EXPECT_TRUE(worker.isRunning());  // and was left in peace
+    EXPECT_TRUE(worker.isRunning());  // and was not disturbed
     worker.kill();
     EXPECT_EQ(outcome.exitCode, 0u);
     const auto report = readFile(data / kDiagnosisFile);
@@ -131,7 +131,7 @@ TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
     EXPECT_TRUE(has(report, "  link up: built-in aircraft\r\n"));
 }
 
-// A worker writes on while the report is made.
+// A worker goes on writing while the report is made.
 TEST_F(Diagnose, JudgesTheTelemetryByTheTimeAtWhichItWasRead) {
     prepare(L"jane");
     const auto write = [&] {

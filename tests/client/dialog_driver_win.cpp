@@ -14,7 +14,7 @@ BOOL CALLBACK countOwnDialog(HWND window, LPARAM count) {
     return TRUE;
 }
 
-constexpr UINT kRunWork = WM_APP + 0x3A7;  // no message of the dialog's: it would ignore it
+constexpr UINT kRunWork = WM_APP + 0x3A7;  // not a message of the dialog, which would ignore it
 
 LRESULT CALLBACK runWork(int code, WPARAM wParam, LPARAM lParam) {
     const auto* message = reinterpret_cast<const CWPSTRUCT*>(lParam);

@@ -1,4 +1,4 @@
-// The settings dialog's texts and pictures in the fonts of this system, on surfaces in memory: no window, no plugin.
+// dialog_fonts_test.cpp - the settings dialog's texts and pictures in this system's fonts, in memory, without a window.
 #include <gtest/gtest.h>
 #include <memory>
 #include "settings/dialog/dialog_paint_win.h"

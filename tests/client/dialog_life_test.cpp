@@ -1,4 +1,4 @@
-// How the settings dialog begins and ends: on which thread, how often, with a shutdown in between, and what is left.
+// dialog_life_test.cpp - how the settings dialog begins and ends: its thread, how often, in a shutdown, what is left.
 #include <atomic>
 #include <thread>
 #include "tests/client/dialog_test.h"
@@ -12,7 +12,7 @@ class DialogLife : public DialogFixture {
         const HMODULE module = GetModuleHandleW(L"corvalis_win64.dll");
         return GetClassInfoExW(module, L"CorvalisSettingsClass", &description) != 0;
     }
-    // As the host does when its user asks for the plugin's configuration.
+    // Like the host when its user opens the plugin's configuration.
     std::thread configureOnAThread() {
         return std::thread([this] {
             session.plugin.exports().configure(nullptr, nullptr);
@@ -30,7 +30,7 @@ TEST_F(DialogLife, IsOneHoweverOftenItIsOpened) {
     ASSERT_TRUE(becomesOpen());
     const HWND first = findDialog();
     openFromMenu();
-    session.plugin.exports().configure(nullptr, nullptr);  // returns: the dialog is there
+    session.plugin.exports().configure(nullptr, nullptr);  // returns at once: the dialog is already open
     EXPECT_EQ(findDialog(), first);
     EXPECT_EQ(countDialogs(), 1);
     dialog().command(kCancel);
@@ -62,7 +62,7 @@ TEST_F(DialogLife, ShutdownClosesIt) {
     EXPECT_EQ(findDialog(), nullptr);
     EXPECT_FALSE(isClassRegistered());
     session.plugin.unload();
-    ASSERT_TRUE(open());  // the DLL again
+    ASSERT_TRUE(open());  // loads the DLL again
     session.stop();
     EXPECT_EQ(findDialog(), nullptr);
 }
@@ -72,7 +72,7 @@ TEST_F(DialogLife, ShutdownOvertakesOneThatIsJustOpening) {
     for (int i = 0; i < 6; i++) {
         ASSERT_TRUE(session.start());
         openFromMenu();
-        for (int pause = 0; pause < i; pause++) pauseBriefly();  // each time a little further
+        for (int pause = 0; pause < i; pause++) pauseBriefly();  // the dialog gets a little further each time
         session.stop();
         EXPECT_EQ(findDialog(), nullptr) << i;
         EXPECT_FALSE(isClassRegistered()) << i;
@@ -87,12 +87,12 @@ TEST_F(DialogLife, ShutdownClosesOneOnTheHostsThread) {
     EXPECT_FALSE(hasReturned);
     session.stop();
     EXPECT_EQ(findDialog(), nullptr);
-    if (findDialog()) dialog().command(kCancel);  // so that a failure ends here
+    if (findDialog()) dialog().command(kCancel);  // so that a failed test still ends
     hosts.join();
     EXPECT_TRUE(hasReturned);
 }
 
-// With the title bar held, the system's own loop has the thread.
+// While the title bar is held, the system's own loop runs on the thread.
 TEST_F(DialogLife, ShutdownClosesOneThatIsBeingMoved) {
     ASSERT_TRUE(openWith(""));
     ASSERT_TRUE(holdTitle());
@@ -108,14 +108,14 @@ TEST_F(DialogLife, OpenedAgainAndAgainItLeavesNothingBehind) {
         ASSERT_TRUE(open());
         for (int page = 0; page < kPageCount; page++) dialog().command(kGeneralTab + page);
         dialog().command(kCancel);
-        // The class is the last to go: until then the thread has its fonts and surface.
+        // The class goes last: until then the thread has its fonts and surface.
         ASSERT_TRUE(session.waitUntil([&] { return !isClassRegistered(); }, kPatienceMs));
     };
     for (int i = 0; i < 2; i++) openAndClose();
     const ResourceCount before = countResources();
     for (int i = 0; i < kTurns; i++) openAndClose();
     const ResourceCount after = countResources();
-    // Other threads come and go by some; what a dialog left behind each time would be more.
+    // Other threads' counts vary a little; a leak with each dialog would be more.
     EXPECT_LT(after.gdiObjects - before.gdiObjects, kTurns);
     EXPECT_LT(after.userObjects - before.userObjects, kTurns);
     EXPECT_LT(after.handles - before.handles, kTurns);

@@ -1,4 +1,4 @@
-// The settings dialog's real window worked by mouse, keyboard and commands, and what stands in settings.ini afterwards.
+// dialog_test.cpp - the settings dialog's real window worked by mouse, keyboard and commands, and what it saves.
 #include "tests/client/dialog_test.h"
 #include "settings/interface_texts.h"
 #include "tests/unit/settings/dialog/dialog_walk.h"

@@ -21,7 +21,7 @@ class DialogFixture : public PanelTest {
             const auto started = session.start();
             if (!started) return started;
         }
-        // Chosen again while the thread of the dialog before is ending, the entry does nothing.
+        // While the previous dialog's thread is ending, the menu entry does nothing and must be chosen again.
         const auto isOpening = [&] {
             if (!findDialog()) openFromMenu();
             return isDialogShown();
@@ -42,7 +42,7 @@ class DialogFixture : public PanelTest {
         const auto lines = host.logLines();
         return std::find(lines.begin(), lines.end(), line) != lines.end();
     }
-    // Committed, and the window closed or kept open.
+    // Each commits: apply() keeps the window open, save() closes it.
     ::testing::AssertionResult apply() {
         host.forgetCalls();
         dialog().command(kApply);
@@ -56,15 +56,15 @@ class DialogFixture : public PanelTest {
         return ::testing::AssertionFailure() << "not saved, or not closed";
     }
     void expectSaved(const Settings& expected) { EXPECT_EQ(session.settings(), writeSettingsText(expected)); }
-    // Presses on the title bar, from where the system moves the window until something ends that.
+    // Whether the system is moving the dialog, as after a press on its title bar.
     bool isMoved() const {
         GUITHREADINFO info = {};
         info.cbSize = sizeof info;
         const DWORD thread = GetWindowThreadProcessId(findDialog(), nullptr);
         return GetGUIThreadInfo(thread, &info) && (info.flags & GUI_INMOVESIZE) && info.hwndMoveSize == findDialog();
     }
-    // Presses the title bar until the system's own loop has the window: a change of the focus that is still on its way,
-    // as after an opening, ends that loop at once.
+    // Presses the title bar until the system's own loop moves the window: a change of focus that is still on its way,
+    // as after opening, ends that loop at once.
     ::testing::AssertionResult holdTitle() {
         constexpr std::uint64_t kAgainMs = 3000;
         for (std::uint64_t waitedMs = 0; waitedMs < kPatienceMs; waitedMs += kAgainMs) {

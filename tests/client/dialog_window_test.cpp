@@ -1,5 +1,5 @@
-// The settings dialog as a window among others: its place, the title bar, minimised, another resolution, what it
-// paints, and the message window that it shows and empties.
+// dialog_window_test.cpp - the settings dialog as a window among others: its place, the title bar, minimised, another
+// resolution, what it paints, and the message window that it shows and empties.
 #include <atomic>
 #include <string_view>
 #include "settings/language.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Counts the WM_PAINT that a window's own thread sends it: those it asked for itself, as soon as it had drawn.
+// Counts the WM_PAINT that a window's own thread sends it: those it asks for itself after drawing.
 class PaintCount {
   public:
     explicit PaintCount(HWND window) {
@@ -35,7 +35,7 @@ class PaintCount {
     HHOOK hook_;
 };
 
-// What the message window shows where a message's text stands, as its own context has it.
+// The part of the message window that holds a message's text, read from its device context.
 std::string messageArea() {
     constexpr int kLeft = 24, kTop = 100, kWidth = 560, kHeight = 240;
     std::string pixels(std::size_t{4} * kWidth * kHeight, '\0');
@@ -102,7 +102,7 @@ TEST_F(DialogWindowTest, OpensInTheMiddleOfTheScreenWithItsStyleAndTitle) {
 TEST_F(DialogWindowTest, ThePressedTitleBarMovesItUntilItIsReleased) {
     ASSERT_TRUE(openWith("language=en\r\n"));
     ASSERT_TRUE(holdTitle());
-    dialog().command(kFirstLanguage + int{kGerman});  // works meanwhile
+    dialog().command(kFirstLanguage + int{kGerman});  // the dialog still works
     EXPECT_EQ(title(), L"Corvalis · Einstellungen");
     dialog().post(WM_LBUTTONUP, 0, 0);
     EXPECT_TRUE(session.waitUntil([&] { return !isMoved(); }, kPatienceMs));
@@ -168,7 +168,7 @@ TEST_F(DialogWindowTest, TakesTheSizeOfAnotherResolutionAndWorksInIt) {
     dialog().send(WM_DPICHANGED, MAKEWPARAM(120, 120), reinterpret_cast<LPARAM>(&suggested));
     EXPECT_EQ(widthOf(dialogRect()), 1128);
     EXPECT_EQ(heightOf(dialogRect()), 792);
-    dialog().click(kMasterToggle);  // where it stands now
+    dialog().click(kMasterToggle);  // at its new place
     suggested.right = suggested.left + kGeneralTab;
     suggested.bottom = suggested.top + 4000;
     dialog().send(WM_DPICHANGED, MAKEWPARAM(480, 480), reinterpret_cast<LPARAM>(&suggested));
@@ -185,13 +185,13 @@ TEST_F(DialogWindowTest, AtRestItPaintsNothingAndAChangeOnce) {
     PaintCount paints(findDialog());
     ASSERT_TRUE(paints.isCounting());
     const auto tick = [&] { dialog().send(WM_TIMER, 1, 0); };
-    // The pointer of the screen may lie over it and light something up, once.
+    // The real pointer may be over the dialog and light something up, once.
     EXPECT_TRUE(session.waitUntil([&] {
         paints.take();
         for (int i = 0; i < 20; i++) tick();
         return paints.take() == 0;
     }));
-    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);  // shows the panel: the toggle turns
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);  // shows the panel, which flips the toggle
     tick();
     EXPECT_EQ(paints.take(), 1);
     tick();
@@ -199,7 +199,7 @@ TEST_F(DialogWindowTest, AtRestItPaintsNothingAndAChangeOnce) {
 }
 
 TEST_F(DialogWindowTest, PreviewShowsTheMessageWindowWithItsAlert) {
-    ASSERT_TRUE(show(kGeneralTheme, "text_auto_open=0\r\n"));  // the UI thread has its windows
+    ASSERT_TRUE(show(kGeneralTheme, "text_auto_open=0\r\n"));  // the UI thread has made its windows
     ASSERT_TRUE(open());
     dialog().command(kPreviewMessages);
     EXPECT_EQ(host.callsOf("playWaveFile").size(), 1u);
@@ -218,7 +218,7 @@ TEST_F(DialogWindowTest, ClearEmptiesTheMessageWindowThatIsOpen) {
     ASSERT_TRUE(session.waitUntil([] { return isMessageWindowShown(); }, kPatienceMs));
     SendMessageW(findMessageWindow(), WM_TIMER, 1, 0);  // drawn
     const std::string empty = messageArea();
-    ASSERT_NE(empty.find_first_not_of(empty[0]), std::string::npos);  // words that say so
+    ASSERT_NE(empty.find_first_not_of(empty[0]), std::string::npos);  // the words that say it is empty
     ASSERT_TRUE(open());
     dialog().command(kPreviewMessages);
     ASSERT_TRUE(hasMessage(empty));

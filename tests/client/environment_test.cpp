@@ -8,7 +8,7 @@ bool hasPluginFiles(const std::filesystem::path& dataFolder) {
     return fileBytes(dataFolder / "radio_tail.wav") == 28844 && fileBytes(dataFolder / "text_alert.wav") == 48044;
 }
 
-// Puts the process's locale back.
+// Restores the process's locale.
 class LocaleValue {
   public:
     explicit LocaleValue(const char* locale) : before_(std::setlocale(LC_ALL, nullptr)) {

@@ -28,7 +28,7 @@ std::string foreignLibraries(const std::filesystem::path& program) {
     return foreign;
 }
 
-// Of the properties that Explorer shows; empty if the file has none.
+// The version among the properties that Explorer shows; empty if the file has none.
 std::string fileVersion(const std::filesystem::path& program) {
     DWORD ignored = 0;
     std::vector<char> resource(GetFileVersionInfoSizeW(program.c_str(), &ignored));
@@ -73,7 +73,7 @@ TEST(PluginFile, AndTheWorkerShowTheVersionInTheirProperties) {
 
 TEST(PluginFile, NeedsWindowsSystemLibrariesOnly) {
     const auto libraries = importedLibraries(readFile(productFile("corvalis_win64.dll")));
-    EXPECT_GE(libraries.size(), 2u);  // or the reader is broken
+    EXPECT_GE(libraries.size(), 2u);  // otherwise the reader is broken
     EXPECT_EQ(foreignLibraries(productFile("corvalis_win64.dll")), "");
 }
 

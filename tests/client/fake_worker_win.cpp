@@ -1,5 +1,5 @@
-// fake_worker: stands in for the worker (or for a Python interpreter). Writes how it was started into the file
-// "started-PID.txt" beside itself - command line, current folder, show state, each on a line - and waits to be ended.
+// fake_worker_win.cpp - stands in for the worker (or for a Python interpreter). Writes how it was started into the file
+// "started-PID.txt" beside itself - command line, current folder, show state, one per line - and waits to be killed.
 #include <windows.h>
 #include <filesystem>
 #include <fstream>
@@ -20,6 +20,6 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     stream << GetCommandLineA() << '\n' << folder << '\n' << start.dwFlags << ' ' << start.wShowWindow << '\n';
     stream.close();
     MoveFileExW(beside.c_str(), report.c_str(), MOVEFILE_REPLACE_EXISTING);
-    Sleep(120'000);  // whoever started it ends it; a forgotten one ends by itself
+    Sleep(120'000);  // whoever started it kills it; a forgotten one ends by itself
     return 0;
 }

@@ -8,7 +8,7 @@
 class FileTrouble : public PluginTest {
   protected:
     std::filesystem::path telemetryFile() const { return session.dataFolder / "telemetry.json"; }
-    // The file stands there for some passes, nothing comes of it; then a good one is followed.
+    // The file is there for some passes without effect; then a good one is followed.
     void expectIgnoredThenRecovered(const std::string& bytes) {
         std::filesystem::create_directories(session.dataFolder);
         ASSERT_TRUE(writeFile(telemetryFile(), bytes));
@@ -46,7 +46,7 @@ TEST_F(FileTrouble, AHundredMegabytesOfTelemetryAreLivedThrough) {
     ASSERT_TRUE(session.waitForCalls("getChannelList", 1));
     session.stopPublishing();
     ASSERT_TRUE(replaceFile(telemetryFile(), std::string(100'000'000, 'x')));
-    ASSERT_TRUE(session.waitPasses(2));  // the second of them has begun with it
+    ASSERT_TRUE(session.waitPasses(2));  // the second pass began after the file was there
     session.tune(1, 122800);
     EXPECT_TRUE(session.waitForCalls("requestClientMove", 1, 30'000));
 }
@@ -75,7 +75,7 @@ TEST_F(FileTrouble, ALockedTelemetryIsReadOnceItIsFree) {
 }
 
 TEST_F(FileTrouble, ATelemetryLockedForAMomentDoesNotRestartTheStandstill) {
-    // A virus scanner: it has the file when a pass wants it, and lets go while the plugin pauses before another try.
+    // Like a virus scanner: holds the file when a pass wants it, lets go while the plugin pauses before another try.
     static std::atomic<HANDLE> held{nullptr};
     static std::atomic<int> tries{0};
     const auto sleepAndLetGo = +[](DWORD ms) {
@@ -98,7 +98,7 @@ TEST_F(FileTrouble, ATelemetryLockedForAMomentDoesNotRestartTheStandstill) {
     const std::uint64_t visibleAt = session.clock.tickMs();
     const auto lock = [&] {
         const HANDLE file = CreateFileW(telemetryFile().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-        if (file == INVALID_HANDLE_VALUE) return false;  // the plugin has it
+        if (file == INVALID_HANDLE_VALUE) return false;  // the plugin has it open
         held = file;
         return true;
     };
@@ -108,7 +108,7 @@ TEST_F(FileTrouble, ATelemetryLockedForAMomentDoesNotRestartTheStandstill) {
         ASSERT_TRUE(waitFor([&] { return tries > i; }));
     }
     ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
-    // A pass that found no telemetry would have begun the eight passes anew, the last of the seven times too.
+    // Each pass without telemetry would have restarted the count of eight passes, and so would the last of the seven.
     EXPECT_LE(session.passesBetween(visibleAt, host.callsOf("requestClientMove")[0].atMs), 12u);
 }
 

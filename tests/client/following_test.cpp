@@ -6,7 +6,7 @@
 namespace {
 
 constexpr std::uint64_t kStandStillMs = 350;
-// Seven or eight passes are 350 ms; the two seconds between two looks at a move would be forty.
+// 350 ms are seven or eight passes; the two seconds between two looks at a move would be forty.
 constexpr std::size_t kPromptPasses = 20;
 
 }  // namespace
@@ -22,19 +22,19 @@ class Following : public PluginTest {
         ASSERT_TRUE(host.callsOf("requestClientMove").empty());
     }
     std::vector<HostCall> requests() const { return host.callsOf("requestClientMove"); }
-    // Waits for the next request and tells its channel; 0 = none came.
+    // Waits for the next request and returns its channel; 0 = none came.
     std::uint64_t nextRequestedChannel() {
         const std::size_t before = requests().size();
         if (!session.waitForCalls("requestClientMove", before + 1)) return 0;
         return requests()[before].channelId;
     }
-    // The request came once the frequency had stood still, and then at once; changedAt: before the plugin could see the
-    // change, visibleAt: when it could.
+    // The request came only after the frequency had stood still, and then at once. changedAt: just before the plugin
+    // could see the change; visibleAt: when it could.
     void expectPrompt(const HostCall& request, std::uint64_t changedAt, std::uint64_t visibleAt) {
         EXPECT_GE(request.atMs - changedAt, kStandStillMs);
         EXPECT_LE(session.passesBetween(visibleAt, request.atMs), kPromptPasses);
     }
-    // Two whole passes and more, told by what they do for the panel: without a server they ask the host for nothing.
+    // At least two whole passes, recognised by what they do for the panel: without a server they do not call the host.
     ::testing::AssertionResult waitForPassesWithoutTheHost() {
         const auto panel = [] { return static_cast<HWND>(findOwnWindow(L"CorvalisRadioPanel")); };
         if (!session.waitUntil([&] { return panel() != nullptr; })) return ::testing::AssertionFailure() << "no panel";
@@ -78,7 +78,7 @@ TEST_F(Following, ReadsEveryTokenOfANameWithPointOrComma) {
         std::int32_t khz;
         std::uint64_t channel;
     } rows[] = {{122800, kTower122800}, {121500, kGround121500}, {118005, kApproach118005}, {127250, kApproach118005}};
-    MoveRule refused;  // so that the next frequency may be asked for at once
+    MoveRule refused;  // so that the next frequency may be requested at once
     refused.answer = MoveAnswer::kRefuseAtOnce;
     host.setMoveRule(refused);
     fly();
@@ -170,7 +170,7 @@ TEST_F(Following, OtherConnectStatesOfTheServerChangeNothing) {
 TEST_F(Following, LeavesTheServerAloneAfterItsDisconnect) {
     fly();
     session.plugin.exports().onConnectStatusChangeEvent(kSchid, 0, 0);
-    ASSERT_TRUE(waitForPassesWithoutTheHost());  // one that was under way is over
+    ASSERT_TRUE(waitForPassesWithoutTheHost());  // a pass that was under way is over
     host.forgetCalls();
     session.tune(1, 122800);
     ASSERT_TRUE(waitForPassesWithoutTheHost());

@@ -129,7 +129,7 @@ std::vector<HostEvent> HostModel::advance(std::uint64_t nowMs) {
     return yielded;
 }
 
-// Changes the servers as the event tells. False if it no longer applies: the server, client or channel is gone.
+// Changes the servers as the event says. False if it no longer applies: the server, client or channel is gone.
 bool HostModel::apply(HostEvent& event) {
     Server* server = findServer(event.schid);
     if (!server) return false;

@@ -1,5 +1,5 @@
-// host_model.h - the stand-in voice client: servers, channels and clients behind the 210-entry function table that the
-// plugin is given, every call of the plugin recorded. Portable: core tests resolve the same table without the DLL.
+// host_model.h - the stand-in voice client: servers, channels and clients behind the 210-entry function table given to
+// the plugin, whose calls are all recorded. Portable: core tests resolve the same table without the DLL.
 // One model at a time per process, because the table's C functions carry no context.
 // [any] Every member locks the model's own mutex; none calls out while holding it.
 #pragma once
@@ -17,16 +17,16 @@ class HostModel {
   public:
     // The clock stamps the calls and starts the delays; it must outlive the model.
     explicit HostModel(const Clock& clock);
-    ~HostModel();  // frees what the plugin still holds; ask leaks() before
+    ~HostModel();  // frees what the plugin still holds; check leaks() first
     HostModel(const HostModel&) = delete;
     HostModel& operator=(const HostModel&) = delete;
 
-    // The table as it goes to the plugin: all 210 entries set, save the removed ones.
+    // The table given to the plugin: all 210 entries set except the removed ones.
     HostFunctionTable table() const;
     void removeFunction(HostPosition position);                // null in tables made from now on
     void failFunction(HostPosition position, unsigned error);  // answers error from now on; 0 = works again
 
-    // --- what stands on the servers; ids are the test's choice, 0 is none ---
+    // --- what the servers hold; ids are the test's choice, 0 is none ---
     void addServer(std::uint64_t schid, std::uint16_t ownClientId, std::uint64_t ownChannel);
     void removeServer(std::uint64_t schid);
     void setCurrentServer(std::uint64_t schid);                        // the tab in front; no event
@@ -57,7 +57,7 @@ class HostModel {
     void forgetCalls();
     // Broken rules so far, in words: unexpected positions, bad frees, null results, calls with a null path ...
     std::vector<std::string> problems() const;
-    // One line per block handed out and not taken back.
+    // One line per block handed out and not given back.
     std::vector<std::string> leaks() const;
     // Runs on the calling thread before each call is answered, outside the lock. Set it before the plugin starts.
     void setBeforeCall(std::function<void(const HostCall&)> hook);
@@ -90,11 +90,11 @@ class HostModel {
     struct Block {
         std::string what;
         std::size_t bytes = 0;
-        bool isFree = false;  // kept and overwritten, so that a second free is known for one
+        bool isFree = false;  // kept and overwritten, so that a second free is recognised
     };
 
     HostCall newCall(const char* function) const;
-    // Runs the hook, then records the call; the error that was set for the position, else 0.
+    // Runs the hook, then records the call; returns the error set for the position, else 0.
     unsigned enter(HostPosition position, const HostCall& call);
     void* handOut(const void* bytes, std::size_t count, const std::string& what) REQUIRES(mutex_);
     Server* findServer(std::uint64_t schid) REQUIRES(mutex_);

@@ -12,8 +12,8 @@ namespace {
 
 std::atomic<HostModel*> gActive{nullptr};  // stored by constructor and destructor, loaded by every host function
 
-// The table's entries: plain C functions that hand each call to the one active model. A call after the model is gone
-// (a plugin thread that outlived its shutdown) is answered like a lost host.
+// The table's entries: plain C functions that pass each call to the one active model. A call after the model is gone (a
+// plugin thread that outlived its shutdown) is answered as if the host were gone.
 template <auto Method>
 struct Entry;
 
@@ -295,7 +295,7 @@ void HostModel::createReturnCode(const char* pluginId, char* buffer, std::size_t
     const std::string code = returnCodeText_.empty()
                                  ? "rc-" + std::string(pluginId) + "-" + std::to_string(++returnCodes_)
                                  : returnCodeText_;
-    const std::size_t count = std::min(code.size() + 1, maxLength);  // one that is too long ends without its zero
+    const std::size_t count = std::min(code.size() + 1, maxLength);  // one that is too long ends without a zero
     std::memcpy(buffer, code.c_str(), count);
 }
 

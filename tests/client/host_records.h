@@ -23,14 +23,14 @@ enum class MoveAnswer { kConfirm, kRefuseAtOnce, kRefuseLater, kSilence };
 // How a channel answers a requested move.
 struct MoveRule {
     MoveAnswer answer = MoveAnswer::kConfirm;
-    std::uint32_t delayMs = 30;               // from the request to the event; a server nearby
+    std::uint32_t delayMs = 30;               // from the request to the event; like a nearby server
     unsigned error = kHostErrorNoPermission;  // of a refusal
-    bool reportsSuccess = true;  // a confirmed move with a return code also yields its server error event of 0
+    bool reportsSuccess = true;  // a confirmed move with a return code also yields its server error event with error 0
 };
 
-// One call of a host function. Arguments that the function lacks stay at rest.
+// One call of a host function. Fields for arguments that it lacks keep their defaults.
 struct HostCall {
-    std::string function;        // "requestClientMove"; "position 17" for one the plugin has no use for
+    std::string function;        // "requestClientMove"; "position 17" for one that the plugin does not use
     std::uint64_t atMs = 0;      // the model's clock
     std::uint64_t threadId = 0;  // equal for calls of one thread
     std::uint64_t schid = 0;
@@ -44,7 +44,7 @@ struct HostCall {
 
 enum class HostEventKind { kClientMove, kServerError, kTalkStatus };
 
-// What the caller delivers into the plugin's callback of the same name.
+// What the caller passes to the plugin's callback of the same name.
 struct HostEvent {
     HostEventKind kind = HostEventKind::kClientMove;
     std::uint64_t dueMs = 0;

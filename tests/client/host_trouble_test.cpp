@@ -7,7 +7,7 @@
 
 namespace {
 
-// What the plugin no longer does when a function is not there, or fails.
+// What the plugin can no longer do if a function is missing or fails.
 enum Loss : unsigned {
     kNothing = 0,
     kLog = 1,
@@ -31,7 +31,7 @@ void PrintTo(const PositionRow& row, std::ostream* stream) {
     *stream << row.name;
 }
 
-// A sound, a line or a request that fails has been asked for all the same.
+// A sound, a line or a request that fails has still been asked for.
 // clang-format off
 const PositionRow kPositions[] = {
     {kFreeMemoryPosition,                 "freeMemory",                 kNothing,         kNothing},
@@ -52,7 +52,7 @@ const PositionRow kPositions[] = {
 
 class HostTrouble : public PluginTest {
   protected:
-    // A followed frequency, a talk, a text message and a click on the panel: all that is not lost happens.
+    // A followed frequency, a talk, a text message and a click on the panel: all that is not lost must happen.
     void expectAllBut(unsigned lost) {
         const PluginExports& plugin = session.plugin.exports();
         session.telemetry.radios[0].activeKhz = 122800;
@@ -93,7 +93,7 @@ class HostTrouble : public PluginTest {
         const auto isPlayed = [&] { return std::ranges::count(host.playedSounds(), path) > 0; };
         return lost & kSounds ? isPlayed() : session.waitUntil(isPlayed);
     }
-    // From the window through both of our threads to the worker's file.
+    // From the window through both plugin threads to the worker's file.
     void expectPanelWorks() {
         ASSERT_TRUE(session.waitUntil([] { return findPanel() != nullptr; }));
         PostMessageW(findPanel(), kPanelSwapMessage, 1, 0);
@@ -144,7 +144,7 @@ TEST_F(HostTrouble, NoTableAtAllLeavesWhatNeedsNoHost) {
     EXPECT_TRUE(host.calls().empty());
 }
 
-// A channel of an odd name stands before the right one; the right one is found all the same.
+// A channel with an odd name comes before the right one, which must be found nevertheless.
 class OddNames : public HostTrouble {
   protected:
     void expectFoundBehind(const std::optional<std::string>& name) {

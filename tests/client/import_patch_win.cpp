@@ -23,16 +23,16 @@ void** findSlot(char* base, const char* name) {
     return nullptr;
 }
 
-// What the one ThreadStarts knows; the plugin's threads come here without an object.
+// The state of the only ThreadStarts; the plugin's threads get here without an object.
 struct StartRecord {
     Mutex mutex;  // [any] guards all below, for one start or look
     int granted GUARDED_BY(mutex) = 0;
-    int refused GUARDED_BY(mutex) = 0;  // once those have been granted
+    int refused GUARDED_BY(mutex) = 0;  // after the granted ones
     std::vector<HANDLE> threads GUARDED_BY(mutex);
 };
 StartRecord gStarts;
 
-// The C++ library inside the DLL makes its threads with this.
+// The C++ library inside the DLL starts its threads with this function.
 constexpr const char* kStartFunction = "_beginthreadex";
 using ThreadBody = unsigned(__stdcall*)(void*);
 using StartFunction = std::uintptr_t(__cdecl*)(void*, unsigned, ThreadBody, void*, unsigned, unsigned*);

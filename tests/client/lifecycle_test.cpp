@@ -11,7 +11,7 @@ constexpr const wchar_t* kPanelClass = L"CorvalisRadioPanel";
 
 class Lifecycle : public PluginTest {
   protected:
-    // The plugin does its work: a tuned frequency becomes a request.
+    // The plugin works: a tuned frequency becomes a request.
     ::testing::AssertionResult follows(std::int32_t khz, std::uint64_t channel) {
         const std::size_t before = host.callsOf("requestClientMove").size();
         session.tune(1, khz);
@@ -82,7 +82,7 @@ TEST_F(Lifecycle, HandlesDoNotGrowFromStartToStart) {
     const int handles = handleCount();
     ASSERT_GT(handles, 0);
     for (int i = 0; i < kCycles; i++) cycle();
-    // One that each start leaves behind makes as many as there were starts; the system may have made a few of its own.
+    // If each start left one behind, there would be as many as starts; the system may have made a few of its own.
     EXPECT_TRUE(waitFor([&] { return handleCount() < handles + kCycles; })) << handleCount() - handles;
 }
 

@@ -1,10 +1,10 @@
-// locked_file_win.h - a file that somebody else keeps open, as a virus scanner or a backup does.
+// locked_file_win.h - a file that another program keeps open, like a virus scanner or a backup.
 // [any] Its own handle and nothing else.
 #pragma once
 #include <windows.h>
 #include <filesystem>
 
-// Nobody else may open the file meanwhile.
+// Meanwhile nobody else can open the file.
 class LockedFile {
   public:
     explicit LockedFile(const std::filesystem::path& file)

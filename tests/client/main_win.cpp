@@ -1,4 +1,4 @@
-// client_tests: the tests, and on request a voice client process of its own that a test can kill.
+// main_win.cpp - client_tests: the tests, and on request a voice client process of its own that a test can kill.
 //   client_tests --play-host DLL READYFILE    loads and starts the plugin, writes READYFILE, waits to be killed
 //   client_tests --play-jobless-host DLL READYFILE   the same on a system that gives the plugin no job object
 //   client_tests --leave-host DLL READYFILE   the same, but its main returns at once, with the plugin still running
@@ -21,7 +21,7 @@ HANDLE WINAPI createNoJob(SECURITY_ATTRIBUTES*, const char*) {
 int playHost(std::string_view role, const char* dll, const char* readyFile) {
     static const SystemClock clock;
     static HostModel host(clock);                       // static: there until the process is gone,
-    static PluginLibrary& plugin = *new PluginLibrary;  // and the DLL is not unloaded before
+    static PluginLibrary& plugin = *new PluginLibrary;  // and the DLL is not unloaded earlier
     if (!plugin.load(dll)) return 1;
     if (role == "--play-jobless-host") {
         static const ImportPatch patch(L"corvalis_win64.dll", "CreateJobObjectA", reinterpret_cast<void*>(createNoJob));
@@ -37,7 +37,7 @@ int playHost(std::string_view role, const char* dll, const char* readyFile) {
     return 0;
 }
 
-// A crash ends the program with a word; a debugger's window, as Wine opens one, would wait for somebody to close it.
+// After a crash the program prints a line and ends; a debugger's window, as Wine opens one, would wait to be closed.
 LONG WINAPI onCrash(EXCEPTION_POINTERS* crash) {
     const EXCEPTION_RECORD& record = *crash->ExceptionRecord;
     std::printf("crashed: exception %08lx at %p\n", record.ExceptionCode, record.ExceptionAddress);

@@ -19,7 +19,7 @@ void expectMenus(const std::vector<HostMenuItem>& menus, std::int32_t language) 
     }
 }
 
-// The threads of this process that are in no set of before.
+// How many threads of this process were not in known, which then has them.
 int newThreads(std::set<DWORD>& known) {
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
     THREADENTRY32 entry = {};

@@ -1,4 +1,4 @@
-// How the message window's page is painted, on a picture in memory: no window, no screen.
+// message_paint_test.cpp - how the message window's page is painted, on a picture in memory: no window, no screen.
 #include <algorithm>
 #include <functional>
 #include <optional>
@@ -27,7 +27,7 @@ struct Ink {
     float right = -1.0f;  // exclusive
     float bottom = -1.0f;
     int count = 0;                // of pixels
-    std::uint32_t strongest = 0;  // the one farthest from the ground
+    std::uint32_t strongest = 0;  // the one that differs most from the ground
 };
 
 int distance(std::uint32_t a, std::uint32_t b) {
@@ -68,7 +68,7 @@ class MessagePaint : public testing::TestWithParam<std::uint32_t> {
         paint(std::vector<PageItem>{{PageItemKind::kFill, {0, 0, 620, 400}, 0xFF000000U | kBackground}, text});
         return inkIn({0, 0, 620, 400});
     }
-    // What differs from the colour in the rectangle's top left corner.
+    // The pixels that differ from the one in the rectangle's top left corner.
     Ink inkIn(const UnitRect& rect) const {
         const RECT area = pagePixels(rect, scale);
         const std::uint32_t ground = shown.row(area.top)[area.left];
@@ -87,7 +87,7 @@ class MessagePaint : public testing::TestWithParam<std::uint32_t> {
         }
         return ink;
     }
-    // At the middle of a design pixel.
+    // The colour in the middle of a design pixel.
     std::uint32_t colourAt(float x, float y) const {
         return shown.row(static_cast<int>((y + 0.5f) * scale))[static_cast<int>((x + 0.5f) * scale)];
     }
@@ -96,7 +96,7 @@ class MessagePaint : public testing::TestWithParam<std::uint32_t> {
         return {PageItemKind::kText, rect, 0xFF000000U | kBrightGreen, what, style, align};
     }
 
-    static constexpr int kFaint = 24;  // a shade that the eye does not see
+    static constexpr int kFaint = 24;  // too faint a difference for the eye
 
     const float scale = messageScale(GetParam());
     ManualClock clock;
@@ -154,7 +154,7 @@ TEST_P(MessagePaint, TheDotIsAmberWhileMessagesAreUnreadAndGreenOtherwise) {
     add("hello");
     paint();
     EXPECT_EQ(colourAt(18, 21), kAmber);
-    EXPECT_EQ(colourAt(15, 18), kHeaderBand);  // it is round, and ends there
+    EXPECT_EQ(colourAt(15, 18), kHeaderBand);  // the dot is round and ends there
     EXPECT_EQ(colourAt(22, 25), kHeaderBand);
     const Ink dot = inkIn({10, 12, 18, 20});
     EXPECT_NEAR(dot.right - dot.left, 6.0f, 2.0f / scale);
@@ -174,7 +174,7 @@ TEST_P(MessagePaint, TheCloseGlyphIsRedUnderThePointer) {
     paint();
     const Ink hovered = inkIn(glyph);
     EXPECT_LT(distance(hovered.strongest, kRed), 60);
-    EXPECT_NEAR((hovered.left + hovered.right) / 2, 596.0f, 2.0f);  // in the middle of its place
+    EXPECT_NEAR((hovered.left + hovered.right) / 2, 596.0f, 2.0f);  // in the middle of its area
     EXPECT_NEAR((hovered.top + hovered.bottom) / 2, 22.0f, 4.0f);
     EXPECT_GT(hovered.right - hovered.left, 5.0f);
 }
@@ -218,7 +218,7 @@ TEST_P(MessagePaint, EveryTextOfAFullPageIsSeenInItsPlace) {
     store.unread = 3;
     page.change_page(store, 1);
     paint();
-    EXPECT_LT(distance(inkIn({586, 315, 20, 18}).strongest, kAmber), 60);  // more text below
+    EXPECT_LT(distance(inkIn({586, 315, 20, 18}).strongest, kAmber), 60);  // the mark for more text below
     EXPECT_EQ(inkIn({586, 293, 20, 18}).count, 0);
     const struct {
         const char* what;
@@ -236,7 +236,7 @@ TEST_P(MessagePaint, EveryTextOfAFullPageIsSeenInItsPlace) {
         EXPECT_GT(ink.count, 10) << item.what;
         EXPECT_LT(distance(ink.strongest, item.colour), 90) << item.what;
     }
-    EXPECT_NEAR(inkIn({500, 46, 110, 15}).right, 600.0f, 3.0f);  // aligned right, all of it
+    EXPECT_NEAR(inkIn({500, 46, 110, 15}).right, 600.0f, 3.0f);  // right-aligned and complete
 }
 
 TEST_P(MessagePaint, ATextIsAlignedInItsRectangle) {
@@ -262,11 +262,11 @@ TEST_P(MessagePaint, TooLongATextEndsAtItsRectangleOrReachesOutOnTheLeft) {
     EXPECT_LE(left.right, 351.0f);
     const std::u16string wide(12, u'W');
     const Ink right = inkOf(text(wide, rect, PageAlign::kRight));
-    EXPECT_NEAR(right.right, 350.0f, 2.0f);  // its end is what counts
+    EXPECT_NEAR(right.right, 350.0f, 2.0f);  // its end must be visible
     EXPECT_LT(right.left, 250.0f);
     PageItem shortened = text(longText, rect);
     shortened.isShortened = true;
-    const Ink ellipsis = inkOf(shortened);  // or cut off: not every system draws one
+    const Ink ellipsis = inkOf(shortened);  // or cut off: not every system draws an ellipsis
     EXPECT_NEAR(ellipsis.left, 250.0f, 2.0f);
     EXPECT_GT(ellipsis.right, 330.0f);
     EXPECT_LE(ellipsis.right, 351.0f);

@@ -1,5 +1,5 @@
-// Text messages from the host's event to the message window, through the real DLL. What the window decides is tested
-// without it (message_model_test.cpp), and how it paints (message_paint_test.cpp): here they are joined.
+// messages_test.cpp - text messages from the host's event to the message window, through the real DLL: what the window
+// decides (message_model_test.cpp) and how it paints (message_paint_test.cpp), here joined.
 #include <windows.h>
 #include <algorithm>
 #include <atomic>
@@ -14,11 +14,11 @@
 namespace {
 
 constexpr int kMessagesEntry = 3;
-constexpr std::size_t kLogBytes = 256;  // of a line's buffer, its end included
+constexpr std::size_t kLogBytes = 256;  // of a line's buffer, including its end
 constexpr std::uint64_t kLongMs = 30'000;
 constexpr const char* kNoAutoOpen = "text_auto_open=0\r\n";
 
-// An opaque window of this program over a part of the screen: whatever else stands there does not show through.
+// An opaque window of this program over a part of the screen, so that nothing else there shows through.
 class Backdrop {
   public:
     static constexpr COLORREF kColour = RGB(200, 0, 200);
@@ -34,7 +34,7 @@ class Backdrop {
     Backdrop(const Backdrop&) = delete;
     Backdrop& operator=(const Backdrop&) = delete;
 
-    // For as long as it has not reached the screen; carries the window's own messages out.
+    // To be called until it has reached the screen; also handles the window's own messages.
     void paint() const {
         MSG message;
         while (PeekMessageW(&message, window_, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
@@ -54,7 +54,7 @@ class Backdrop {
 
 class Messages : public PanelTest {
   protected:
-    // The plugin runs and has its windows; what the panel shows does not matter.
+    // The plugin is running and has its windows; what the panel shows does not matter.
     ::testing::AssertionResult begin(const std::string& lines = "") {
         const auto started = startWith(kGeneralTheme, "language=en\r\n" + lines);
         if (!started) return started;
@@ -72,7 +72,7 @@ class Messages : public PanelTest {
         wanted_.add(sender, text, kChannelMessage, before, session.clock.unixSeconds());
         return answer;
     }
-    // Every request that the host's thread has posted so far has been carried out.
+    // Only after every request that the host's thread has posted so far has been carried out.
     static bool isShown() {
         EXPECT_TRUE(waitForPosted(findMessageWindow()));
         return isMessageWindowShown();
@@ -83,7 +83,7 @@ class Messages : public PanelTest {
         if (!isShown()) return ::testing::AssertionFailure() << "the message window is not shown";
         return ::testing::AssertionSuccess();
     }
-    // What the window shows once it has looked for changes.
+    // Whether the window shows this page after looking for changes.
     ::testing::AssertionResult shows(const WantedPage& wanted) {
         SendMessageW(findMessageWindow(), kRepaintMessages, 0, 0);
         return wanted_.isShownBy(findMessageWindow(), wanted);
@@ -164,7 +164,7 @@ TEST_F(Messages, OpenOnTheNewestPageButLeaveAVisibleWindowAlone) {
     ASSERT_TRUE(begin());
     for (const char* text : {"one", "two", "three"}) receive(text);
     ASSERT_TRUE(isShown());
-    // The first one opened it; whether the others came before that or after is the machine's affair.
+    // The first message opened the window; whether the others came before or after that depends on the machine.
     pressMessageKey(VK_DOWN);
     EXPECT_TRUE(shows({.page = 0}));
     pressMessageKey(VK_UP);
@@ -195,7 +195,7 @@ TEST_F(Messages, TheTextKeyTogglesTheWindow) {
         ASSERT_TRUE(show(theme)) << theme;
         for (const bool wanted : {true, false}) {
             panel().click(key);
-            ASSERT_TRUE(waitForPosted(findPanel()));  // the key's own request comes behind
+            ASSERT_TRUE(waitForPosted(findPanel()));  // the key's own request comes after that
             EXPECT_EQ(isShown(), wanted) << theme;
         }
         session.stop();
@@ -249,7 +249,7 @@ TEST_F(Messages, TheCloseGlyphIsRedUntilThePointerLeaves) {
     ASSERT_TRUE(begin());
     receive("hello");
     ASSERT_TRUE(isShown());
-    // The real pointer is elsewhere, of which the system tells the window at once.
+    // The real pointer is elsewhere, and the system tells the window so at once.
     const WindowWatch watch(findMessageWindow(), {.onTaken =
                                                       [](MSG& message) {
                                                           if (message.message == WM_MOUSELEAVE)
@@ -284,7 +284,7 @@ TEST_F(Messages, APressOnTheHeaderDragsTheWindowByIt) {
                                      }});
     ASSERT_TRUE(watch.isWatching());
     PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 20));
-    ASSERT_TRUE(session.waitUntil([&] { return moves == 1; }, kLongMs));  // the system moves it now
+    ASSERT_TRUE(session.waitUntil([&] { return moves == 1; }, kLongMs));  // the system is moving it now
     EXPECT_EQ(captionPresses, 1);
     POINT at = {300, 20};
     ClientToScreen(window, &at);
@@ -292,7 +292,7 @@ TEST_F(Messages, APressOnTheHeaderDragsTheWindowByIt) {
     PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(300, 20));
     EXPECT_TRUE(session.waitUntil([&] { return ends == 1; }, kLongMs));
     EXPECT_TRUE(isShown());
-    clickMessageWindow(300, 50);  // below the header nothing is dragged
+    clickMessageWindow(300, 50);  // a press below the header drags nothing
     EXPECT_EQ(captionPresses, 1);
     pressMessageKey(VK_ESCAPE);
     EXPECT_FALSE(isMessageWindowShown());
@@ -310,7 +310,7 @@ TEST_F(Messages, TheWindowStandsUnderThePanelAndInTheWorkArea) {
     GUITHREADINFO thread = {};
     thread.cbSize = sizeof thread;
     ASSERT_TRUE(GetGUIThreadInfo(GetWindowThreadProcessId(findMessageWindow(), nullptr), &thread));
-    EXPECT_NE(thread.hwndActive, findMessageWindow());  // the keyboard stays where it was
+    EXPECT_NE(thread.hwndActive, findMessageWindow());  // the keyboard focus has not moved
     session.stop();
     ASSERT_TRUE(show(kGeneralTheme, "panel_x=5000\r\npanel_y=5000\r\npanel_scale=50\r\n"));
     ASSERT_TRUE(open());
@@ -324,7 +324,7 @@ TEST_F(Messages, TheWindowStandsUnderThePanelAndInTheWorkArea) {
     EXPECT_EQ(rect.bottom, monitor.rcWork.bottom);
 }
 
-// The only one that looks at the screen: a layered window appears there once it has been told how, or never.
+// The only one that looks at the screen: a layered window appears there only once its opacity is set.
 TEST_F(Messages, TheWindowIsSeenOnTheScreen) {
     ASSERT_TRUE(show(kGeneralTheme, kNoAutoOpen));
     receive("hello");
@@ -341,12 +341,12 @@ TEST_F(Messages, TheWindowIsSeenOnTheScreen) {
             kLongMs);
     };
     ArgbImage behind(place.right - place.left, place.bottom - place.top);
-    std::fill(behind.pixels.begin(), behind.pixels.end(), Backdrop::kColour);  // red and blue are equal
+    std::fill(behind.pixels.begin(), behind.pixels.end(), Backdrop::kColour);  // the same with red and blue swapped
     ASSERT_TRUE(screenShows(behind));
     ASSERT_TRUE(open());
     const RECT again = messageWindowRect();
     ASSERT_TRUE(EqualRect(&again, &place));
-    // The cursor blinks: the window's picture is taken anew for each look.
+    // The cursor blinks: each look compares with a new picture of the window.
     EXPECT_TRUE(session.waitUntil(
         [&] { return isSamePicture(coloursOf(lookAtScreen(place)), coloursOf(askForPicture(findMessageWindow()))); },
         kLongMs));

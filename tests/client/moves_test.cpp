@@ -1,7 +1,7 @@
 #include "tests/client/client_session_win.h"
 
-// The host's side of a move: the request, the answers to it, and whose they are. When the next look or request comes is
-// told to the millisecond by the tests of the poll loop (tests/unit/bridge/poll_moves_test.cpp).
+// The host's side of a move: the request, the answers to it, and whose they are. The poll loop's tests check to the
+// millisecond when the next look or request comes (tests/unit/bridge/poll_moves_test.cpp).
 
 class Moves : public PluginTest {
   protected:
@@ -14,7 +14,7 @@ class Moves : public PluginTest {
         ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
     }
     std::vector<HostCall> requests() const { return host.callsOf("requestClientMove"); }
-    // Tunes to another frequency and waits until the plugin has had a look at it.
+    // Tunes to another frequency and waits until the plugin has looked it up.
     void tuneAndWaitForTheLook(std::int32_t khz) {
         const std::size_t looks = host.callsOf("getChannelList").size();
         session.tune(1, khz);
@@ -68,7 +68,7 @@ TEST_F(Moves, CarryAReturnCodeMadeAnewAtEachStart) {
     EXPECT_EQ(requests()[0].returnCode, "rc-corvalis-test-id-1");
     host.moveByHand(kSchid, kOwnClient, kLobby);
     session.pump();
-    session.plugin.exports().registerPluginID(kPluginId);  // shutdown gave it back
+    session.plugin.exports().registerPluginID(kPluginId);  // shutdown has freed it
     ASSERT_TRUE(session.start());
     ASSERT_TRUE(session.waitForCalls("requestClientMove", 2));
     EXPECT_EQ(requests()[1].returnCode, "rc-corvalis-test-id-2");

@@ -1,4 +1,4 @@
-// The radio panel without its artwork: a DLL whose theme images are missing or damaged still gives a working panel.
+// panel_art_test.cpp - the panel without artwork: a DLL with missing or damaged images still gives a working panel.
 #include <cstring>
 #include "tests/client/panel_test.h"
 #include "tests/client/pe_image.h"
@@ -6,7 +6,7 @@
 namespace {
 
 constexpr WORD kFirstThemeImage = 2001;
-constexpr WORD kElsewhere = 1000;                                        // what is asked for has another number
+constexpr WORD kElsewhere = 1000;                                        // added to hide an image's number
 constexpr WORD kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);  // what the resource compiler writes
 
 bool hasImage(const std::filesystem::path& dll, std::int32_t theme) {
@@ -16,7 +16,7 @@ bool hasImage(const std::filesystem::path& dll, std::int32_t theme) {
     return found;
 }
 
-// Gives the image another number. Wine's UpdateResource takes nothing out of a file.
+// Gives the image another number, since Wine's UpdateResource cannot remove anything from a file.
 bool hideImage(const std::filesystem::path& dll, std::int32_t theme) {
     constexpr std::uint32_t kRawData = 10;  // RT_RCDATA
     std::string image = readFile(dll);
@@ -39,11 +39,11 @@ bool replaceImage(const std::filesystem::path& dll, std::int32_t theme, std::str
 
 class PanelArt : public PanelTest {
   protected:
-    // Starts with a DLL in which every theme's image is this; empty: none.
+    // Loads a DLL in which every theme's image consists of these bytes; empty: no images.
     ::testing::AssertionResult loadWithImages(const std::string& bytes) {
         std::filesystem::copy_file(productFile("corvalis_win64.dll"), session.dll,
                                    std::filesystem::copy_options::overwrite_existing);
-        // The last first: the numbers stay in order, as those who look for one expect.
+        // The last first: so the numbers stay in order, as a search for one expects.
         for (std::int32_t theme = kThemeCount - 1; theme >= 0; theme--) {
             if (!hasImage(session.dll, theme)) return ::testing::AssertionFailure() << "no image to begin with";
             if (!(bytes.empty() ? hideImage(session.dll, theme) : replaceImage(session.dll, theme, bytes)))

@@ -6,7 +6,7 @@ namespace {
 
 constexpr UnitPoint kNowhere = {-1.0e6f, -1.0e6f};
 constexpr float kRingShare = 0.75f;    // of the large knob's radius: between the inner knob's edge and its own
-constexpr float kSpotDistance = 8.0f;  // units that a free spot keeps from every element
+constexpr float kSpotDistance = 8.0f;  // units between a free spot and every element, at least
 
 UnitPoint middleOf(const UnitRect& rect) {
     return {rect.x + rect.width / 2.0f, rect.y + rect.height / 2.0f};

@@ -1,4 +1,4 @@
-// What the radio panel shows of what goes on, in its own picture, and that this picture reaches the screen.
+// panel_picture_test.cpp - what the radio panel's own picture shows of what goes on, and that it reaches the screen.
 #include <algorithm>
 #include <cmath>
 #include "tests/client/panel_test.h"
@@ -40,7 +40,7 @@ class PanelLamps : public PanelTest {
         };
         return {middle(themeLayout(theme).txLamp), middle(themeLayout(theme).rxLamp)};
     }
-    // The event is with the plugin, and what it changes on the panel.
+    // After the plugin has the event and the panel shows its effect.
     Lamps lampsAfter(std::int32_t theme, std::uint16_t clientId, bool talking) {
         host.setTalking(kSchid, clientId, talking);
         session.pump();
@@ -53,7 +53,7 @@ TEST_F(PanelLamps, LightWhileSomebodyTalksInEveryTheme) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         SCOPED_TRACE(themeName(theme));
         ASSERT_TRUE(show(theme));
-        ASSERT_TRUE(session.waitPasses(1));  // the own client is known
+        ASSERT_TRUE(session.waitPasses(1));  // the plugin knows its own client
         presentNow();
         const Lamps dark = lamps(theme);
         EXPECT_FALSE(isAmber(dark.tx));
@@ -79,13 +79,13 @@ TEST_F(PanelLamps, StayDarkWhereTheyAreNotWanted) {
     EXPECT_EQ(lampsAfter(kBoeingTheme, kOtherClient, true), dark);
 }
 
-// Between two ticks of the panel's timer there is time for hundreds of these: were the picture left to the next tick,
+// Between two ticks of the panel's timer there is time for hundreds of these: if the picture waited for the next tick,
 // most would find the old one.
 TEST_F(PanelLamps, ShowAtOnceWhatIsNewWhenTheResolutionOrTheScreenChanges) {
     ASSERT_TRUE(show(kAirbusTheme));
     ASSERT_TRUE(session.waitPasses(1));
     const RECT before = screenRect();
-    RECT suggested = {17, 19, 1217, 919};  // the panel keeps to its settings and to what the monitor says
+    RECT suggested = {17, 19, 1217, 919};  // the panel uses its settings and the monitor's values instead
     for (const UINT message : {WM_DPICHANGED, WM_DISPLAYCHANGE}) {
         const bool isDpi = message == WM_DPICHANGED;
         const WPARAM what = isDpi ? MAKEWPARAM(144, 144) : 32;
@@ -102,8 +102,8 @@ TEST_F(PanelLamps, ShowAtOnceWhatIsNewWhenTheResolutionOrTheScreenChanges) {
     }
 }
 
-// Black and opaque, behind everything: what shows through the panel adds nothing, whether the system blends it with
-// this window or with nothing at all.
+// Black and opaque, behind everything: what shows through the panel adds nothing, whether the system blends the panel
+// with this window or with nothing at all.
 class Backdrop {
   public:
     Backdrop() {
@@ -139,7 +139,7 @@ class Backdrop {
 // The share of the pixels whose colour on the screen is the picture's at this alpha, over black.
 double shareOfSame(const ArgbImage& picture, const ArgbImage& screen, int alpha) {
     if (picture.isEmpty() || screen.pixels.size() != picture.pixels.size()) return 0.0;
-    constexpr int kTolerance = 4;  // of 255: who blends may round as he likes
+    constexpr int kTolerance = 4;  // of 255: systems round differently
     std::size_t same = 0;
     for (std::size_t i = 0; i < picture.pixels.size(); i++) {
         const auto isNear = [&](unsigned shift) {
@@ -151,7 +151,7 @@ double shareOfSame(const ArgbImage& picture, const ArgbImage& screen, int alpha)
     return static_cast<double>(same) / static_cast<double>(picture.pixels.size());
 }
 
-// The one test that looks at the screen: everything else about the picture is seen in the picture.
+// The only test that looks at the screen: everything else is checked in the panel's own picture.
 using PanelOnScreen = PanelTest;
 
 TEST_F(PanelOnScreen, ThePictureReachesTheScreenWithItsOpacity) {
@@ -168,7 +168,7 @@ TEST_F(PanelOnScreen, ThePictureReachesTheScreenWithItsOpacity) {
                 Backdrop::serve();
                 const ArgbImage picture = askForPicture(findPanel());
                 share = shareOfSame(picture, lookAtScreen(screenRect()), row.alpha);
-                // With neither the picture nor its opacity right, the bright plate is wrong: most of it.
+                // If the picture or its opacity is wrong, so is most of the bright plate.
                 return share > 0.99;
             },
             30'000);

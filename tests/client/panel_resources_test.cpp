@@ -1,5 +1,5 @@
-// What the radio panel leaves behind: nothing. Counts are held to "less than one a step": another thread's own comings
-// and goings stay far below that, a leak does not.
+// panel_resources_test.cpp - the radio panel must leave nothing behind. Counts must grow by less than one per step:
+// what other threads take and free stays far below that, a leak does not.
 #include "tests/client/panel_test.h"
 #include "tests/client/resource_count_win.h"
 
@@ -15,7 +15,7 @@ void expectLessThanOneAStep(const ResourceCount& before, const ResourceCount& af
     EXPECT_LT(after.gdiObjects - before.gdiObjects, steps);
     EXPECT_LT(after.userObjects - before.userObjects, steps);
     EXPECT_LT(after.handles - before.handles, steps);
-    // A step's pictures take a megabyte and more.
+    // A step's pictures take more than a megabyte.
     EXPECT_LT(static_cast<double>(after.privateBytes) - static_cast<double>(before.privateBytes), 0.5e6 * steps);
 }
 
@@ -51,7 +51,7 @@ class PanelResources : public PanelTest {
 
 TEST_F(PanelResources, DoNotGrowOverManyPresentations) {
     ASSERT_TRUE(show(kGeneralTheme));
-    for (int i = 0; i < 2; i++) presentAll();  // what is cached is there now
+    for (int i = 0; i < 2; i++) presentAll();  // fills the caches
     const ResourceCount before = countResources();
     ASSERT_GT(before.gdiObjects, 0);
     ASSERT_GT(before.userObjects, 0);

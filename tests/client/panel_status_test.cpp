@@ -1,4 +1,4 @@
-// The panel's status lines in the real fonts, in every theme and language: what is whole and what is cut.
+// panel_status_test.cpp - the panel's status lines in the real fonts, in every theme and language: whole or cut.
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <set>
@@ -15,7 +15,7 @@
 
 namespace {
 
-// The longest that each side can say. A worker's own answers come on the left as well.
+// The longest lines that each side can show. A worker's own answers also come on the left.
 constexpr const char* kLongestLeft[] = {
     "Radio spacing unavailable or frequency limit", "Write timed out; showing simulator readback",
     "Writing; awaiting simulator readback", "Write unavailable / DISCONNECTED", "Volume controlled by simulator"};
@@ -82,13 +82,13 @@ ArgbImage paint(const TextLine& line) {
     return paintTextLine(fonts, line);
 }
 
-// Where there is room for all of it.
+// The width of the line when nothing is cut.
 std::int32_t wholeWidth(TextLine line) {
     line.width *= 2;
     return widthOf(inkOf(paint(line)));
 }
 
-// The rows that the last columns of the ink reach over: a letter's height, or a dot's.
+// The number of rows that the ink's last columns span: a letter's height, or a dot's.
 std::int32_t heightOfEnd(const ArgbImage& image) {
     const std::int32_t last = inkOf(image).last;
     std::int32_t top = image.height, bottom = -1;
@@ -118,7 +118,7 @@ TEST(PanelStatus, TheLongestLinesAreWholeFromFullSizeOn) {
     }
 }
 
-// At half the size a font that can still be read has no room for the longest ones.
+// At half size the longest lines do not fit in a legible font.
 TEST(PanelStatus, ALineThatHasNoRoomEndsInDotsInsideItsPlace) {
     int cut = 0;
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {

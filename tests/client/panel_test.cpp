@@ -1,4 +1,4 @@
-// The mouse on the radio panel: what each key, knob and digit does.
+// panel_test.cpp - the mouse on the radio panel: what each key, knob and digit does.
 #include "tests/client/panel_test.h"
 #include <cmath>
 #include <cstdlib>
@@ -56,7 +56,7 @@ TEST_F(Panel, WheelOverTheGeneralDigitsTunesThemWithoutASwap) {
     for (const auto& row : rows) {
         panel().wheel(row.digits, row.delta);
         EXPECT_EQ(nextTuning(), row.command);
-        answer();  // yet the radio stays: each row starts from the same frequencies
+        answer();  // but the radio does not change: each row starts from the same frequencies
     }
     EXPECT_TRUE(nothingHappened());
 }
@@ -220,7 +220,7 @@ TEST_F(Panel, KnobsDigitsAndTheUnassignedKeyHaveNoClick) {
 }
 
 TEST_F(Panel, CustomKeysActAsBound) {
-    // Two runs, so that every code is once on a key; the fourth letter of a binding is its key.
+    // Two runs, so that every code is once on a key; the letter after bind_ is its key.
     ASSERT_TRUE(show(kAirbusTheme, "bind_B=2\r\nbind_C=3\r\nbind_D=4\r\nbind_E=7\r\nradio=COM2\r\n"));
     EXPECT_TRUE(clickSaves(kCustomKeyB, "enabled=0"));
     EXPECT_TRUE(clickSaves(kCustomKeyC, "radio=COM1"));

@@ -1,5 +1,5 @@
 // panel_test.h - a test with the radio panel in the real DLL: a flying aircraft, the real window, a hand to work it.
-// The pointer is parked where no panel is: a panel that appears below it would be told of a mouse that moves.
+// The pointer is parked where no panel is: a panel that appears below it would get mouse moves.
 #pragma once
 #include <string>
 #include "tests/client/client_session_win.h"
@@ -25,7 +25,7 @@ class PanelTest : public PluginTest {
     LRESULT send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     LRESULT sendAt(UINT message, POINT client) const;
     void presentNow() const { send(WM_DISPLAYCHANGE, 32); }
-    // No tick but those a test sends, no presentation: the panel believes the system moves it.
+    // No ticks except those that a test sends, no presentation: the panel believes that the system is moving it.
     void stopTicks() const { send(WM_ENTERSIZEMOVE); }
     void letTick() const { send(WM_EXITSIZEMOVE); }
 
@@ -34,13 +34,13 @@ class PanelTest : public PluginTest {
     ::testing::AssertionResult becomesSaved(const std::string& line);
     ::testing::AssertionResult clickSaves(std::int32_t element, const std::string& line);
 
-    // What was done to the panel before had no effect at all: the next command is the one of this function's own turn
-    // of the STANDBY knob, from where the aircraft's radio stands, and no setting was saved meanwhile.
+    // Nothing done to the panel so far had any effect: the next command is the one for this function's own turn of the
+    // STANDBY knob, from the frequency of the aircraft's radio, and no setting was saved meanwhile.
     ::testing::AssertionResult nothingHappened();
     // "standby 122500" for COM1's next command; "" if none comes.
     std::string nextTuning(std::int32_t com = 1);
-    // The worker has done as the last command says, and the plugin knows. Without it the next command waits its time
-    // out, in the next init too.
+    // The worker has carried out the last command, and the plugin knows it. Otherwise the next command waits until that
+    // one times out, even after another init.
     void answer();
 
   private:

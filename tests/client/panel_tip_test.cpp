@@ -1,5 +1,5 @@
-// The tip that follows the mouse over the radio panel. The system reports at its own time that the mouse is not there
-// at all, so a tip is asked for until it stands, and what hides it is judged at once.
+// panel_tip_test.cpp - the tip that follows the mouse over the radio panel. The system reports in its own time that the
+// real mouse is elsewhere: so a tip is requested until it shows, and hiding it is checked at once.
 #include <array>
 #include <cstdlib>
 #include "tests/client/panel_test.h"
@@ -66,7 +66,7 @@ TEST_F(PanelTip, AppearsWithTheTickAfterTheMouseNotBefore) {
 TEST_F(PanelTip, StandsBesideTheCursorAndFollowsItWithTheTick) {
     ASSERT_TRUE(show(kBoeingTheme));
     stopTicks();
-    for (const POINT& at : {POINT{40, 1000}, POINT{300, 1100}}) {  // clear of the panel; the tip follows all the same
+    for (const POINT& at : {POINT{40, 1000}, POINT{300, 1100}}) {  // away from the panel; the tip follows nevertheless
         ASSERT_TRUE(SetCursorPos(at.x, at.y));
         POINT offset = {};
         const bool isBeside = session.waitUntil([&] {
@@ -111,7 +111,7 @@ TEST_F(PanelTip, GoesWhenTheBackgroundIsPressedToMoveThePanel) {
     stopTicks();
     ASSERT_TRUE(showTip(kCom1Key));
     const POINT at = panel().pointOn(kBackground);
-    // The press ends only with the system's move, which serves what is sent after it.
+    // The press only returns after the system's move, which handles what is sent later.
     SendNotifyMessageW(findPanel(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
     send(WM_NULL);
     EXPECT_FALSE(isTipShown());

@@ -1,4 +1,4 @@
-// The radio panel's window: size, place, stacking and visibility.
+// panel_window_test.cpp - the radio panel's window: size, place, stacking and visibility.
 #include <cmath>
 #include "tests/client/panel_test.h"
 
@@ -15,8 +15,8 @@ int pixelsUp(double length) {
     return static_cast<int>(std::ceil(length - 1e-6));
 }
 
-// Another window that is always on top. Wine gives the style to a window that owns a topmost one, as the panel its tip,
-// only when a further topmost window follows.
+// Another window that is always on top. The panel owns a topmost window, its tip: Wine gives such an owner the topmost
+// style only when another topmost window follows.
 class TopmostWindow {
   public:
     TopmostWindow()
@@ -135,7 +135,7 @@ TEST_F(PanelWindow, ASecondInitKeepsThePanelsWindowAndMakesNoOther) {
     const DWORD thread = GetWindowThreadProcessId(before, nullptr);
     ASSERT_TRUE(session.writeSettings("theme=1\r\nradio=COM2\r\n"));
     ASSERT_TRUE(session.start());
-    // The second init is through with all that it starts once the panel shows the settings that it read.
+    // Once the panel shows the settings that the second init has read, that init has started everything.
     const LONG height = pixelsUp(900.0 * 793.0 / 1793.0 * GetDpiForWindow(before) / 96.0);
     ASSERT_TRUE(session.waitUntil([&] { return screenRect().bottom - screenRect().top == height; }));
     ASSERT_TRUE(session.waitPasses(3));
@@ -167,7 +167,7 @@ TEST_F(PanelWindow, PinMakesItTopmostOnceAndTakesThatBackOnce) {
     ASSERT_TRUE(show(kBoeingTheme));
     ASSERT_TRUE(clickSaves(kPinKey, "pin=1"));
     ASSERT_TRUE(session.waitUntil([] { return isTopmost(); }));
-    // Put down by somebody else: only a change of the setting counts.
+    // As if another program had moved it down: only a change of the setting counts.
     SetWindowPos(findPanel(), HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     for (int i = 0; i < 5; i++) presentNow();
     EXPECT_FALSE(isTopmost());
@@ -200,7 +200,7 @@ TEST_F(PanelWindow, IsLeftAloneWhileItIsMoved) {
     ASSERT_TRUE(show(kGeneralTheme));
     send(WM_ENTERSIZEMOVE);
     SetWindowPos(findPanel(), nullptr, 300, 200, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    for (int i = 0; i < 5; i++) send(WM_TIMER, 1);  // one that was on its way already
+    for (int i = 0; i < 5; i++) send(WM_TIMER, 1);  // ticks that were already on their way
     presentNow();
     EXPECT_EQ(screenRect().left, 300);
     EXPECT_EQ(screenRect().top, 200);

@@ -62,8 +62,8 @@ void appendLibraries(std::string_view image, Directory directory, std::size_t ro
     }
 }
 
-// The row with this number in a table of resources: eight bytes, the number first. The rows with a name stand before
-// those with a number.
+// The row with this number in a table of resources: eight bytes, the number first. Named rows come before numbered
+// ones.
 std::optional<std::size_t> resourceRow(std::string_view image, std::size_t table, std::uint32_t number) {
     const auto named = numberAt<std::uint16_t>(image, table + 12);
     const auto numbered = numberAt<std::uint16_t>(image, table + 14);

@@ -1,14 +1,14 @@
-// picture_compare.h - two pictures held against each other, pixel for pixel. Values.
+// picture_compare.h - two pictures compared pixel by pixel. Values.
 #pragma once
 #include <gtest/gtest.h>
 #include "ui/argb_image.h"
 
-// The colours without their fourth byte: GDI leaves it at any value.
+// The colours without their fourth byte, to which GDI gives any value.
 ArgbImage coloursOf(ArgbImage image);
-// A copy; after GDI has drawn there, GdiFlush first.
+// A copy; if GDI has drawn there, call GdiFlush first.
 ArgbImage coloursOf(const ArgbView& view);
 
-// Makes what need not be equal equal.
+// Blanks an area that need not be equal.
 void blankPixels(ArgbImage& image, const PixelRect& area);
-// Says how many pixels differ, and which one first.
+// Says how many pixels differ, and where the first one is.
 ::testing::AssertionResult isSamePicture(const ArgbImage& shown, const ArgbImage& wanted);

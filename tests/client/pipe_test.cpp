@@ -1,4 +1,4 @@
-// The simulator's pipe as the worker opens it, while others have it.
+// pipe_test.cpp - the simulator's pipe as the worker opens it, while others have it.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <memory>
@@ -12,7 +12,7 @@ namespace {
 using simconnect::PipeTransport;
 using simconnect::TransportState;
 
-// The simulator's pipe with room for one program, which somebody else holds.
+// The simulator's pipe with one instance, which another program holds.
 class FullPipe {
   public:
     FullPipe()
@@ -59,7 +59,7 @@ TEST(SimulatorPipe, ThatIsFullIsTriedForASecondsPassesAndThenSaidToBeFull) {
     const FullPipe pipe;
     ASSERT_TRUE(pipe.isFull());
     PipeTransport transport;
-    for (int round = 0; round < 2; round++) {  // each attempt has its own tries
+    for (int round = 0; round < 2; round++) {  // each attempt gets the full number of tries
         transport.connect();
         int passes = 0;
         EXPECT_EQ(transport.problem(), "");

@@ -85,16 +85,16 @@ class PluginLibrary {
     PluginLibrary(const PluginLibrary&) = delete;
     PluginLibrary& operator=(const PluginLibrary&) = delete;
 
-    // False with the reason in error() if the file does not load or lacks an export.
+    // False, with the reason in error(), if the file does not load or lacks an export.
     bool load(const std::filesystem::path& file);
-    void unload();  // the code is gone: no call into exports() afterwards
+    void unload();  // the code is gone: do not call exports() afterwards
     bool isLoaded() const { return module_ != nullptr; }
     const std::string& error() const { return error_; }
     const PluginExports& exports() const { return exports_; }
 
-    // The menu entries as the host takes them: copied, and each record and the list handed back to be freed.
+    // The menu entries as the host takes them: copies them, then hands each record and the list back to be freed.
     std::vector<HostMenuItem> takeMenus() const;
-    // Hands the event to the export it is for; the server-error export's answer, else 0.
+    // Passes the event to the right export; returns the server-error export's answer, else 0.
     int deliver(const HostEvent& event) const;
     int deliver(const HostTextMessage& message) const;
 

@@ -33,7 +33,7 @@ class RadioWrites : public PluginTest {
     }
     std::string nextCommand() { return commands_.next(); }
     void acknowledge(bool ok) { commands_.acknowledge(ok); }
-    // Nothing waits in the queue: a swap of the other radio, put behind it, is the next to be written.
+    // Nothing waits in the queue: a swap of the other radio, added at its end, is the next to be written.
     ::testing::AssertionResult nothingElseIsWritten() {
         post(kPanelSwapMessage, 2, 0);
         const std::string command = nextCommand();
@@ -64,7 +64,7 @@ TEST_F(RadioWrites, CreatedIsTheTimeOfWriting) {
     const double before = session.clock.unixSeconds();
     step(1, kStandby, false, 1);
     const double created = std::stod(jsonValue(nextCommand(), "created"));
-    EXPECT_GE(created, before + 0.2);  // it has waited 300 ms for another turn
+    EXPECT_GE(created, before + 0.2);  // it has waited 300 ms for further turns
     EXPECT_LE(created, session.clock.unixSeconds() + kRounded);
 }
 
@@ -100,7 +100,7 @@ TEST_F(RadioWrites, SwapAndVolumeAreWritten) {
     const std::string volume = nextCommand();
     EXPECT_EQ(jsonValue(volume, "slot"), "volume");
     EXPECT_EQ(jsonValue(volume, "com"), "1");
-    EXPECT_EQ(jsonValue(volume, "target"), "0.5");  // 80 is unity
+    EXPECT_EQ(jsonValue(volume, "target"), "0.5");  // 80 percent is unity
 }
 
 TEST_F(RadioWrites, TwoSwapsAreTwoCommandsOneAfterTheOther) {
@@ -166,7 +166,7 @@ TEST_F(RadioWrites, ALockedCommandFileCostsThatCommandOnly) {
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
     post(kPanelSwapMessage, 1, 0);
     EXPECT_TRUE(waitForPosted(panel()));
-    EXPECT_TRUE(session.waitPasses(2));  // the second of them begins after it was posted, and has tried in vain
+    EXPECT_TRUE(session.waitPasses(2));  // the second pass began after the post and has failed to write
     CloseHandle(lock);
     EXPECT_TRUE(nothingElseIsWritten());
 }
@@ -212,7 +212,7 @@ TEST_F(RealWorker, CarriesOutATuningClickAndTheUserFollows) {
     EXPECT_EQ(host.callsOf("requestClientMove")[0].channelId, kTower122800);
     EXPECT_EQ(telemetryValue("com1_active"), "122800");
     EXPECT_EQ(telemetryValue("ack_ok"), "true");
-    EXPECT_EQ(telemetryValue("ack_message"), "COM1active122.800");  // its blanks are taken out here
+    EXPECT_EQ(telemetryValue("ack_message"), "COM1active122.800");  // the blanks were removed above
 }
 
 TEST_F(RealWorker, LeavesNoProcessBehind) {

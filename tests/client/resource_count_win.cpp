@@ -4,7 +4,7 @@
 #include <psapi.h>
 #include "tests/client/test_machine_win.h"
 
-// Of ntdll; no header declares it.
+// From ntdll; no header declares it.
 extern "C" void* WINAPI RtlGetCurrentPeb();
 
 namespace {

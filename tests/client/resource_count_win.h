@@ -6,7 +6,7 @@
 
 struct ResourceCount {
     int gdiObjects = 0;
-    int userObjects = 0;  // where the system keeps no count of them (Wine): the windows
+    int userObjects = 0;  // windows, if the system does not count the objects (Wine)
     int handles = 0;
     std::uint64_t privateBytes = 0;
 };

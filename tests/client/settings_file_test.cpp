@@ -1,4 +1,4 @@
-// settings.ini as other programs, a crash or a careless hand leave it: what the plugin makes of it, and what it writes.
+// settings_file_test.cpp - settings.ini as other programs, a crash or a careless hand leave it: what becomes of it.
 #include <windows.h>
 #include "settings/settings_text.h"
 #include "tests/client/client_session_win.h"
@@ -9,9 +9,9 @@ class SettingsFile : public PluginTest {
     const std::filesystem::path file = session.dataFolder / "settings.ini";
     const std::filesystem::path temporary = session.dataFolder / "settings.ini.tmp";
 
-    // The host's menu: the panel is to be shown, which is saved at once.
+    // Chooses the host's menu entry that shows the panel, which saves at once.
     void saveByTheMenu() { session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0); }
-    // What stands in the file after that, if these were the settings before.
+    // The file after that, if these were the settings before.
     static std::string savedAfter(Settings settings) {
         settings.panel_visible = true;
         return writeSettingsText(settings);
@@ -45,7 +45,7 @@ TEST_F(SettingsFile, ThatIsLockedIsNotTornByASave) {
     EXPECT_NE(session.settings().find("\r\ntheme=2\r\n"), std::string::npos);
 }
 
-// What cannot be opened counts as missing: the next save writes the defaults over it.
+// A file that cannot be opened counts as missing: the next save overwrites it with the defaults.
 TEST_F(SettingsFile, ThatIsLockedAtInitCountsAsMissing) {
     ASSERT_TRUE(session.writeSettings("theme=2\r\nopacity=60\r\n"));
     LockedFile lock(file);
@@ -88,7 +88,7 @@ TEST_F(SettingsFile, HasNothingOfATemporaryFileThatACrashLeft) {
     session.stop();
     std::filesystem::remove(file);
     ASSERT_TRUE(writeFile(temporary, "theme=1\r\n"));
-    ASSERT_TRUE(session.start());  // half a save is no settings
+    ASSERT_TRUE(session.start());  // half a save does not count as settings
     saveByTheMenu();
     EXPECT_EQ(session.settings(), savedAfter(Settings{}));
 }

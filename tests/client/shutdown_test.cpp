@@ -1,4 +1,4 @@
-// How the plugin ends: in which order, what becomes of the pass under way, and what is left to call afterwards.
+// shutdown_test.cpp - how the plugin ends: in which order, what becomes of the present pass, what may still be called.
 #include <windows.h>
 #include <atomic>
 #include <thread>
@@ -21,7 +21,7 @@ bool hasDialog() {
     return dialog && IsWindowVisible(dialog);
 }
 
-// Of the fake worker beside the DLL, from the name of its report; 0 while it has written none.
+// The fake worker beside the DLL, from its report's name; 0 until it has written one.
 std::uint32_t workerIn(const std::filesystem::path& folder) {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         const std::string name = entry.path().filename().string();
@@ -75,7 +75,7 @@ TEST_F(Shutdown, EndsThePanelThenThePassUnderWayThenWorkerAndDialog) {
     EXPECT_TRUE(seen.panelWentFirst);
     EXPECT_TRUE(seen.restStayed);
     EXPECT_TRUE(seen.workerLived);
-    // The pass went on to its end: the tail that came meanwhile is its last work.
+    // The pass was completed: the tail that came meanwhile is its last work.
     EXPECT_EQ(host.playedSounds().size(), 1u);
     EXPECT_FALSE(hasDialog());
     EXPECT_EQ(threads.running(), 0);
@@ -121,7 +121,7 @@ TEST_F(Shutdown, NoHostFunctionIsCalledAfterwards) {
     plugin().onEditCapturedVoiceDataEvent(kSchid, samples, 480, 1, &edited);
     plugin().onConnectStatusChangeEvent(kSchid, 0, 0);
     plugin().shutdown();
-    // All of that came back at once, and no thread is left that could call later.
+    // All of that returned at once, and no thread is left that could call later.
     EXPECT_EQ(threads.count(), made);
     EXPECT_EQ(threads.running(), 0);
     for (const HostCall& call : host.calls()) ADD_FAILURE() << call.function << " " << call.text;

@@ -1,5 +1,5 @@
-// The real worker program and the stand-in simulator: over TCP with every personality at once, each with a worker and a
-// data folder of its own, and over the simulator's pipe.
+// simulator_test.cpp - the real worker program and the stand-in simulator: over TCP with every personality at once,
+// each with a worker and a data folder of its own, and over the simulator's pipe.
 #include <gtest/gtest.h>
 #include <memory>
 #include <semaphore>
@@ -175,8 +175,8 @@ TEST(Simulator, WorkerGetsAlongWithEveryPersonality) {
     EXPECT_EQ(std::size(rows), static_cast<std::size_t>(standin::personalitiesEnd() - standin::personalitiesBegin()));
     std::vector<std::unique_ptr<Meeting>> meetings;
     for (const auto& row : rows) meetings.push_back(std::make_unique<Meeting>(row.personality));
-    // Most of a meeting is waiting, so a few at a time; all at once they would wait for the machine, and a write that
-    // takes longer than the worker's patience counts as ignored.
+    // A meeting mostly waits, so a few run at a time; all at once would overload the machine, and a write that takes
+    // longer than the worker's patience counts as ignored.
     std::counting_semaphore room(3);
     std::vector<std::thread> threads;
     for (std::size_t i = 0; i < meetings.size(); i++) {

@@ -61,7 +61,7 @@ TEST_F(StartUp, LogsTheFixedNameOfADllUnderAnother) {
 }
 
 TEST_F(StartUp, WithoutAModuleFolderLogsTheBareNameAndWorks) {
-    // The system's short paths end at 260 characters; a DLL beyond them cannot tell where it is.
+    // The system's short paths end at 260 characters; a DLL with a longer path cannot find out where it is.
     constexpr std::size_t kFolderLength = 245;
     const auto folder = session.machine.path / std::wstring(kFolderLength - session.machine.path.native().size(), L'a');
     const std::filesystem::path deep = L"\\\\?\\" + (folder / "corvalis_win64.dll").wstring();
@@ -76,7 +76,7 @@ TEST_F(StartUp, WithoutAModuleFolderLogsTheBareNameAndWorks) {
     EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
     session.stop();
     session.plugin.unload();
-    std::filesystem::remove(deep);  // by its long path, as nobody else can
+    std::filesystem::remove(deep);  // by its long path, since nobody else can
 }
 
 TEST_F(StartUp, HasTheSoundsWrittenBeforeItLogs) {

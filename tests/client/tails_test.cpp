@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::uint64_t kTalkMs = kShortestTransmissionMs + 30;  // has a tail
+constexpr std::uint64_t kTalkMs = kShortestTransmissionMs + 30;  // long enough for a tail
 
 }  // namespace
 
@@ -26,7 +26,7 @@ class Tails : public PluginTest {
     }
     void transmit() {
         host.setOwnTalkingFlag(kSchid, true);
-        ASSERT_TRUE(session.waitPasses(1));  // from then on it is seen
+        ASSERT_TRUE(session.waitPasses(1));  // the plugin has seen the start
         ASSERT_TRUE(session.waitTicks(kTalkMs));
         host.setOwnTalkingFlag(kSchid, false);
     }
@@ -106,14 +106,14 @@ TEST_F(Tails, AreHeardAgainAfter350Ms) {
     for (std::uint16_t id = kFirst; id < kLast; id++) host.setTalking(kSchid, id, true);
     session.pump();
     ASSERT_TRUE(session.waitTicks(kTalkMs));
-    for (std::uint16_t id = kFirst; id < kLast && played() < 2; id++) {  // a tail for about every pass
+    for (std::uint16_t id = kFirst; id < kLast && played() < 2; id++) {  // about one tail per pass
         host.setTalking(kSchid, id, false);
         session.pump();
         ASSERT_TRUE(session.waitPasses(1));
     }
     const auto sounds = host.callsOf("playWaveFile");
     ASSERT_GE(sounds.size(), 2u) << "held back for longer than needed";
-    // The first one's time was taken after the plugin had asked whose tail it is.
+    // The first tail's time was taken after the plugin had asked for the id.
     std::uint64_t askedAt = 0;
     for (const HostCall& call : host.callsOf("getClientID")) {
         if (call.atMs <= sounds[0].atMs) askedAt = call.atMs;
@@ -127,7 +127,7 @@ TEST_F(Tails, NoneIsHeardWithTheMasterSwitchOff) {
     transmit();
     ASSERT_TRUE(session.waitPasses(2));
     EXPECT_EQ(played(), 0u);
-    EXPECT_TRUE(linesWith("tail").size() == 1u);  // the path in the loading line
+    EXPECT_TRUE(linesWith("tail").size() == 1u);  // only the path in the line about loading
 }
 
 TEST_F(Tails, OfOnesOwnAreSilentWhenSwitchedOffAndOthersAreHeard) {
@@ -155,7 +155,7 @@ TEST_F(Tails, NoneFollowsAClientWhoLeftTheServerWhileTalking) {
     ASSERT_TRUE(session.waitTicks(kTalkMs));
     host.moveByHand(kSchid, kOtherClient, 0);
     session.pump();
-    session.plugin.exports().onTalkStatusChangeEvent(kSchid, 0, 0, kOtherClient);  // late
+    session.plugin.exports().onTalkStatusChangeEvent(kSchid, 0, 0, kOtherClient);  // too late
     ASSERT_TRUE(session.waitPasses(2));
     EXPECT_EQ(played(), 0u);
 }
@@ -185,7 +185,7 @@ TEST_F(Tails, NoneIsHeardAfterADisconnectForgotTheTransmission) {
 
 TEST_F(Tails, SixteenOfManyReleasesAreKeptAndOneIsHeard) {
     std::atomic<bool> mayHold{false}, isHeld{false};
-    host.setBeforeCall([&](const HostCall& call) {  // the poll thread, before it takes the tails
+    host.setBeforeCall([&](const HostCall& call) {  // holds the poll thread before it takes the tails
         if (call.function != "getClientSelfVariableAsInt" || !mayHold) return;
         isHeld = true;
         waitFor([&] { return !mayHold; });
@@ -199,11 +199,11 @@ TEST_F(Tails, SixteenOfManyReleasesAreKeptAndOneIsHeard) {
     ASSERT_TRUE(session.waitTicks(kTalkMs));
     mayHold = true;
     ASSERT_TRUE(waitFor([&] { return isHeld.load(); }));
-    host.forgetCalls();  // the call that is held is recorded when it is let go
+    host.forgetCalls();  // the held call is recorded when it is released
     talk(0);
     mayHold = false;
     ASSERT_TRUE(session.waitPasses(3));
-    // Each tail that is taken asks for the own id, and so does the next pass before it asks for the talk flag again.
+    // Each tail taken asks for the own id, and so does the next pass before it asks for the talk flag again.
     std::size_t flags = 0, ids = 0;
     for (const HostCall& call : host.calls()) {
         flags += call.function == "getClientSelfVariableAsInt";

@@ -32,7 +32,7 @@ class EnvironmentValue {
     std::optional<std::wstring> before_;
 };
 
-// Makes folder the process's current one and puts the old one back.
+// Makes folder the process's current one and restores the old one.
 class WorkingFolder {
   public:
     explicit WorkingFolder(const std::filesystem::path& folder);
@@ -51,24 +51,24 @@ bool writeFile(const std::filesystem::path& file, std::string_view bytes);
 bool replaceFile(const std::filesystem::path& file, std::string_view bytes);
 std::uintmax_t fileBytes(const std::filesystem::path& file);  // 0 if there is none
 
-// Asks condition every few milliseconds, false when it has not held by the deadline.
+// Checks condition every few milliseconds; false if it does not hold by the deadline.
 template <class Condition>
 bool waitFor(Condition condition, std::uint64_t deadlineMs = 10'000);
 void pauseBriefly();  // a few milliseconds, between two looks
 std::uint64_t systemTickMs();
 
-std::filesystem::path programFolder();  // where this program was built to
-// The DLL or the worker: as the package brings them if CORVALIS_PRODUCT_FOLDER names where it was unpacked, otherwise
-// as they were built, beside this program.
+std::filesystem::path programFolder();  // where this program was built
+// The DLL or the worker: from the unpacked package if CORVALIS_PRODUCT_FOLDER names its folder, otherwise as built,
+// beside this program.
 std::filesystem::path productFile(const char* name);
 int threadCount();  // of this process
-int handleCount();  // of this process, each looked up: not every system keeps the sum
-// The window of the class that this process owns; null if there is none.
+int handleCount();  // of this process, each looked up: not every system keeps a count
+// This process's window of that class; null if there is none.
 void* findOwnWindow(const wchar_t* windowClass);
-std::vector<std::uint32_t> childProcesses(const wchar_t* program);  // those that run; by the program's bare name
+std::vector<std::uint32_t> childProcesses(const wchar_t* program);  // those running; by the program's bare name
 bool isProcessRunning(std::uint32_t processId);
 bool killProcess(std::uint32_t processId);
-// Starts this test program as a voice client of its own (main_win.cpp); its id, 0 on failure.
+// Starts this test program as a voice client process (main_win.cpp); returns its id, 0 on failure.
 std::uint32_t startHost(const std::wstring& role, const std::filesystem::path& dll,
                         const std::filesystem::path& readyFile);
 std::string toUtf8(std::wstring_view text);

@@ -1,4 +1,4 @@
-// The TEXT lamp of the panel, which flashes while text messages are unread.
+// text_lamp_test.cpp - the panel's TEXT lamp, which flashes while text messages are unread.
 #include "panel/panel_picture.h"
 #include "tests/client/message_driver_win.h"
 #include "tests/client/panel_test.h"
@@ -10,7 +10,7 @@ constexpr int kMessagesEntry = 3;
 
 class TextLamp : public PanelTest {
   protected:
-    // Its middle, drawn in the half of a flash in which it is lit if it flashes.
+    // Its middle, drawn in the half of a flash in which a flashing lamp is lit.
     std::uint32_t colour(std::int32_t theme) {
         const UnitRect& lamp = findHotspot(themeLayout(theme), kCustomKeyA)->indicator;
         const POINT at = panel().toClient({lamp.x + lamp.width / 2.0f, lamp.y + lamp.height / 2.0f});

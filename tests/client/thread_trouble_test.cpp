@@ -1,10 +1,10 @@
-// A system that has no thread left for the plugin: it says so, and goes on with those it has.
+// thread_trouble_test.cpp - a system without threads left for the plugin: it says so, and goes on with those it has.
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
 
 class ThreadTrouble : public PluginTest {
   protected:
-    // Loaded, and the next refused threads after the granted ones are not to be had.
+    // Loads the plugin; the system then grants `granted` threads and refuses the next `refused`.
     void load(int refused, int granted) {
         ASSERT_TRUE(session.load());
         threads_.emplace();
@@ -17,7 +17,7 @@ class ThreadTrouble : public PluginTest {
     }
     int running() const { return threads_->running(); }
     void choose(int entry) { session.plugin.exports().onMenuItemEvent(kSchid, 0, entry, 0); }
-    // The log line that says so, 0 without one.
+    // How many log lines say so about this thread.
     int linesAbout(const std::string& thread) const {
         int count = 0;
         for (const std::string& line : host.logLines()) {
@@ -91,7 +91,7 @@ TEST_F(ThreadTrouble, WithoutTheSettingsThreadTheDialogOpensAtTheNextChoice) {
     if (IsSkipped() || HasFatalFailure()) return;
     ASSERT_TRUE(session.start());
     choose(1);
-    choose(1);  // the first left the way free for another try
+    choose(1);  // the first one left the way free for another try
     EXPECT_EQ(linesAbout("settings"), 2);
     EXPECT_FALSE(hasDialog());
     choose(1);

@@ -4,7 +4,7 @@
 
 namespace {
 
-// One of the host's audio threads: runs both hooks while told to, then lives on until told to end.
+// One of the host's audio threads: runs both hooks until told to stop, then stays alive until told to end.
 class AudioThread {
   public:
     AudioThread(const PluginExports& plugin, std::uint16_t clientId)
@@ -43,7 +43,7 @@ class AudioThread {
     std::atomic<bool> isLiving_{true};   // same
     std::atomic<bool> isParked_{false};  // stored by the thread, loaded by the test
     std::atomic<int> blocks_{0};         // same
-    std::thread thread_;                 // last: it starts with all the others in place
+    std::thread thread_;                 // last: it starts when all the others are in place
 };
 
 }  // namespace
@@ -58,7 +58,7 @@ TEST_F(HostThreads, OfTheVoiceHooksMayOutliveTheDll) {
     second.stopCalling();
     session.stop();
     session.plugin.unload();
-    first.end();  // a thread-exit routine left behind in the DLL would run into nothing
+    first.end();  // a thread-exit routine left in the DLL would run into freed code
     second.end();
     ASSERT_TRUE(session.start());
     EXPECT_TRUE(session.waitPasses(2));

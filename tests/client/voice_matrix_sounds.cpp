@@ -7,7 +7,7 @@ constexpr int kSpeechFirst = 2048;
 constexpr int kStepLength = 500;  // 10 ms, long enough for every filter but the DC blocker to settle
 constexpr int kBurstLength = 300;
 constexpr int kBurstPeriod = 1800;  // 38 ms: the gate shuts within 25 ms
-constexpr int kRightLag = 37;       // samples: no period of any sound
+constexpr int kRightLag = 37;       // samples: not a multiple of any sound's period
 
 void append(std::vector<short>& samples, const std::vector<short>& more) {
     samples.insert(samples.end(), more.begin(), more.end());

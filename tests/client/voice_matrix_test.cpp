@@ -1,6 +1,6 @@
-// The voice hooks of the real DLL beside the plain ones, sound by sound: every switch, block length and channel count,
-// under each of the floating-point rules a host may have set. The samples must be the same to the last bit, and the
-// control register the host's own again after every call.
+// voice_matrix_test.cpp - the voice hooks of the real DLL beside the plain ones, sound by sound: every switch, block
+// length and channel count, under each of the floating-point modes that a host may have set. The samples must be the
+// same to the last bit, and the control register must be the host's own again after every call.
 #include <emmintrin.h>
 #include <algorithm>
 #include <cmath>
@@ -19,12 +19,12 @@ struct Extent {
     std::vector<int> lengths;
     std::vector<int> channels;
 };
-const std::vector<int> kLengths = {1, 7, 160, 333, 480, 960, 1920, 4096};  // values a block
+const std::vector<int> kLengths = {1, 7, 160, 333, 480, 960, 1920, 4096};  // values per block
 const Extent kUsual = {8192, kLengths, {1, 2}};                            // 64 frames of the denoiser
 const Extent kIntoSilence = {10'240, kLengths, {1, 2}};                    // the filters' memory goes denormal
-const Extent kMinute = {60 * 48'000, {960}, {1}};                          // and everything else
+const Extent kMinute = {60 * 48'000, {960}, {1}};                          // and everything else does, too
 
-// What is played under all switches.
+// A sound that is played under all switches.
 struct MatrixSound {
     const char* name;
     MakeSound make;
@@ -42,7 +42,7 @@ const MatrixSound kSounds[] = {
     {"silence after speech", makeSilenceAfterSpeech, kIntoSilence},
 };
 
-// One start of the plugin. The gains are above 1, where no two samples become one.
+// One start of the plugin. The gains are above 1, where no two samples become equal.
 struct Switches {
     bool distortSelf, nrSelf;      // of the own voice
     bool distortOthers, equalize;  // of the received ones
@@ -71,12 +71,12 @@ const Switches kEffects[] = {
 };
 // clang-format on
 
-constexpr int kBeyond = 64;  // values behind those of a cell, which no hook may touch
+constexpr int kBeyond = 64;  // values after those of a cell, which no hook may touch
 constexpr short kUntouched = 12'345;
 constexpr int kHostsEdited = 5;
 constexpr std::uint16_t kSpeaker = 10;
 
-// The floating-point control register with which the host calls.
+// The floating-point control register when the host calls.
 struct HostRules {
     unsigned control;
     const char* name;
@@ -84,17 +84,17 @@ struct HostRules {
 constexpr HostRules kUsualRules = {0x1F80, "usual"};
 constexpr HostRules kAllRules[] = {kUsualRules, {0x9FC0, "flush to zero, denormals are zero"}, {0x5F80, "round up"}};
 
-// How the values of a sound go through the hooks.
+// How the values of a sound are passed to the hooks.
 struct Cell {
-    int length;  // values a block
+    int length;  // values per block
     int channels;
 };
 
-// What has become of them.
+// What came of them.
 struct Played {
     std::vector<short> own, received;
     int edited = kHostsEdited;
-    int changedRules = 0;  // calls that left another register behind
+    int changedRules = 0;  // calls that did not restore the register
 
     bool operator==(const Played&) const = default;
 };
@@ -111,7 +111,7 @@ std::uint32_t flagsOf(const Switches& s) {
            (s.distortOthers ? kAudioDistortOthers : 0U) | (s.equalize ? kAudioEqualize : 0U);
 }
 
-// Block by block, the own voice and the received one in turn.
+// Block by block, alternating between the own voice and the received one.
 template <class Capture, class Play>
 void playBlocks(int length, Played& played, Capture capture, Play play) {
     const int count = static_cast<int>(played.own.size()) - kBeyond;
@@ -122,7 +122,7 @@ void playBlocks(int length, Played& played, Capture capture, Play play) {
     }
 }
 
-// On a thread of the cell's own, so that it begins with a fresh state; nobody needs its register afterwards.
+// To be run on a thread of its own, so that the state is fresh; nobody needs the register afterwards.
 void playPlugin(const PluginExports& plugin, const Cell& cell, const HostRules& rules, Played& played) {
     const auto underRules = [&](auto call) {
         _mm_setcsr(rules.control);
@@ -189,7 +189,7 @@ bool isDenormal(float x) {
     return std::fpclassify(x) == FP_SUBNORMAL;
 }
 
-// The plain effect behind its denoiser, as the last silent value of the sound leaves it.
+// The plain effect after its denoiser, in the state in which the sound's last silent value leaves it.
 std::unique_ptr<PlainRadioEffectState> plainInSilence(int samples, int channels) {
     auto state = std::make_unique<PlainRadioEffectState>();
     std::vector<short> values = makeValues(makeSilenceAfterSpeech, samples, channels);
@@ -208,10 +208,10 @@ std::string nameOf(const ::testing::TestParamInfo<Switches>& row) {
 
 class VoiceMatrix : public VoiceTest, public ::testing::WithParamInterface<Switches> {
   protected:
-    // The plain hooks run on this thread and know denormals.
+    // The plain hooks run on this thread with denormals on.
     void SetUp() override { ASSERT_EQ(_mm_getcsr() & 0xFFC0U, kUsualRules.control); }
 
-    // One start of the plugin for all of it: each cell has a voice of its own.
+    // One start of the plugin for all cells: each cell has its own voice.
     void startWith(const Switches& switches) {
         controls_ = VoiceTest::startWith(linesOf(switches));
         ASSERT_EQ(controls_.audioFlags, flagsOf(switches));
@@ -259,7 +259,7 @@ TEST_P(VoiceMatrix, EditsEverySoundAsThePlainHooksDo) {
     ASSERT_NO_FATAL_FAILURE(startWith(GetParam()));
     for (const MatrixSound& sound : kSounds) {
         play(sound.name, sound.make, sound.extent);
-        if (HasFailure()) break;  // no effect: the rest would only repeat that
+        if (HasFailure()) break;  // no effect: the others would only repeat that
     }
 }
 
@@ -270,7 +270,7 @@ TEST_P(VoiceMatrixMinute, EditsSilenceAfterSpeechAsThePlainHooksDo) {
     play("a minute of silence", makeSilenceAfterSpeech, kMinute);
 }
 
-// Two halves, about as long: they may run beside each other.
+// Two halves of about the same length: they may run beside each other.
 INSTANTIATE_TEST_SUITE_P(WithoutGains, VoiceMatrix, ::testing::ValuesIn(kWithoutGains), nameOf);
 INSTANTIATE_TEST_SUITE_P(WithGains, VoiceMatrix, ::testing::ValuesIn(kWithGains), nameOf);
 INSTANTIATE_TEST_SUITE_P(Effects, VoiceMatrixMinute, ::testing::ValuesIn(kEffects), nameOf);

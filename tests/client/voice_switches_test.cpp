@@ -1,5 +1,5 @@
-// A voice switch that the user toggles in the settings dialog while the host's audio threads run: no block is torn, and
-// every voice begins afresh under the new switches.
+// voice_switches_test.cpp - a voice switch that the user toggles in the settings dialog while the host's audio threads
+// run: no block is torn, and every voice begins afresh with the new switches.
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -13,8 +13,8 @@ namespace {
 constexpr int kNoiseReduction = 6031;
 constexpr int kBlockValues = 480;
 
-// An audio thread that speaks without a pause. Each block must come out as the plain hooks make it with the switch on
-// or off, from where the voice stands or from its beginning: there is no fifth way.
+// An audio thread that speaks without a pause. Each block must be what the plain hooks make of it with the switch on or
+// off, continuing the voice or beginning afresh: there is no fifth way.
 class SpeakingThread {
   public:
     SpeakingThread(const PluginExports& plugin, const VoiceControls& off, std::uint32_t seed)
@@ -28,8 +28,8 @@ class SpeakingThread {
         if (thread_.joinable()) thread_.join();
     }
     int blocks() const { return blocks_; }
-    int beginnings() const { return beginnings_; }  // blocks from which on the voice began afresh, after the first
-    int strays() const { return strays_; }          // blocks of another sound
+    int beginnings() const { return beginnings_; }  // blocks, after the first, at which the voice began afresh
+    int strays() const { return strays_; }          // blocks that match none of the four ways
     bool isReduced() const { return isReduced_; }   // the last block had the switch on
 
   private:
@@ -72,7 +72,7 @@ class SpeakingThread {
     std::atomic<int> blocks_{0};
     std::atomic<int> beginnings_{0};
     std::atomic<int> strays_{0};
-    std::thread thread_;  // last: it starts with all the others in place
+    std::thread thread_;  // last: it starts when all the others are in place
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// voice_test.h - a session whose voice hooks are held to the plain ones: settings in, controls out.
+// voice_test.h - a session whose voice hooks are compared with the plain ones: settings in, controls out.
 #pragma once
 #include <string>
 #include "audio/volume_policy.h"
@@ -8,8 +8,8 @@
 
 class VoiceTest : public PluginTest {
   protected:
-    // Starts the plugin with these lines; what they ask of the hooks. The poll loop has the receive gain after its
-    // first pass and the capture mode after that: 1.0 and 1 stand from the beginning.
+    // Starts the plugin with these lines; returns what they ask of the hooks. The poll loop sets the receive gain in
+    // its first pass and the capture mode after that: until then they are 1.0 and 1.
     VoiceControls startWith(const std::string& lines) {
         EXPECT_TRUE(session.writeSettings(lines));
         EXPECT_TRUE(session.start());
@@ -20,7 +20,7 @@ class VoiceTest : public PluginTest {
         controls.receiveGain = receiveGainOf(settings, -1.0f);
         return controls;
     }
-    // The same, once the poll loop has passed.
+    // The same, after the poll loop's first passes.
     VoiceControls start(const std::string& lines, std::int32_t captureMode = 1) {
         VoiceControls controls = startWith(lines);
         EXPECT_TRUE(session.waitPasses(2));

@@ -1,5 +1,5 @@
-// The voice hooks of the real DLL: beside the plain hooks sample by sample, and through loads and unloads under threads
-// that live on.
+// voices_test.cpp - the voice hooks of the real DLL: beside the plain hooks sample by sample, and through loads and
+// unloads while threads live on.
 #include <windows.h>
 #include <condition_variable>
 #include <functional>
@@ -11,7 +11,7 @@
 
 namespace {
 
-// A thread of the host's: carries out what it is told, and lives on in between.
+// A host thread: carries out what it is told, and lives on in between.
 class HostThread {
   public:
     HostThread() : thread_([this] { live(); }) {}
@@ -22,7 +22,7 @@ class HostThread {
     HostThread(const HostThread&) = delete;
     HostThread& operator=(const HostThread&) = delete;
 
-    void run(const std::function<void()>& work) {  // returns when it is done
+    void run(const std::function<void()>& work) {  // returns when the work is done
         tell(&work);
         std::unique_lock lock(mutex_);
         changed_.wait(lock, [this] { return !isTold_; });
@@ -50,7 +50,7 @@ class HostThread {
     const std::function<void()>* work_ = nullptr;
     bool isTold_ = false;
     std::condition_variable changed_;
-    std::thread thread_;  // last: it starts with all the others in place
+    std::thread thread_;  // last: it starts when all the others are in place
 };
 
 // What an audio thread has heard and said: every block goes through the DLL and through the plain hooks.
@@ -83,7 +83,7 @@ struct BothHooks {
     }
 };
 
-// Both hooks once for each of some speakers on the calling thread: state worth some 70 KB.
+// Runs both hooks once for each of some speakers on the calling thread: about 70 KB of state.
 void makeState(const PluginExports& plugin) {
     short samples[960] = {};
     for (std::uint16_t client = 1; client <= 8; client++) {
@@ -92,7 +92,7 @@ void makeState(const PluginExports& plugin) {
     }
 }
 
-// The next slot the system would give away: the same as before when nobody has kept one.
+// The next slot the system would hand out: the same as before if nobody has kept one.
 DWORD nextFiberSlot() {
     const DWORD slot = FlsAlloc(nullptr);
     FlsFree(slot);
@@ -202,7 +202,7 @@ TEST_F(Voices, LeaveNothingBehindOnThreadsThatOutliveFiftyUnloads) {
     constexpr int kRounds = 50;
     for (int i = 0; i < kRounds && !HasFatalFailure(); i++) loadAndUnload();
     EXPECT_LT(heapBytes(), bytes + 200'000) << "the states of all rounds are 7 MB";
-    // Of these each round would leave one; the system may have taken a few for itself.
+    // If each round left one behind, there would be as many as rounds; the system may have taken a few for itself.
     EXPECT_LT(handleCount(), handles + kRounds);
     EXPECT_LT(nextFiberSlot(), slot + kRounds);
 }

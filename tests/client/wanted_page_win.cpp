@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr double kClockStepS = 0.05;  // the tick that stamps a message and the wall clock do not step together
+constexpr double kClockStepS = 0.05;  // the message's tick and the wall clock do not advance in step
 
 std::int64_t secondsOf(const SYSTEMTIME& time) {
     FILETIME file = {};
@@ -16,9 +16,9 @@ std::int64_t secondsOf(const SYSTEMTIME& time) {
     return static_cast<std::int64_t>(std::uint64_t{file.dwHighDateTime} << 32U | file.dwLowDateTime) / 10'000'000;
 }
 
-// In the system's zone, by another way than the plugin's: by the distance of both clocks now.
+// In the system's zone, found differently than in the plugin: from the present difference of the two clocks.
 TimeOfDay wallClock(double unixSeconds) {
-    constexpr std::int64_t kQuarterHour = 900;  // no zone's offset is finer
+    constexpr std::int64_t kQuarterHour = 900;  // all zones' offsets are multiples of this
     SYSTEMTIME universal = {}, local = {};
     GetSystemTime(&universal);
     GetLocalTime(&local);

@@ -1,4 +1,4 @@
-// wanted_page_win.h - the message window's picture as it should be: painted here, from what the test delivered.
+// wanted_page_win.h - the message window's picture as it should be, painted here from what the test delivered.
 // [host] Used from a test's main thread.
 #pragma once
 #include <gtest/gtest.h>
@@ -16,11 +16,11 @@ struct WantedPage {
 
 class WantedPages {
   public:
-    // One that the plugin was given between two moments, seconds since 1970.
+    // A message that the plugin was given between two moments, seconds since 1970.
     void add(const std::string& sender, const std::string& text, std::uint32_t target, double from, double to);
     void clear() { messages_.clear(); }
 
-    // The window shows this page, in English and the usual size of text: every pixel but the cursor's, which blinks.
+    // The window shows this page, in English and in the usual text size: every pixel except the cursor's, which blinks.
     ::testing::AssertionResult isShownBy(HWND window, const WantedPage& wanted);
 
   private:

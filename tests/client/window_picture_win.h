@@ -4,9 +4,9 @@
 #include <windows.h>
 #include "ui/argb_image.h"
 
-// The window's own picture (WM_PRINTCLIENT) in the size of its client area; empty without a window. What the window
-// does not draw is 0.
+// The window's own picture (WM_PRINTCLIENT) in the size of its client area; empty without a window. Pixels that the
+// window does not draw are 0.
 ArgbImage askForPicture(HWND window);
 
-// A part of the screen as it is now: only to see that a window reaches it at all.
+// A part of the screen as it is now; only for checking that a window reaches it at all.
 ArgbImage lookAtScreen(const RECT& part);

@@ -7,7 +7,7 @@ namespace {
 constexpr DWORD kMarkerMs = 30'000;
 
 std::atomic<HANDLE> gMarkerSeen{nullptr};  // event, while somebody waits for the marker
-WindowWatch::Looks gLooks;                 // set before the hooks are, and left alone while they are
+WindowWatch::Looks gLooks;                 // set before the hooks are, and unchanged while they are set
 
 UINT markerMessage() {
     static const UINT message = RegisterWindowMessageW(L"CorvalisTestMarker");
@@ -50,7 +50,7 @@ bool waitForPosted(HWND window) {
     const bool isSeen = markerHook && PostMessageW(window, markerMessage(), 0, 0) &&
                         WaitForSingleObject(seen, kMarkerMs) == WAIT_OBJECT_0;
     if (markerHook) UnhookWindowsHookEx(markerHook);
-    SendMessageW(window, WM_NULL, 0, 0);  // nobody is inside onMarker now
+    SendMessageW(window, WM_NULL, 0, 0);  // now nobody is inside onMarker
     gMarkerSeen = nullptr;
     CloseHandle(seen);
     return isSeen;
@@ -65,6 +65,6 @@ WindowWatch::WindowWatch(HWND window, Looks looks) : window_(window) {
 WindowWatch::~WindowWatch() {
     if (takenHook_) UnhookWindowsHookEx(takenHook_);
     if (sentHook_) UnhookWindowsHookEx(sentHook_);
-    SendMessageW(window_, WM_NULL, 0, 0);  // nobody is inside a look now
+    SendMessageW(window_, WM_NULL, 0, 0);  // now nobody is inside a look
     gLooks = {};
 }

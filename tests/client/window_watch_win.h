@@ -1,13 +1,13 @@
-// window_watch_win.h - looks over the shoulder of a thread of this process that has windows, and tells when it has
-// carried out what was posted to it.
+// window_watch_win.h - watches a thread of this process that has windows, and tells when it has carried out what was
+// posted to it.
 // [host] Used from a test's main thread; one watch at a time.
 #pragma once
 #include <windows.h>
 #include <functional>
 
-// Returns when the window's thread has carried out all that was posted to it before. A message that is sent overtakes
-// what is posted, so the marker that tells is posted itself, and seen as the thread takes it from its queue. What was
-// posted by these messages in turn comes behind the marker. False after 30 s.
+// Returns when the window's thread has carried out everything posted to it before. Sent messages overtake posted ones,
+// so a posted marker tells, seen when the thread takes it from its queue. What those messages post in turn comes after
+// the marker. False after 30 s.
 bool waitForPosted(HWND window);
 
 class WindowWatch {

@@ -12,16 +12,16 @@ inline constexpr std::uint64_t kPatienceMs = 30'000;
 
 class WorkerAtWork {
   public:
-    // arguments behind the data folder; the worker ends with us.
+    // arguments: those after the data folder; the worker ends with us.
     bool start(const std::wstring& arguments);
-    // The whole command line behind the program's name is given.
+    // Takes the whole command line after the program's name.
     bool startWith(const std::wstring& arguments);
     std::wstring dataDirArgument() const { return L"--data-dir \"" + folder.path.wstring() + L"\""; }
 
     Telemetry telemetry() const { return parseTelemetry(readFile(folder.path / kTelemetryFile)); }
     bool isOk() const;
     bool waitOk(std::uint64_t ms = kPatienceMs) const;
-    // The telemetry with its acknowledgement; without an id if there is none in time.
+    // The telemetry with its acknowledgement; without an id if none comes in time.
     Telemetry command(int com, const char* slot, const char* target);
     std::string log() const { return readFile(folder.path / "hopline_worker.log"); }
     bool hasLogged(const std::string& text) const { return log().find(text) != std::string::npos; }

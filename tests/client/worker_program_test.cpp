@@ -1,4 +1,4 @@
-// The real worker program by itself: when it ends, and with which exit code and last line in its log.
+// worker_program_test.cpp - the real worker program on its own: when it ends, its exit code and its log's last line.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include "tests/client/worker_at_work_win.h"
@@ -69,7 +69,7 @@ TEST_F(WorkerProgram, LeavesAFolderToTheWorkerThatServesItAlready) {
     ASSERT_TRUE(worker.start(L" --simulate"));
     ASSERT_TRUE(worker.waitOk()) << worker.log();
     standin::Program second;
-    // The same folder by another name.
+    // The same folder under another name.
     const auto folder = worker.folder.path.wstring() + L"\\.";
     ASSERT_TRUE(second.start(L"\"" + productFile("hopline_worker.exe").wstring() + L"\" --simulate --data-dir \"" +
                              folder + L"\""));
@@ -79,7 +79,7 @@ TEST_F(WorkerProgram, LeavesAFolderToTheWorkerThatServesItAlready) {
     EXPECT_TRUE(worker.program.isRunning());
     EXPECT_TRUE(worker.waitOk());  // goes on as before
 
-    worker.program.kill();  // and what it leaves behind keeps nobody out
+    worker.program.kill();  // and what a killed worker leaves behind locks nobody out
     ASSERT_TRUE(worker.start(L" --simulate"));
     EXPECT_TRUE(worker.waitOk()) << worker.log();
 }

@@ -43,7 +43,7 @@ std::string quoted(const std::filesystem::path& path) {
     return text += '"';
 }
 
-// What the plugin is given instead of the system's job functions.
+// What the plugin calls instead of the system's job functions.
 HANDLE WINAPI createNoJob(SECURITY_ATTRIBUTES*, const char*) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;
@@ -89,7 +89,7 @@ class Worker : public PluginTest {
         for (const std::string& line : host.logLines()) failure << "\n  " << line;
         return failure;
     }
-    // The fake worker beside the DLL, started; its report.
+    // Starts the fake worker beside the DLL; returns its report.
     StartReport startWithWorker() {
         EXPECT_TRUE(session.copyWorker(programFolder() / "fake_worker.exe"));
         EXPECT_TRUE(session.start());
@@ -104,7 +104,7 @@ TEST_F(Worker, IsStartedHiddenInThePluginFolderWithDataFolderAndHost) {
     const StartReport report = startWithWorker();
     EXPECT_EQ(report.commandLine, quoted(session.pluginFolder / "hopline_worker.exe") + commonArguments());
     EXPECT_EQ(report.folder, toCodePage(session.pluginFolder.wstring()));
-    EXPECT_EQ(report.show, "1 0");  // use the show state: hidden
+    EXPECT_EQ(report.show, "1 0");  // a show state was given: hidden
     const auto lines = host.logLines();
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_EQ(lines[1], kStarted);
@@ -139,7 +139,7 @@ TEST_F(Worker, IsGoneAfterShutdown) {
 TEST_F(Worker, OfAnEarlierStartIsEndedByTheNext) {
     const StartReport first = startWithWorker();
     ASSERT_TRUE(isProcessRunning(first.processId));
-    ASSERT_TRUE(session.start());  // without a shutdown in between
+    ASSERT_TRUE(session.start());  // without a shutdown before it
     ASSERT_TRUE(waitForReports(2));
     EXPECT_TRUE(waitForEnd(first.processId));
     int running = 0;
@@ -170,7 +170,7 @@ TEST_F(Worker, DiesWithAHostThatIsKilled) {
     killProcess(report.processId);  // nobody else would
 }
 
-// The job cannot be made, or cannot be told to kill: the worker is then only not tied to it.
+// If the job cannot be made or told to kill, the worker is just not tied to it.
 TEST_F(Worker, IsStartedAndStoppedAllTheSameWithoutAJob) {
     const struct {
         const char* what;
@@ -226,14 +226,14 @@ TEST_F(Worker, KilledFromOutsideLeavesThePluginRunningAndItsDataGoingStale) {
     ASSERT_TRUE(session.waitForArrival(kTower122800));
     ASSERT_TRUE(killProcess(report.processId));
     session.stopPublishing();
-    // The last it wrote was another frequency, which becomes old before it has stood still for long enough.
+    // The killed worker's last frequency was another one, which expires before it has stood still for long enough.
     session.telemetry.radios[0].activeKhz = 121500;
     const double written = session.clock.unixSeconds() - kTelemetryMaxAgeSeconds + 0.15;
     ASSERT_TRUE(replaceFile(session.dataFolder / kTelemetryFile, telemetryText(session.telemetry, written)));
-    ASSERT_TRUE(session.waitPasses(14));  // of 50 ms at least: twice as long as a fresh frequency has to stand still
+    ASSERT_TRUE(session.waitPasses(14));  // of at least 50 ms: twice as long as a fresh frequency must stand still
     EXPECT_EQ(host.callsOf("requestClientMove").size(), 1u);
     EXPECT_EQ(startReports(session.pluginFolder).size(), 1u);  // and it is not started again
-    session.publish();                                         // somebody brought one back
+    session.publish();                                         // a worker is back
     EXPECT_TRUE(session.waitForCalls("requestClientMove", 2));
 }
 

@@ -1,5 +1,5 @@
-// Channel names of any bytes, beside a second reading of the rule: a frequency is a run of exactly three digits, one
-// point or comma, and again a run of exactly three digits.
+// channel_name_fuzz.cpp - channel names of any bytes, beside a second implementation of the rule: a frequency is a run
+// of exactly three digits, one point or comma, and another run of exactly three digits.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     for (const std::int32_t khz : frequencies) require(channelNameCarries(name, khz), khz);
     std::set<std::int32_t> asked = {-1, 0, 118275, 121500, 122800, 999999, 1000000};
     for (const std::int32_t khz : frequencies) asked.insert({khz - 1, khz + 1, khz / 10, khz % 100000});
-    for (const DigitRun& run : digitRuns(name))  // what a careless reading would take for a frequency
+    for (const DigitRun& run : digitRuns(name))  // what a careless reader would take for a frequency
         if (run.length >= 3 && run.length <= 9) asked.insert(std::stoi(name.substr(run.start, run.length)));
     for (const std::int32_t khz : asked) require(channelNameCarries(name, khz) == (frequencies.count(khz) != 0), khz);
     return 0;

@@ -1,4 +1,4 @@
-// diagnosis_fuzz.cpp - any bytes as every file of the report: what comes out is text, and masked.
+// diagnosis_fuzz.cpp - any bytes as every file in the report: the result is text, and masked.
 #include <cstdint>
 #include <cstdlib>
 #include "worker/diagnosis.h"
@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     found.dataFolder = file.bytes;
     found.accountNames = kAccounts;
     for (const auto& line : splitLines(composeDiagnosis(found, asIs))) {
-        if (readableLine(line, asIs) + "\r" != line) std::abort();  // nothing left that must not be shown
+        if (readableLine(line, asIs) + "\r" != line) std::abort();  // nothing is left that must not be shown
         if (line.size() <= kMaxShownLineBytes && maskUserNames(line, kAccounts) != line) std::abort();
     }
     return 0;

@@ -1,5 +1,5 @@
 // message_text_fuzz.cpp - any bytes as a text message and its sender: converted, wrapped and laid out. The conversion
-// is well formed, the wrapping equals the plain rules, and a page stays inside its window.
+// must be well formed, the wrapping equal to the plain rules, and a page must stay inside its window.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>

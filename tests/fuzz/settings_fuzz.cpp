@@ -1,4 +1,4 @@
-// settings.ini of any bytes: every value comes out in range, and what is written reads back the same.
+// settings_fuzz.cpp - settings.ini of any bytes: every value read is in range, and what is written reads back the same.
 #include <cstdio>
 #include <cstdlib>
 #include "settings/settings_text.h"

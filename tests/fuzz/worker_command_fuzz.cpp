@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     lastAckId(text);
     const auto command = parseCommandText(text);
     if (!command) return 0;
-    // What is taken must be usable: a known radio, finite numbers, an id that a telemetry file carries unchanged.
+    // What is accepted must be usable: a known radio, finite numbers, an id that a telemetry file keeps unchanged.
     Telemetry record;
     record.ackId = command->id;
     const bool usable = command->write.radio < 2 && std::isfinite(command->write.value) &&

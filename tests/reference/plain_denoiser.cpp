@@ -7,8 +7,8 @@ namespace {
 
 constexpr double kTau = 6.283185307179586476925286766559;
 
-// A quarter turn in double is short of pi/2 by this much, and its cosine is this much. C libraries that ask the x87,
-// with its short pi, are off in the fifth digit.
+// A quarter turn in double is short of pi/2 by this much, and this is its cosine. C libraries that use the x87, whose
+// pi is short, are wrong in the fifth digit.
 double cosineOf(double angle) {
     return std::fabs(angle) == kTau / 4 ? 6.123233995736766e-17 : std::cos(angle);
 }

@@ -44,7 +44,7 @@ float cutPeak(PlainRadioChannel& c, float x) {
     return y;
 }
 
-// The squelch for the magnitude a; returns its threshold.
+// The squelch for magnitude a; returns its threshold.
 float runGate(PlainRadioChannel& c, float a) {
     c.floor += (a - c.floor) * (c.floor > a ? 0.00004f : 0.000004f);
     const float threshold = std::max(90.0f, 3.0f * c.floor);
@@ -96,8 +96,8 @@ float drawHiss(PlainRadioChannel& c, std::uint32_t& generator) {
     return (1.5f - q) * 1300.0f * c.hissLowPass2;
 }
 
-// Clamped and rounded half away from zero: in double the sum with a half is exact wherever it matters. (The C library
-// of one of our compilers takes -0.49999997 to -1.)
+// Clamped and rounded half away from zero: in double, the sum with a half is exact wherever it matters. (The C library
+// of one of our compilers rounds -0.49999997 to -1.)
 short toSample(float x) {
     const double wide = std::clamp(x, -32767.0f, 32767.0f);
     return static_cast<short>(wide + std::copysign(0.5, wide));

@@ -1,5 +1,5 @@
-// plain_radio_effect.h - the radio effect one value at a time, step after step as a radio engineer would write it down:
-// the oracle of audio/radio_effect.h, whose samples must be the same to the last bit.
+// plain_radio_effect.h - the radio effect one value at a time, step by step, as a radio engineer would write it down:
+// the oracle for audio/radio_effect.h, whose samples must be the same to the last bit.
 // A value: nothing here locks, allocates or throws.
 #pragma once
 #include <array>
@@ -33,7 +33,7 @@ struct PlainRadioEffectState {
     std::uint32_t hissState = 0x2545F491;
 };
 
-// As applyRadioEffect.
+// Like applyRadioEffect.
 void plainApplyRadioEffect(short* samples, int count, int channels, PlainRadioEffectState& state, bool hiss,
                            bool predenoise);
 

@@ -10,7 +10,7 @@
 namespace standin {
 
 inline constexpr std::uint32_t kUnknown = 0xFFFFFFFFU;  // no group, no parameter
-inline constexpr std::uint32_t kUserObject = 1;         // the user's aircraft, for which clients ask as 0
+inline constexpr std::uint32_t kUserObject = 1;         // the user's aircraft, which clients request as 0
 
 enum AnswerId : std::uint32_t {
     kExceptionAnswer = 1,
@@ -39,8 +39,8 @@ enum ExceptionCode : std::uint32_t {
 
 // Which simulator is played.
 struct Edition {
-    const char* name;                          // as it calls itself
-    std::uint32_t protocol;                    // in its headers, and the newest it takes
+    const char* name;                          // what it calls itself
+    std::uint32_t protocol;                    // in its headers, and the newest it accepts
     std::array<std::uint32_t, 4> application;  // major, minor, build major, build minor
     std::array<std::uint32_t, 4> simConnect;   // same
 };
@@ -64,7 +64,7 @@ struct DataHeader {
 };
 std::string dataAnswer(std::uint32_t protocol, const DataHeader& header, std::string_view values);
 
-// A packet of any id, for those that no client knows.
+// A packet with any id, for ids that no client knows.
 std::string anyAnswer(std::uint32_t protocol, std::uint32_t id, std::string_view body);
 
 }  // namespace standin

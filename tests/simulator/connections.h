@@ -22,11 +22,11 @@ class Connections {
   public:
     virtual ~Connections() = default;
 
-    // port 0 takes a free one; 0 = it cannot be had. Only this computer can connect.
+    // port 0 takes a free one; returns 0 if the port cannot be had. Only this computer can connect.
     virtual std::uint16_t listenTcp(std::uint16_t port, Loopback loopback) = 0;
-    // "Microsoft Flight Simulator\SimConnect". False where there are no such pipes, or somebody else has it.
+    // "Microsoft Flight Simulator\SimConnect". False if there are no such pipes, or if somebody else has this one.
     virtual bool listenPipe(const std::string& name) = 0;
-    // While unreachable, the port and the pipe do not exist; those who are connected stay.
+    // While unreachable, the port and the pipe do not exist; existing connections stay.
     virtual void setReachable(bool reachable) = 0;
 
     // What has happened, after at most timeoutMs.

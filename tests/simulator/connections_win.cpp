@@ -1,6 +1,6 @@
 #include <winsock2.h>
 #include <ws2tcpip.h>
-// windows.h brings an older winsock unless it comes second.
+// windows.h includes an older winsock unless it comes second.
 #include <windows.h>
 #include <array>
 #include <map>
@@ -51,7 +51,7 @@ class PipeEnd {
     }
     ~PipeEnd() {
         if (!isPending_) return;
-        CancelIoEx(pipe_.get(), &call_);  // whichever thread began it
+        CancelIoEx(pipe_.get(), &call_);  // whichever thread started it
         DWORD ignored = 0;
         GetOverlappedResult(pipe_.get(), &call_, &ignored, TRUE);
     }
@@ -62,7 +62,7 @@ class PipeEnd {
         auto* call = prepare();
         begin(ReadFile(pipe_.get(), bytes_.data(), kPipeBytes, nullptr, call));
     }
-    // The end of the call under way; false if the client is gone.
+    // Ends the call under way; false if the client is gone.
     bool finish(std::string& bytes) {
         DWORD count = 0;
         const bool isGood = hasFailed_ ? false : GetOverlappedResult(pipe_.get(), &call_, &count, TRUE) != 0;
@@ -88,7 +88,7 @@ class PipeEnd {
     void beginConnect() {
         auto* call = prepare();
         const BOOL isDone = ConnectNamedPipe(pipe_.get(), call);
-        if (!isDone && GetLastError() == ERROR_PIPE_CONNECTED) {  // the client was quicker
+        if (!isDone && GetLastError() == ERROR_PIPE_CONNECTED) {  // the client was faster
             SetEvent(event_.get());
             return;
         }
@@ -100,7 +100,7 @@ class PipeEnd {
         call_.hEvent = event_.get();
         return &call_;
     }
-    // A call that failed at once is over: its end is then found like any other.
+    // A call that fails at once is over: its end is found later like any other.
     void begin(BOOL isDone) {
         hasFailed_ = !isDone && GetLastError() != ERROR_IO_PENDING;
         isPending_ = !hasFailed_;
@@ -152,7 +152,7 @@ class WindowsConnections : public Connections {
         LoopbackAddress address(port, loopback);
         auto listener = std::make_unique<SocketEnd>(socket(address.family(), SOCK_STREAM, IPPROTO_TCP), FD_ACCEPT);
         socklen_t length = address.length();
-        // For the port of before: its old connections may still be ending.
+        // If the port was in use before, old connections may still be ending.
         const BOOL on = TRUE;
         setsockopt(listener->get(), SOL_SOCKET, SO_REUSEADDR, reinterpret_cast<const char*>(&on), sizeof on);
         if (bind(listener->get(), address.general(), length) != 0 || listen(listener->get(), 16) != 0) return 0;
@@ -239,7 +239,7 @@ class WindowsConnections : public Connections {
         if (!nextPipe_ || !nextPipe_->isSignalled()) return;
         std::string none;
         auto end = std::exchange(nextPipe_, PipeEnd::create(pipePath_, false));
-        // Whoever connected and left at once shows in the first read.
+        // A client that connected and left at once shows in the first read.
         end->finish(none);
         end->beginRead();
         pipes_[++last_] = std::move(end);

@@ -54,7 +54,7 @@ bool DataService::isPeriodOver(Request& request, const Frame& frame) {
     return false;
 }
 
-// False if nothing has changed for a request that wants changes only; its first answer is always sent.
+// False if nothing has changed for a request that only wants changes; its first answer is always sent.
 bool DataService::answer(Request& request, const Frame& frame, const Aircraft& aircraft, std::uint32_t protocol,
                          std::string& packet) const {
     const auto definition = definitions_.find(request.asked.defineId);

@@ -18,7 +18,7 @@ struct Frame {
     std::uint64_t timeMs = 0;
     bool isPaused = false;  // the simulated time stands still
     double simulatedSeconds = 0.0;
-    bool hasChanges = true;  // else requests that want changes only get nothing, not even their first answer
+    bool hasChanges = true;  // else requests that only want changes get nothing, not even their first answer
 };
 
 class DataService {
@@ -29,7 +29,7 @@ class DataService {
 
     // Replaces the request of the same id; period kNever ends it. Its definition must exist.
     void request(const DataRequest& request);
-    // The user's aircraft is another one: what was asked of the old one is over.
+    // The user has another aircraft: requests about the old one are over.
     void dropRequests() { requests_.clear(); }
 
     // The end of a frame: the answers that are due, whole packets.

@@ -62,7 +62,7 @@ bool switchSpacing(Aircraft& aircraft, const Habits&, std::size_t radio, std::ui
     return true;
 }
 
-// COM1's frequency events have no 1 in their names; its swap and volume events do. COM3 goes as COM2.
+// COM1's frequency events have no 1 in their names; its swap and volume events do. COM3's names are like COM2's.
 // clang-format off
 constexpr KeyEvent kKeyEvents[] = {
     {"COM_RADIO_SET_HZ",          0, setActiveHz},

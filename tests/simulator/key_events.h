@@ -9,7 +9,7 @@ namespace standin {
 struct KeyEvent {
     std::string_view name;
     std::size_t radio;
-    // False if nothing came of it.
+    // False if it had no effect.
     bool (*apply)(Aircraft& aircraft, const Habits& habits, std::size_t radio, std::uint32_t data);
 };
 

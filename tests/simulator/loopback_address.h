@@ -1,5 +1,5 @@
-// loopback_address.h - this computer's own address in either family, as the system's socket calls take it. Included
-// behind the header in which the system declares them, but for <netinet/in.h>.
+// loopback_address.h - this computer's own address in either family, as the system's socket calls take it. Include it
+// after the system header that declares them, unless that is <netinet/in.h>.
 #pragma once
 #ifndef _WIN32
 #include <netinet/in.h>

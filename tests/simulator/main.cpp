@@ -1,6 +1,6 @@
-// stand_in_simulator: plays the simulator for whoever connects, and prints what its clients do, a line each:
-// milliseconds since the start, then the report. Reads actions from standard input, one a line; "play FILE" flies a
-// script from then on. Ends with the action "exit", or when standard input does.
+// main.cpp - stand_in_simulator: plays the simulator for whoever connects, and prints what its clients do, one line
+// each: milliseconds since the start, then the report. Reads actions from standard input, one per line; "play FILE"
+// flies a script from then on. Ends with the action "exit", or with the end of standard input.
 //   stand_in_simulator [--personality NAME] [--tcp PORT] [--pipe] [--script FILE] [--stay]
 // --tcp 0 takes a free port and prints it. Without --tcp and --pipe: the pipe on Windows, a free port elsewhere.
 // --stay goes on after the end of standard input.
@@ -110,7 +110,7 @@ int main(int argc, char** argv) {
     say(port ? "listening on port " + std::to_string(port) : "listening on the pipe");
     if (!options.script.empty() && !playFile(server, options.script)) return 1;
     for (std::string line; !server.isOver() && std::getline(std::cin, line);) obey(server, line);
-    // A script may end it after its input has ended.
+    // A script may end the program after the end of its input.
     while (options.stays && !server.isOver()) std::this_thread::sleep_for(std::chrono::milliseconds(20));
     return 0;
 }

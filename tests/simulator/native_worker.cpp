@@ -1,5 +1,5 @@
-// native_worker: the worker's own loop, link and files on this machine, for checks without Windows. Ends with the end
-// of its standard input.
+// native_worker.cpp - the worker's own loop, link and files on this machine, for checks without Windows. Ends when its
+// standard input ends.
 //   native_worker DATA_FOLDER HOST:PORT
 #include <poll.h>
 #include <unistd.h>

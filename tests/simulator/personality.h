@@ -1,4 +1,4 @@
-// personality.h - the simulators and aircraft that a client may meet, by name. A row says how one differs from stock.
+// personality.h - the simulators and aircraft that a client may meet, by name. A row says what differs from stock.
 #pragma once
 #include <cstdint>
 #include <string_view>
@@ -15,7 +15,7 @@ struct Personality {
     const Edition* edition = &kEdition2020;
     std::uint32_t oldestProtocol = 2;  // the newest is the edition's own
     Habits habits{};
-    std::uint32_t writeDelayMs = 0;  // until a write shows
+    std::uint32_t writeDelayMs = 0;  // until the effect of a write shows
     OnWrite onWrite = OnWrite::kApplies;
     bool isRough = false;          // packets cut, joined, and mixed with unknown and very long ones
     bool freezesInPause = false;   // sends no changes and carries out no key event until the pause is over
@@ -27,7 +27,7 @@ struct Personality {
 // Null for an unknown name.
 const Personality* findPersonality(std::string_view name);
 
-// All names, for a usage text: one a line.
+// All names, for a usage text: one per line.
 const Personality* personalitiesBegin();
 const Personality* personalitiesEnd();
 

@@ -7,7 +7,7 @@ namespace standin {
 
 namespace {
 
-// What a started program inherits: these two and nothing else, or it would keep our sockets and files open.
+// What a started program inherits: these two handles and no others, or it would keep our sockets and files open.
 class Inheritance {
   public:
     Inheritance(HANDLE input, HANDLE output) : handles_{input, output} {
@@ -125,7 +125,7 @@ std::vector<std::string> Program::lines() const {
     return lines;
 }
 
-// Looks instead of waiting: what the program has started may keep its output open for longer than it lives.
+// Looks instead of waiting: what the program has started may keep its output open after the program has ended.
 void Program::listen() {
     char bytes[4096];
     DWORD count = 0;

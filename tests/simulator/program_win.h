@@ -18,17 +18,17 @@ class Program {
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    // One that still runs is killed first. False if it cannot be started.
+    // Kills a program that still runs first. False if this one cannot be started.
     bool start(const std::wstring& commandLine);
-    // Terminated as a crash would: it gets no chance to say goodbye.
+    // Ends it as a crash would, without a chance to say goodbye.
     void kill();
     bool isRunning() const;
-    // Its exit code once it has ended by itself or was killed by others; nothing if it still runs after so long.
+    // Its exit code once it has ended by itself or was killed by others; nothing if it still runs at the deadline.
     std::optional<std::uint32_t> waitForEnd(std::uint32_t deadlineMs) const;
     std::uint32_t processId() const { return processId_; }  // 0 before the first start
 
     void say(const std::string& line);       // to its standard input
-    void endInput();                         // no more of that
+    void endInput();                         // no more input
     std::vector<std::string> lines() const;  // of its standard output since the start
 
   private:

@@ -38,7 +38,7 @@ struct RequestKind {
     const char* name;
 };
 
-// The row of an opcode; null for one that this simulator does not know.
+// The row of an opcode; null if this simulator does not know it.
 const RequestKind* findRequestKind(std::uint32_t opcode);
 
 struct RequestHeader {
@@ -47,9 +47,9 @@ struct RequestHeader {
     std::uint32_t opcode = 0;  // with its mark
     std::uint32_t sendId = 0;
 };
-RequestHeader readHeader(std::string_view packet);  // of at least kRequestHeaderBytes
+RequestHeader readHeader(std::string_view packet);  // of a packet with at least kRequestHeaderBytes
 
-// The bodies. Each reader expects a packet of its kind's size.
+// The bodies. Each reader expects a packet of the right size for its kind.
 struct OpenRequest {
     std::string name;
     std::string alias;                       // "HK", "RS" or "XSF"; not judged
@@ -71,7 +71,7 @@ struct EventRequest {
     std::uint32_t flags = 0;
 };
 EventRequest readTransmit(std::string_view packet);
-EventRequest readTransmitEx1(std::string_view packet);  // the same fields in another order, data behind them
+EventRequest readTransmitEx1(std::string_view packet);  // the same fields in another order, followed by data
 
 struct DatumRequest {
     std::uint32_t defineId = 0;
@@ -90,7 +90,7 @@ struct DataRequest {
     std::uint32_t period = 0;
     std::uint32_t flags = 0;
     std::uint32_t origin = 0;    // periods before the first reply
-    std::uint32_t interval = 0;  // periods left out between replies
+    std::uint32_t interval = 0;  // periods skipped between replies
     std::uint32_t limit = 0;     // replies; 0 = no end
 };
 DataRequest readDataRequest(std::string_view packet);

@@ -47,7 +47,7 @@ std::string RoughLine::strangePacket(std::uint32_t protocol) {
     if (strange_ == 5) return anyAnswer(protocol, kLongId, std::string(kLongBodyBytes, '\x5A'));
     switch (next(4)) {
         case 0: {
-            const auto id = 40 + next(kLongId - 40);  // first: the order of arguments is the compiler's
+            const auto id = 40 + next(kLongId - 40);  // first: compilers evaluate arguments in different orders
             return anyAnswer(protocol, id, std::string(next(64), '\x08'));
         }
         case 1:

@@ -1,5 +1,5 @@
-// rough_line.h - a connection at its worst, the same on every run: packets joined and cut anywhere, the end of one kept
-// back until the next frame, unknown ones and a very long one in between. What a client must make of it is unchanged.
+// rough_line.h - a connection at its worst, the same in every run: packets joined and cut anywhere, the end of one kept
+// until the next frame, unknown packets and a very long one in between. The meaning for the client is unchanged.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -11,7 +11,7 @@ class RoughLine {
   public:
     explicit RoughLine(std::uint32_t seed) : state_(seed) {}
 
-    // The chunks to write, one call each, for the packets of this frame and what was kept back from the last.
+    // The chunks to write, one per call, for the packets of this frame and what was kept from the last.
     std::vector<std::string> cut(const std::vector<std::string>& packets, std::uint32_t protocol);
 
   private:
@@ -23,7 +23,7 @@ class RoughLine {
     std::string kept_;
 };
 
-// bytes of noise; the first four are no possible length of a packet.
+// bytes of noise; the first four are never a possible packet length.
 std::string noise(std::uint32_t& state, std::size_t bytes);
 
 }  // namespace standin

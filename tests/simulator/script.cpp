@@ -33,7 +33,7 @@ bool parseNumber(std::string_view word, double& value) {
     return true;
 }
 
-// What a word of an action says. False if it does not say that.
+// What one word of an action means. False if the word is not of that kind.
 using ReadWord = bool (*)(std::string_view word, Action& action);
 
 bool readRadio(std::string_view word, Action& action) {

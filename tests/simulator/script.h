@@ -17,9 +17,9 @@ enum class ActionKind : std::uint8_t {
     kSpacing,    // radio, value 1 for 8.33
     kObey,       // radio, slot, value 0 or 1
     kReadback,   // value ms until a write shows
-    kDrop,       // value ms without a connection; nobody is told
+    kDrop,       // value ms without a connection; clients are not told
     kCrash,      // the same, in the middle of a packet
-    kQuit,       // the same, told
+    kQuit,       // the same, but clients are told
     kExit,       // for good
     kSim,        // value 0 menu, 1 running
     kPause,      // value 0 or 1
@@ -44,10 +44,10 @@ struct TimedAction {
 // "tune COM1 active 122.800". False with the reason in error.
 bool parseAction(std::string_view line, Action& action, std::string& error);
 
-// Lines of "SECONDS ACTION"; # begins a remark. In time's order. Stops at the first bad line: false, error names it.
+// Lines of "SECONDS ACTION"; # begins a remark. Sorted by time. Stops at the first bad line: false, error names it.
 bool parseScript(std::string_view text, std::vector<TimedAction>& script, std::string& error);
 
-// The actions, one usage a line.
+// The actions, one usage per line.
 std::string actionUsage();
 
 }  // namespace standin

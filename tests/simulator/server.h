@@ -23,20 +23,20 @@ class Server {
     using Listener = std::function<void(const Report&)>;
 
     explicit Server(const Personality& personality, Listener listener = {});
-    ~Server();  // closes all connections, untold
+    ~Server();  // closes all connections without a word
 
-    // Before start. As in Connections.
+    // Before start(). As in Connections.
     std::uint16_t listenTcp(std::uint16_t port, Loopback loopback = Loopback::kIPv4) {
         return connections_->listenTcp(port, loopback);
     }
     bool listenPipe(const std::string& name) { return connections_->listenPipe(name); }
     void start();
-    // From then on nobody is answered.
+    // From then on nobody gets an answer.
     void stop();
 
-    // [any thread] One action (script.h), done at once. False with the reason in error.
+    // [any thread] Does one action (script.h) at once. False with the reason in error.
     bool act(std::string_view line, std::string& error);
-    // [any thread] A script, from now.
+    // [any thread] Plays a script from now on.
     void play(std::vector<TimedAction> script);
     // [any thread] After the action "exit".
     bool isOver() const { return isOver_; }
@@ -50,7 +50,7 @@ class Server {
     void run();
     void takeIn(const std::vector<ConnectionEvent>& events) REQUIRES(mutex_);
 
-    const std::unique_ptr<Connections> connections_;  // its thread only, once started; but for wake
+    const std::unique_ptr<Connections> connections_;  // once started, for its thread only, except wake
     const Listener listener_;
     mutable Mutex mutex_;  // held for one round of the server, never while it waits or writes
     Simulator simulator_ GUARDED_BY(mutex_);

@@ -160,7 +160,7 @@ void Session::requestData(std::string_view packet) {
     data_.request(request);
 }
 
-// None of the variables here may be set.
+// No variable here may be set.
 void Session::refuseData(std::string_view packet) {
     if (!data_.isDefined(u32At(packet, 16))) return refuse(kUnrecognizedId, 1);
     const std::size_t bytes = std::size_t{u32At(packet, 28)} * u32At(packet, 32);
@@ -168,7 +168,7 @@ void Session::refuseData(std::string_view packet) {
     refuse(kDataError, kUnknown, "a variable that is not settable");
 }
 
-// The lasting states are told at once.
+// The states that last are reported at once.
 void Session::subscribe(std::string_view packet) {
     const auto request = readNamed(packet);
     if (!isSystemEvent(request.name)) return refuse(kNameUnrecognized, 2, request.name);

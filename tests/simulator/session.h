@@ -1,4 +1,4 @@
-// session.h - one connected client: its packets cut out of a byte stream, obeyed or refused, and what it is told.
+// session.h - one connected client: its packets, cut out of a byte stream and obeyed or refused, and what it is told.
 // A client that asks for more than it may gets exceptions; one that breaks the framing is dropped.
 #pragma once
 #include <cstdint>
@@ -28,12 +28,12 @@ class Session {
   public:
     Session(SimulatorDesk& desk, const Personality& personality);
 
-    // Bytes from the client, cut anyhow.
+    // Bytes from the client, cut anywhere.
     void receive(std::string_view bytes);
-    // What is to be sent, one whole packet each.
+    // The packets to be sent, each a whole one.
     std::vector<std::string> takePackets();
     bool isOpen() const { return protocol_ != 0; }
-    bool isBroken() const { return isBroken_; }  // to be dropped
+    bool isBroken() const { return isBroken_; }  // must be dropped
 
     // The simulator's side. Each does nothing before Open.
     void raiseSystemEvent(std::string_view name, std::uint32_t data);
@@ -68,11 +68,11 @@ class Session {
     const Personality& personality_;
     std::string input_;
     std::vector<std::string> output_;
-    RequestHeader header_;  // of the packet in hand
+    RequestHeader header_;  // of the present packet
     std::uint32_t protocol_ = 0;
     bool isBroken_ = false;
     DataService data_;
-    std::map<std::uint32_t, const KeyEvent*> events_;  // by the client's id; null for one of its own
+    std::map<std::uint32_t, const KeyEvent*> events_;  // by the client's id; null for an event of the client's own
     std::map<std::uint32_t, std::vector<std::uint32_t>> groups_;
     std::map<std::uint32_t, SystemEvent> systemEvents_;
 };

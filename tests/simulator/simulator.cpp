@@ -36,7 +36,7 @@ void Simulator::receive(int number, std::string_view bytes, std::uint64_t nowMs)
     speaking_ = number;
     client->second.session->receive(bytes);
     speaking_ = 0;
-    // Not before: the session must outlive its own packet.
+    // Not earlier: the session must outlive its own packet.
     if (std::exchange(isLeaving_, false)) {
         leave(personality_->onWrite == OnWrite::kQuits ? ActionKind::kQuit : ActionKind::kCrash, kAwayAfterWriteMs);
     }
@@ -100,7 +100,7 @@ bool Simulator::act(const Action& action, std::uint64_t nowMs, std::string& erro
     auto& radio = aircraft_.radios[action.radio];
     const auto isOn = action.value != 0.0;
     switch (action.kind) {
-        // What the pilot does at the radio itself always works: it is what clients write that may be ignored.
+        // What the pilot does at the radio itself always works: only clients' writes may be ignored.
         case ActionKind::kTune:
             (action.slot == kActive ? radio.activeHz : radio.standbyHz) = static_cast<std::uint32_t>(action.value);
             return true;
@@ -151,7 +151,7 @@ bool Simulator::act(const Action& action, std::uint64_t nowMs, std::string& erro
             const auto* personality = findPersonality(action.text);
             error = personality ? "" : "no such personality";
             if (!personality) return false;
-            leave(ActionKind::kDrop, 0);  // sessions keep the one they began with
+            leave(ActionKind::kDrop, 0);  // sessions keep the personality they began with
             personality_ = personality;
             writeDelayMs_ = personality->writeDelayMs;
             wasOpened_ = false;
@@ -195,7 +195,7 @@ void Simulator::onOpened(const std::string& clientName, std::uint32_t version) {
     const bool isGood = parseScript(personality_->script, script, error);
     assert(isGood);
     if (isGood) play(std::move(script), nowMs_);
-    playTimelines();  // what begins at once, before the client can ask
+    playTimelines();  // what is due at once, before the client can ask
 }
 
 void Simulator::onKeyEvent(const KeyEvent& event, std::uint32_t data) {
@@ -216,13 +216,13 @@ void Simulator::applyWrites() {
     std::erase_if(pending_, isDue);
 }
 
-// Everybody who listens hears of it, whether the radio took it or not.
+// Every listener hears of it, whether the radio obeyed or not.
 void Simulator::press(const KeyEvent& event, std::uint32_t data) {
     if (isFlightRunning_) event.apply(aircraft_, personality_->habits, event.radio, data);
     for (auto& [number, client] : clients_) client.session->hear(event, data);
 }
 
-// Whoever is connected is told (Quit), cut off in the middle of a packet (Crash) or just cut off (Drop).
+// Connected clients are told (Quit), cut off in the middle of a packet (Crash) or just cut off (Drop).
 void Simulator::leave(ActionKind how, std::uint64_t awayMs) {
     for (auto& [number, client] : clients_) {
         if (how == ActionKind::kQuit) client.session->quit();
@@ -249,7 +249,7 @@ void Simulator::flush(bool isFrameEnd) {
 }
 
 std::vector<std::string> Simulator::chunksOf(Client& client, bool isFrameEnd) {
-    // On a rough line answers wait for the frame's end, so that there is something to join.
+    // On a rough line answers wait for the end of the frame, so that there is something to join.
     if (personality_->isRough && !isFrameEnd) return {};
     auto packets = client.session->takePackets();
     if (personality_->isSilent) return {};
@@ -266,7 +266,7 @@ std::vector<Report> Simulator::takeReports() {
     return std::exchange(reports_, {});
 }
 
-// What the client in hand did.
+// What the present client did.
 void Simulator::report(const std::string& text) {
     remark("client " + std::to_string(speaking_) + ' ' + text);
 }

@@ -1,5 +1,5 @@
 // simulator.h - the stand-in simulator: an aircraft, a flight script, and any number of clients, at 30 frames a second.
-// It is handed bytes and the time and hands back bytes; whoever runs it owns the pipe or the sockets.
+// It takes bytes and the time and gives bytes back; whoever runs it owns the pipe or the sockets.
 // One thread. Times are milliseconds of any clock that does not step back.
 #pragma once
 #include <cstdint>
@@ -32,7 +32,7 @@ class Simulator : private SimulatorDesk {
   public:
     Simulator(const Personality& personality, std::uint64_t nowMs);
 
-    // Clients. A connection that was closed by an Output is forgotten already.
+    // Clients. A connection that an Output has closed is already forgotten.
     int connect(std::uint64_t nowMs);  // its number, from 1
     void receive(int client, std::string_view bytes, std::uint64_t nowMs);
     void disconnect(int client, std::uint64_t nowMs);
@@ -43,7 +43,7 @@ class Simulator : private SimulatorDesk {
 
     // A script's seconds count from nowMs.
     void play(std::vector<TimedAction> script, std::uint64_t nowMs);
-    // False with the reason in error for a name that does not exist.
+    // False with the reason in error if a name does not exist.
     bool act(const Action& action, std::uint64_t nowMs, std::string& error);
 
     std::vector<Output> takeOutput();
@@ -96,7 +96,7 @@ class Simulator : private SimulatorDesk {
     bool isPaused_ = false;
     bool isOver_ = false;
     bool wasOpened_ = false;
-    bool isLeaving_ = false;  // once the packet in hand is done with
+    bool isLeaving_ = false;  // as soon as the present packet is done
     std::uint32_t writeDelayMs_;
     std::uint64_t reachableMs_ = 0;
     std::uint32_t noiseState_ = 20'260'101;
@@ -104,7 +104,7 @@ class Simulator : private SimulatorDesk {
     std::vector<PendingWrite> pending_;
     std::map<int, Client> clients_;
     int lastClient_ = 0;
-    int speaking_ = 0;  // the client whose packet is in hand
+    int speaking_ = 0;  // the client whose packet is being handled
     std::vector<Output> output_;
     std::vector<Report> reports_;
 };

@@ -24,7 +24,7 @@ struct Moment {
 
 struct VariableKind {
     std::string_view name;
-    bool isIndexed;  // ":1".. behind the name
+    bool isIndexed;  // ":1".. after the name
     Quantity quantity;
     double (*read)(const Moment&);  // Hz, percent, seconds, or the number itself; null for a text
     const std::string& (*text)(const Aircraft&) = nullptr;
@@ -33,7 +33,7 @@ struct VariableKind {
 struct Unit {
     Quantity quantity;
     std::string_view name;
-    double perUnit;  // of what VariableKind::read gives
+    double perUnit;  // how many of VariableKind::read's units
     bool isBcd16;    // four decimal digits of the frequency in 10 kHz, without the leading 1
 };
 
@@ -102,7 +102,7 @@ bool splitIndex(std::string_view& name, std::size_t& index) {
 }
 
 double toBcd16(double tenKilohertz) {
-    auto digits = static_cast<std::uint32_t>(tenKilohertz + 1e-6) % 10'000U;  // the third decimal of the MHz is lost
+    auto digits = static_cast<std::uint32_t>(tenKilohertz + 1e-6) % 10'000U;  // drops the third decimal of the MHz
     std::uint32_t bcd = 0;
     for (unsigned shift = 0; shift < 16; shift += 4, digits /= 10) bcd |= digits % 10 << shift;
     return bcd;

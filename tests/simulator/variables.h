@@ -32,7 +32,7 @@ struct Variable {
 
 enum class VariableProblem { kNone, kName, kUnits, kType };
 
-// Looks up "COM ACTIVE FREQUENCY:1" in "MHz" as kFloat64. On a problem variable stays as it was.
+// Looks up "COM ACTIVE FREQUENCY:1" in "MHz" as kFloat64. If there is a problem, variable is unchanged.
 VariableProblem findVariable(std::string_view name, std::string_view units, std::uint32_t type, Variable& variable);
 
 // The value as a client compares it: in its units. 0 for a text.

@@ -8,7 +8,7 @@
 
 namespace standin {
 
-// The field must lie inside the packet: whoever calls has checked the packet's size.
+// The field must lie inside the packet: the caller has checked the packet's size.
 std::uint32_t u32At(std::string_view packet, std::size_t offset);
 float f32At(std::string_view packet, std::size_t offset);
 std::string textAt(std::string_view packet, std::size_t offset, std::size_t width);  // up to the first NUL
@@ -22,7 +22,7 @@ void putText(std::string& packet, std::string_view text, std::size_t width);  //
 // Overwrites the first field with the packet's length.
 void sealPacket(std::string& packet);
 
-// Names of variables, units and events are the same in capitals and small letters.
+// Names of variables, units and events are case-insensitive.
 bool isSameName(std::string_view a, std::string_view b);
 
 }  // namespace standin

@@ -10,7 +10,7 @@ class ManualClock : public Clock {
   public:
     std::uint64_t tickMs() const override { return tick.load(); }
     double unixSeconds() const override { return seconds.load(); }
-    // Both times go on by ms.
+    // Both times advance by ms.
     void advance(std::uint64_t ms) {
         tick += ms;
         seconds = seconds.load() + static_cast<double>(ms) / 1000.0;
@@ -39,7 +39,7 @@ class MemoryFiles : public DataFiles {
         files_[path] = std::string(bytes);
         return true;
     }
-    // What the test puts there and finds there; an absent file reads as empty.
+    // What the test puts there and reads there; an absent file reads as empty.
     void put(const std::string& path, std::string_view bytes) {
         MutexLock lock(mutex_);
         files_[path] = std::string(bytes);

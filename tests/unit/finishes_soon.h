@@ -1,4 +1,4 @@
-// finishes_soon.h - proves that a lock is free: a call that needs it comes back while its caller waits.
+// finishes_soon.h - proves that a lock is free: a call that needs it returns while its caller waits.
 #pragma once
 #include <chrono>
 #include <functional>
@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-// One call on a thread of its own. The destructor joins it: a call that waits for a lock ends once its owner is gone.
+// One call on a thread of its own. The destructor joins it: a call that waits for a lock ends once the lock is free.
 class CallAside {
   public:
     CallAside() = default;
@@ -16,7 +16,7 @@ class CallAside {
     CallAside(const CallAside&) = delete;
     CallAside& operator=(const CallAside&) = delete;
 
-    // False if the call is still not back after five seconds. Once per object.
+    // False if the call has not returned after five seconds. Once per object.
     bool finishesSoon(std::function<void()> call) {
         std::packaged_task<void()> task(std::move(call));
         auto done = task.get_future();

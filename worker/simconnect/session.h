@@ -1,4 +1,4 @@
-// session.h - what the worker and the simulator have agreed on: variables to be told, key events to be sent, whether a
+// session.h - what the worker and the simulator have agreed on: variables to report, key events to send, whether a
 // flight is running. Sets everything up on each new connection and reads everything anew with each flight and aircraft.
 #pragma once
 #include <deque>

@@ -11,7 +11,7 @@
 
 namespace simconnect {
 
-inline constexpr std::uint64_t kFreshMs = 1000;      // older data is no telemetry
+inline constexpr std::uint64_t kFreshMs = 1000;      // older data does not count
 inline constexpr std::uint64_t kFirstReadMs = 1500;  // after that, what has been read must do
 inline constexpr std::uint64_t kSilentMs = 2000;  // a radio that has power this long after going to volume 0 keeps it
 inline constexpr std::uint64_t kRestMs = 200;     // data wakes us; this is for retries and for missing data

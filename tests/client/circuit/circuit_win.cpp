@@ -20,10 +20,10 @@ namespace {
 
 struct FlightOptions {
     bool isShort = true;
-    bool hasSimulator = false;  // else the aircraft is the worker's own
+    bool hasSimulator = false;  // else the worker's own aircraft is flown
 };
 
-constexpr std::uint64_t kStillMs = 350;      // a frequency is followed no sooner
+constexpr std::uint64_t kStillMs = 350;      // a frequency must stand still this long to be followed
 constexpr std::uint64_t kClockGrainMs = 16;  // of the tick counter on Windows
 
 struct Flight {
@@ -116,7 +116,7 @@ void flyCompany(Flight& f) {
     if (!waitTuned(f, 131500)) return;
     const bool asked = waitRequest(f, kCompanyChannel, f.legStartMs, 4'000);
     f.watch.check(asked, "asked for the company channel, which never answers");
-    f.watch.deliverText("Company", "Gate 42 after landing");  // beside the first one, unread: the lamp flashes
+    f.watch.deliverText("Company", "Gate 42 after landing");  // unread, in addition to the first: the lamp flashes
     if (!asked || !waitTuned(f, 118275)) return;
     const std::uint64_t askedMs = f.watch.requestsSince(f.legStartMs).front().atMs;
     f.watch.check(f.watch.until([&] { return isIn(f, kApproachChannel); }, 8'000), "went on to approach");
@@ -129,7 +129,7 @@ void post(unsigned message, std::uint64_t wParam, std::int64_t lParam) {
     PostMessageW(findPanel(), message, wParam, lParam);
 }
 
-// Posts one turn of the radio and waits for the worker's answer to it.
+// Posts one turn of the radio and waits for the worker to answer it.
 bool answered(Flight& f, unsigned message, std::uint64_t wParam, std::int64_t lParam) {
     const std::string before = f.watch.telemetry().ackId;
     post(message, wParam, lParam);
@@ -143,7 +143,7 @@ void flyNobody(Flight& f) {
     const std::string before = f.watch.telemetry().ackId;
     post(kPanelVolumeMessage, 2, 40);
     f.watch.check(talk(f, kPilotClient, 250), "squelch tail after the own transmission");
-    f.watch.watchFor(360);  // tails keep 350 ms apart
+    f.watch.watchFor(360);  // tails are at least 350 ms apart
     f.watch.check(talk(f, kControllerClient, 250), "squelch tail after the controller's");
     f.watch.watchFor(360);
     f.watch.check(!talk(f, kControllerClient, 60), "none after a click of the key");
@@ -209,12 +209,12 @@ void flyLegs(Flight& f, bool isShort, std::uint64_t workerStartMs) {
         flyLeg(f, leg.id);
         plannedSeconds += leg.seconds(isShort);
         const auto endMs = workerStartMs + static_cast<std::uint64_t>(plannedSeconds * 1000.0);
-        // Stays on the frequency for the rest of the leg, a moment less: the next one begins on time.
+        // Stays on the frequency for the rest of the leg, a moment less, so that the next leg begins on time.
         if (systemTickMs() + 50 < endMs) f.watch.watchFor(endMs - systemTickMs() - 50);
     }
 }
 
-// The aircraft begins its flight once the worker has found it. False if it never does.
+// The aircraft begins its flight once the worker has found the simulator. False if it never does.
 bool takeOff(FlightWatch& watch, standin::Program& simulator, const std::filesystem::path& script) {
     const bool isFound = watch.until([&] { return watch.telemetry().ok; }, 15'000);
     watch.check(isFound, "the worker has found the simulator");

@@ -1,12 +1,12 @@
-// flight_plan.h - the demonstration's circuit: the voice server as real ones are laid out, and the legs that the
-// built-in aircraft flies, as one script for the worker.
+// flight_plan.h - the demonstration's circuit: a voice server laid out like real ones, and the legs that the aircraft
+// flies, as one script.
 #pragma once
 #include <cstdint>
 #include <string>
 #include <vector>
 #include "tests/client/host_model.h"
 
-// What stands on the server; the names are those of kChannels.
+// The channels on the server; kChannels has their names.
 enum CircuitChannel : std::uint64_t {
     kLobbyChannel = 2,
     kAtisChannel = 4,
@@ -22,7 +22,7 @@ inline constexpr std::uint64_t kCircuitServer = 1;
 inline constexpr std::uint16_t kPilotClient = 7;
 inline constexpr std::uint16_t kControllerClient = 11;
 
-// The server's tree, the pilot and a controller in it, and how each channel answers a move.
+// The server's tree with the pilot and a controller in it, and how each channel answers a move.
 void layOutServer(HostModel& host);
 std::string channelTitle(std::uint64_t channelId);
 
@@ -47,5 +47,5 @@ struct Leg {
 // pilot lasts at least 2.4 s.
 std::vector<Leg> circuitLegs(bool isShort);
 
-// The whole flight as a script for the built-in aircraft, counted from the worker's start.
+// The whole flight as one script, counted from its start.
 std::string circuitScript(bool isShort);

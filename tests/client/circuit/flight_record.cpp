@@ -2,7 +2,7 @@
 
 namespace {
 
-// A tab or the end of a line would begin something else.
+// A tab or a line end would begin another cell or line.
 std::string oneCell(std::string text) {
     for (char& letter : text) {
         if (static_cast<unsigned char>(letter) < ' ') letter = ' ';

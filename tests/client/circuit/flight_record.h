@@ -1,5 +1,5 @@
-// flight_record.h - the flight for programs to read (tools/page): a first line with the version, then one line an
-// event, "milliseconds<TAB>event<TAB>what<TAB>value", in the order of time.
+// flight_record.h - the flight for programs to read (tools/page): a first line with the version, then one line per
+// event, "milliseconds<TAB>event<TAB>what<TAB>value", in chronological order.
 #pragma once
 #include <cstdint>
 #include <filesystem>
@@ -12,7 +12,7 @@ enum class FlightEvent {
     kLeg,      // nothing; the title
     kActive,   // "COM1", "COM2"; kHz, 0 unknown
     kStandby,  // the same
-    kLink,     // "up" or "down"; what the worker says to it
+    kLink,     // "up" or "down"; what the worker says about it
     kChannel,  // nothing; the name of the channel that the pilot is in
     kRequest,  // nothing; the name of the channel that the plugin asks for
     kRefusal,  // "server" or "aircraft"; why
@@ -33,7 +33,7 @@ static_assert(std::size(kFlightEventNames) == static_cast<std::size_t>(FlightEve
 class FlightRecord {
   public:
     explicit FlightRecord(const std::filesystem::path& file);
-    // Written at once: a flight that ends early leaves what there was.
+    // Written at once: a flight that ends early leaves what it has recorded.
     void add(std::uint64_t atMs, FlightEvent event, const std::string& what, const std::string& value);
 
   private:

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::uint64_t kBetweenLooksMs = 30;  // at the lamps: a tick of the panel's
+constexpr std::uint64_t kBetweenLooksMs = 30;  // at the lamps: a tick of the panel
 
 std::string quoted(const std::string& text) {
     return '"' + text + '"';
@@ -83,7 +83,7 @@ void FlightWatch::pump() {
 
 void FlightWatch::deliverEvents() {
     const auto events = host_.advance(systemTickMs());
-    noteCalls();  // what is answered was asked before
+    noteCalls();  // requests come before their answers
     for (const HostEvent& event : events) {
         noteEvent(event);
         plugin_.deliver(event);
@@ -129,7 +129,7 @@ void FlightWatch::noteRadio(std::size_t radio, const Telemetry& before) {
     const RadioReading& then = before.radios[radio];
     const std::string name = "COM" + std::to_string(radio + 1);
     if (now.active != then.active) {
-        // The file's own time stamp, on the tick's scale: the plugin cannot have seen it earlier.
+        // The file's own time stamp as a tick: the plugin cannot have seen the frequency earlier.
         const double ageSeconds = SystemClock().unixSeconds() - telemetry_.updated;
         const std::uint64_t seenMs =
             systemTickMs() - static_cast<std::uint64_t>(ageSeconds > 0 ? ageSeconds * 1000.0 : 0.0);

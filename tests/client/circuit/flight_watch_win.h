@@ -1,7 +1,7 @@
 // flight_watch_win.h - watches the demonstration from outside: what the worker writes, what the plugin asks of the
-// host, what the host answers, what shines on the panel; prints and records each as it happens and keeps it for the
-// checks.
-// [host] Main thread only, as the host's callbacks are.
+// host, what the host answers, which lamps light up on the panel; prints and records each as it happens and keeps it
+// for the checks.
+// [host] Main thread only, like the host's callbacks.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -26,8 +26,8 @@ class FlightWatch {
   public:
     FlightWatch(HostModel& host, const PluginLibrary& plugin, const FlightPlaces& places, std::uint64_t startMs);
 
-    // Delivers the host's events, reads the telemetry and prints what is new, until condition holds. False after
-    // deadlineMs without it.
+    // Delivers the host's events, reads the telemetry and prints what is new, until condition holds. False if it does
+    // not within deadlineMs.
     bool until(const std::function<bool()>& condition, std::uint64_t deadlineMs);
     void watchFor(std::uint64_t ms);
 
@@ -44,7 +44,7 @@ class FlightWatch {
     const Telemetry& telemetry() const { return telemetry_; }
     // When the worker first reported the present COM1 active frequency: tick ms, no later than the plugin saw it.
     std::uint64_t tunedAtMs() const { return tunedAtMs_; }
-    // Requests to be moved since the given tick.
+    // Move requests since the given tick.
     std::vector<HostCall> requestsSince(std::uint64_t tickMs) const;
 
   private:

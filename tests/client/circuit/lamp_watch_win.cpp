@@ -5,7 +5,7 @@
 
 namespace {
 
-// The middle of a lit glass is nearly white (panel/lamp_images.cpp), of a dark one nearly black.
+// The middle of a lit glass is nearly white (panel/lamp_images.cpp), that of a dark one nearly black.
 constexpr int kShiningFrom = 130;
 
 bool shines(COLORREF colour) {

@@ -1,5 +1,5 @@
-// lamp_watch_win.h - which lamps of the plugin's panel shine, as the pilot sees them on the screen. For the flight's
-// record, not for its checks: another window may stand in front.
+// lamp_watch_win.h - which lamps of the plugin's panel are lit, as the pilot sees them on the screen. For the flight's
+// record, not for its checks: another window may be in front.
 // [host] One thread, which sees screen pixels (useDevicePixels).
 #pragma once
 #include <array>
@@ -13,7 +13,7 @@ struct PanelLamp {
 
 class LampWatch {
   public:
-    explicit LampWatch(std::int32_t theme);  // one that has a TEXT lamp
+    explicit LampWatch(std::int32_t theme);  // a theme that has a TEXT lamp
     // Looks at the panel; nothing is lit while there is none.
     const std::array<PanelLamp, 3>& look();
 

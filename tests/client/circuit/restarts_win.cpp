@@ -1,7 +1,7 @@
-// restarts_win.cpp - simulator, worker, plugin and voice client, each killed and started again, one by one and all
-// together in several orders; after each, a frequency tuned in the cockpit must move the pilot to another channel, and
-// at the end the panel's swap must reach the aircraft. Prints a timeline; exits with 1 if anything did not recover.
-//   restarts OUT_FOLDER [ORDERS]     of the 24 orders; 6
+// restarts_win.cpp - kills and restarts simulator, worker, plugin and voice client, one by one and all together in
+// several orders. After each, a frequency tuned in the cockpit must move the pilot to another channel, and at the end
+// the panel's swap must reach the aircraft. Prints a timeline; exits with 1 if anything did not recover.
+//   restarts OUT_FOLDER [ORDERS]     how many of the 24 orders; 6
 //   restarts --client                the voice client, as a process of its own
 #include <windows.h>
 #include <algorithm>
@@ -20,7 +20,7 @@
 namespace {
 
 constexpr std::uint64_t kRecoveryMs = 15'000;  // the worker looks every 5 s at most, the plugin waits up to 2 s to move
-// The plugin counts a move as confirmed when it looks again 2 s later; disturbed before, it would wait for 5 s.
+// The plugin looks again after 2 s and then counts a move as confirmed; disturbed before that, it would wait for 5 s.
 constexpr std::uint64_t kConfirmedMs = 2300;
 
 enum Part : int { kSimulator, kWorker, kPlugin, kClient };
@@ -70,7 +70,7 @@ class Restarts {
         for (const int part : order) start(part);
         expectWorks(title.substr(0, title.size() - 2));
     }
-    // The other way round: from the panel to the aircraft.
+    // The opposite way: from the panel to the aircraft.
     void expectSwap() {
         const Tuning next = nextTuning();
         simulator_.say(std::string("tune COM1 standby ") + next.megahertz);
@@ -97,13 +97,13 @@ class Restarts {
         if (part == kPlugin) client_.say("unload");
         if (part == kClient) client_.kill();
     }
-    // As seen from outside: no fresh telemetry without simulator or worker.
+    // As seen from outside: without simulator or worker there is no fresh telemetry.
     bool isGone(int part) const {
         if (part == kClient) return !client_.isRunning();
         if (part == kPlugin) return !client_.lines().empty() && client_.lines().back() == "unloaded";
         return !isFresh(parseTelemetry(readFile(dataFolder() / kTelemetryFile)), SystemClock().unixSeconds());
     }
-    // The plugin comes with a client that is started; a worker that is started by hand ends itself if one is there.
+    // A started client brings the plugin; a worker started by hand ends itself if there is one already.
     void start(int part) {
         if (part == kSimulator) simulator_.start(standin::besideUs(L"stand_in_simulator.exe", L"--pipe"));
         if (part == kWorker) startWorker();
@@ -115,7 +115,7 @@ class Restarts {
             L"hopline_worker.exe",
             L"--data-dir \"" + dataFolder().wstring() + L"\" --watch-pid " + std::to_wstring(GetCurrentProcessId())));
     }
-    // Those of the plugin and ours: each has left its number in the log.
+    // The plugin's workers and ours: each has left its process number in the log.
     void killWorkers() {
         const std::string log = readFile(dataFolder() / "hopline_worker.log");
         constexpr std::string_view kStarted = "started, process ";
@@ -179,7 +179,7 @@ int main(int argc, char** argv) {
     Restarts restarts(argv[1]);
     restarts.begin();
     for (const int part : {kSimulator, kWorker, kPlugin, kClient}) restarts.restart(part);
-    // Evenly among all, beginning with the simulator first.
+    // Spread evenly over all orders, the first of which begins with the simulator.
     std::array<int, 4> order = {kSimulator, kWorker, kPlugin, kClient};
     int flown = 0;
     for (int i = 0; i < 24; i++, std::next_permutation(order.begin(), order.end())) {

@@ -15,7 +15,7 @@ void say(const std::string& text) {
     std::fflush(stdout);
 }
 
-// What stands on standard input, without waiting. False at its end.
+// What has arrived on standard input, without waiting. False at its end.
 bool readInput(std::string& text) {
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     DWORD waiting = 0;

@@ -45,7 +45,7 @@ void openInSmallWindow(Stage& stage) {
 constexpr std::array kOpeners = {openPage<0>, openPage<1>, openPage<2>, openPage<3>};
 
 std::vector<Scene> makeScenes() {
-    static std::deque<std::string> texts;  // what the scenes point to
+    static std::deque<std::string> texts;  // owns the texts that the scenes point to
     std::vector<Scene> scenes;
     for (std::int32_t language = 0; language < kLanguageCount; language++) {
         const std::string code = languageCode(language);

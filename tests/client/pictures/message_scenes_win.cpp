@@ -55,7 +55,7 @@ void showChinese(Stage& stage) {
     open(stage);
 }
 
-// Others than the shown one arrive while it is read.
+// More messages arrive while one is being read.
 void showUnread(Stage& stage) {
     for (int i = 1; i <= 37; i++) deliver(stage, "Message number " + std::to_string(i));
     open(stage);
@@ -69,7 +69,7 @@ void hoverClose(Stage& stage) {
     moveOverMessageWindow(596, 24);
 }
 
-// What should not harm the picture: marks, both directions, emoji, controls, damaged bytes.
+// Text that must not harm the picture: marks, both directions, emoji, controls, damaged bytes.
 void showHostile(Stage& stage) {
     deliver(stage,
             "Shalom \u05E9\u05DC\u05D5\u05DD, \u202Ereversed\u202C? \U0001F6EC landed \x01\x02\x1B[31m red, "

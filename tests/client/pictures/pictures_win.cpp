@@ -14,18 +14,18 @@
 
 namespace {
 
-constexpr int kMargin = 24;                 // of ground, where what is translucent is to be seen
-constexpr int kTakes = 3;                   // now and then Wine leaves a window behind the ground
+constexpr int kMargin = 24;                 // of ground, which shows what is translucent
+constexpr int kTakes = 3;                   // Wine sometimes leaves a window behind the ground
 constexpr DWORD kBetweenMs = 25;            // two looks at the screen
-constexpr std::uint64_t kStillMs = 200;     // unchanged for so long is still: six ticks of the panel
-constexpr std::uint64_t kWatchedMs = 1200;  // a whole flash, and a bit
+constexpr std::uint64_t kStillMs = 200;     // still means unchanged for this long: six ticks of the panel
+constexpr std::uint64_t kWatchedMs = 1200;  // a whole flash and a bit more
 constexpr std::uint64_t kDeadlineMs = 20'000;
 
 // Where the pictures are taken.
 struct Studio {
     Ground ground;
     int margin = 0;          // of ground around the window
-    bool isDivided = false;  // light on the left, dark on the right of the window's middle; else dark
+    bool isDivided = false;  // light left of the window's middle, dark right of it; else dark
 };
 
 // The window with its tip if one is shown, and the margin around them.
@@ -58,7 +58,7 @@ ScreenPicture takeStill(ClientSession& session, Studio& studio, HWND window) {
 }
 
 ScreenPicture takeBrightest(ClientSession& session, Studio& studio, HWND window) {
-    ScreenPicture brightest = takeStill(session, studio, window);  // a flash stands still between its changes
+    ScreenPicture brightest = takeStill(session, studio, window);  // a flash is still between its changes
     ScreenPicture darkest = brightest;
     session.waitUntil(
         [&] {
@@ -82,14 +82,14 @@ bool isOnScreen(HWND window) {
     return IntersectRect(&seen, &rect, &screen) && EqualRect(&seen, &rect) && !Ground::isBare(rect);
 }
 
-// Sets the scene in a plugin of its own; an empty picture if it does not come about.
+// Plays the scene in a plugin of its own; an empty picture if it does not come about.
 ScreenPicture playScene(const Scene& scene, std::int32_t theme, Studio& studio) {
     ClientSession session;
     session.writeSettings("theme=" + std::to_string(theme) + "\r\npanel_x=60\r\npanel_y=50\r\n" + scene.settings);
     if (scene.prepare) {
         scene.prepare(session.telemetry);
         session.publish();
-        session.host.moveByHand(kSchid, kOwnClient, kApproach118005);  // where flyAlong's frequency is talked on
+        session.host.moveByHand(kSchid, kOwnClient, kApproach118005);  // the channel of flyAlong's frequency
     }
     SetCursorPos(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1);  // off every window
     const auto fail = [](const char* what) {
@@ -121,7 +121,7 @@ std::string lowerCase(std::string_view name) {
     return lower;
 }
 
-// One of each window: what tells most about it.
+// One picture of each window or page: the one that says most.
 constexpr const char* kOneOfEach[] = {"panel_general_connected", "panel_boeing_connected", "panel_airbus_connected",
                                       "messages_clearance",      "settings_general_en",    "settings_voice_en",
                                       "settings_radio_en",       "settings_about_en"};
@@ -129,14 +129,14 @@ constexpr const char* kOneOfEach[] = {"panel_general_connected", "panel_boeing_c
 struct Order {
     std::filesystem::path folder;
     std::string percent;
-    std::string part;  // of the names wanted
+    std::string part;  // part of the wanted pictures' names
     bool isOneOfEach = false;
 };
 
 struct Picture {
     const Scene* scene;
     std::int32_t theme;
-    std::string name;  // begins with what it is of
+    std::string name;  // begins with its subject
 };
 
 bool isWanted(const Picture& picture, const Order& order) {
@@ -154,7 +154,7 @@ std::vector<Picture> wantedPictures(const Order& order) {
     };
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         for (const Scene& scene : panelScenes()) {
-            if (scene.moment == Moment::kBrightest && theme == kGeneralTheme) continue;  // no lamp of its flashes
+            if (scene.moment == Moment::kBrightest && theme == kGeneralTheme) continue;  // GENERAL has no flashing lamp
             add(scene, theme, "panel_" + lowerCase(themeName(theme)));
         }
     }
@@ -163,7 +163,7 @@ std::vector<Picture> wantedPictures(const Order& order) {
     return pictures;
 }
 
-// False if one could not be taken, or if a window of --each has no scene.
+// False if a picture could not be taken or a window of --each has no scene.
 bool takePictures(const Order& order) {
     Studio studio{{}, order.isOneOfEach ? 0 : kMargin, !order.isOneOfEach};
     if (order.isOneOfEach) studio.ground.darken();

@@ -28,7 +28,7 @@ void talkBothWays(Stage& stage) {
     stage.session.host.setTalking(kSchid, kOtherClient, true);
 }
 
-// Nobody answers for the simulator: the turn stays on its way for seconds.
+// The simulator's side does not answer: the turn stays on its way for seconds.
 void turnStandby(Stage& stage) {
     stage.panel.wheel(stage.theme == kGeneralTheme ? kStandbyMhzDigits : kLargeKnob, 3 * WHEEL_DELTA);
 }
@@ -62,11 +62,11 @@ void hoverVolume(Stage& stage) {
     hover(stage, stage.panel.pointOn(kVolumeKnob));
 }
 
-// A held knob looks as one let go: it is seen to be held by its having been turned.
+// A held knob looks like a released one: only its turn shows that it is held.
 void holdKnob(Stage& stage) {
     POINT at = stage.panel.pointOn(stage.theme == kGeneralTheme ? kVolumeKnob : kLargeKnob);
     hover(stage, at);
-    stage.session.waitUntil([&] { return isTipShown(stage); });  // the real mouse is there, and moves no more
+    stage.session.waitUntil([&] { return isTipShown(stage); });  // the real mouse has arrived and moves no more
     at.y -= 16;
     stage.panel.press(at);
     for (int i = 0; i < 4; i++) {
@@ -84,7 +84,7 @@ PixelRect pixelsOf(const Stage& stage, const UnitRect& part) {
             static_cast<std::int32_t>(last.y)};
 }
 
-// Another picture than before the act in this part of the theme's layout.
+// Whether this part of the theme's layout looks different from before the act.
 bool isChanged(const Stage& stage, const UnitRect& part) {
     const ArgbImage now = askForPicture(stage.panel.window());
     const PixelRect area = pixelsOf(stage, part);
@@ -126,7 +126,7 @@ bool areLampsLit(const Stage& stage) {
     return isChanged(stage, themeLayout(stage.theme).txLamp) && isChanged(stage, themeLayout(stage.theme).rxLamp);
 }
 
-// The turn is with the simulator's side, and the panel says so.
+// The turn is with the simulator's side, and the panel shows that.
 bool isWritePending(const Stage& stage) {
     return fileBytes(stage.session.dataFolder / "command.json") > 0 && isStatusChanged(stage) &&
            isChanged(stage, themeLayout(stage.theme).displays[1]);
@@ -141,7 +141,7 @@ bool isTextKeyLit(const Stage& stage) {
     return isElementChanged(stage, kCustomKeyA);
 }
 
-// Everything that can shine does, on custom keys too: AUTO, COM2, target STANDBY, pin.
+// Everything lights up that can, including custom keys: AUTO, COM2, target STANDBY, pin.
 constexpr const char* kLampSettings =
     "radio=COM2\r\ntarget=1\r\npin=1\r\nbind_B=2\r\nbind_C=4\r\nbind_D=6\r\nbind_E=7\r\n";
 

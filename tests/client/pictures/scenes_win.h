@@ -16,18 +16,18 @@ struct Stage {
 
 enum class Moment {
     kStill,      // once nothing changes any more
-    kBrightest,  // of what flashes
+    kBrightest,  // the brightest moment of a flash
 };
 
 struct Scene {
     const char* name;                       // part of the file's name
     const char* settings;                   // lines of settings.ini besides the theme
     void (*prepare)(FakeTelemetry& flown);  // the aircraft's radios before the start; null: no simulator
-    void (*act)(Stage& stage);              // once the panel stands; null: nothing
+    void (*act)(Stage& stage);              // once the panel is shown; null: nothing
     HWND (*window)();                       // what the picture is of
     Moment moment;
     bool atEveryResolution;  // not only at 100 %
-    // That the scene shows what it is named for; the picture is taken once it holds. Null: whatever stands there.
+    // Whether the scene shows what it is named for; only then is the picture taken. Null: whatever is there.
     bool (*isReached)(const Stage& stage) = nullptr;
 };
 

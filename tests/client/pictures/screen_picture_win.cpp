@@ -9,7 +9,7 @@ constexpr COLORREF kDark = RGB(34, 37, 43);
 constexpr const wchar_t* kGroundClass = L"CorvalisPictureGround";
 constexpr CLSID kPngEncoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
 constexpr std::uint32_t kColours = 0x00FFFFFF;
-constexpr double kBareShare = 0.1;  // of a part's pixels: more of the ground than any window's corners let through
+constexpr double kBareShare = 0.1;  // of a part's pixels: more ground than any window's corners let through
 
 void fill(HDC dc, const RECT& rect, COLORREF colour) {
     const HBRUSH brush = CreateSolidBrush(colour);

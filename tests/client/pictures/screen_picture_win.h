@@ -1,6 +1,6 @@
 // screen_picture_win.h - pictures of the screen as a user sees it, translucent windows blended with what is behind
-// them: that needs a compositor on the screen (tools/screenshots starts one). [host] All of it on one thread, which
-// is told device pixels (useDevicePixels).
+// them; this needs a compositor on the screen (tools/screenshots starts one). [host] All of it on one thread, which
+// sees device pixels (useDevicePixels).
 #pragma once
 #include <windows.h>
 #include <cstdint>
@@ -21,7 +21,7 @@ double brightnessOf(const ScreenPicture& picture);  // mean of the three colours
 // As a PNG; false if it cannot be written. GDI+ must be running.
 bool savePicture(const ScreenPicture& picture, const std::filesystem::path& file);
 
-// What stands behind the windows: the whole screen, light on the left and dark on the right of a line.
+// The ground behind the windows: the whole screen, light on the left and dark on the right of a line.
 class Ground {
   public:
     Ground();
@@ -31,9 +31,9 @@ class Ground {
 
     void divideAt(int screenX);
     void darken() { divideAt(0); }
-    // True while nothing stands in front of this part of the screen, save something small.
+    // True unless something large is in front of this part of the screen.
     static bool isBare(const RECT& part);
-    void serve();  // its messages; call it while waiting
+    void serve();  // handles its messages; call it while waiting
 
   private:
     static LRESULT CALLBACK wndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;

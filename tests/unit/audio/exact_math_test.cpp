@@ -1,4 +1,4 @@
-// The C library's long double functions are the judge; x87 has 11 bits more than what is looked at here.
+// exact_math_test.cpp - judged by the C library's long double functions; x87 has 11 bits more than are compared here.
 #include "audio/exact_math.h"
 #include <gtest/gtest.h>
 #include <cmath>
@@ -8,7 +8,7 @@ namespace {
 
 constexpr long double kTwoPi = 6.283185307179586476925286766559L;
 
-// MSVC's long double is a double: no judge of one.
+// MSVC's long double is a double and cannot judge one.
 constexpr bool kIsJudge = std::numeric_limits<long double>::digits >= 64;
 constexpr const char* kNoJudge = "this compiler's long double is no finer than a double";
 

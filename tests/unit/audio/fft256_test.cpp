@@ -28,7 +28,7 @@ std::uint64_t hashOf(const std::array<float, kFftSize>& values, std::uint64_t ha
     return hash;
 }
 
-// Signals whose transforms meet zeros of both signs, large and tiny values.
+// Signals whose transforms involve zeros of both signs, large and tiny values.
 std::vector<Points> signals() {
     std::mt19937 random(1);
     std::vector<Points> all(40);
@@ -63,7 +63,7 @@ std::vector<Points> signals() {
             }
         }
     }
-    for (int signs = 0; signs < 16; signs++) {  // zeros whose sign is that of their quarter
+    for (int signs = 0; signs < 16; signs++) {  // zeros whose sign depends on their quarter
         Points zeros{};
         for (int n = 0; n < kFftSize; n++) zeros[n] = (signs >> (n / 64)) % 2 == 0 ? 0.0f : -0.0f;
         all.push_back(zeros);
@@ -95,7 +95,7 @@ TEST(Fft256, WindowIsWhatTheCLibrarysCosineGives) {
         EXPECT_EQ(bitsOf(kHannWindow[n]), bitsOf(static_cast<float>(0.5 * (1.0 - std::cos(kTau * n / kFftSize))))) << n;
 }
 
-// The cosine of a quarter turn is the one value that C libraries disagree about: mingw's asks the x87, whose pi is
+// The cosine of a quarter turn is the only value on which C libraries disagree: mingw's uses the x87, whose pi is
 // short.
 TEST(Fft256, QuarterTurnIsTheCosineOfTheDoubleNearestHalfPi) {
     EXPECT_EQ(bitsOf(kForwardTables.twiddles.re[3]), bitsOf(6.123233995736766e-17f));

@@ -20,7 +20,7 @@ using Samples = std::vector<short>;
 constexpr double kPi = 3.14159265358979323846;
 constexpr int kSecond = 48000;
 
-// The processor's control word with denormals on or off, as it was afterwards.
+// Turns denormals on or off in the processor's control word for a scope.
 class Denormals {
   public:
     explicit Denormals(bool on) : control_(_mm_getcsr()) { _mm_setcsr(on ? control_ & ~kOff : control_ | kOff); }
@@ -47,7 +47,7 @@ std::string nameOf(const Mode& m) {
            std::to_string(m.predenoise);
 }
 
-// All that a microphone can do, one after the other.
+// Everything a microphone can deliver, one after the other.
 Samples everySound(int perSound) {
     VoiceBlocks blocks(7);
     Samples all;
@@ -61,7 +61,7 @@ Samples everySound(int perSound) {
     return all;
 }
 
-// In blocks of the given length, 0: of any length.
+// In blocks of the given length; 0: of random lengths.
 template <class Apply>
 Samples inBlocks(Samples x, int length, Apply apply) {
     VoiceBlocks lengths(3);
@@ -131,8 +131,8 @@ double decibels(double ratio) {
     return 20.0 * std::log10(ratio);
 }
 
-// A tone so quiet that the level stays below the compressor's knee, the make-up at its limit and the saturation nearly
-// straight: differences between such tones are those of the filters. Measured before the noise floor has risen to it.
+// A tone so quiet that the level stays below the compressor's knee, the make-up gain at its limit and the saturation
+// nearly linear: such tones differ only by the filters. Measured before the noise floor has risen to the tone.
 double quietToneDb(double hz) {
     const Samples y = fast(tone(hz, 40.0, kSecond / 2), 960, {1, false, false});
     return decibels(rms(y, kSecond / 4, kSecond / 2) / (40.0 / std::sqrt(2.0)));
@@ -168,7 +168,7 @@ TEST(RadioEffect, GivesTheSamplesOfThePlainOneInEveryModeAndSplit) {
     }
 }
 
-// An odd block makes the next one start with slot 0 again, so in stereo the split is part of the input.
+// After an odd block the next one starts with slot 0 again, so in stereo the split is part of the input.
 TEST(RadioEffect, GivesTheSamplesOfThePlainOneInOddAndShortBlocks) {
     const Samples sounds = everySound(3000);
     for (const bool denormals : {false, true}) {
@@ -203,7 +203,7 @@ TEST(RadioEffect, GivesTheSamplesOfThePlainOneWhileTheSwitchesChange) {
     expectSameMemory(*state, *plainState, "switching");
 }
 
-// Everything runs down to its smallest values.
+// Everything decays to its smallest values.
 TEST(RadioEffect, GivesTheSamplesOfThePlainOneLongIntoSilence) {
     Samples x = VoiceBlocks(5).take(Sound::kSpeech, kSecond);
     x.resize(20 * kSecond);
@@ -241,7 +241,7 @@ TEST(RadioEffect, TurnsZerosIntoBandLimitedNoiseWithHiss) {
     }
     const double expected = std::sqrt(power / 3.0) * 1300.0 * 1.5 * 2.36;
     EXPECT_NEAR(decibels(rms(y, kSecond, y.size()) / expected), 0.0, 0.5);  // the bend takes a little
-    // Little of it below 100 Hz and above 12 kHz: energy of single bins against one in the middle.
+    // Little of it is below 100 Hz and above 12 kHz: the energy of single bins, compared with one in the middle.
     const auto binDb = [&](double hz) {
         double sum = 0.0;
         for (int part = 0; part < 40; part++) {
@@ -334,7 +334,7 @@ TEST(RadioEffect, UsesSlot0AloneBelowTwoChannelsAndAlternatesFromTwoOn) {
         EXPECT_EQ(state->channels[1].level, 0.0f);
     }
     EXPECT_EQ(fast(x, 960, {6, true, true}), fast(x, 960, {2, true, true}));
-    // Each slot hears its own values alone.
+    // Each slot hears only its own values.
     Samples even, odd, both;
     for (std::size_t i = 0; i < x.size(); i++) (i % 2 == 0 ? even : odd).push_back(x[i]);
     const Samples y = fast(x, 960, {2, false, true});
@@ -419,11 +419,11 @@ TEST(RadioEffect, FollowsAnOnsetIn3MsAndAnEndIn300Ms) {
     int ms = 0;
     for (; ms < 50 && c.level < 0.63f * steady; ms++)
         applyRadioEffect(&onset[static_cast<std::size_t>(48 * ms)], 48, 1, *state, false, false);
-    EXPECT_GE(ms, 3);  // a tone's peaks pull for part of the time only
+    EXPECT_GE(ms, 3);  // a tone's peaks pull only part of the time
     EXPECT_LE(ms, 12);
 }
 
-// Not held to the C library: one of them takes -0.49999997 to -1.
+// Not compared with the C library: one of them rounds -0.49999997 to -1.
 TEST(RadioEffect, RoundsHalvesAwayFromZeroAndClamps) {
     const auto rounded = [](float x) { return _mm_cvtsi128_si32(roundToSample(_mm_set_ss(x))); };
     for (int whole = 0; whole <= 32769; whole++) {

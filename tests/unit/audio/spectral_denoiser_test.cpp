@@ -45,14 +45,14 @@ Samples noise(int n, float amplitude, unsigned seed) {
     return x;
 }
 
-// Whole periods in a hop, so every frame sees the same magnitudes: a steady tone of 8 / 128 of the sample rate.
+// Whole periods per hop, so that every frame sees the same magnitudes: a steady tone of 8 / 128 of the sample rate.
 Samples steadyTone(int n, float amplitude) {
     Samples x(n);
     for (int i = 0; i < n; i++) x[i] = static_cast<float>(amplitude * std::sin(kTau * 8 * i / kDenoiserHop));
     return x;
 }
 
-// A buzz with formants, syllables of 180 ms with pauses between, over quiet noise; after 0.8 of it silence.
+// A buzz with formants, in syllables of 180 ms with pauses between, over quiet noise; silence after 0.8 of it.
 Samples speechThenSilence(int n) {
     Samples x = noise(n, 40.0f, 5);
     for (int i = 0; i < n; i++) {
@@ -129,7 +129,7 @@ Samples plainDenoised(const Samples& x, const Flags& flags) {
     return y;
 }
 
-// In runs of random lengths, the flags told after the samples.
+// In runs of random lengths, with the flags given after the samples.
 Samples denoisedInRuns(SpectralDenoiser& state, const Samples& x, const Flags& flags, unsigned seed) {
     std::mt19937 random(seed);
     Samples y(x.size());
@@ -287,7 +287,7 @@ TEST(SpectralDenoiser, OnlyLowersTheNoiseEstimateDuringSpeech) {
     const Samples loud = noise(24000, 8000.0f, 13), quiet = noise(24000, 500.0f, 14);
     SpectralDenoiser state;
     denoised(state, quiet, Flags(quiet.size(), 0));
-    trackSpeech(state, Flags(100, 1).data(), 100);  // until the presence follows
+    trackSpeech(state, Flags(100, 1).data(), 100);  // until speechPresence follows
     auto before = state.noise;
     denoised(state, loud, Flags(loud.size(), 1));
     for (int k = 0; k < kDenoiserBins; k++) EXPECT_LE(state.noise[k], before[k]) << k;
@@ -297,7 +297,7 @@ TEST(SpectralDenoiser, OnlyLowersTheNoiseEstimateDuringSpeech) {
     for (int k = 0; k < kDenoiserBins; k++) EXPECT_LT(state.noise[k], before[k] * 0.5f) << k;
 }
 
-// With every second flag set the presence hovers about a half, with every fifth about a fifth. Only a pause teaches.
+// With every second flag set the presence is about one half, with every fifth about one fifth. Only a pause teaches.
 TEST(SpectralDenoiser, TakesAFlickeringFlagForSpeechAbove30Percent) {
     const struct {
         int every;
@@ -326,7 +326,7 @@ TEST(SpectralDenoiser, FollowsTheFlagByTwoPercentASample) {
     EXPECT_NEAR(state.speechPresence, low + (1.0f - low) * 0.02f, 1e-6);
 }
 
-// A frame at a presence of exactly 0.3 is a pause, the next float above it is speech.
+// A frame with a presence of exactly 0.3 is a pause; with the next higher float it is speech.
 TEST(SpectralDenoiser, TakesAPresenceOfExactly30PercentForAPause) {
     const float above = std::nextafter(0.3f, 1.0f);
     for (const float wanted : {0.3f, above}) {

@@ -62,7 +62,7 @@ TEST_F(TailPlayerTest, PlaysAtMostOneTailEvery350Ms) {
     play(kOther);
     EXPECT_EQ(played(), 2u);
     clock.advance(349);
-    play(kOwn);  // one's own share the spacing with the others'
+    play(kOwn);  // one's own tails share the spacing with the others'
     EXPECT_EQ(played(), 2u);
 }
 
@@ -84,7 +84,7 @@ TEST_F(TailPlayerTest, LogsAPlayedTailAgainExactlyOneSecondLater) {
     clock.advance(500);
     play(kOther);
     clock.advance(499);
-    play(kOther);  // 999 ms after the line, and played
+    play(kOther);  // 999 ms after the log line, and played
     EXPECT_EQ(model.logLines().size(), 1u);
     player.throttle.lastPlay -= 1000;
     clock.advance(1);
@@ -95,7 +95,7 @@ TEST_F(TailPlayerTest, LogsAPlayedTailAgainExactlyOneSecondLater) {
 TEST_F(TailPlayerTest, CountsSuppressedTailsAndLogsTheCountAtMostOnceASecond) {
     play(kOther);  // at 0
     clock.advance(100);
-    play(kOther);  // suppressed and told at once
+    play(kOther);  // suppressed, and logged at once
     for (int i = 0; i < 2; i++) {
         clock.advance(100);
         play(kOwn);  // 200, 300: suppressed and counted
@@ -130,7 +130,7 @@ TEST_F(TailPlayerTest, OwnReleasesAreSilentWithTailSelfOffAndOthersArePlayed) {
     set(&Settings::tail_self, false);
     play(kOwn);
     EXPECT_EQ(played(), 0u);
-    play(kOther);  // the silent one took no turn
+    play(kOther);  // the silent one did not use up the spacing
     EXPECT_EQ(played(), 1u);
 }
 
@@ -202,7 +202,7 @@ TEST_F(TailPlayerTest, KeepsItsSpacingsWhenThe32BitTickWraps) {
     clock.tick = 0x1'FFFF'FF9CULL;  // 100 ms before the low half wraps
     play(kOther);
     clock.advance(50);
-    play(kOther);  // suppressed and told
+    play(kOther);  // suppressed and logged
     clock.advance(150);
     play(kOther);  // suppressed, beyond the wrap
     EXPECT_EQ(played(), 1u);
@@ -214,7 +214,7 @@ TEST_F(TailPlayerTest, KeepsItsSpacingsWhenThe32BitTickWraps) {
     play(kOther);
     EXPECT_EQ(played(), 3u);
     clock.advance(200);
-    play(kOther);  // suppressed and told: 1150 ms after the last line
+    play(kOther);  // suppressed and logged: 1150 ms after the last line
     EXPECT_EQ(model.logLines(),
               (Lines{"Corvalis tail played (own=0)", "Corvalis tail throttled: 1 calls suppressed in 1s",
                      "Corvalis tail played (own=0)", "Corvalis tail throttled: 2 calls suppressed in 1s"}));

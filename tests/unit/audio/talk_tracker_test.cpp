@@ -21,7 +21,7 @@ class TalkTrackerTest : public testing::Test {
     void release(std::uint16_t client, std::uint64_t at, std::uint64_t server = kServer) {
         talkChanged(talk, server, client, false, at);
     }
-    // Those whose tails wait, in order; the queue is empty afterwards.
+    // The clients whose tails wait, in order; the queue is empty afterwards.
     std::vector<std::uint16_t> tails() {
         std::vector<std::uint16_t> clients;
         for (const Tail& tail : takeTails(talk)) clients.push_back(tail.clientId);
@@ -95,7 +95,7 @@ TEST_F(TalkTrackerTest, TheSeventeenthReleaseBetweenTwoDrainsIsDropped) {
         if (client <= 116) firstSixteen.push_back(client);
     }
     EXPECT_EQ(tails(), firstSixteen);
-    expectLamps(false, false);  // the dropped one has stopped talking all the same
+    expectLamps(false, false);  // the dropped one has stopped talking nevertheless
     press(117, 3000);
     release(117, 4000);
     EXPECT_EQ(tails(), std::vector<std::uint16_t>{117});
@@ -133,7 +133,7 @@ TEST_F(TalkTrackerTest, TheSameClientOnTwoServersHasTwoTransmissionsButOneLamp) 
     press(5, 1200, kOtherServer);
     release(5, 1250, kOtherServer);  // 50 ms there
     EXPECT_TRUE(tails().empty());
-    expectLamps(false, false);  // the talking set knows client ids alone
+    expectLamps(false, false);  // the talking set only knows client ids
     release(5, 1251, kServer);  // 251 ms here
     const auto queued = takeTails(talk);
     ASSERT_EQ(queued.size(), 1u);
@@ -144,7 +144,7 @@ TEST_F(TalkTrackerTest, TheSpeakersKeyPutsTheServerAboveTheSixteenBitsOfTheClien
     EXPECT_EQ(speakerKey(0, 0xFFFF), 0xFFFFu);
     EXPECT_EQ(speakerKey(1, 5), 0x10005u);
     EXPECT_EQ(speakerKey(0xABCD, 0x1234), 0xABCD1234u);
-    EXPECT_EQ(speakerKey(0xFFFF'0000'0000'0001ULL, 2), 0x10002u);  // the top sixteen bits leave
+    EXPECT_EQ(speakerKey(0xFFFF'0000'0000'0001ULL, 2), 0x10002u);  // the top sixteen bits are dropped
 }
 
 TEST_F(TalkTrackerTest, AFullTableIsFlushedAtTheNextEventAfter1024Speakers) {

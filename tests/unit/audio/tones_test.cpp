@@ -1,4 +1,4 @@
-// The two sounds beside a plain second reckoning of their formulas with the C library's sine and exponential.
+// tones_test.cpp - the two sounds beside a plain second calculation with the C library's sine and exponential.
 #include "audio/tones.h"
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -76,7 +76,7 @@ double referenceNote(double hz, double overtoneHz, double tau, double decay) {
            std::min(tau / 0.006, 1.0);
 }
 
-// The ranges of the notes in samples: 0.15 s is 7200, 0.14 s is 6720, 0.14 + 0.32 s is 22080, all of them included.
+// The notes' ranges in samples: 0.15 s is 7200, 0.14 s is 6720, 0.14 + 0.32 s is 22080, all inclusive.
 Samples referenceAlert() {
     std::vector<float> chime;
     for (int n = 0; n < 24000; n++) {
@@ -109,7 +109,7 @@ double levelOf(const Samples& samples, int from, int to) {
     return std::sqrt(sum / (to - from));
 }
 
-// How strongly hz sounds in samples from..to, as an amplitude.
+// How strong hz is in samples from..to, as an amplitude.
 double amplitudeAt(const Samples& samples, double hz, int from, int to) {
     double re = 0.0, im = 0.0;
     for (int n = from; n < to; n++) {
@@ -134,8 +134,8 @@ void expectHeader(const std::string& file, std::uint32_t dataBytes) {
     EXPECT_EQ(littleEndian(file, 16, 4), 16u);
     EXPECT_EQ(littleEndian(file, 20, 2), 1u);      // PCM
     EXPECT_EQ(littleEndian(file, 22, 2), 1u);      // mono
-    EXPECT_EQ(littleEndian(file, 24, 4), 48000u);  // samples a second
-    EXPECT_EQ(littleEndian(file, 28, 4), 96000u);  // bytes a second
+    EXPECT_EQ(littleEndian(file, 24, 4), 48000u);  // samples per second
+    EXPECT_EQ(littleEndian(file, 28, 4), 96000u);  // bytes per second
     EXPECT_EQ(littleEndian(file, 32, 2), 2u);      // block
     EXPECT_EQ(littleEndian(file, 34, 2), 16u);     // bits
     EXPECT_EQ(file.substr(36, 4), "data");
@@ -196,7 +196,7 @@ TEST(Tones, TheAlertSoundsC6ThenG6AndEndsInSilence) {
     EXPECT_EQ(levelOf(alert, 22081, 24000), 0.0);
 }
 
-// Pinned from a build that equals the reckoning above in every sample.
+// Taken from a build that equals the calculation above in every sample.
 TEST(Tones, AreTheSameBytesOnEveryMachine) {
     EXPECT_EQ(fnv1a(wavFileOf(synthesizeTail())), 11281110690780445447ULL);
     EXPECT_EQ(fnv1a(wavFileOf(synthesizeAlert())), 6647988922484862256ULL);

@@ -1,4 +1,4 @@
-// voice_blocks.h - what microphones and speakers sound like, as blocks of 16-bit samples: repeatable, from a seed.
+// voice_blocks.h - what microphones and speakers sound like, as blocks of 16-bit samples: repeatable from a seed.
 #pragma once
 #include <array>
 #include <cmath>
@@ -12,7 +12,7 @@ class VoiceBlocks {
   public:
     explicit VoiceBlocks(std::uint32_t seed) : state_(seed * 2654435761U + 1) {}
 
-    // Below limit, each about as often.
+    // Below limit, all about equally likely.
     std::uint32_t below(std::uint32_t limit) { return (next() >> 8U) % limit; }
     bool oneIn(std::uint32_t n) { return below(n) == 0; }
 
@@ -21,7 +21,7 @@ class VoiceBlocks {
         for (short& x : block) x = sample(sound, at_++);
         return block;
     }
-    // Of any sound, of a length as hosts use them or odd ones, up to 1920 values.
+    // Any sound, in a block length that hosts use or an odd one, up to 1920 values.
     std::vector<short> takeAny() {
         constexpr std::array kLengths = {1, 7, 127, 128, 129, 160, 333, 480, 960, 1920};
         const int n = oneIn(4) ? 1 + static_cast<int>(below(1920)) : kLengths[below(kLengths.size())];

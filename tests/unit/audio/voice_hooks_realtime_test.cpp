@@ -1,5 +1,5 @@
-// What the hooks must not do on an audio thread: allocate, lock, call the system. The watchers stand in the way of the
-// C library's functions, so they are there only where no sanitizer has taken that place.
+// voice_hooks_realtime_test.cpp - what the hooks must not do on an audio thread: allocate, lock, call the system. The
+// watchers replace C library functions, so they only exist where no sanitizer does the same.
 #include <gtest/gtest.h>
 #include <vector>
 #include "audio/capture_mode.h"
@@ -42,7 +42,7 @@ class Watched {
 
 }  // namespace
 
-// In place of the C library's, for all of this program.
+// These replace the C library's in this whole program.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -85,7 +85,7 @@ int pthread_rwlock_rdlock(pthread_rwlock_t* lock) {
 
 namespace {
 
-// A thread's hooks with everything they will edit, made beforehand.
+// A thread's hooks with everything that they will edit, made in advance.
 struct AudioThreadModel {
     AudioThreadModel() {
         VoiceBlocks source(21);
@@ -114,7 +114,7 @@ struct AudioThreadModel {
     std::vector<std::vector<short>> blocks;
 };
 
-// Runs body in a child process that may do nothing but end; how it ended, as waitpid tells. -1: no such mode here.
+// Runs body in a child process that may only exit; returns how it ended, as in waitpid. -1: no such mode here.
 template <class Body>
 int runWithoutSystem(Body body) {
     constexpr int kNoMode = 99;
@@ -164,7 +164,7 @@ TEST(VoiceHooksRealtime, CallTheSystemForNothingOnceWarm) {
     const int status = runWithoutSystem([&] { thread.run(600); });
     if (status == -1) GTEST_SKIP() << "this kernel offers no seccomp strict mode";
     EXPECT_EQ(status, 0) << "the child was killed by signal " << WTERMSIG(status);
-    EXPECT_EQ(runWithoutSystem([] { syscall(SYS_getpid); }), SIGKILL);  // the mode does stop calls
+    EXPECT_EQ(runWithoutSystem([] { syscall(SYS_getpid); }), SIGKILL);  // the mode does prevent calls
 }
 
 TEST(VoiceHooksRealtime, LeaveANewSpeakersBlockAsItCameWithoutMemory) {
@@ -179,7 +179,7 @@ TEST(VoiceHooksRealtime, LeaveANewSpeakersBlockAsItCameWithoutMemory) {
     }
     EXPECT_EQ(block, before);
     EXPECT_TRUE(thread.playback.speakers.empty());
-    editPlaybackVoice(thread.playback, controls, 1, block.data(), 960, 1);  // there is some again
+    editPlaybackVoice(thread.playback, controls, 1, block.data(), 960, 1);  // there is memory again
     EXPECT_NE(block, before);
 }
 

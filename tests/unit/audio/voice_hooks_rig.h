@@ -24,7 +24,7 @@ struct Hooks {
     PlainCapturedVoice plainCaptured;
     PlainPlaybackVoices plainPlayback;
 
-    // The edited block; edited as the host's flag. Fails where the two differ.
+    // Returns the edited block; edited is the host's flag. Fails where the two differ.
     std::vector<short> capture(const VoiceControls& controls, std::vector<short> block, int channels, int& edited) {
         std::vector<short> plain = block;
         const int n = static_cast<int>(block.size());

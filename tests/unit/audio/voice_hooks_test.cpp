@@ -67,7 +67,7 @@ TEST(VoiceHooks, ReportAnEditOfNothingAtZeroDecibelsWithoutEffects) {
 TEST(VoiceHooks, StoreTheEditedFlagOnlyInCaptureModeZero) {
     Hooks hooks;
     const VoiceControls editing = controlsOf(kAudioMaster | kAudioDistortSelf);
-    int edited = 6;  // of the host's own; replaced, not added to
+    int edited = 6;  // the host's own value; replaced, not added to
     EXPECT_NE(hooks.capture(editing, speech(960), 1, edited), speech(960));
     EXPECT_EQ(edited, 1);
     edited = 6;
@@ -103,7 +103,7 @@ TEST(VoiceHooks, DropAllSpeakersWithTheCallThatFinds513) {
     for (std::uint16_t client = 1; client <= 513; client++) hooks.play(controls, client, level(20000, 96), 1);
     EXPECT_EQ(hooks.playback.speakers.size(), 513U);
     EXPECT_LT(hooks.equalizerGain(1), 1.0f);
-    hooks.play(controls, 7, level(0, 96), 1);  // known, and lost like the others
+    hooks.play(controls, 7, level(0, 96), 1);  // known, and dropped like the others
     EXPECT_EQ(hooks.playback.speakers.size(), 1U);
     EXPECT_EQ(hooks.equalizerGain(7), 1.0f);
     hooks.play(controls, 1, level(0, 96), 1);
@@ -180,7 +180,7 @@ TEST(VoiceHooks, StartTheEqualizerAfreshAfterItWasOff) {
 
 TEST(VoiceHooks, MeasureTheEqualizersLevelAfterTheRadio) {
     Hooks hooks;
-    std::vector<short> hum = level(0);  // 50 Hz: loud, but the radio's band lets none of it through
+    std::vector<short> hum = level(0);  // 50 Hz: loud, but the radio's band-pass stops it
     for (std::size_t i = 0; i < hum.size(); i++)
         hum[i] = static_cast<short>(12000.0 * std::sin(2.0 * 3.14159265358979 * static_cast<double>(i) / 960.0));
     for (int i = 0; i < 20; i++) hooks.play(controlsOf(kAudioMaster | kAudioEqualize), 1, hum, 1);
@@ -221,7 +221,7 @@ TEST(VoiceHooks, ResetTheOwnVoiceWhenASwitchChangesAndNotForAGain) {
     EXPECT_EQ(hooks.capture(controls, speech(960), 1, edited), other.capture(controls, speech(960), 1, edited));
 }
 
-// The generation that a voice bears before its first block counts as its own: 2^32 toggles away from the first one.
+// The generation that a voice has before its first block counts as its own: 2^32 toggles away from the first one.
 TEST(VoiceHooks, BeginWithAFreshOwnVoiceInEveryGenerationButOne) {
     int edited = 0;
     Hooks used;
@@ -230,7 +230,7 @@ TEST(VoiceHooks, BeginWithAFreshOwnVoiceInEveryGenerationButOne) {
         VoiceControls controls = controlsOf(kEverySwitch);
         controls.dspGeneration = generation;
         Hooks fresh, marked;
-        marked.captured.effect = used.captured.effect;  // not as a fresh voice has it
+        marked.captured.effect = used.captured.effect;  // not what a fresh voice has
         marked.plainCaptured.effect = used.plainCaptured.effect;
         const auto begun = fresh.capture(controls, speech(960), 1, edited);
         const bool isBegunAfresh = marked.capture(controls, speech(960), 1, edited) == begun;

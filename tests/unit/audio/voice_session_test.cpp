@@ -1,4 +1,4 @@
-// Long evenings with the voice hooks, beside the plain ones.
+// voice_session_test.cpp - long evenings with the voice hooks, beside the plain ones.
 #include <array>
 #include <atomic>
 #include <functional>
@@ -40,7 +40,7 @@ TEST(VoiceHookThreads, BeginAfreshWithEachSwitchThatIsToggledWhileTheyRun) {
     MemoryFiles files;
     SettingsStore settings(files);
     const VoiceLevels bridge;
-    std::atomic<std::uint32_t> seen[2] = {0, 0};  // by each thread, stored after the block; the toggles wait for it
+    std::atomic<std::uint32_t> seen[2] = {0, 0};  // stored by each thread after the block; the toggles wait for it
     std::atomic<bool> isSpeaking{true};
     const auto speak = [&](std::atomic<std::uint32_t>& mine) {
         Hooks hooks;

@@ -35,7 +35,7 @@ TEST(ReceiveGain, FollowsTheAircraftBetweenTheBounds) {
         {0.25f, 0.75f, 80.0f, 1.0f, 0.75},
         {0.25f, 0.75f, 80.0f, 0.5f, 0.5},
         {0.5f, 0.5f, 80.0f, 0.9f, 0.5},
-        {0.0f, 1.0f, 10.0f, 0.5f, 0.5},  // below unity the own volume is the simulator's affair
+        {0.0f, 1.0f, 10.0f, 0.5f, 0.5},  // below unity the simulator decides the own volume
         {0.0f, 1.0f, 90.0f, 0.5f, 0.5 * decibels(3.0)},
         {0.0f, 1.0f, 100.0f, 1.0f, decibels(6.0)},
     };

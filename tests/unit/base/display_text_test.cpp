@@ -33,16 +33,16 @@ TEST(DisplayText, ShowsOneReplacementForEachDamagedCharacter) {
         {"\x80", u"\uFFFD"},
         {"a\xFFz", u"a\uFFFDz"},
         {"\xC3(", u"\uFFFD("},
-        {"\xC0\xAF", u"\uFFFD\uFFFD"},                      // a detour to '/'
+        {"\xC0\xAF", u"\uFFFD\uFFFD"},                      // an overlong form of '/'
         {"\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},            // another
         {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},            // a surrogate
         {"\xED\xBF\xBFx", u"\uFFFD\uFFFD\uFFFDx"},          //
         {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // above U+10FFFF
         {"\xF8\x88\x80\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
-        {"\xE6\x94", u"\uFFFD"},          // cut short: one beginning, one mark
+        {"\xE6\x94", u"\uFFFD"},          // cut short: one beginning gives one mark
         {"\xF0\x9F\x9B", u"\uFFFD"},      //
         {"\xF0\x9F\x9Bx", u"\uFFFDx"},    //
-        {"\xEF\xBF\xBF", u"\uFFFD"},      // no character: U+FFFF
+        {"\xEF\xBF\xBF", u"\uFFFD"},      // not a character: U+FFFF
         {"\xF0\x9F\xBF\xBE", u"\uFFFD"},  // U+1FFFE
     };
     for (const auto& row : rows) EXPECT_EQ(displayText(row.utf8), row.text) << testing::PrintToString(row.utf8);
@@ -62,7 +62,7 @@ TEST(DisplayText, LeavesOutWhatWouldHarmThePicture) {
     EXPECT_EQ(displayText("\u202Aa\u202Bb\u202Cc\u202Dd\u202Ee"), u"abcde");
     EXPECT_EQ(displayText("\u2066a\u2067b\u2068c\u2069d\u200Ee\u200Ff\u061Cg"), u"abcdefg");
     EXPECT_EQ(displayText("\uFEFFa\uFFF9b\uFFFAc\uFFFB\u206Ad\u206F"), u"abcd");
-    EXPECT_EQ(displayText("\u2029\u202F\u2065"), u"\n\u202F\u2065");  // the neighbours of what is left out
+    EXPECT_EQ(displayText("\u2029\u202F\u2065"), u"\n\u202F\u2065");  // the neighbours of the characters left out
 }
 
 TEST(DisplayText, IsWellFormedForAnyTwoBytesAndAfterAnyCut) {

@@ -1,5 +1,5 @@
-// The C library in its "C" locale is the judge: our reader and writer have to agree with strtod, atoi and snprintf,
-// and go on agreeing with those answers when the process turns to another locale.
+// number_text_test.cpp - the C library in its "C" locale is the judge: our reader and writer must agree with strtod,
+// atoi and snprintf, and still give those answers when the process changes to another locale.
 #include "base/number_text.h"
 #include <gtest/gtest.h>
 #include <climits>
@@ -83,7 +83,7 @@ std::string printedFixed(double value, int decimals) {
     return text;
 }
 
-// Any bit pattern: every magnitude, denormals, infinities and NaN alike.
+// Any bit pattern: every magnitude, denormals, infinities and NaN.
 double randomDouble(std::mt19937_64& random) {
     const std::uint64_t bits = random();
     double value = 0.0;

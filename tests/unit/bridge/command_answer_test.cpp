@@ -1,4 +1,4 @@
-// What becomes of a written command: acknowledged, refused, never answered, or the bridge is lost.
+// command_answer_test.cpp - what becomes of a written command: acknowledged, refused, unanswered, or the bridge lost.
 #include "tests/unit/bridge/queue_rig.h"
 
 class CommandAnswer : public QueueTest {

@@ -1,4 +1,4 @@
-// The command queue's oldest command as the file that the worker finds.
+// command_file_test.cpp - the command queue's oldest command as the file that the worker finds.
 #include "exchange/command_text.h"
 #include "tests/unit/bridge/queue_rig.h"
 

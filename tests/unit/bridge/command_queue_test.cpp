@@ -125,7 +125,7 @@ TEST_F(CommandQueueTest, The33rdCommandIsRefusedWhile32Wait) {
     EXPECT_EQ(size(), 32U);
     EXPECT_EQ(status(), "Command queue busy");
     MutexLock lock(queue.mutex);
-    EXPECT_EQ(queue.lastEnqueueTick, clock.tickMs() - 500);  // a refused turn does not count as one
+    EXPECT_EQ(queue.lastEnqueueTick, clock.tickMs() - 500);  // a refused turn is not counted
 }
 
 TEST_F(CommandQueueTest, AFullQueueStillTakesANewValueForAWaitingCommand) {
@@ -180,7 +180,7 @@ TEST_F(CommandQueueTest, IsBusyWhileACommandWaitsAnd350MsAfterTheLastTurn) {
     EXPECT_TRUE(isBusy(queue, clock.tickMs()));
     EXPECT_TRUE(isBusy(queue, clock.tickMs() + 349));
     EXPECT_FALSE(isBusy(queue, clock.tickMs() + 350));
-    EXPECT_TRUE(isBusy(queue, clock.tickMs() - 20));  // the turn came after the pass had taken its time
+    EXPECT_TRUE(isBusy(queue, clock.tickMs() - 20));  // the turn came after the pass had read its time
 }
 
 TEST_F(CommandQueueTest, AMergedTurnStartsTheQuietTimeAnew) {

@@ -1,4 +1,4 @@
-// A turn of a frequency knob on its way into the queue.
+// frequency_step_test.cpp - a turn of a frequency knob on its way into the queue.
 #include "tests/unit/bridge/queue_rig.h"
 
 namespace {
@@ -16,7 +16,7 @@ class FrequencyStep : public QueueTest {
         state.rangeMax = rangeMax;
         setState(sim, state);
     }
-    // The value on its way to COM1 ACTIVE; 0 = none.
+    // The pending value of COM1 ACTIVE; 0 = none.
     double queued() {
         const auto pending = pendingCommand(copyCommands(queue), 1, kSlotActive);
         return pending ? pending->value : 0.0;

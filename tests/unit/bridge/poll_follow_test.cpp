@@ -1,4 +1,4 @@
-// When the poll loop follows a frequency, driven pass by pass, 50 ms apart.
+// poll_follow_test.cpp - when the poll loop follows a frequency, driven pass by pass, 50 ms apart.
 #include <gtest/gtest.h>
 #include "exchange/command_text.h"
 #include "tests/unit/bridge/rig.h"
@@ -30,7 +30,7 @@ TEST_F(PollFollow, LooksOnceTheFrequencyHasStoodStill350Ms) {
 TEST_F(PollFollow, AnUnconfirmedMoveIsLookedAtEvery2000Ms) {
     rig.host.setMoveRule({MoveAnswer::kSilence});
     EXPECT_EQ(looksIn(8700), (Times{350, 2350, 4350, 6350, 8350}));
-    EXPECT_EQ(rig.host.callsOf("requestClientMove").size(), 2U);  // asked again after 5000 ms of silence
+    EXPECT_EQ(rig.host.callsOf("requestClientMove").size(), 2U);  // asked again after 5000 ms without an answer
 }
 
 TEST_F(PollFollow, TheMoveGoesFromRequestToConfirmation) {
@@ -99,7 +99,7 @@ TEST_F(PollFollow, SwitchedOffNothingIsFollowedAndSwitchedOnTheWaitingStartsAnew
     rig.change([](Settings& live) { live.enabled = false; });
     EXPECT_EQ(looksIn(3000), Times{});
     rig.change([](Settings& live) { live.enabled = true; });
-    // The last pass that saw it off, 50 ms ago, was the last to start the waiting anew.
+    // The last pass that saw it switched off, 50 ms ago, was the last to restart the wait.
     const auto lastOff = now() - 50;
     EXPECT_EQ(looksIn(1000), (Times{lastOff + 350}));
 }
@@ -175,7 +175,7 @@ TEST_F(PollFollow, TheUsersOwnWriteHoldsTheFollowingUntil350MsAfterIt) {
     const auto id = text.substr(7, text.find('"', 7) - 7);
     rig.telemetry.set("ack_id", '"' + id + '"').set("ack_ok", "true");
     const auto answeredAt = now();
-    // The pass that takes the answer finds the queue empty again; the one before was the last busy one.
+    // The pass that takes the answer finds the queue empty; the one before it was the last busy one.
     EXPECT_EQ(looksIn(1000), (Times{answeredAt - 50 + 350}));
 }
 
@@ -188,7 +188,7 @@ TEST_F(PollFollow, ATurnIsQuietFor350MsEvenWhenItsCommandIsGone) {
         MutexLock lock(rig.commands.mutex);
         rig.commands.commands.clear();
     }
-    // Busy up to the pass 300 ms after the turn; from that one on it has to stand still.
+    // Busy up to the pass 300 ms after the turn; counted from that pass it must stand still.
     EXPECT_EQ(looksIn(1000), (Times{turnedAt + 300 + 350}));
 }
 
@@ -206,7 +206,7 @@ TEST_F(PollFollow, TheFollowedSlotIsTheOneOfTheSettings) {
     rig.passFor(400);
     const auto requests = rig.host.callsOf("requestClientMove");
     ASSERT_EQ(requests.size(), 1U);
-    EXPECT_EQ(requests[0].channelId, 12U);  // 121.500 stands by
+    EXPECT_EQ(requests[0].channelId, 12U);  // 121.500 is the standby frequency
 }
 
 TEST_F(PollFollow, AQueuedCommandIsWrittenByThePassesAndDropsWithTheBridge) {

@@ -1,4 +1,4 @@
-// When a move is asked for again, and when not: the poll loop beside a host that confirms, refuses or says nothing.
+// poll_moves_test.cpp - when a move is requested again: the poll loop with a host that confirms, refuses or is silent.
 #include <gtest/gtest.h>
 #include "tests/unit/bridge/rig.h"
 
@@ -41,13 +41,13 @@ TEST_F(PollMoves, OneRefusedAtOnceIsAskedForAgainAtEveryLook) {
 TEST_F(PollMoves, OneRefusedByAReportIsAskedForAgainAtTheSecondLook) {
     answerWith(MoveAnswer::kRefuseLater);
     rig.passFor(5000);
-    EXPECT_EQ(requestTimes(), (Times{350, 4350}));  // the one at 2350 found the report
+    EXPECT_EQ(requestTimes(), (Times{350, 4350}));  // the look at 2350 found the report
 }
 
 TEST_F(PollMoves, OneWithoutAnAnswerIsAskedForAgainAtTheFirstLookAfterItWasGivenUp) {
     answerWith(MoveAnswer::kSilence);
     rig.passFor(9000);
-    EXPECT_EQ(requestTimes(), (Times{350, 8350}));  // the one at 6350 is the first after 5000 ms
+    EXPECT_EQ(requestTimes(), (Times{350, 8350}));  // the look at 6350 is the first after 5000 ms
 }
 
 TEST_F(PollMoves, ToAnotherFrequencyWaitsForTheEndOfTheOutstandingOne) {
@@ -55,7 +55,7 @@ TEST_F(PollMoves, ToAnotherFrequencyWaitsForTheEndOfTheOutstandingOne) {
     rig.passFor(400);
     tune("121500");
     rig.passFor(5000);
-    // Looks at 750, before the report at 950, at 2750, which finds it, and at 4750.
+    // Looks at 750, before the report at 950; at 2750, where it finds the report; and at 4750.
     ASSERT_EQ(requestTimes(), (Times{350, 4750}));
     EXPECT_EQ(requests()[1].channelId, 12U);
 }

@@ -1,4 +1,4 @@
-// What a pass publishes besides the following: receive gain, own talk, tails, capture mode.
+// poll_outputs_test.cpp - what a pass publishes besides following: receive gain, own talk, tails, capture mode.
 #include <gtest/gtest.h>
 #include "audio/capture_mode.h"
 #include "exchange/command_text.h"
@@ -10,7 +10,7 @@ class PollOutputs : public testing::Test {
   protected:
     float gain() const { return rig.voice.ReceiveGain; }
     std::int32_t captureMode() const { return rig.voice.CaptureMode; }
-    int readsIn(std::uint64_t ms) {  // besides the telemetry
+    int readsIn(std::uint64_t ms) {  // other than of the telemetry
         const int before = rig.files.reads;
         rig.passFor(ms);
         return rig.files.reads - before - static_cast<int>(ms / kPollPeriodMs);
@@ -59,7 +59,7 @@ TEST_F(PollOutputs, AVolumeAcknowledgedInThisPassCountsInItAlready) {
     const auto id = text.substr(7, text.find('"', 7) - 7);
     rig.telemetry.set("ack_id", '"' + id + '"').set("com1_volume", "0.4");
     rig.pass();
-    EXPECT_FLOAT_EQ(gain(), 0.4f);  // the boost has gone with receive_volume 80
+    EXPECT_FLOAT_EQ(gain(), 0.4f);  // receive_volume is 80 now: the boost is gone
 }
 
 TEST_F(PollOutputs, AfterTheLastPassReceivedVoicesAreLeftAsTheyAre) {
@@ -115,7 +115,7 @@ TEST_F(PollOutputs, OfFortyReleasesBetweenTwoPassesSixteenAreTakenAndOneIsHeard)
         for (std::uint16_t client = 20; client < 60; client++)
             talkChanged(rig.talk, 1, client, talks, rig.clock.tickMs());
     };
-    rig.server = 0;  // nothing but the tails asks for the own id
+    rig.server = 0;  // only the tails ask for the own id
     talk(true);
     rig.passFor(150);
     talk(false);

@@ -1,10 +1,10 @@
-// queue_rig.h - the command queue with its rooms, driven by hand: enqueue and process at chosen ticks.
+// queue_rig.h - the command queue with its surroundings, driven by hand: enqueue and process at chosen ticks.
 #pragma once
 #include <gtest/gtest.h>
 #include "exchange/command_text.h"
 #include "tests/unit/bridge/rig.h"
 
-// Does something the moment a file is written: what another thread might do just then.
+// Does something at the moment a file is written, as another thread might.
 class InterruptedFiles : public MemoryFiles {
   public:
     bool replace(const std::string& path, std::string_view bytes) override {
@@ -33,7 +33,7 @@ class QueueTest : public testing::Test {
         clock.advance(ms);
         process();
     }
-    // The worker has handled the command last written.
+    // As if the worker had handled the command last written.
     void acknowledge(bool ok) {
         MutexLock lock(sim.mutex);
         sim.state.ackId = lastWrittenId();

@@ -1,4 +1,4 @@
-// rig.h - what the bridge tests stand on: a telemetry file put together key by key, and the rooms of one poll pass.
+// rig.h - what the bridge tests share: a telemetry file put together key by key, and all that one poll pass works on.
 #pragma once
 #include <algorithm>
 #include <cmath>
@@ -34,7 +34,7 @@ class TelemetryFile {
         std::erase_if(fields_, [&](const auto& field) { return field.first == key; });
         return *this;
     }
-    // Nine decimals give every bit back: rounded up, the file would be of the future.
+    // Nine decimals restore the exact value: rounded up, the file would be from the future.
     TelemetryFile& writtenAt(double unixSeconds) { return set("updated", formatFixed(unixSeconds, 9)); }
     TelemetryFile& reverse() {
         std::reverse(fields_.begin(), fields_.end());
@@ -102,7 +102,7 @@ inline std::vector<Command> commandsOf(CommandQueue& queue) {
     return {queue.commands.begin(), queue.commands.end()};
 }
 
-// The rooms of the poll loop with a voice client beside them: own client 5 in the lobby of server 1.
+// All that the poll loop works on, beside a voice client: own client 5 in the lobby of server 1.
 struct PollRig {
     PollRig() {
         host.addServer(1, 5, 10);
@@ -115,7 +115,7 @@ struct PollRig {
     PollRig(const PollRig&) = delete;
     PollRig& operator=(const PollRig&) = delete;
 
-    // One pass with telemetry written just now, then 50 ms go by and the host's events arrive.
+    // One pass with telemetry written just now; then 50 ms pass and the host's events arrive.
     void pass() {
         if (workerAlive) files.put(pathOf(kTelemetryFile), telemetry.writtenAt(clock.unixSeconds()).text());
         pollOnce(memory, context);
@@ -136,7 +136,7 @@ struct PollRig {
     }
     void change(const std::function<void(Settings&)>& edit) { updateSettings(settings, edit); }
 
-    // When channel following looked at the host: ms after the test began.
+    // When channel following looked at the host, in ms after the test began.
     std::vector<std::uint64_t> looks() const {
         std::vector<std::uint64_t> times;
         for (const HostCall& call : host.callsOf("getChannelList")) times.push_back(call.atMs - kStartMs);

@@ -1,4 +1,4 @@
-// From the file to SimState: freshness, the status line, and what a stale or missing file leaves behind.
+// sim_state_test.cpp - from the file to SimState: freshness, the status line, and what a stale or missing file leaves.
 #include "bridge/sim_state.h"
 #include <gtest/gtest.h>
 #include "tests/unit/bridge/rig.h"

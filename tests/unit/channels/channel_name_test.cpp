@@ -38,7 +38,7 @@ TEST(ChannelName, CarriesEveryFrequencyThatStandsInIt) {
         EXPECT_FALSE(channelNameCarries(name, 121500)) << name;
     }
     EXPECT_TRUE(channelNameCarries("1122.800 122.8005 122.800", 122800));  // two near misses before it
-    EXPECT_TRUE(channelNameCarries("122.800,118", 800118));                // a group may serve in two frequencies
+    EXPECT_TRUE(channelNameCarries("122.800,118", 800118));                // one group may be part of two frequencies
     EXPECT_TRUE(channelNameCarries("122.800,118", 122800));
 }
 

@@ -24,7 +24,7 @@ constexpr MoveReport kUntouched{MoveStage::kUnknown};
 
 }  // namespace
 
-// A user in the lobby of a server with an approach and two tower channels; moves go unanswered unless a test says so.
+// A user in the lobby of a server with an approach and two tower channels; moves stay unanswered unless a test says so.
 class FollowFrequency : public testing::Test {
   protected:
     FollowFrequency() {
@@ -40,18 +40,18 @@ class FollowFrequency : public testing::Test {
     }
     ~FollowFrequency() override {
         EXPECT_EQ(host.problems(), std::vector<std::string>{});
-        if (!functions.freeMemory) return;  // then nothing can be given back
+        if (!functions.freeMemory) return;  // without it nothing can be given back
         EXPECT_EQ(host.leaks(), std::vector<std::string>{});
     }
 
-    // True when the user is there already.
+    // True if the user is already there.
     bool follow(std::int32_t khz) {
         report = followFrequency(tracker, functions, clock, kServer, khz);
         return report.stage == MoveStage::kConfirmed;
     }
     MoveReport status() const { return report; }
     std::vector<HostCall> moves() const { return host.callsOf("requestClientMove"); }
-    // Lets time go by; what the server then reports goes the way of the plugin's error event.
+    // Lets time pass; what the server then reports arrives as the plugin's error event.
     void wait(std::uint64_t ms) {
         clock.advance(ms);
         for (const HostEvent& event : host.advance(clock.tickMs())) {

@@ -36,7 +36,7 @@ TEST(CommandText, WritesTheTargetWithSixSignificantDigits) {
                   R"({"id":"1-2","com":1,"slot":"volume","target":)" + std::string(row.text) + R"(,"created":0.000})");
 }
 
-// Each field by itself, so that none can hide behind another that happens to be the same.
+// Each field on its own, so that none can hide behind another with the same value.
 TEST(WorkerCommandText, ReadsEveryFieldAsThePluginWritesIt) {
     const auto travels = [](const CommandRequest& written) {
         const auto command = parseCommandText(writeCommandText(written));
@@ -107,7 +107,7 @@ TEST(WorkerCommandText, RefusesEveryTruncation) {
     }
 }
 
-// A damaged digit or id letter is another command; damage anywhere else must not pass for the one that was written.
+// A damaged digit or id letter makes another command; damage anywhere else must not leave the command as written.
 TEST(WorkerCommandText, ADamagedByteNeverPassesForTheCommandWritten) {
     const auto whole = *parseCommandText(kGood);
     for (std::size_t at = 0; at < kGood.size(); at++) {

@@ -69,9 +69,9 @@ TEST(FrequencyGrid, AStartOffTheGridStepsFromTheNearestChannelAndOfTwoFromTheLow
     const struct {
         std::int32_t start, spacing, steps, next;
     } rows[] = {
-        {118010, kSpacing25, +1, 118025},  // 118.000 is nearer
+        {118010, kSpacing25, +1, 118025},  // although 118.000 is nearer
         {118010, kSpacing25, 0, 118000},   {118013, kSpacing25, 0, 118025},   {118012, kSpacing25, 0, 118000},
-        {118020, kSpacing833, 0, 118015},  // as far from 118.025
+        {118020, kSpacing833, 0, 118015},  // equally far from 118.025
         {118020, kSpacing833, +1, 118025}, {118020, kSpacing833, -1, 118010}, {118995, kSpacing833, 0, 118990},
         {118995, kSpacing833, +1, 118000}, {118999, kSpacing25, 0, 118975},
     };
@@ -88,7 +88,7 @@ TEST(FrequencyGrid, ARangeThatCutsTheMegahertzTakesItsChannelsAway) {
     const FrequencyRange cutBelow{118500, 136990};
     EXPECT_EQ(stepChannel(118500, kSpacing25, cutBelow, -1), 118975);
     EXPECT_EQ(stepChannel(118975, kSpacing25, cutBelow, +1), 118500);
-    const FrequencyRange between{118001, 118024};  // not a single channel of 25 kHz
+    const FrequencyRange between{118001, 118024};  // without a single 25 kHz channel
     EXPECT_EQ(stepChannel(118010, kSpacing25, between, +1), 0);
     EXPECT_EQ(stepChannel(118010, kSpacing833, between, +1), 118015);
     EXPECT_EQ(stepChannel(118015, kSpacing833, between, +1), 118005);
@@ -103,7 +103,7 @@ TEST(FrequencyGrid, TheLargeKnobMovesByWholeMegahertzAndStopsAtTheRange) {
     EXPECT_EQ(stepMegahertz(136500, kSpacing25, {118000, 136975}, +1), 0);
     EXPECT_EQ(stepMegahertz(135975, kSpacing25, {118000, 136975}, +1), 136975);
     EXPECT_EQ(stepMegahertz(135980, kSpacing833, {118000, 136975}, +1), 0);
-    EXPECT_EQ(stepMegahertz(122803, kSpacing25, kAir, +1), 123803);  // it keeps what stands behind the point
+    EXPECT_EQ(stepMegahertz(122803, kSpacing25, kAir, +1), 123803);  // keeps the digits after the point
     EXPECT_EQ(stepMegahertz(122800, kSpacing25, kAir, 0), 122800);
 }
 
@@ -113,8 +113,8 @@ TEST(FrequencyGrid, AStartOutsideTheRangeGoesNowhere) {
         EXPECT_EQ(stepMegahertz(start, kSpacing25, kAir, -1), 0) << start;
         EXPECT_EQ(stepChannel(start, kSpacing25, kAir, 1), 0) << start;
     }
-    EXPECT_EQ(stepChannel(122800, kSpacing25, {0, 0}, 1), 0);              // a range that is not known
-    EXPECT_EQ(stepMegahertz(122800, kSpacing25, {136990, 118000}, 1), 0);  // or upside down
+    EXPECT_EQ(stepChannel(122800, kSpacing25, {0, 0}, 1), 0);              // an unknown range
+    EXPECT_EQ(stepMegahertz(122800, kSpacing25, {136990, 118000}, 1), 0);  // or an inverted one
 }
 
 TEST(FrequencyGrid, HugeStepsNeitherOverflowNorLeaveTheRange) {
@@ -130,7 +130,7 @@ TEST(FrequencyGrid, HugeStepsNeitherOverflowNorLeaveTheRange) {
     const FrequencyRange widest{kLeast, kMost};
     EXPECT_EQ(stepMegahertz(kMost, kSpacing25, widest, +1), 0);
     EXPECT_EQ(stepMegahertz(kMost, kSpacing25, widest, kMost), 0);
-    EXPECT_EQ(stepChannel(kMost, kSpacing833, widest, 0), 2147483640);  // ...645 is no channel, ...650 is too far
+    EXPECT_EQ(stepChannel(kMost, kSpacing833, widest, 0), 2147483640);  // ...645 is not a channel, ...650 is too far
 }
 
 TEST(FrequencyGrid, EveryResultIsAChannelInRangeAndTurningBackReturns) {

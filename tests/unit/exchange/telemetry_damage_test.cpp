@@ -1,4 +1,4 @@
-// What a half-written, damaged or hostile telemetry file does to the reader.
+// telemetry_damage_test.cpp - what a half-written, damaged or hostile telemetry file does to the reader.
 #include <gtest/gtest.h>
 #include "tests/unit/bridge/rig.h"
 #include "tests/unit/exchange/telemetry_reference.h"
@@ -6,7 +6,7 @@
 namespace {
 
 #ifdef CORVALIS_SANITIZED
-constexpr std::size_t kHostileBytes = 5'000'000;  // each byte costs a sanitizer twenty times as much
+constexpr std::size_t kHostileBytes = 5'000'000;  // under a sanitizer each byte costs twenty times as much
 #else
 constexpr std::size_t kHostileBytes = 100'000'000;
 #endif
@@ -26,7 +26,7 @@ std::string allKeys() {
     return keys;
 }
 
-// The reading must be no fresh one, and its radios unknown.
+// The reading must not be fresh, and its radios must be unknown.
 void expectAtRest(const std::string& text) {
     const Telemetry telemetry = parseTelemetry(text);
     EXPECT_FALSE(isFresh(telemetry, 1790000000.0));

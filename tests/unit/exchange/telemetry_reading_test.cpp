@@ -9,7 +9,7 @@
 
 namespace {
 
-// Points are commas and thousands are grouped, in C++ streams and, where the machine has such a locale, in C as well.
+// Commas for points and grouped thousands, in C++ streams and, if the machine has such a locale, in C as well.
 class CommaLocale {
   public:
     CommaLocale() : before_(std::locale::global(std::locale(std::locale::classic(), new Commas))) {
@@ -216,7 +216,7 @@ TEST(TelemetryText, AStringRunsFromTheNextQuoteToTheOneAfter) {
         {R"({"ack_id":"open)", ""},  // never closed
         {R"({"ack_id":)", ""},
         {R"({"ack_id")", ""},
-        {R"({"ack_id":12,"x":"y"})", "x"},  // the next quote opens, wherever it is
+        {R"({"ack_id":12,"x":"y"})", "x"},  // the next quote begins the text, wherever it is
         {R"({"ack_id":{"x":1}})", "x"},
     };
     for (const auto& row : rows) EXPECT_EQ(parseTelemetry(row.text).ackId, row.id) << row.text;

@@ -1,5 +1,5 @@
-// telemetry_reference.h - the telemetry reader once more, one text search a key and strtod for the numbers: slow, and
-// plain enough to be the judge of the real one on damaged files.
+// telemetry_reference.h - the telemetry reader once more, with one text search per key and strtod for the numbers:
+// slow, and plain enough to judge the real one on damaged files.
 #pragma once
 #include <cmath>
 #include <cstdlib>
@@ -8,7 +8,7 @@
 #include <string>
 #include "exchange/telemetry_text.h"
 
-// Where the value of a key begins; nothing if the key, a colon behind it or any text behind that is missing.
+// Where the value of a key begins; nothing if the key, a colon after it or any text after that is missing.
 inline std::optional<std::string> referenceValue(const std::string& text, const std::string& key) {
     const auto at = text.find('"' + key + '"');
     if (at == std::string::npos) return std::nullopt;
@@ -51,7 +51,7 @@ inline bool sameNumber(double a, double b) {
     return a == b || (std::isnan(a) && std::isnan(b));
 }
 
-// A volume that a float cannot hold only has to stay outside 0..1.
+// A volume that does not fit a float only has to stay outside 0..1.
 inline bool sameVolume(float got, double wanted) {
     if (std::isnan(wanted) || std::fabs(wanted) > static_cast<double>(std::numeric_limits<float>::max()))
         return !(got >= 0.0f && got <= 1.0f);

@@ -34,7 +34,7 @@ TEST(WorkerTelemetryText, IsReadBackByThePluginWhole) {
     EXPECT_TRUE(isFresh(read, 1790000000.125));
 }
 
-// Each field by itself, so that none can hide behind another that happens to be the same.
+// Each field on its own, so that none can hide behind another with the same value.
 TEST(WorkerTelemetryText, EachFieldTravelsByItself) {
     using Change = void (*)(Telemetry&);
     const Change changes[] = {

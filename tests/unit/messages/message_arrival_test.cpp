@@ -1,11 +1,11 @@
-// Messages that arrive while the message window lays out what it is about to draw.
+// message_arrival_test.cpp - messages that arrive while the message window lays out what it is about to draw.
 #include "tests/unit/messages/message_rig.h"
 
 namespace {
 
 class MessageArrival : public MessageRig {
   protected:
-    // While the next pictures are laid out, a message each comes in.
+    // During each of the next layouts one message arrives.
     void letArrive(int count) {
         arriving_ = count;
         screen.whileMeasuring = [this] {
@@ -114,8 +114,8 @@ TEST_F(MessageArrival, AClearDuringLayoutEmptiesThePageAtTheNextTick) {
     EXPECT_EQ(dotColour(), kBrightGreen);
 }
 
-// Cleared and filled again, the page stands behind the messages there are: it moves, and what moved it is what is
-// drawn.
+// After a clear and new messages, the page number is beyond the last message: the page moves, and the picture drawn is
+// the one that made it move.
 TEST_F(MessageArrival, OneDuringALayoutThatMovesThePageIsShownAtTheNextTick) {
     addMore(10);
     model.show();

@@ -34,7 +34,7 @@ TEST(MessagePlacement, StaysInTheWorkArea) {
     EXPECT_EQ(placeMessageWindow({100, 800, 1000, 1150}, kScreen, 96).bottom, 1160);
     EXPECT_EQ(placeMessageWindow({100, -900, 1000, -600}, kScreen, 96).top, 0);
     const PixelRect small = placeMessageWindow({0, 0, 500, 300}, {10, 20, 400, 300}, 96);
-    EXPECT_EQ(small.left, 10);  // larger than the work area: its header stays in reach
+    EXPECT_EQ(small.left, 10);  // larger than the work area: the header stays in reach
     EXPECT_EQ(small.top, 20);
     EXPECT_EQ(small.right - small.left, 620);
 }

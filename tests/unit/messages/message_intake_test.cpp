@@ -148,6 +148,6 @@ TEST_F(MessageIntake, TheFortyFirstPushesTheFirstOut) {
 TEST_F(MessageIntake, CallsTheHostOutsideTheMessageLock) {
     bool isFree = true;
     model.setBeforeCall([&](const HostCall&) { isFree = isFree && copyMessages(store).unread == 1; });
-    take("Tower", "hello");  // would not come back with the lock held
+    take("Tower", "hello");  // would not return if the lock were held
     EXPECT_TRUE(isFree);
 }

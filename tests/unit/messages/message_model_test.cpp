@@ -1,4 +1,4 @@
-// The message window's decisions: when it shows, turns, forgets, hides, and what is drawn anew.
+// message_model_test.cpp - the message window's decisions: when it shows, turns, forgets, hides, and is drawn anew.
 #include "messages/message_model.h"
 #include "tests/unit/messages/message_rig.h"
 
@@ -38,7 +38,7 @@ TEST_F(MessageModelTest, HidingTakesTheFlagBackBeforeTheWindowGoes) {
     model.show();
     screen.takeSteps();
     model.hide();
-    EXPECT_EQ(screen.takeSteps(), "vanish");  // with the flag still up a message would not open it again
+    EXPECT_EQ(screen.takeSteps(), "vanish");  // if the flag were still set, a message would not reopen the window
     EXPECT_FALSE(isVisible);
 }
 
@@ -65,7 +65,7 @@ TEST_F(MessageModelTest, ANewMessageOpensTheNewestPageButLeavesAVisibleWindowAlo
     EXPECT_EQ(counter(), "1 / 5");
     EXPECT_EQ(firstRow(), "message 5");
     EXPECT_EQ(dotColour(), kBrightGreen);
-    press(MessageKey::kDown);  // there is none newer
+    press(MessageKey::kDown);  // there is no newer one
     EXPECT_EQ(counter(), "1 / 5");
 }
 
@@ -75,7 +75,7 @@ TEST_F(MessageModelTest, TogglingShowsAndHides) {
         model.toggle();
         EXPECT_TRUE(isVisible);
         EXPECT_NE(screen.takeSteps().find("appear+"), std::string::npos);
-        EXPECT_EQ(counter(), i == 0 ? "1 / 2" : "2 / 2");  // the page survives hiding
+        EXPECT_EQ(counter(), i == 0 ? "1 / 2" : "2 / 2");  // the page number survives hiding
         press(MessageKey::kUp);
         screen.takeSteps();
         model.toggle();
@@ -104,7 +104,7 @@ TEST_F(MessageModelTest, KeysAndTheWheelTurnThePages) {
         };
         EXPECT_EQ(turned(row.older), "2 / 3 message 2") << row.what;
         EXPECT_EQ(turned(row.older), "3 / 3 message 1") << row.what;
-        EXPECT_EQ(turned(row.older), "3 / 3 message 1") << row.what;  // there is none older
+        EXPECT_EQ(turned(row.older), "3 / 3 message 1") << row.what;  // there is no older one
         EXPECT_EQ(turned(row.newer), "2 / 3 message 2") << row.what;
         EXPECT_EQ(turned(row.newer), "1 / 3 message 3") << row.what;
         EXPECT_EQ(turned(row.newer), "1 / 3 message 3") << row.what;
@@ -154,7 +154,7 @@ TEST_F(MessageModelTest, TheFortyFirstPushesTheFirstOut) {
     tick();
     EXPECT_EQ(counter(), "40 / 40");
     EXPECT_EQ(firstRow(), "message 43");
-    EXPECT_EQ(unread(), "UNREAD 41");  // it is not limited as the store is
+    EXPECT_EQ(unread(), "UNREAD 41");  // not limited like the store
 }
 
 TEST_F(MessageModelTest, DeleteForgetsThemAll) {
@@ -185,13 +185,13 @@ TEST_F(MessageModelTest, ClearedByAnotherTheOpenWindowShowsTheEmptyPage) {
     tick();
     ASSERT_FALSE(isEmptyPage());
     ASSERT_EQ(unread(), "UNREAD 1");
-    clearMessages(store);  // as the settings dialog's button does
+    clearMessages(store);  // like the settings dialog's button
     tick();
     EXPECT_TRUE(screen.isShown);
     EXPECT_TRUE(isEmptyPage());
     EXPECT_EQ(dotColour(), kBrightGreen);
-    EXPECT_FALSE(model.cursor());  // nothing is written there
-    press(MessageKey::kUp);        // nor can anything be turned
+    EXPECT_FALSE(model.cursor());  // there is no text
+    press(MessageKey::kUp);        // nor is there a page to turn
     EXPECT_TRUE(isEmptyPage());
 }
 
@@ -305,7 +305,7 @@ TEST_F(MessageModelTest, AHiddenWindowIsNotDrawn) {
     EXPECT_TRUE(screen.takeStaleParts().empty());
     model.leavePointer();
     model.show();
-    EXPECT_EQ(counter(), "2 / 3");  // the key counted all the same
+    EXPECT_EQ(counter(), "2 / 3");  // the key took effect nevertheless
     model.hide();
     screen.takePainted();
     add("message 4");
@@ -382,7 +382,7 @@ TEST_F(MessageModelTest, APictureThatCouldNotBePaintedIsPaintedAtTheNextTick) {
     tick();
     EXPECT_EQ(counter(), "1 / 2");
     EXPECT_TRUE(screen.isShown);
-    // Also when it is to look again as it did before: it may be half painted.
+    // Even if it is to look as before: it may be half painted.
     screen.canPaint = false;
     EXPECT_THROW(model.movePointer(kOnClose), std::bad_alloc);
     screen.canPaint = true;

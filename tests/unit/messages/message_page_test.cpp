@@ -14,7 +14,7 @@ constexpr std::uint32_t kBrightGreen = 0xFF86E8AC;
 constexpr std::uint32_t kRed = 0xFFFF6B6B;
 constexpr std::int32_t kEnglishTexts = 2;
 
-// A page with its store; every character is half its size wide, a wide one its size.
+// A page with its store; a character is as wide as half its size, a wide one as its whole size.
 class MessagePageTest : public testing::Test {
   protected:
     void add(const std::string& text, const std::string& sender = "Tower", std::uint32_t target = kChannelMessage) {
@@ -173,14 +173,14 @@ TEST_F(MessagePageTest, TheSenderIsNamedInAFontThatHasItsLetters) {
 }
 
 TEST_F(MessagePageTest, NothingOnTheMetaLineRunsIntoTheTimesLabel) {
-    const std::u16string fits(53, u'W'), isLong(54, u'W');  // of 6.5 in 348
+    const std::u16string fits(53, u'W'), isLong(54, u'W');  // of 6.5 pixels each in 348
     add("hello", std::string(53, 'W'));
     EXPECT_EQ(find(fits)->rect, (UnitRect{76, 44, 400, 18}));
     EXPECT_FALSE(find(fits)->isShortened);
     add("hello", std::string(54, 'W'));
     EXPECT_EQ(find(isLong)->rect, (UnitRect{76, 44, 348, 18}));
     EXPECT_TRUE(find(isLong)->isShortened);
-    for (const float cell : {0.5f, 0.55f, 0.6f}) {  // em: our usual one, Consolas', a wide font's
+    for (const float cell : {0.5f, 0.55f, 0.6f}) {  // em: our usual one, Consolas' and a wide font's
         tools.measure = [=](const PageTextStyle& style, std::u16string_view measuredText) {
             return style.size * cell * static_cast<float>(measuredText.size());
         };
@@ -219,7 +219,7 @@ TEST_F(MessagePageTest, KeepsTheTextSizeInItsRangeAndFitsTheRows) {
 }
 
 TEST_F(MessagePageTest, ALongMessageShowsItsFirstRowsAndAMark) {
-    add(std::string(12 * 77, 'x'));  // 77 characters of 7.5 in 580
+    add(std::string(12 * 77, 'x'));  // 77 characters of 7.5 pixels in 580
     EXPECT_EQ(page.layout().count, 0);
     EXPECT_EQ(rows().size(), 12U);
     EXPECT_FALSE(find(u"▼"));
@@ -316,7 +316,7 @@ TEST_F(MessagePageTest, OnlyTheNewestPageMakesMessagesRead) {
 }
 
 TEST_F(MessagePageTest, PagingAnEmptyStoreChangesNothing) {
-    store.unread = 5;  // as between a message's arrival and its count
+    store.unread = 5;  // as between a message's arrival and its counting
     page.change_page(store, -1);
     page.change_page(store, 1);
     EXPECT_EQ(page.page(), 0);

@@ -1,5 +1,5 @@
-// message_rig.h - the message window's model with everything around it: a clock set by hand, and a window that writes
-// down what it is told and can have things happen while it measures.
+// message_rig.h - the message window's model with everything around it: a clock set by hand, and a window that notes
+// what it is told and can make things happen while it measures.
 #pragma once
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -13,7 +13,7 @@
 #include "settings/language.h"
 #include "tests/unit/fakes.h"
 
-// Every character is half its size wide, a wide one its size.
+// A character is as wide as half its size, a wide one as its whole size.
 class FakeMessageScreen : public MessageScreen {
   public:
     explicit FakeMessageScreen(const std::atomic<bool>& isVisible) : isVisible_(isVisible) {}
@@ -51,7 +51,7 @@ class FakeMessageScreen : public MessageScreen {
         isAllStale = false;
     }
 
-    // What was asked, with "+" while the visible flag is up: "place paint+ appear+".
+    // What was asked for, with "+" while the visible flag is set: "place paint+ appear+".
     std::string takeSteps() { return std::exchange(steps_, ""); }
     int takePainted() { return std::exchange(painted, 0); }
     std::vector<UnitRect> takeStaleParts() { return std::exchange(staleParts, {}); }

@@ -39,7 +39,7 @@ TEST(MessageStore, ASenderMayBeEmptyButATextMayNot) {
     EXPECT_EQ(copyMessages(store).messages.size(), 0U);
     EXPECT_EQ(store.unread, 0);
     EXPECT_EQ(store.revision, 0U);
-    addMessage(store, "", " ", 99, 0, 1);  // a blank is a text, any target a target
+    addMessage(store, "", " ", 99, 0, 1);  // a blank is a text, and any number is a target
     EXPECT_EQ(copyMessages(store).messages.size(), 1U);
     EXPECT_EQ(store.unread, 1);
     EXPECT_EQ(copyMessages(store).messages[0].target, 99U);
@@ -74,7 +74,7 @@ TEST(MessageStore, TheFortyFirstPushesTheFirstOutAndStillCountsAsUnread) {
 TEST(MessageStore, ClearingForgetsAllAndTellsHowManyWereUnread) {
     MessageStore store;
     for (int i = 0; i < 5; i++) add(store, "text");
-    store.unread = 2;  // three were seen
+    store.unread = 2;  // three have been seen
     EXPECT_EQ(clearMessages(store), 2);
     const MessageSnapshot snapshot = copyMessages(store);
     EXPECT_TRUE(snapshot.messages.empty());

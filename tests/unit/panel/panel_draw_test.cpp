@@ -1,4 +1,4 @@
-// What the panel draws, on the plate that stands in for the artwork, so that no picture file is needed.
+// panel_draw_test.cpp - what the panel draws, on the plate that stands in for the artwork, so without a picture file.
 #include "panel/panel_draw.h"
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -55,7 +55,7 @@ struct Change {
     std::function<void(PanelPicture&)> apply;
 };
 
-// Each changes what one part shows.
+// Each change affects what one part shows.
 const std::vector<Change>& allChanges() {
     static const std::vector<Change> changes = {
         {"active tuned", [](PanelPicture& p) { p.frequencies[0].frequencyKHz = 121500; }},

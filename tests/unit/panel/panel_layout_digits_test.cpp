@@ -7,7 +7,7 @@ namespace {
 constexpr UnitRect kActiveDisplay{160, 240, 696, 125};
 constexpr UnitRect kStandbyDisplay{1200, 240, 685, 125};
 
-// Worked out from the display's size by hand: 85 high, 45.05 wide, 10.3615 apart, a point of 11.713.
+// Calculated by hand from the display's size: 85 high, 45.05 wide, 10.3615 apart, a point of 11.713.
 constexpr float kHeight = 85.0f;
 constexpr float kWidth = 45.05f;
 constexpr float kGap = 10.3615f;

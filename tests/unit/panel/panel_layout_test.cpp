@@ -35,7 +35,7 @@ bool isWithin(const UnitRect& inner, const UnitRect& outer) {
     return p.left >= q.left && p.top >= q.top && p.right <= q.right && p.bottom <= q.bottom;
 }
 
-// The element at the rectangle's rim: the knob pair's rim is the large knob.
+// The element at the rectangle's rim; for the knob pair this is the large knob.
 void expectFillsItsRectangle(std::int32_t theme, const UnitRect& rect, std::int32_t element) {
     const auto [left, top, right, bottom] = edgesOf(rect);
     const UnitPoint middle = centreOf(rect);
@@ -55,7 +55,7 @@ UnitRect visibleArea(const ThemeLayout& layout) {
     return {layout.origin.x, layout.origin.y, layout.width, layout.height};
 }
 
-// What a theme has to be like, apart from its table: some of its places, and how many elements it has.
+// What a theme must be like, apart from its table: some of its places, and how many elements it has.
 struct Landmarks {
     std::int32_t theme;
     UnitRect area;

@@ -2,7 +2,7 @@
 
 class PanelClick : public PanelTest {
   protected:
-    // What a click may change, to see that it changed nothing else.
+    // Everything that a click may change, to see that nothing else changed.
     void expectUntouched(const Settings& before) {
         EXPECT_EQ(now(), before);
         EXPECT_TRUE(queued().empty());
@@ -70,7 +70,7 @@ TEST_F(PanelClick, TextKeysToggleTheMessageWindow) {
     EXPECT_EQ(actions.textToggled, 1);
     for (const std::int32_t theme : {kBoeingTheme, kAirbusTheme}) {
         useTheme(theme);
-        change([](Settings& live) { live.bind_A = 7; });  // never acts
+        change([](Settings& live) { live.bind_A = 7; });  // has no effect on the key
         click(kCustomKeyA);
     }
     EXPECT_EQ(actions.textToggled, 3);
@@ -208,12 +208,12 @@ TEST_F(PanelClick, AReleaseWithoutAPressPerformsNothing) {
     release(middleOf(kCom2Key));
     expectUntouched(before);
     press(kCom2Key);
-    cancelPress(model);  // the capture went to another window
+    cancelPress(model);  // another window took the capture
     release(middleOf(kCom2Key));
     expectUntouched(before);
     press(kCom2Key);
     release(middleOf(kCom2Key));
-    release(middleOf(kPinKey));  // the same press does not click twice
+    release(middleOf(kPinKey));  // one press does not click twice
     EXPECT_FALSE(now().pin);
 }
 

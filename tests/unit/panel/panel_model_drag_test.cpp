@@ -190,7 +190,7 @@ TEST_F(PanelDrag, EndsWithThePress) {
     EXPECT_TRUE(queued().empty());
     EXPECT_FALSE(model.drag_moved);
     press(kSmallKnob);
-    press(PixelPoint{0, 0});  // the release was lost
+    press(PixelPoint{0, 0});  // the previous release was lost
     dragUp(50);
     EXPECT_TRUE(queued().empty());
 }
@@ -199,7 +199,7 @@ TEST_F(PanelDrag, ExtremePositionsTurnOneStepOrToTheEnd) {
     press(kSmallKnob);
     move({0, kLeast});
     EXPECT_EQ(only().value, 121525.0);
-    move({kMost, kMost});  // the whole range of the screen at once
+    move({kMost, kMost});  // the whole coordinate range at once
     EXPECT_EQ(only().value, 121500.0);
     release({kLeast, kMost});
     forgetCommands();

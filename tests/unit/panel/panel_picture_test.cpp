@@ -77,10 +77,10 @@ TEST_F(PanelPictureTest, APendingSwapShowsBothExchanged) {
 
 TEST_F(PanelPictureTest, OrdersShowInTheOrderInWhichTheyWillBeCarriedOut) {
     order(1, kSlotSwap);
-    order(1, kSlotStandby, 119000);  // behind the swap: the new standby
+    order(1, kSlotStandby, 119000);  // after the swap: becomes the new standby
     expectShown(121500, kPending, 119000, kPending);
     forgetCommands();
-    order(1, kSlotStandby, 119000);  // before the swap: goes active with it
+    order(1, kSlotStandby, 119000);  // before the swap: becomes active with it
     order(1, kSlotSwap);
     expectShown(119000, kPending, 122800, kPending);
 }
@@ -89,7 +89,7 @@ TEST_F(PanelPictureTest, AnOrderTheSimulatorHasAnsweredIsNotPendingAnyMore) {
     order(1, kSlotSwap);
     markOldestWritten("4242-7");
     expectShown(121500, kPending, 122800, kPending);
-    changeState([](SimState& state) {  // the answer comes with the new readings
+    changeState([](SimState& state) {  // the answer comes together with the new readings
         state.ackId = "4242-7";
         std::swap(state.radios[0].active, state.radios[0].standby);
     });
@@ -258,7 +258,7 @@ TEST_F(PanelPictureTest, StandsStillWhileNothingChanges) {
     for (int i = 0; i < 10; i++) {
         tickPanel(model);
         inputs.nowMs += 33;
-        changeState([&](SimState& state) { state.readTick += 33; });  // telemetry goes on, saying the same
+        changeState([&](SimState& state) { state.readTick += 33; });  // telemetry goes on with the same content
         EXPECT_EQ(picture(), first) << i;
     }
     inputs.nowMs = 1500;

@@ -1,5 +1,5 @@
-// panel_rig.h - the radio panel's model on its rooms: a connected aircraft, settings in memory, and hands that press,
-// drag and turn at the middle of an element.
+// panel_rig.h - the radio panel's model with all that it works on: a connected aircraft, settings in memory, and hands
+// that press, drag and turn at the middle of an element.
 #pragma once
 #include <gtest/gtest.h>
 #include "panel/panel_model.h"
@@ -48,7 +48,7 @@ class PanelTest : public testing::Test {
         return {static_cast<std::int32_t>((point.x - origin.x) * scale),
                 static_cast<std::int32_t>((point.y - origin.y) * scale)};
     }
-    // A client pixel well inside the element; the large knob's lies right of the small one.
+    // A client pixel well inside the element; the large knob's is to the right of the small one.
     PixelPoint middleOf(std::int32_t element) {
         const ThemeLayout& layout = themeLayout(now().theme);
         const auto inside = [](const UnitRect& rect, float shareX) {
@@ -80,7 +80,7 @@ class PanelTest : public testing::Test {
         press(at);
         release(at);
     }
-    // The held mouse goes up by this many pixels (down if negative).
+    // The held mouse moves up by this many pixels (down if negative).
     void dragUp(std::int32_t pixels) { move({mouse.x, mouse.y - pixels}); }
     void wheel(std::int32_t element, std::int32_t delta) {
         wheelPanel(model, context, middleOf(element), delta, clock.tickMs());

@@ -92,7 +92,7 @@ TEST(PanelTooltip, OfAnUnknownVolumeIsNotAvailable) {
     EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: N/A");
     inputs.sim.radios[0].writable[kSlotVolume] = false;
     EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: N/A\nVolume controlled by simulator");
-    inputs.settings.radio = 2;  // the other radio knows its own
+    inputs.settings.radio = 2;  // the other radio has its own
     EXPECT_EQ(panelTooltip(kVolumeKnob, inputs), "VOLUME: 60%\nCOM: 50%   OUTPUT: 50%\n80% = unity; 100% = +6 dB");
 }
 

@@ -70,7 +70,7 @@ TEST_F(PanelVolume, AsksTheSimulatorForUnityAt80AndForNoMoreAbove) {
         EXPECT_EQ(command->localVolume, row.panel) << row.turned;
     }
     EXPECT_EQ(queued(), 1u);
-    EXPECT_EQ(copySettings(settings).receive_volume, 80.0f);  // only once the simulator has answered
+    EXPECT_EQ(copySettings(settings).receive_volume, 80.0f);  // only after the simulator has answered
 }
 
 TEST_F(PanelVolume, AsksTheRadioWhoseKnobIsTurned) {

@@ -8,7 +8,7 @@ using AnyFunction = void (*)();
 
 int gLastMarker = -1;
 
-// A different function for every position, so that each can be told from its neighbours.
+// A different function for every position, so that each can be told apart from its neighbours.
 template <int Position>
 void marker() {
     gLastMarker = Position;

@@ -10,8 +10,8 @@
 
 namespace {
 
-// The agreed texts, written down a second time: a slip in the table is seen here. A text of a new setting comes behind
-// them and need not stand here.
+// The agreed texts, written down a second time, so that a slip in the table shows. The text of a new setting comes
+// after these and need not be listed here.
 // clang-format off
 const char* const kEnglishTexts[] = {
     "Corvalis · Settings",
@@ -204,7 +204,7 @@ TEST(Texts, HaveNoSpaceAtTheEndsAndRunsOfSpacesOnlyWhereAgreed) {
         for (const auto end : {text.front(), text.back()}) {
             EXPECT_FALSE(end == U' ' || end == 0xA0 || end == 0x202F || end == 0x3000) << nameOf(language, entry);
         }
-        std::vector<int> runs;  // lengths of two and more, in order
+        std::vector<int> runs;  // lengths of two or more, in order
         int run = 0;
         for (const auto c : text) {
             if (c != U' ' && run > 1) runs.push_back(run);
@@ -230,7 +230,7 @@ TEST(Texts, HaveTheSameLineBreaksPercentSignsAndSlashesInAllLanguages) {
 }
 
 TEST(Texts, KeepTheNamesThatPilotsKnow) {
-    // A letter of another alphabet that only looks the same fails here too.
+    // A letter of another alphabet that only looks the same fails here, too.
     const char* const names[] = {"Corvalis", "MSFS 2024", "TeamSpeak 3", "TS3",   "COM1", "COM2",
                                  "COM ",     "TX / RX",   "PDC",         "ACARS", "TEXT", "BOEING / AIRBUS",
                                  "ACTIVE",   "STANDBY",   "ESC / "};
@@ -239,7 +239,7 @@ TEST(Texts, KeepTheNamesThatPilotsKnow) {
         forEachText([&](std::int32_t language, int entry) {
             if (textOf(kEnglish, entry).find(name) == std::string_view::npos) return;
             const auto text = textOf(language, entry);
-            // "COM " is the word, whatever follows it; ESC is what the language's keyboards say.
+            // "COM " is the word, whatever follows it; ESC is whatever the language's keyboards have.
             auto wanted = std::string(name == "COM " ? "COM" : name);
             if (name == "ESC / " && language == kFrench) wanted = "ÉCHAP / ";
             EXPECT_NE(text.find(wanted), std::string_view::npos) << wanted << " in " << nameOf(language, entry);
@@ -259,7 +259,7 @@ TEST(Texts, KeepTheNamesThatPilotsKnow) {
     }
 }
 
-TEST(Texts, OfTheCustomKeysStandInTheOrderOfTheirCodes) {  // in English they are among the agreed ones
+TEST(Texts, OfTheCustomKeysStandInTheOrderOfTheirCodes) {  // in English they are among the agreed texts
     for (std::int32_t language = 0; language < kLanguageCount; language++) {
         std::set<std::string_view> labels;
         for (int code = 0; code < 8; code++) labels.insert(textOf(language, kTextActionNone + code));
@@ -288,8 +288,8 @@ TEST(Texts, AreAboutAsShortAsTheEnglish) {
 }
 
 TEST(Texts, FitWhereTheRoomIsGiven) {
-    // Half the text size is a cell; the message window gives its labels this many, and the compact toggles what the
-    // longest English label takes.
+    // A cell is half the text size; the message window gives its labels this many, and the compact toggles as many as
+    // the longest English label takes.
     const struct {
         int entry, cells;
     } rows[] = {{kTextFrom, 9},

@@ -1,4 +1,4 @@
-// texts_wording_test.cpp - the texts as a reader of each language judges them: letters, punctuation, words.
+// interface_texts_wording_test.cpp - the texts as a reader of each language judges them: letters, punctuation, words.
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <set>
@@ -52,7 +52,7 @@ TEST(Texts, AreTranslatedIntoTheirLanguagesOwnLetters) {
 }
 
 TEST(Texts, AreEnglishElsewhereOnlyWhereTheWordIsTheSame) {
-    // What a German, French or Spanish pilot says as the English one does.
+    // Where German, French or Spanish pilots use the English word.
     const std::set<std::pair<std::int32_t, int>> same = {{kGerman, 39}, {kGerman, 65},  {kGerman, 69},
                                                          {kFrench, 18}, {kFrench, 38},  {kFrench, 67},
                                                          {kSpanish, 5}, {kSpanish, 38}, {kSpanish, 39}};
@@ -64,7 +64,7 @@ TEST(Texts, AreEnglishElsewhereOnlyWhereTheWordIsTheSame) {
 }
 
 TEST(Texts, InChineseKeepToOneScript) {
-    // The same characters in both scripts, and the mainland's words for what Taiwan calls otherwise.
+    // The same characters in both scripts, and mainland words for which Taiwan uses others.
     const std::u32string simplified =
         U"设关应语频发这显声间数经连开时实无线电说话认标静内动换贴调项随飞减谱仅麦风灯顶视页为让护资许协议选择键码"
         U"删历预览获没过闭规处称队务类专单图块头备导层师带广总户执扩报担拟拥摆样检欢汉测浏灭点热状现盘稳笔简级纪纯"
@@ -147,7 +147,7 @@ TEST(Texts, UseTypographicApostrophesAndQuotesOnly) {
 }
 
 TEST(Texts, HaveOneWordPerThing) {
-    // What entries are about, and the stem of the word that names it in each language.
+    // What entries are about, and the stem of the word for it in each language.
     // clang-format off
     const struct {
         const char* thing;

@@ -1,5 +1,5 @@
-// settings_copy.h - every setting told a second time: the one place beside the product's own tables where a setting is
-// written down, so that a key, a default, a range or a control changed by mistake shows. All tests walk it.
+// settings_copy.h - every setting listed a second time: the only place besides the product's own tables where a setting
+// is written down, so that a key, default, range or control changed by mistake shows. All tests walk it.
 #pragma once
 #include <cstdlib>
 #include <string>
@@ -8,20 +8,20 @@
 #include "settings/dialog/dialog_rows.h"
 #include "settings/language.h"
 
-// How a value in the file is understood.
+// How a value in the file is read.
 enum class ValueRule {
     kOffByWord,   // a switch: "0" and "false" are off
     kOffByDigit,  // "0" is off
     kOnByWord,    // "1" and "true" are on
     kOnByDigit,   // "1" is on
-    kSecond,      // one of two numbers: the second if it stands there exactly, else the first
-    kWhole,       // a number, held in its range
+    kSecond,      // one of two numbers: the second if the value is exactly that, else the first
+    kWhole,       // a number, clamped to its range
     kReal,        // the same with a fraction
     kPixel,       // any whole number
     kText,        // as it stands; the default when it is empty
 };
 
-// The controls of a setting in the dialog: how many, from which identifier on, and on which of its pages they stand.
+// The controls of a setting in the dialog: how many, from which identifier on, and on which of its pages they are.
 struct ControlCopy {
     int id = 0;
     RowKind kind = RowKind::kToggle;
@@ -102,7 +102,7 @@ inline void putValue(Settings& settings, const SettingCopy& copy, const std::str
     if (const auto* text = std::get_if<std::string Settings::*>(&copy.field)) settings.*(*text) = value;
 }
 
-// A record of the copy's defaults, or of its other values: no field as by default.
+// A record of the copy's defaults, or of its other values, where no field has its default.
 inline Settings defaultSettings() {
     Settings settings;
     for (const SettingCopy& copy : settingsCopy()) putValue(settings, copy, copy.standard);

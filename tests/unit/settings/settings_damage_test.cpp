@@ -1,4 +1,4 @@
-// settings.ini in every state a crash, an editor or a bad disk may leave it in.
+// settings_damage_test.cpp - settings.ini in every state in which a crash, an editor or a bad disk may leave it.
 #include <gtest/gtest.h>
 #include <climits>
 #include <cstdint>
@@ -46,7 +46,7 @@ std::string randomText(std::mt19937& random) {
         const char c = static_cast<char>(whole(random, 1, 255));
         if (c != '\n') text += c;
     }
-    return text + "!";  // blanks at the very end would be trimmed
+    return text + "!";  // blanks at the end would be trimmed
 }
 
 void putRandomValue(std::mt19937& random, const SettingCopy& copy, Settings& s) {
@@ -67,7 +67,7 @@ Settings randomRecord(std::mt19937& random) {
     return s;
 }
 
-// The number that six significant digits keep.
+// The number that six significant digits can hold.
 float sixDigits(float value) {
     char text[64];
     std::snprintf(text, sizeof text, "%g", static_cast<double>(value));
@@ -88,7 +88,7 @@ TEST(SettingsDamage, AFileCutAnywhereKeepsTheValuesOfItsWholeLines) {
         for (std::size_t i = 0; i < full.size(); i++) {
             const std::size_t end = start + full[i].size();
             const std::size_t nextEnd = i + 1 < full.size() ? end + 2 + full[i + 1].size() : end;
-            // A maximum cut down to 0 changes places with the minimum before it.
+            // A maximum cut down to 0 is swapped with the minimum before it.
             const bool mayBeSwapped = full[i] == "volume_min=0.25" && length > end + 2 && length < nextEnd;
             if (end <= length && !mayBeSwapped) {
                 EXPECT_EQ(lines[i], full[i]) << length;

@@ -1,4 +1,4 @@
-// settings_ranges.h - what must hold of every record read from a file, whatever its bytes. For unit tests and fuzzing.
+// settings_ranges.h - what must hold for every record read from a file, whatever its bytes. For unit tests and fuzzing.
 #pragma once
 #include <string>
 #include "tests/unit/settings/settings_copy.h"
@@ -12,7 +12,7 @@ inline std::string fieldOutOfRange(const Settings& settings) {
         const double value = numberOf(settings, copy);
         const bool isWithin =
             value >= static_cast<double>(copy.range.min) && value <= static_cast<double>(copy.range.max);
-        if (!isWithin) return copy.key;  // also what is no number
+        if (!isWithin) return copy.key;  // also if it is not a number
     }
     return settings.volume_min <= settings.volume_max ? "" : "volume_max";
 }

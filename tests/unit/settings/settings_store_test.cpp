@@ -255,7 +255,7 @@ TEST_F(SettingsStoreTest, PublishesOnlyAfterTheFileWork) {
 TEST_F(SettingsStoreTest, NeverWritesARecordThatIsNoLongerTheLiveOne) {
     std::atomic<int> outdated{0};
     files.onReplace = [&](std::string_view bytes) {
-        for (int i = 0; i < 3; i++) std::this_thread::yield();  // the others get their chance
+        for (int i = 0; i < 3; i++) std::this_thread::yield();  // gives the others a chance
         if (bytes != writeSettingsText(copySettings(store))) outdated++;
     };
     std::vector<std::thread> threads;

@@ -1,4 +1,4 @@
-// The rules of settings.ini, one test per rule. The keys come from the copy of all settings.
+// settings_text_test.cpp - the rules of settings.ini, one test per rule. The keys come from the copy of all settings.
 #include "settings/settings_text.h"
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -14,14 +14,14 @@ Settings read(const std::string& line) {
     return readSettingsText(line + "\r\n");
 }
 
-// The file of a record with one of the copy's two values in every line.
+// The file for a record that has one of the copy's two values in every line.
 std::string fileOf(const char* SettingCopy::*value) {
     std::string text = "[Hopline]\r\n";
     for (const SettingCopy& copy : settingsCopy()) text += copy.key + std::string("=") + copy.*value + "\r\n";
     return text;
 }
 
-// Every switch of this rule reads the values named in others as !rest, all the rest as rest.
+// Every switch of this rule reads the values in others as !rest, and all other values as rest.
 void expectSwitches(ValueRule rule, bool rest, const std::vector<std::string>& others) {
     int switches = 0;
     for (const SettingCopy& copy : settingsCopy()) {
@@ -123,7 +123,7 @@ TEST(SettingsText, ClampsEveryRealNumberToItsRange) {
                     {"-5", min},
                     {std::to_string(min - 0.01), min},
                     {"nan", min},
-                    {"", min},  // no number is 0, which is no range's upper end
+                    {"", min},  // what is not a number is 0, which is no range's upper end
                     {"percent", min},
                     {",5", min},
                     {"--3", min}};

@@ -68,7 +68,7 @@ inline bool isOwnLetter(std::int32_t language, char32_t c) {
     }
 }
 
-// A text without the names of the languages, which are foreign by intention.
+// A text without the names of the languages, which are foreign on purpose.
 inline std::string ownText(std::int32_t language, int entry) {
     std::string text(textOf(language, entry));
     if (entry == kLanguageNames) text.erase(std::min(text.find("简体中文 / "), text.size()));

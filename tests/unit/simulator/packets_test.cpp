@@ -1,4 +1,4 @@
-// What goes over the wire, byte by byte: requests as clients in use send them, answers as they understand them.
+// packets_test.cpp - what goes over the wire, byte by byte: clients' requests as sent in practice, and the answers.
 #include <gtest/gtest.h>
 #include "tests/simulator/answers.h"
 #include "tests/simulator/requests.h"

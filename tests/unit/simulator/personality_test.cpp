@@ -1,4 +1,4 @@
-// How each personality differs from the stock simulator.
+// personality_test.cpp - how each personality differs from the stock simulator.
 #include "tests/unit/simulator/simulator_test.h"
 
 using namespace standin;
@@ -67,7 +67,7 @@ TEST_F(PersonalityTest, RoughPacketsAreCutJoinedAndStrangeButAllThere) {
     visitor->request({1, 1, 0, kVisualFrame, 0, 0, 0, 0});
     visitor->fly(2100);
     const auto data = visitor->packets(kDataId);
-    ASSERT_GE(data.size(), 59u);  // the last may be on its way
+    ASSERT_GE(data.size(), 59u);  // the last one may still be on its way
     for (std::size_t i = 1; i < data.size(); i++) EXPECT_NEAR(data[i].f64(40) - data[i - 1].f64(40), 1.0 / 30, 1e-9);
     EXPECT_EQ(visitor->count(kOpenId), 1u);
     std::size_t longest = 0, cut = 0, joined = 0;
@@ -89,11 +89,11 @@ TEST_F(PersonalityTest, FreezingInPauseSendsNoChangesAndTakesEventsWhenThePauseI
     visitor->fly(100);
     EXPECT_EQ(visitor->count(kDataId), 1u);
     act("pause on");
-    act("tune COM1 active 118.005");  // by hand, which works as ever
+    act("tune COM1 active 118.005");  // by hand, which always works
     write("COM_STBY_RADIO_SET_HZ", 119'000'000);
     visitor->fly(2000);
     EXPECT_EQ(visitor->count(kDataId), 1u);
-    EXPECT_EQ(read("COM ACTIVE FREQUENCY:1", "Hz"), 118'005'000.0);  // asked for, it is told
+    EXPECT_EQ(read("COM ACTIVE FREQUENCY:1", "Hz"), 118'005'000.0);  // told when asked
     EXPECT_EQ(read("COM STANDBY FREQUENCY:1", "Hz"), 121'500'000.0);
     visitor->forget();
     act("pause off");

@@ -1,4 +1,4 @@
-// The stand-in simulator as a client sees it: radios, requests, events and system states.
+// simulator_test.cpp - the stand-in simulator as a client sees it: radios, requests, events and system states.
 #include "tests/unit/simulator/simulator_test.h"
 #include <functional>
 
@@ -123,7 +123,7 @@ TEST_F(SimulatorTest, TakesWritesFromEitherEventAndShowsThemAtTheNextFrame) {
     EXPECT_EQ(read("COM ACTIVE FREQUENCY:1", "Hz"), 119'100'000.0);
 }
 
-// Each on a fresh aircraft with a fitted COM3; nothing else may change.
+// Each event on a fresh aircraft with a COM3; nothing else may change.
 TEST(SimulatorKeyEvents, EachWorksItsOwnRadioAndNothingElse) {
     const auto hz = [](std::uint32_t Radio::*field, std::uint32_t value) {
         return [=](Radio& radio) { radio.*field = value; };
@@ -305,7 +305,7 @@ TEST_F(SimulatorTest, TakesRequestsCutAndJoinedAndDropsBrokenFraming) {
     putU32(map, 1);
     putText(map, "COM1_RADIO_SWAP", 256);
     for (const char byte : map) visitor->sendBytes({&byte, 1});
-    visitor->sendBytes(map + map);  // the same id twice more
+    visitor->sendBytes(map + map);  // the same id two more times
     EXPECT_EQ(visitor->count(kExceptionId), 2u);
     EXPECT_FALSE(visitor->isClosed);
     visitor->sendBytes(bytesOfHex("0f 00 00 00"));

@@ -1,4 +1,4 @@
-// simulator_test.h - a test with a stand-in simulator and one client of it, which has opened.
+// simulator_test.h - a test with a stand-in simulator and one client of it, already opened.
 #pragma once
 #include <gtest/gtest.h>
 #include <memory>
@@ -6,7 +6,7 @@
 #include <vector>
 #include "tests/unit/simulator/visitor.h"
 
-// What answers are numbered on the wire.
+// The answers' ids on the wire.
 inline constexpr std::uint32_t kExceptionId = 1, kOpenId = 2, kQuitId = 3, kEventId = 4, kFileId = 6, kDataId = 8,
                                kStateId = 15;
 

@@ -19,7 +19,7 @@ struct Received {
 
 class Visitor {
   public:
-    // Connects at once. The clock is the tests' own and is moved by fly().
+    // Connects at once. The clock belongs to the tests; fly() advances it.
     Visitor(standin::Simulator& simulator, std::uint64_t& nowMs);
 
     // Whole packets; each returns its send id.
@@ -33,13 +33,13 @@ class Visitor {
     std::uint32_t subscribe(std::uint32_t id, std::string_view name);
     void sendBytes(std::string_view bytes);  // anything
 
-    // Time goes on in steps of 10 ms.
+    // Time passes in steps of 10 ms.
     void fly(std::uint64_t ms);
     void collect();
 
     std::vector<Received> packets(std::uint32_t id) const;  // of that kind, so far
     std::size_t count(std::uint32_t id) const { return packets(id).size(); }
-    // The code of the only exception so far, for the packet of that send id; 0 if there is none or it is another's.
+    // The code of the only exception so far, if it is about the packet with that send id; otherwise 0.
     std::uint32_t exceptionFor(std::uint32_t sendId) const;
     void forget() { received_.clear(); }
 

@@ -1,5 +1,5 @@
-// The worker and the stand-in simulator, which share no code, in one process and on one clock set by hand: everything
-// between command.json and telemetry.json but the pipe.
+// worker_flight_test.cpp - the worker and the stand-in simulator, which share no code, in one process and on one clock
+// set by hand: everything between command.json and telemetry.json except the pipe.
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <array>
@@ -63,7 +63,7 @@ class WorkerFlight : public ::testing::Test {
         link = std::make_unique<simconnect::SimConnectLink>(std::make_unique<SimulatorLine>(*simulator, clock));
         loop = std::make_unique<WorkerLoop>("data", files, folder, *link, log);
     }
-    // With the radios read, as after a few frames.
+    // Until the radios are read, as after a few frames.
     void beginAndRead(const char* personality) {
         begin(personality);
         EXPECT_TRUE(flyUntil([&] { return telemetry().ok; }, 6000)) << telemetry().status;
@@ -90,7 +90,7 @@ class WorkerFlight : public ::testing::Test {
     }
     Telemetry telemetry() { return parseTelemetry(files.text("data\\telemetry.json")); }
 
-    // Writes the command as the plugin does and flies until it is acknowledged.
+    // Writes the command like the plugin and flies until it is acknowledged.
     Telemetry command(int com, const char* slot, const char* target) {
         const auto id = "1-" + std::to_string(++commands);
         files.put("data\\command.json", commandText(id, com, slot, target, clock.unixSeconds()));
@@ -115,11 +115,11 @@ class WorkerFlight : public ::testing::Test {
     std::unique_ptr<WorkerLoop> loop;
     std::vector<std::string> reports;
     std::uint64_t startedMs = 0;    // of the last command
-    std::uint64_t mayLagMs = 1000;  // what is shown, behind what is
+    std::uint64_t mayLagMs = 1000;  // how far the telemetry may lag behind the simulator
     int commands = 0;
 
   private:
-    // What the telemetry shows must have stood in the simulator not long ago.
+    // What the telemetry shows must have been true in the simulator shortly before.
     void judge() {
         recent_.push_back(simulator->aircraft());
         if (recent_.size() > mayLagMs / kPassEveryMs) recent_.pop_front();
@@ -306,7 +306,7 @@ TEST_F(WorkerFlight, WritesInAPauseThatTheSimulatorObeys) {
     EXPECT_TRUE(command(1, "standby", "119000").ackOk);
 }
 
-// Only what is read anew from time to time tells.
+// Only the periodic rereading shows it.
 TEST_F(WorkerFlight, ShowsWithinFiveSecondsWhatChangesInAPauseWithoutAWord) {
     constexpr std::uint64_t kRereadMs = 5100;
     mayLagMs = kRereadMs;
@@ -316,7 +316,7 @@ TEST_F(WorkerFlight, ShowsWithinFiveSecondsWhatChangesInAPauseWithoutAWord) {
         act(("tune COM2 active " + formatFixed(khz / 1000.0, 3)).c_str());  // COM1's is the heartbeat
         EXPECT_TRUE(flyUntil([&] { return telemetry().radios[1].active == khz; }, kRereadMs)) << khz;
         EXPECT_TRUE(telemetry().ok);
-        fly(170);  // another moment of the five seconds each time
+        fly(170);  // at a different moment of the five seconds each time
     }
 }
 
@@ -331,7 +331,7 @@ TEST_F(WorkerFlight, CallsNothingDoneThatTheSimulatorPutsOffUntilThePauseIsOver)
     EXPECT_EQ(heard("COM_STBY_RADIO_SET_HZ 119000000"), 1);
     act("pause off");
     EXPECT_TRUE(flyUntil([&] { return telemetry().radios[0].standby == 119000; }, 200));
-    EXPECT_TRUE(command(1, "standby", "119100").ackOk);  // one that came late is no aircraft that ignores
+    EXPECT_TRUE(command(1, "standby", "119100").ackOk);  // a late write is not an ignored one
 }
 
 TEST_F(WorkerFlight, ComesBackAfterEveryLoss) {

@@ -1,5 +1,5 @@
-// Every thread of the plugin at once on one set of rooms: the poll loop, the panel, the host's events, the audio
-// hooks and the worker. The thread sanitizer watches; besides, no file or host call may be made under a lock of ours.
+// rooms_test.cpp - every thread of the plugin at once on the same data: the poll loop, the panel, the host's events,
+// the audio hooks and the worker. The thread sanitizer watches; also, no file or host call may be made under our locks.
 #include <gtest/gtest.h>
 #include <chrono>
 #include <functional>
@@ -13,11 +13,11 @@
 
 namespace {
 
-constexpr int kTurns = 250;                           // of each thread; enough for each to be interrupted anywhere
+constexpr int kTurns = 250;                           // for each thread; enough for each to be interrupted anywhere
 constexpr auto kDeadline = std::chrono::seconds(20);  // a busy machine under a sanitizer
 
-// Takes each lock of ours once from another thread, while the caller stands in a file or host call. A lock that the
-// caller held would keep that thread waiting past the deadline.
+// Takes each of our locks once from another thread, while the caller is inside a file or host call. A lock held by the
+// caller would keep that thread waiting past the deadline.
 class LockProbe {
   public:
     LockProbe(SettingsStore& settings, SimRadios& radios, TalkTracker& talk)
@@ -26,7 +26,7 @@ class LockProbe {
     // The settings-file mutex may be held while its own file is saved.
     void check(const std::string& place, bool savesSettings) {
         count_++;
-        if (isHeld_) return;  // one is enough, and each would last until the deadline
+        if (isHeld_) return;  // one is enough, and each would take until the deadline
         auto taken = std::make_shared<std::promise<void>>();
         auto done = taken->get_future();
         std::thread other([this, taken, savesSettings] {
@@ -45,11 +45,11 @@ class LockProbe {
             return;
         }
         isHeld_ = true;
-        MutexLock lock(mutex_);  // the thread goes on once the caller has let go; finish() waits for it
+        MutexLock lock(mutex_);  // the thread goes on once the caller lets go; finish() waits for it
         held_.push_back(place);
         stuck_.push_back(std::move(other));
     }
-    // Where a lock was held; after all other threads have ended.
+    // Where a lock was held; call it after all other threads have ended.
     std::vector<std::string> finish() {
         MutexLock lock(mutex_);
         for (auto& thread : stuck_) thread.join();
@@ -87,7 +87,7 @@ bool isSettingsFile(const std::string& path) {
     return path.ends_with("settings.ini");
 }
 
-// The worker's side: fields of one reading that must stay together are all made from one number.
+// The worker's side: fields of one reading that must stay together all come from one number.
 std::string readingOf(std::int32_t turn, double unixSeconds, const std::string& ackId) {
     TelemetryFile file;
     const std::int32_t khz = 118000 + turn % 2 * 1000;
@@ -184,7 +184,7 @@ class RoomsTest : public testing::Test {
         });
         applySettings(settings);
     }
-    // Atomics only, as in the hooks; true while what they say can be believed.
+    // Atomics only, as in the hooks; true if their values make sense.
     bool readsSensibly(std::uint32_t& lastGeneration) const {
         const std::uint32_t generation = settings.DspGeneration;
         const bool grows = generation >= lastGeneration;
@@ -221,7 +221,7 @@ class RoomsTest : public testing::Test {
         poll.join();
         for (auto& thread : audio) thread.join();
     }
-    // After the storm the poll loop goes on alone until it has written, moved and played; false if it never does.
+    // Afterwards the poll loop goes on alone until it has written, moved and played; false if it never does.
     bool settle() {
         server = 1;
         updateSettings(settings, [](Settings& live) { live.enabled = true; });
@@ -236,7 +236,7 @@ class RoomsTest : public testing::Test {
         }
         return false;
     }
-    // Each thread goes on only as the poll loop does, so that all of them last as long as it.
+    // Each thread waits for the poll loop's passes, so that all of them last equally long.
     void repeat(const std::function<void(int)>& body) {
         for (int turn = 0; turn < kTurns; turn++) {
             body(turn);
@@ -274,7 +274,7 @@ TEST_F(RoomsTest, AllThreadsTogetherTearNothingAndCallNobodyUnderALock) {
     EXPECT_EQ(nonsense, 0);
     EXPECT_EQ(voice.ReceiveGain, 1.0f);
 
-    // Each call was looked at, and the host was treated well.
+    // Each call was checked, and no rule of the host was broken.
     EXPECT_GE(passes, kTurns - 1);
     EXPECT_GT(probe.count(), static_cast<std::size_t>(kTurns));
     EXPECT_EQ(host.problems(), std::vector<std::string>{});
@@ -321,7 +321,7 @@ TEST(SettingsOrder, TheFileIsWrittenInTheOrderOfTheChanges) {
     EXPECT_EQ(files.replaces, 2 * kTurns);
 }
 
-// A host event takes its time, is held up, and enters after the poll loop has noted a later start.
+// A host event reads its time, is delayed, and arrives after the poll loop has noted a later start.
 TEST(TalkTimes, AnEventOlderThanTheStartOfTheTransmissionGivesNoTail) {
     TalkTracker talk;
     talkChanged(talk, 1, 5, true, 1001);

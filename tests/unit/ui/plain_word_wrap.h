@@ -1,5 +1,4 @@
-// plain_word_wrap.h - the wrapping rules carried out word for word, measuring at every token: the judge of the fast
-// one.
+// plain_word_wrap.h - the wrapping rules followed literally, measuring at every token: the judge of the fast version.
 #pragma once
 #include <string>
 #include <vector>
@@ -23,7 +22,7 @@ inline std::vector<std::u16string> plainWrap(const std::u16string& text, float m
             line += text[at++];
             continue;
         }
-        // A token: one wide character, or all up to the next space, line feed or wide one.
+        // A token: one wide character, or everything up to the next space, line feed or wide character.
         std::vector<std::u16string> characters;
         do {
             const std::size_t end = characterEnd(text, at);

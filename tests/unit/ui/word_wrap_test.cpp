@@ -5,7 +5,7 @@
 
 namespace {
 
-// A fixed pitch, twice as much for a wide character.
+// A fixed pitch, doubled for wide characters.
 float cells(std::u16string_view text) {
     float width = 0.0f;
     for (const char16_t unit : text) width += isWide(unit) ? 2.0f : 1.0f;
@@ -20,14 +20,14 @@ Lines wrap(const std::u16string& text, float maxWidth, const MeasureText& measur
     return lines;
 }
 
-// Proportional: from nothing (marks) to three cells, by the character.
+// Proportional: from zero (marks) to three cells, depending on the character.
 float proportional(std::u16string_view text) {
     float width = 0.0f;
     for (const char16_t unit : text) width += static_cast<float>(unit * 7U % 13U) / 4.0f;
     return width;
 }
 
-// Steps: many texts have the same width, as where a font rounds.
+// In steps: many texts have the same width, as when a font rounds.
 float stepped(std::u16string_view text) {
     return static_cast<float>(text.size() / 3);
 }
@@ -85,7 +85,7 @@ TEST(WordWrap, BreaksBetweenAnyTwoWideCharacters) {
     EXPECT_EQ(wrap(u"放行许可", 5), (Lines{u"放行", u"许可"}));
     EXPECT_EQ(wrap(u"ab放行cd", 4), (Lines{u"ab放", u"行cd"}));
     EXPECT_EQ(wrap(u"放abc行", 4), (Lines{u"放", u"abc", u"行"}));
-    EXPECT_EQ(wrap(u"\u2E7F\u2E7F\u2E7F a", 3), (Lines{u"\u2E7F\u2E7F\u2E7F ", u"a"}));  // one word just below
+    EXPECT_EQ(wrap(u"\u2E7F\u2E7F\u2E7F a", 3), (Lines{u"\u2E7F\u2E7F\u2E7F ", u"a"}));  // one word: just not wide
 }
 
 TEST(WordWrap, BreaksAWordTooWideForALineBetweenItsCharacters) {

@@ -197,7 +197,7 @@ TEST(Diagnosis, ShowsTheLastLinesOfBothLogs) {
     EXPECT_FALSE(has(text, "line 150.\r\n"));
     EXPECT_TRUE(has(text, "at most:\r\nline 151.\r\n"));
     EXPECT_TRUE(has(text, "line 350.\r\n\r\n== Plugin's log"));
-    // Of a log that is longer than what was looked at, the first line is half of one.
+    // If a log is longer than what was read of it, its first line is incomplete.
     found = emptyFolder();
     found.log = fileOf("C:\\Us\r\nline 2.\r\n");
     found.log.size = 2'000'000;
@@ -282,7 +282,7 @@ TEST(Diagnosis, ShowsDamagedFilesAsTextOfOurOwn) {
 TEST(Diagnosis, ReadsTheSystemsCodePage) {
     auto found = emptyFolder();
     found.log = fileOf("in C:\\Users\\\x95\x5C\\x\r\n");
-    // In code page 932 one letter, of which the second byte is a backslash.
+    // In code page 932 this is one letter, whose second byte is a backslash.
     const auto text = composeDiagnosis(found, [](const std::string& narrow) {
         return narrow == "in C:\\Users\\\x95\x5C\\x\r" || narrow == "in C:\\Users\\\x95\x5C\\x"
                    ? "in C:\\Users\\\xE8\xA1\xA8\\x"

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Comes up at a given time and has something to say at each poll.
+// Comes up at a given time and has a note at each poll.
 class LateLink : public ManualLink {
   public:
     explicit LateLink(std::uint64_t upMs) : upMs_(upMs) { sim = {}; }

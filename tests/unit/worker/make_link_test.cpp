@@ -15,7 +15,7 @@ struct MakingALink : testing::Test {
     MemoryLogFile logFile;
     WorkerLog log{logFile, clock};
     WorkerOptions options;
-    std::optional<HostPort> address;  // asked for
+    std::optional<HostPort> address;  // as requested
 
     std::unique_ptr<SimLink> made() {
         const auto makeTransport = [this](const std::optional<HostPort>& wanted) {
@@ -26,7 +26,7 @@ struct MakingALink : testing::Test {
         link->poll(0);
         return link;
     }
-    // Simulated from a script with this text.
+    // A simulated link with a script of this text.
     std::unique_ptr<SimLink> madeFrom(const std::string& text) {
         files.put(kScript, text);
         options = {"C:\\d", 0, LinkKind::kSimulate, kScript, {}};

@@ -57,7 +57,7 @@ TEST(ReadableText, TakesALineThatIsNotUtf8ForTheCodePage) {
     EXPECT_EQ(readableLine("M\xC3\xBCller", latin1), "M\xC3\xBCller");
     EXPECT_EQ(readableLine("M\xFCller", latin1), "M\xC3\xBCller");
     EXPECT_EQ(readableLine("\xEF\xBF\xBD", latin1), "\xEF\xBF\xBD");  // U+FFFD itself
-    // A decoder that answers with nonsense.
+    // A decoder that returns nonsense.
     EXPECT_EQ(readableLine("\xFF", [](const std::string& narrow) { return narrow; }), "\xEF\xBF\xBD");
 }
 

@@ -114,7 +114,7 @@ TEST(SimulatedAircraft, ARadioWithoutPowerShowsItsFrequenciesAndTakesNothing) {
     EXPECT_EQ(com(aircraft, 1).active, 122800);
     EXPECT_FALSE(aircraft.write({0, kSlotVolume, 0.5}, kStart + 1000));
     aircraft.poll(kStart + 1500);
-    EXPECT_EQ(com(aircraft, 1).standby, 121500);  // the write on its way fell with the power
+    EXPECT_EQ(com(aircraft, 1).standby, 121500);  // the pending write was lost with the power
     aircraft.poll(kStart + 2000);
     EXPECT_EQ(aircraft.snapshot().status, "COM1 and COM2 unpowered");
     aircraft.poll(kStart + 3000);
@@ -148,7 +148,7 @@ TEST(SimulatedAircraft, ChangingTheGridMovesRangeAndFrequencies) {
     EXPECT_EQ(com(aircraft, 1).active, 118000);
     EXPECT_EQ(aircraft.snapshot().rangeMaxKHz, 136975);
     aircraft.poll(kStart + 1500);
-    EXPECT_EQ(com(aircraft, 1).standby, 121500);  // no channel any more when the write arrived
+    EXPECT_EQ(com(aircraft, 1).standby, 121500);  // no longer a channel when the write arrived
     aircraft.poll(kStart + 2000);
     EXPECT_EQ(aircraft.snapshot().rangeMaxKHz, 136990);
 }

@@ -1,5 +1,5 @@
-// worker_fakes.h - the worker's surroundings in memory: a folder over MemoryFiles, a log one can read, a link set by
-// hand.
+// worker_fakes.h - the worker's surroundings in memory: a folder over MemoryFiles, a log that can be read, a link set
+// by hand.
 #pragma once
 #include <functional>
 #include <map>
@@ -12,7 +12,7 @@
 #include "worker/worker_folder.h"
 #include "worker/worker_log.h"
 
-// Stamps follow the text: another text of the same length is another stamp unless coarse is set.
+// Stamps follow the text: a different text of the same length has a different stamp unless coarse is set.
 class MemoryFolder : public WorkerFolder {
   public:
     explicit MemoryFolder(MemoryFiles& files) : files_(files) {}
@@ -30,7 +30,7 @@ class MemoryFolder : public WorkerFolder {
     }
 
     bool gone = false;
-    bool coarse = false;  // every text of a length has the same stamp
+    bool coarse = false;  // all texts of one length have the same stamp
     int checks = 0;
     std::map<std::string, std::uint64_t> pretendBytes;
 

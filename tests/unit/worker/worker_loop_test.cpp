@@ -6,7 +6,7 @@
 
 namespace {
 
-// A whole worker over files in memory, run in steps of what each pass asks for.
+// A whole worker over files in memory, advanced by the wait that each pass asks for.
 struct Worker {
     explicit Worker(const std::string& script = {})
         : aircraft(parseFlightScript(script), clock.tickMs()), loop("C:\\d", files, folder, aircraft, log) {}
@@ -23,7 +23,7 @@ struct Worker {
     void command(const std::string& id, int com, const std::string& slot, const std::string& target) {
         files.put("C:\\d\\command.json", commandText(id, com, slot, target, clock.unixSeconds()));
     }
-    // Passes until the command of that id is acknowledged; the ms it took, -1 if it never was.
+    // Passes until the command with that id is acknowledged; returns the ms it took, -1 if it never was.
     int msUntilAck(const std::string& id) {
         const auto start = clock.tickMs();
         while (clock.tickMs() < start + 4500) {

@@ -43,7 +43,7 @@ TEST(WorkerArguments, ReadsSimulateWithAndWithoutAScript) {
 TEST(WorkerArguments, ReadsTheAddressOfASimulatorElsewhere) {
     const auto options = parsed({"--data-dir", "d", "--address", "192.168.1.20:500"});
     EXPECT_EQ(options.address, (HostPort{"192.168.1.20", 500}));
-    EXPECT_EQ(options.link, LinkKind::kAuto);  // over a link=simulate of worker.ini
+    EXPECT_EQ(options.link, LinkKind::kAuto);  // overrides link=simulate in worker.ini
     EXPECT_EQ(errorOf({"--data-dir", "d", "--address"}), "--address needs a value");
     EXPECT_EQ(errorOf({"--data-dir", "d", "--address", "simpc"}),
               "--address needs an address as in simpc:500 or [fe80::1]:500, not simpc");

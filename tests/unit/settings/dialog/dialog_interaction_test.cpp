@@ -124,7 +124,7 @@ TEST_F(DialogHand, TheWheelStepsSlidersAndSelectors) {
     wheel(kReceiveVolumeSlider, 60);
     EXPECT_EQ(model.working.receive_volume, 79.0f);
     wheel(kReceiveVolumeSlider, 60);
-    wheel(kReceiveVolumeSlider, -60);  // the other way: the half notch is forgotten
+    wheel(kReceiveVolumeSlider, -60);  // other direction: the half notch is forgotten
     EXPECT_EQ(model.working.receive_volume, 79.0f);
     model.page = 2;
     wheel(kKeyBSelector, -240);
@@ -266,7 +266,7 @@ TEST_F(DialogHand, ArrowsMoveBetweenTabsLanguagesAndOptions) {
     EXPECT_EQ(input.focus, languageControl(kSpanish));
     press(DialogKey::kRight);
     EXPECT_EQ(input.focus, languageControl(kRussian));
-    EXPECT_EQ(model.working.language, "auto");  // chosen with Space only
+    EXPECT_EQ(model.working.language, "auto");  // only chosen with Space
     model.page = 2;
     focus(kCom1Option);
     press(DialogKey::kDown);

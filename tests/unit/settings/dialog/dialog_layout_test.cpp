@@ -33,7 +33,7 @@ bool isWithin(const PixelRect& inner, const PixelRect& outer) {
     return !inner.isEmpty() && intersectRects(inner, outer) == inner;
 }
 
-// Wider than any of the interface fonts: em widths by kind of letter, and some for bold.
+// Wider than any of the interface fonts: em widths by kind of letter, and a bit more for bold.
 std::int32_t generousWidth(const DialogText& style, const std::string& piece) {
     double em = 0.0;
     const auto characters = charactersOf(piece);
@@ -190,7 +190,7 @@ TEST(DialogLayoutTest, ATextTooLongDoesNotCountAsFitting) {
     text.rect = {0, 0, 100, 40};
     EXPECT_FALSE(isFitting(text, generousWidth));
     text.wraps = true;
-    EXPECT_FALSE(isFitting(text, generousWidth));  // three lines of 20 in 40
+    EXPECT_FALSE(isFitting(text, generousWidth));  // three lines of 20 in 40 pixels
     text.rect.bottom = 60;
     EXPECT_TRUE(isFitting(text, generousWidth));
     text.rect.right = 60;
@@ -206,7 +206,7 @@ TEST(DialogLayoutTest, ScrollsALowWindowUntilEverythingWasSeen) {
         EXPECT_TRUE(isWithin(bottom.scrollThumb, bottom.scrollBar));
         EXPECT_GT(bottom.scrollThumb.top, top.scrollThumb.top);
         for (const DialogControl& control : top.controls) {
-            if (control.isOnPage) {  // beside the scroll bar, however far down
+            if (control.isOnPage) {  // beside the scroll bar, however far it is scrolled
                 EXPECT_GE(control.rect.left, top.pageView.left) << control.id;
                 EXPECT_LE(control.rect.right, top.scrollBar.left) << control.id;
             } else {

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The controls that are no setting's, told a second time; those of settings are in settings_copy.h.
+// The controls that do not belong to a setting, listed a second time; those of settings are in settings_copy.h.
 const struct {
     int id;
     RowKind kind;

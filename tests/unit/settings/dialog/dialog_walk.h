@@ -1,5 +1,5 @@
-// dialog_walk.h - every setting in the dialog changed once, as the dialog's own tables have it, and the record that
-// must come of it. For a hand on the model and for one on the real window.
+// dialog_walk.h - every setting in the dialog changed once, driven by the dialog's own tables, and the record that must
+// result. For a hand on the model and for one on the real window.
 #pragma once
 #include <set>
 #include "settings/dialog/dialog_layout.h"
@@ -14,12 +14,12 @@ struct DialogWalk {
     void expect(const DialogRow& row, Type value) {
         if (const auto* member = std::get_if<Type Settings::*>(&row.field)) expected.*(*member) = value;
     }
-    // Another place on each slider's track, further from slider to slider: the volumes stay in order.
+    // A new place on each slider's track, further along for each slider: the volumes stay in order.
     float nextLevel(const SliderRange& range) {
         const float share = 0.2f + 0.05f * static_cast<float>(sliders++);
         return snapToStep(range, range.min + share * (range.max - range.min));
     }
-    // Another action for each key, never the first.
+    // A new action for each key, never the first one.
     int nextOption(const DialogRow& row) { return 1 + selectors++ % (optionCount(row) - 1); }
 };
 
@@ -62,7 +62,7 @@ void clickControl(Hand& hand, const DialogRow& row, DialogWalk& walk) {
     }
 }
 
-// All pages, each setting where it comes first; it began with the defaults. Hand: turnTo(page) as well.
+// All pages, each setting where it appears first, beginning with the defaults. Hand: also turnTo(page).
 template <class Hand>
 Settings clickEverySetting(Hand& hand) {
     DialogWalk walk;
@@ -77,7 +77,7 @@ Settings clickEverySetting(Hand& hand) {
     return walk.expected;
 }
 
-// By commands, which no slider takes. Hand: command(id, option).
+// By commands, which sliders do not take. Hand: command(id, option).
 template <class Hand>
 Settings commandEverySetting(Hand& hand) {
     DialogWalk walk;

@@ -1,5 +1,5 @@
 // fake_simulator.h - the other end of a session, by hand: a transport that records what it is given, and the packets
-// that a simulator would answer with. Knows the packets by their offsets only, not by the code under test.
+// with which a simulator would answer. Knows the packets only by their offsets, not through the code under test.
 #pragma once
 #include <algorithm>
 #include <bit>
@@ -55,7 +55,7 @@ inline std::string textIn(const FakeBytes& bytes, std::size_t offset) {
     return reinterpret_cast<const char*>(bytes.data()) + offset;
 }
 
-// A received packet from its id on; the size is put in front.
+// A received packet from its id on; the size is filled in at the front.
 class FakePacket {
   public:
     explicit FakePacket(std::uint32_t id) { u32(0).u32(6).u32(id); }
@@ -83,7 +83,7 @@ class FakePacket {
     FakeBytes bytes_;
 };
 
-// Answers over a FakeTransport; looks up in what was sent which ids the client has chosen.
+// Answers over a FakeTransport; finds the ids that the client has chosen in what was sent.
 class FakeSimulator {
   public:
     explicit FakeSimulator(FakeTransport& transport) : transport_(transport) {}
@@ -112,7 +112,7 @@ class FakeSimulator {
         const auto id = u32At(lastOf(kSubscribe, "AircraftLoaded"), 16);
         say(FakePacket(6).u32(0xFFFFFFFF).u32(id).u32(0).text(file, 260).u32(0));
     }
-    // As the answer to the latest request for the variable that sends it on changes.
+    // As an answer to the latest request for changes of the variable.
     void tell(const std::string& variable, double value) { sayData(changeRequestOf(variable), variable, value); }
     void sayData(std::uint32_t requestId, const std::string& variable, double value) {
         const auto& definition = lastOf(kVariable, variable);
@@ -131,7 +131,7 @@ class FakeSimulator {
         return id;
     }
 
-    // What was sent of that kind on this connection.
+    // All packets of that kind sent on this connection.
     std::vector<FakeBytes> all(std::uint32_t opcode) const {
         std::vector<FakeBytes> found;
         for (const auto& packet : transport_.sent) {

@@ -9,7 +9,7 @@ namespace sc = simconnect;
 
 namespace {
 
-// Bytes as they went over a wire, at their offsets; everything between them is zero.
+// Bytes as they go over the wire, at their offsets; everything in between is zero.
 struct Piece {
     std::size_t offset;
     const char* hex;
@@ -126,7 +126,7 @@ TEST(SimConnectPackets, ReadsWhatASimulatorSays) {
     EXPECT_TRUE(std::holds_alternative<sc::OtherPacket>(sc::decodePacket(FakePacket(0xFFFFFFFF).bytes())));
 }
 
-// Each packet kind cut at every length: never read beyond its end, and too short is told from whole.
+// Each kind of packet cut at every length: it is never read beyond its end, and one that is too short is recognised.
 TEST(SimConnectPackets, TellsATooShortPacket) {
     const struct {
         std::uint32_t id;

@@ -105,7 +105,7 @@ TEST_F(SimConnectSession, ReadsValuesAsTheyAreTold) {
     EXPECT_EQ(session.reading(1).value, -1.0);
     EXPECT_EQ(stateOf(2), State::kAwaited);
     EXPECT_EQ(session.dataMs(), nowMs);
-    // The rereading and the heartbeat tell the same.
+    // The rereading and the heartbeat say the same.
     const auto change = simulator.changeRequestOf("GAMMA");
     simulator.sayData(change + 1, "GAMMA", 40.0);
     pass();
@@ -211,7 +211,7 @@ TEST_F(SimConnectSession, SetsUpAnewAfterQuitCrashAndNonsense) {
         notes.clear();
         if (!session.isOpen()) fly();
         simulator.tell("ALPHA", 122.8);
-        pass(10'000);  // a connection that has lasted
+        pass(10'000);  // the connection has lasted
         ASSERT_EQ(stateOf(0), State::kKnown);
         const auto aircraft = session.aircraft();
         const int connects = transport.connects;
@@ -256,7 +256,7 @@ TEST_F(SimConnectSession, AnUnknownVariableIsMissingAndTheRestWorks) {
     pass();
     EXPECT_EQ(stateOf(0), State::kMissing);
     EXPECT_TRUE(noted("the simulator refuses the variable ALPHA (exception 7, NAME_UNRECOGNIZED)"));
-    EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), 5u);  // two each and the heartbeat, from another one
+    EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), 5u);  // two each, and the heartbeat with another one
     simulator.tell("BETA", 1);
     simulator.tell("GAMMA", 50);
     pass();
@@ -273,7 +273,7 @@ TEST_F(SimConnectSession, TheHeartbeatMovesWhenItsVariableTurnsOutToBeMissing) {
     EXPECT_EQ(u32At(last, 8), 0xF000000Eu);
     EXPECT_EQ(u32At(last, 20), u32At(simulator.lastOf(FakeSimulator::kVariable, "BETA"), 16));
     EXPECT_EQ(u32At(last, 40), 3u);
-    EXPECT_FALSE(noted("to report ALPHA"));  // follows from the first, no news
+    EXPECT_FALSE(noted("to report ALPHA"));  // follows from the first refusal, so no note
 }
 
 TEST_F(SimConnectSession, AHeartbeatOnItsWayIsNobodysOnceNoVariableIsLeft) {

@@ -50,7 +50,7 @@ struct SimConnectRadios : testing::Test {
         simulator.simState(1);
         pass();
     }
-    // All values as they are, as a rereading tells them.
+    // All present values, as a rereading reports them.
     void tellAll() {
         for (const auto& [name, value] : cockpit) simulator.tell(name, value);
         pass();
@@ -76,7 +76,7 @@ struct SimConnectRadios : testing::Test {
         handler.accept({"1-" + std::to_string(++commands), {radio, slot, value}, 0.0}, nowMs);
         return handler.ack();
     }
-    // The same, and the aircraft does not react.
+    // The same, but the aircraft does not react.
     CommandAck ignoredCommand(std::size_t radio, RadioSlot slot, double value) {
         command(radio, slot, value);
         cruise(kReadbackLimitMs);
@@ -269,7 +269,7 @@ TEST_F(SimConnectRadios, AcknowledgesWhatTheSimulatorShows) {
     command(0, kSlotStandby, 118005);
     pass(400);
     EXPECT_TRUE(handler.isPending());
-    EXPECT_EQ(sim().radios[0].standby, 121500);  // not before the simulator says so
+    EXPECT_EQ(sim().radios[0].standby, 121500);  // not before the simulator reports it
     set("COM STANDBY FREQUENCY:1", 118.00499999999999);
     EXPECT_EQ(handler.ack(), (CommandAck{"1-1", true, "COM1 standby 118.005"}));
     command(0, kSlotVolume, 0.637);
@@ -372,7 +372,7 @@ TEST_F(SimConnectRadios, SendsVolume0ToARadioThatHasBeenSeenToStayOnAtIt) {
     EXPECT_EQ(simulator.keyEvents().back(), "COM1_VOLUME_SET 0");
     set("COM VOLUME:1", 0);
     EXPECT_EQ(handler.ack().message, "COM1 volume 0 %");
-    command(1, kSlotVolume, 0.0);  // the other one has shown nothing of the kind
+    command(1, kSlotVolume, 0.0);  // the other radio has not shown that it stays on
     EXPECT_EQ(simulator.keyEvents().back(), "COM2_VOLUME_SET 1");
     set("COM VOLUME:2", 1);
     simulator.loadAircraft("other.cfg");

@@ -25,7 +25,7 @@ using simconnect::TransportState;
 using standin::Loopback;
 using standin::LoopbackAddress;
 
-// Listens on a port of this machine that the system chooses; the kernel itself accepts into the backlog.
+// Listens on a port of this machine chosen by the system; the kernel itself accepts into the backlog.
 class Listener {
   public:
     explicit Listener(Loopback loopback = Loopback::kIPv4, int backlog = 4) {
@@ -62,7 +62,7 @@ std::vector<NetAddress> addressOf(const Listener& listener) {
     return simconnect::lookUp({"127.0.0.1", listener.port}, true);
 }
 
-// Whoever connects hears nothing, not even a refusal: its queue is full, so the kernel drops what comes.
+// Clients that connect get no answer, not even a refusal: the queue is full, so the kernel drops their packets.
 class SilentListener : public Listener {
   public:
     SilentListener() : Listener(Loopback::kIPv4, 0) {
@@ -73,7 +73,7 @@ class SilentListener : public Listener {
     std::array<simconnect::Socket, 4> fillers_;
 };
 
-// Polls the connection for a minute of its own clock; when somebody knocks at the listener, nothing if nobody does.
+// Polls the connection for a minute of its own clock at most; when it reached the listener, nothing if it did not.
 std::optional<std::uint64_t> msUntilVisited(simconnect::Connection& connection, const Listener& listener,
                                             std::uint64_t& nowMs) {
     for (std::uint64_t ms = 0; ms < 60'000; ms += 20) {
@@ -156,7 +156,7 @@ TEST(TcpTransport, ReachesAnIPv6Address) {
     EXPECT_EQ(arrived, bytes);
 }
 
-// A name with several addresses, of which the first does not listen.
+// A name with several addresses, where nobody listens on the first.
 TEST(TcpTransport, TriesTheNextAddressAfterOneThatRefuses) {
     Listener refusing, listening;
     refusing.stop();
@@ -174,7 +174,7 @@ TEST(TcpTransport, TriesTheNextAddressAfterOneThatRefuses) {
     }
 }
 
-// Each attempt gives all its time to the first address, and the next one begins with it again.
+// Each attempt spends all its time on the first address, and the next attempt begins with it again.
 TEST(TcpTransport, DoesNotGetPastAnAddressThatSaysNothing) {
     const SilentListener silent;
     const Listener listening;
@@ -191,14 +191,14 @@ TEST(TcpTransport, DoesNotGetPastAnAddressThatSaysNothing) {
     EXPECT_EQ(connection.status(), "the simulator's computer does not answer");
     EXPECT_EQ(lookUps, 5);  // in a minute: after 0, 11, 23, 38 and 53 seconds
     addresses.erase(addresses.begin());
-    EXPECT_TRUE(msUntilVisited(connection, listening, nowMs));  // it was there all the time
+    EXPECT_TRUE(msUntilVisited(connection, listening, nowMs));  // it was listening all the time
 }
 
 TEST(TcpTransport, LooksANameUpWithoutWaitingForIt) {
     Listener listener;
     std::promise<void> answer;
     const std::shared_future<void> isAnswered(answer.get_future());
-    // Not the system's own look-up: a machine need not know a name, not even localhost.
+    // Not with the system's lookup: a machine need not know any name, not even localhost.
     const auto addresses = addressOf(listener);
     TcpTransport transport({"simpc", listener.port}, [=](const HostPort&, bool literalOnly) {
         if (literalOnly) return std::vector<simconnect::NetAddress>();
@@ -213,7 +213,7 @@ TEST(TcpTransport, LooksANameUpWithoutWaitingForIt) {
 }
 
 TEST(TcpTransport, SaysThatANameIsNotKnown) {
-    const std::string tooLong(64, 'a');  // no name has a part of 64 letters, so nobody needs to be asked
+    const std::string tooLong(64, 'a');  // no part of a name has 64 letters, so no server need be asked
     TcpTransport transport({tooLong, 500});
     transport.connect();
     transport.close();
