@@ -65,12 +65,16 @@ TEST_F(Following, RequestsTheMoveOnceTheFrequencyStoodStillFor350Ms) {
 
 TEST_F(Following, WaitsAnewWhenTheFrequencyChangesAgain) {
     fly();
-    session.tune(1, 122800);
+    const std::uint64_t firstTunedAt = session.tune(1, 122800);
     ASSERT_TRUE(session.waitPasses(2));
     const std::uint64_t tunedAt = session.tune(1, 121500), visibleAt = session.clock.tickMs();
-    ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
-    EXPECT_EQ(requests()[0].channelId, kGround121500);
-    expectPrompt(requests()[0], tunedAt, visibleAt);
+    ASSERT_TRUE(session.waitUntil([&] { return !requests().empty() && requests().back().channelId == kGround121500; }));
+    if (requests().size() == 1) return expectPrompt(requests()[0], tunedAt, visibleAt);
+    // A machine that took so long to tune again that the first frequency had stood still, too.
+    ASSERT_EQ(requests().size(), 2u);
+    EXPECT_EQ(requests()[0].channelId, kTower122800);
+    EXPECT_GE(requests()[0].atMs - firstTunedAt, kStandStillMs);
+    EXPECT_GE(requests()[1].atMs - tunedAt, kStandStillMs);
 }
 
 TEST_F(Following, ReadsEveryTokenOfANameWithPointOrComma) {
