@@ -52,6 +52,11 @@ void resetTalk(TalkTracker& tracker, std::uint64_t nowMs) {
     updateLampsLocked(tracker, nowMs);
 }
 
+void forgetAllTalk(TalkTracker& tracker, std::uint64_t nowMs) {
+    resetTalk(tracker, nowMs);
+    takeTails(tracker);
+}
+
 std::deque<Tail> takeTails(TalkTracker& tracker) {
     std::deque<Tail> tails;
     MutexLock lock(tracker.mutex);

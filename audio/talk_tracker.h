@@ -50,5 +50,8 @@ void forgetClient(TalkTracker& tracker, std::uint64_t schid, std::uint16_t clien
 // [host] The server connection is gone: nobody talks, the lamps are dark.
 void resetTalk(TalkTracker& tracker, std::uint64_t nowMs);
 
+// [host] The plugin starts or ends: as resetTalk, and no tail of before is played any more.
+void forgetAllTalk(TalkTracker& tracker, std::uint64_t nowMs);
+
 // [poll] The queued tails in arrival order; the queue is empty afterwards.
 std::deque<Tail> takeTails(TalkTracker& tracker);

@@ -45,6 +45,14 @@ bool mayFollow(const Pass& pass, const PollMemory& memory) {
            pass.nowMs - memory.lastFollowAttempt >= kFollowSpacingMs;
 }
 
+// A move belongs to its server, and what the channel line says to a following that is on.
+void forgetWhatIsOver(const Pass& pass, PollMemory& memory, PollContext& context) {
+    if (context.moves.pendingSchid != pass.schid) context.moves.pendingChannel = 0;
+    const bool isFollowing = pass.schid != 0 && pass.settings.master && pass.settings.enabled;
+    if (memory.wasFollowing && !isFollowing) setChannelStatus(context.radios.status, "");
+    memory.wasFollowing = isFollowing;
+}
+
 void followWhenStill(const Pass& pass, PollMemory& memory, PollContext& context) {
     if (startsAfresh(pass, memory)) {
         memory.lastFrequency = pass.selected.frequencyKHz;
@@ -87,6 +95,7 @@ void pollOnce(PollMemory& memory, PollContext& context) {
     pass.schid = context.currentServer;
     readSimulator(pass, context);
     sendCommands(pass, context);
+    forgetWhatIsOver(pass, memory, context);
     followWhenStill(pass, memory, context);
     context.voice.ReceiveGain = receiveGainOf(copySettings(context.settings), pass.selected.volume);
     trackOwnTalk(pass, context);

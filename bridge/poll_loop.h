@@ -22,6 +22,7 @@ struct PollMemory {
     std::uint64_t stableSince = 0;        // tick ms
     std::uint64_t lastFollowAttempt = 0;  // tick ms, 0 none
     std::uint64_t lastCaptureRead = 0;    // tick ms
+    bool wasFollowing = false;            // connected, with master and AUTO on
 };
 
 // What a pass works with. All of it outlives the poll thread.

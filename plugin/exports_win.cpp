@@ -64,7 +64,8 @@ const char* ts3plugin_version() {
     return kPluginVersion;
 }
 int ts3plugin_apiVersion() {
-    return kHostApiVersion;
+    guarded([] { answerHost(gPlugin); });
+    return gPlugin.hostInterface.version;
 }
 const char* ts3plugin_author() {
     return kPluginAuthor;
@@ -115,8 +116,10 @@ void ts3plugin_currentServerConnectionChanged(std::uint64_t schid) {
 }
 
 void ts3plugin_onConnectStatusChangeEvent(std::uint64_t schid, int newStatus, unsigned /*error*/) {
-    guarded(
-        [=] { connectStatusChanged(gPlugin.currentServer, gPlugin.talk, schid, newStatus, gPlugin.clock.tickMs()); });
+    guarded([=] {
+        connectStatusChanged(gPlugin.currentServer, gPlugin.talk, gPlugin.host, schid, newStatus,
+                             gPlugin.clock.tickMs());
+    });
 }
 
 int ts3plugin_onServerErrorEvent(std::uint64_t /*schid*/, const char* /*message*/, unsigned error,

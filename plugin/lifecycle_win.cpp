@@ -8,6 +8,7 @@
 #include "base/log_line.h"
 #include "bridge/poll_loop.h"
 #include "panel/panel_window_win.h"
+#include "plugin/host_program_win.h"
 #include "plugin/settings_dialog_win.h"
 #include "plugin/ui_thread_win.h"
 #include "settings/language.h"
@@ -45,6 +46,13 @@ void logLoaded(const PluginState& plugin) {
     logToHost(plugin.host, "Corvalis loaded: version=" + std::string(kPluginVersion) +
                                " dll=" + utf8FromNarrow(joinPath(plugin.moduleFolder, kDllName)) +
                                " dataDir=" + utf8FromNarrow(plugin.dataFolder) + " tailTone=" + tail);
+}
+
+// In the log, and in a file for the report of a client that then refuses us.
+void tellHostInterface(PluginState& plugin) {
+    const std::string line = hostInterfaceLine(plugin.hostInterface);
+    logToHost(plugin.host, "Corvalis " + line);
+    plugin.files.replace(joinPath(plugin.dataFolder, kHostAnswerFile), line + "\r\n");
 }
 
 void runPollThread(PluginState& plugin) {
@@ -111,10 +119,23 @@ void stopUiThread(PluginState& plugin) {
     plugin.uiThread.join();
 }
 
+// Neither lit, nor played, nor read any more after a new start.
+void forgetSession(PluginState& plugin) {
+    clearMessages(plugin.messages);
+    forgetAllTalk(plugin.talk, plugin.clock.tickMs());
+}
+
 }  // namespace
 
+void answerHost(PluginState& plugin) {
+    std::string userText;
+    plugin.files.read(joinPath(findDataFolder(), kHostInterfaceFile), userText);
+    plugin.hostInterface = chooseHostInterface(findHostProgram(), userText);
+}
+
 void startPlugin(PluginState& plugin) {
-    stopPollThread(plugin);  // on a second start its folders and host handles are about to change
+    if (!plugin.running) forgetSession(plugin);  // what the host has told us before
+    stopPollThread(plugin);                      // on a second start its folders and host handles are about to change
     {
         const MutexLock lock(plugin.foldersMutex);
         findFolders(plugin);
@@ -125,6 +146,7 @@ void startPlugin(PluginState& plugin) {
     plugin.languageIndex = chooseLanguage(settings.language, GetUserDefaultUILanguage());
     askHost(plugin);
     logLoaded(plugin);
+    tellHostInterface(plugin);
     applySettings(plugin.settings);
     startWorker(plugin.worker, plugin.host, plugin.moduleFolder, plugin.dataFolder, settings.python);
     startPollThread(plugin);
@@ -138,7 +160,7 @@ void stopPlugin(PluginState& plugin) {
     stopPollThread(plugin);
     stopWorker(plugin.worker);
     closeSettingsDialog(plugin);
-    clearMessages(plugin.messages);
+    forgetSession(plugin);
     std::free(plugin.pluginId);
     plugin.pluginId = nullptr;
 }

@@ -1,6 +1,11 @@
-// lifecycle_win.h - start-up and shut-down of the plugin, in their fixed orders.
+// lifecycle_win.h - the answer to the client that loads us; start-up and shut-down of the plugin, in their fixed
+// orders.
 #pragma once
 #include "plugin/plugin_state.h"
+
+// [host] Finds out which interface version this client wants of us: the first thing it asks. Nothing of the data folder
+// is made or changed.
+void answerHost(PluginState& plugin);
 
 // [host] Folders, settings, sounds, language, host handles, log line, worker, poll thread, UI thread. What fails is
 // logged or skipped; the plugin goes on with less. A start without a shutdown before it replaces the poll thread and

@@ -34,6 +34,7 @@ void withAlertContext(PluginState& plugin, Body body) {
 }  // namespace
 
 void receiveTextMessage(PluginState& plugin, const HostText& message) {
+    if (!plugin.running) return;  // nobody would read it: a start begins with an empty store
     withAlertContext(
         plugin, [&](const AlertContext& context) { takeTextMessage(message, plugin.messages, plugin.clock, context); });
 }

@@ -14,6 +14,7 @@
 #include "channels/follow_frequency.h"
 #include "messages/message_requests_win.h"
 #include "messages/message_store.h"
+#include "plugin/host_interface.h"
 #include "plugin/host_table.h"
 #include "plugin/panel_actions_win.h"
 #include "settings/dialog/settings_dialog_win.h"
@@ -50,6 +51,7 @@ struct PluginState {
     // Host binding. [host] fills it before init; read-only while threads run.
     HostFunctionTable hostTable;
     HostFunctions host;
+    HostInterface hostInterface;                  // as answered to the client
     char* pluginId = nullptr;                     // malloc'ed copy, null until registered
     std::atomic<std::uint64_t> currentServer{0};  // [host] stores, [any] loads; 0 not connected
 

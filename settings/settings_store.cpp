@@ -6,16 +6,10 @@ namespace {
 
 constexpr const char* kSettingsFile = "settings.ini";
 
-struct Change {
-    Settings record;  // the live record afterwards
-    bool switches;    // one of the five voice switches has changed
-};
-
-Change changeLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
+Settings changeLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
     MutexLock lock(store.mutex);
-    const auto before = audioFlagsOf(store.live);
     change(store.live);
-    return {store.live, audioFlagsOf(store.live) != before};
+    return store.live;
 }
 
 }  // namespace
@@ -62,15 +56,16 @@ void saveSettings(SettingsStore& store, const Settings& record) {
 
 void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& change) {
     MutexLock fileLock(store.fileMutex);
-    const Change changed = changeLive(store, change);
-    store.files.replace(joinPath(store.dataFolder, kSettingsFile), writeSettingsText(changed.record));
+    const Settings changed = changeLive(store, change);
+    store.files.replace(joinPath(store.dataFolder, kSettingsFile), writeSettingsText(changed));
     applySettings(store);
-    // Raised once the switches are published: a voice that sees the new generation starts afresh with the new ones.
-    if (changed.switches) store.DspGeneration.fetch_add(1);
 }
 
 void applySettings(SettingsStore& store) {
     const Settings settings = copySettings(store);
-    store.AudioFlags = audioFlagsOf(settings);
+    const std::uint32_t flags = audioFlagsOf(settings);
+    const bool isOther = store.AudioFlags.exchange(flags) != flags;
     store.TransmitGain = transmitGainOf(settings);
+    // After the switches are published: a voice that sees the new generation starts afresh under them, not before.
+    if (isOther) store.DspGeneration.fetch_add(1);
 }

@@ -35,7 +35,7 @@ struct SettingsStore {
     // Published for the audio threads, which take no lock. The first two are stored by applySettings.
     std::atomic<std::uint32_t> AudioFlags{kAudioMaster | kAudioDistortSelf | kAudioDistortOthers};
     std::atomic<float> TransmitGain{1.0f};        // linear, 1.0..7.94
-    std::atomic<std::uint32_t> DspGeneration{0};  // +1 when a stored record changes any of the five switches
+    std::atomic<std::uint32_t> DspGeneration{0};  // +1 when any of the five switches is published as another
 };
 
 // [any] A copy of the live record, taken under its mutex.
@@ -55,5 +55,6 @@ void saveSettings(SettingsStore& store, const Settings& record);
 // [any] Changes the live record and saves the result as one step, so that the file ends up with the newest record.
 void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& change);
 
-// [any] Publishes AudioFlags and TransmitGain of the live record.
+// [any] Publishes AudioFlags and TransmitGain of the live record, and a new DspGeneration when the flags are others
+// than those published last: also at a start that finds another file than the end before it left.
 void applySettings(SettingsStore& store);

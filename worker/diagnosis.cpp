@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "base/utf8.h"
 #include "exchange/command_text.h"
+#include "exchange/support_files.h"
 #include "exchange/telemetry_text.h"
 #include "worker/user_names.h"
 #include "worker/worker_log.h"
@@ -203,6 +204,8 @@ std::string composeDiagnosis(const Diagnosis& found, const NarrowDecoder& decode
              found);
     showFile(report, "worker.ini", found.workerIni, found);
     showFile(report, "capture_mode.txt", found.captureMode, found);
+    showFile(report, kHostInterfaceFile, found.hostInterface, found);
+    showFile(report, kHostAnswerFile, found.hostAnswer, found);
     showTelemetry(report, found);
     showCommand(report, found);
     const auto log = logLines(found);

@@ -54,6 +54,8 @@ struct Diagnosis {
     FoundFile workerIni;
     std::vector<std::string> iniRemarks;  // the worker's, on lines that it ignores
     FoundFile captureMode;
+    FoundFile hostInterface;  // the user's word on the version of the plugin interface
+    FoundFile hostAnswer;     // what the plugin answered last
     FoundFile telemetry;
     FoundFile command;
     FoundFile log;

@@ -9,6 +9,7 @@
 #include "base/identity.h"
 #include "base/wide_text_win.h"
 #include "exchange/command_text.h"
+#include "exchange/support_files.h"
 #include "exchange/telemetry_text.h"
 #include "worker/diagnosis.h"
 #include "worker/output_win.h"
@@ -121,6 +122,8 @@ void findFiles(const std::string& dataDir, const std::string& programFolder, Dia
     }
     found.workerIni = findFile(inData("worker.ini"));
     found.captureMode = findFile(inData("capture_mode.txt"));
+    found.hostInterface = findFile(inData(kHostInterfaceFile));
+    found.hostAnswer = findFile(inData(kHostAnswerFile));
     found.telemetry = findFile(inData(kTelemetryFile));
     found.command = findFile(inData(kCommandFile));
     found.oldLog = findFile(inData("hopline_worker.old.log"), true);

@@ -77,6 +77,17 @@ TEST_F(Following, WaitsAnewWhenTheFrequencyChangesAgain) {
     EXPECT_GE(requests()[1].atMs - tunedAt, kStandStillMs);
 }
 
+// The host announces a current server only when the user changes tabs.
+TEST_F(Following, GoesOnAfterAConnectionThatCameBackInTheSameTab) {
+    fly();
+    session.plugin.exports().onConnectStatusChangeEvent(kSchid, 0, 0);
+    ASSERT_TRUE(waitForPassesWithoutTheHost());
+    session.tune(1, 122800);
+    ASSERT_TRUE(waitForPassesWithoutTheHost());
+    for (int status = 1; status <= 4; status++) session.plugin.exports().onConnectStatusChangeEvent(kSchid, status, 0);
+    EXPECT_EQ(nextRequestedChannel(), kTower122800);
+}
+
 TEST_F(Following, ReadsEveryTokenOfANameWithPointOrComma) {
     const struct {
         std::int32_t khz;

@@ -365,13 +365,21 @@ TEST_F(Messages, AreForgottenAtShutdown) {
     EXPECT_TRUE(shows({}));  // the empty page
 }
 
-TEST_F(Messages, OneAfterTheShutdownDoesNoHarm) {
-    ASSERT_TRUE(begin());
+TEST_F(Messages, OutsideOfInitToShutdownAreNotKept) {
+    ASSERT_TRUE(session.load());
+    EXPECT_EQ(receive("before init"), 0);
+    wanted_.clear();
+    ASSERT_TRUE(begin(kNoAutoOpen));
+    ASSERT_TRUE(open());
+    EXPECT_TRUE(shows({}));  // the empty page
     session.stop();
     EXPECT_EQ(receive("after shutdown, when no window is there"), 0);
     EXPECT_EQ(findMessageWindow(), nullptr);
-    ASSERT_TRUE(begin());
+    wanted_.clear();
+    ASSERT_TRUE(begin(kNoAutoOpen));
     EXPECT_FALSE(isShown());
+    ASSERT_TRUE(open());
+    EXPECT_TRUE(shows({}));
 }
 
 TEST_F(Messages, TheWindowAndItsClassGoWithTheThread) {

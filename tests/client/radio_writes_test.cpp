@@ -200,7 +200,7 @@ TEST_F(RealWorker, TunesTheAircraftByScriptAndTheUserFollows) {
     ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
     EXPECT_EQ(host.callsOf("requestClientMove")[0].channelId, kTower122800);
     ASSERT_TRUE(session.waitUntil([&] { return host.ownChannel(kSchid) == kGround121500; }));
-    EXPECT_TRUE(host.logLines()[1] == "SimConnect worker started");
+    EXPECT_TRUE(host.logLines()[2] == "SimConnect worker started");
 }
 
 TEST_F(RealWorker, CarriesOutATuningClickAndTheUserFollows) {

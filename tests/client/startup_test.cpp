@@ -28,8 +28,9 @@ TEST_F(StartUp, AsksForServerAndReturnCodeThenLogsThenStartsTheWorker) {
             order.push_back(call.function);
         }
     }
+    // Loaded, the interface version answered, the worker.
     const std::vector<std::string> expected = {"getCurrentServerConnectionHandlerID", "createReturnCode", "logMessage",
-                                               "logMessage"};
+                                               "logMessage", "logMessage"};
     EXPECT_EQ(order, expected);
     const auto codes = host.callsOf("createReturnCode");
     ASSERT_EQ(codes.size(), 1u);
@@ -109,8 +110,8 @@ TEST_F(StartUp, LogsThatNoWorkerCouldBeStarted) {
     ASSERT_TRUE(session.writeSettings("python=no such interpreter.exe\r\n"));
     ASSERT_TRUE(session.start());
     const auto lines = host.logLines();
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[1], "无法启动 Python worker；请在设置中确认 Python 路径");
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[2], "无法启动 Python worker；请在设置中确认 Python 路径");
 }
 
 TEST_F(StartUp, LeavesSettingsUnwrittenAtFirstStart) {

@@ -18,6 +18,10 @@ class VoiceTest : public PluginTest {
         controls.audioFlags = audioFlagsOf(settings);
         controls.transmitGain = transmitGainOf(settings);
         controls.receiveGain = receiveGainOf(settings, -1.0f);
+        // Other switches than the plugin had before, if only by default: every voice starts afresh.
+        if (publishedFlags_ != controls.audioFlags) generation_++;
+        publishedFlags_ = controls.audioFlags;
+        controls.dspGeneration = generation_;
         return controls;
     }
     // The same, after the poll loop's first passes.
@@ -28,4 +32,8 @@ class VoiceTest : public PluginTest {
         return controls;
     }
     const PluginExports& plugin() const { return session.plugin.exports(); }
+
+  private:
+    std::uint32_t publishedFlags_ = audioFlagsOf({});  // of the DLL as loaded
+    std::uint32_t generation_ = 0;
 };

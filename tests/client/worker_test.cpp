@@ -106,8 +106,8 @@ TEST_F(Worker, IsStartedHiddenInThePluginFolderWithDataFolderAndHost) {
     EXPECT_EQ(report.folder, toCodePage(session.pluginFolder.wstring()));
     EXPECT_EQ(report.show, "1 0");  // a show state was given: hidden
     const auto lines = host.logLines();
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[1], kStarted);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[2], kStarted);
 }
 
 TEST_F(Worker, ProgramIsPreferredToTheScript) {

@@ -223,3 +223,18 @@ TEST_F(TalkTrackerTest, ThreadsMayReportAndDrainAtOnce) {
     EXPECT_LE(drained, 900);
     expectLamps(false, false);
 }
+
+TEST(TalkTracker, ForgetsLampsSpeakersAndQueuedTailsWithThePlugin) {
+    TalkTracker tracker;
+    tracker.ownClientId = 1;
+    talkChanged(tracker, 5, 1, true, 1000);
+    talkChanged(tracker, 5, 2, true, 1000);
+    talkChanged(tracker, 5, 3, true, 1000);
+    talkChanged(tracker, 5, 3, false, 2000);  // its tail waits
+    forgetAllTalk(tracker, 3000);
+    EXPECT_FALSE(tracker.ownTransmit);
+    EXPECT_FALSE(tracker.othersReceiving);
+    EXPECT_TRUE(takeTails(tracker).empty());
+    talkChanged(tracker, 5, 2, false, 4000);  // begun before: nothing to end
+    EXPECT_TRUE(takeTails(tracker).empty());
+}

@@ -1,5 +1,6 @@
 // poll_follow_test.cpp - when the poll loop follows a frequency, driven pass by pass, 50 ms apart.
 #include <gtest/gtest.h>
+#include <functional>
 #include "exchange/command_text.h"
 #include "tests/unit/bridge/rig.h"
 
@@ -199,6 +200,34 @@ TEST_F(PollFollow, ARefusedMoveIsShownWithItsCodeAndAskedAgainTwoSecondsLater) {
     EXPECT_EQ(rig.host.callsOf("requestClientMove").size(), 1U);
     rig.passFor(2000);
     EXPECT_EQ(rig.host.callsOf("requestClientMove").size(), 2U);
+}
+
+TEST_F(PollFollow, AMoveUnderWayIsForgottenWithItsServer) {
+    rig.host.setMoveRule({MoveAnswer::kSilence});
+    rig.passFor(1000);
+    ASSERT_EQ(rig.moves.pendingChannel, 11U);
+    rig.server = 0;
+    rig.pass();
+    EXPECT_EQ(rig.moves.pendingChannel, 0U);
+    rig.server = 1;  // back again: asked for at once when the frequency has stood still, not after the time-out
+    rig.passFor(500);
+    EXPECT_EQ(rig.host.callsOf("requestClientMove").size(), 2U);
+}
+
+TEST_F(PollFollow, TheChannelLineIsClearedWhenFollowingEnds) {
+    const std::function<void(bool)> ways[] = {
+        [&](bool on) { rig.server = on ? 1 : 0; },
+        [&](bool on) { rig.change([=](Settings& live) { live.enabled = on; }); },
+        [&](bool on) { rig.change([=](Settings& live) { live.master = on; }); },
+    };
+    for (const auto& set : ways) {
+        rig.passFor(5000);
+        ASSERT_EQ(rig.channelStatus(), "TS3 channel confirmed");
+        set(false);
+        rig.pass();
+        EXPECT_EQ(rig.channelStatus(), "");
+        set(true);
+    }
 }
 
 TEST_F(PollFollow, TheFollowedSlotIsTheOneOfTheSettings) {

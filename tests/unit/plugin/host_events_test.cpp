@@ -33,6 +33,7 @@ class HostEvents : public testing::Test {
         EXPECT_EQ(talk.lastTalkEventTick, 1000u);
     }
 
+    HostFunctions host;
     TalkTracker talk;
     std::atomic<std::uint64_t> current{5};
 };
@@ -50,21 +51,46 @@ TEST_F(HostEvents, NoServerInFrontClearsTheCurrentOneAndTheTalk) {
 }
 
 TEST_F(HostEvents, ADisconnectOfTheCurrentServerClearsItAndTheTalk) {
-    connectStatusChanged(current, talk, 5, 0, 2000);
+    connectStatusChanged(current, talk, host, 5, 0, 2000);
     EXPECT_EQ(current, 0u);
     expectReset(2000);
 }
 
 TEST_F(HostEvents, ADisconnectOfAnotherServerKeepsTheCurrentOneButClearsTheTalk) {
-    connectStatusChanged(current, talk, 6, 0, 2000);
+    connectStatusChanged(current, talk, host, 6, 0, 2000);
     EXPECT_EQ(current, 5u);
     expectReset(2000);
 }
 
 TEST_F(HostEvents, AnyOtherConnectStatusChangesNothing) {
-    for (const int status : {1, 2, 3, 4, -1, 100}) connectStatusChanged(current, talk, 5, status, 2000);
+    for (const int status : {1, 2, 3, 4, -1, 100}) connectStatusChanged(current, talk, host, 5, status, 2000);
     EXPECT_EQ(current, 5u);
     expectUntouched();
+}
+
+TEST_F(HostEvents, AConnectionThatComesBackInTheSameTabIsCurrentAgain) {
+    static std::uint64_t inFront = 0;
+    host.getCurrentServerConnectionHandlerID = [] { return inFront; };
+    connectStatusChanged(current, talk, host, 5, 0, 2000);
+    inFront = 5;
+    for (const int status : {1, 2, 3}) {
+        connectStatusChanged(current, talk, host, 5, status, 2100);
+        EXPECT_EQ(current, 0u) << status;
+    }
+    connectStatusChanged(current, talk, host, 5, 4, 2200);
+    EXPECT_EQ(current, 5u);
+    inFront = 6;
+    connectStatusChanged(current, talk, host, 6, 4, 2300);  // a second server behind it
+    EXPECT_EQ(current, 5u);
+}
+
+TEST_F(HostEvents, WithoutAServerInFrontOrAHostToAskNoneIsCurrent) {
+    connectStatusChanged(current, talk, host, 5, 0, 2000);
+    connectStatusChanged(current, talk, host, 5, 4, 2100);
+    EXPECT_EQ(current, 0u);
+    host.getCurrentServerConnectionHandlerID = [] { return std::uint64_t{0}; };
+    connectStatusChanged(current, talk, host, 5, 4, 2200);
+    EXPECT_EQ(current, 0u);
 }
 
 TEST_F(HostEvents, AClientThatLeavesTheServerIsTakenOutOfBothTables) {

@@ -50,6 +50,22 @@ TEST_F(SettingsStoreTest, PublishesFlagsSevenAndUnityGainForTheDefaults) {
     EXPECT_EQ(store.TransmitGain, 1.0f);
 }
 
+TEST_F(SettingsStoreTest, AStartThatFindsOtherSwitchesBeginsANewGeneration) {
+    files.put(kDataFile, "master=0\r\nnrSelf=1\r\nequalize=1\r\n");  // edited between an end and a start
+    loadSettings(store);
+    EXPECT_EQ(store.DspGeneration, 0u);  // nothing is published yet
+    applySettings(store);
+    EXPECT_EQ(store.AudioFlags, 2u + 4u + 8u + 16u);
+    EXPECT_EQ(store.DspGeneration, 1u);
+    loadSettings(store);
+    applySettings(store);  // the same again
+    EXPECT_EQ(store.DspGeneration, 1u);
+    files.put(kDataFile, "master=0\r\nnrSelf=1\r\nequalize=1\r\ntransmit_gain=6\r\n");  // no switch
+    loadSettings(store);
+    applySettings(store);
+    EXPECT_EQ(store.DspGeneration, 1u);
+}
+
 TEST_F(SettingsStoreTest, PublishesOneBitForEachOfTheFiveSwitches) {
     Settings off;
     off.master = off.distort_self = off.distort_others = off.nrSelf = off.equalize = false;
@@ -220,14 +236,6 @@ TEST_F(SettingsStoreTest, CountsNoGenerationForOtherSettingsOrForNoChange) {
     saveSettings(store, s);
     saveSettings(store, s);
     EXPECT_EQ(store.DspGeneration, 0u);
-}
-
-TEST_F(SettingsStoreTest, CountsNoGenerationForALoadOrAnApply) {
-    files.put(kDataFile, "master=0\nnrSelf=1\nequalize=1\n");
-    loadSettings(store);
-    applySettings(store);
-    EXPECT_EQ(store.DspGeneration, 0u);
-    EXPECT_EQ(store.AudioFlags, 2u + 4u + 8u + 16u);
 }
 
 TEST_F(SettingsStoreTest, LeavesTheRecordReadableWhileItsFileIsWritten) {

@@ -171,7 +171,7 @@ class RoomsTest : public testing::Test {
         if (turn % 13 == 0) clientMoved(talk, 1, client, 0, nowMs);
         if (turn % 17 == 0) host.setOwnTalkingFlag(1, turn % 2 == 0);
         if (turn % 40 == 0) serverConnectionChanged(server, talk, 1 + static_cast<std::uint64_t>(turn / 40 % 2), nowMs);
-        if (turn % 90 == 89) connectStatusChanged(server, talk, server, kStatusDisconnected, nowMs);
+        if (turn % 90 == 89) connectStatusChanged(server, talk, functions, server, kStatusDisconnected, nowMs);
         for (const HostEvent& event : host.advance(nowMs))
             if (event.kind == HostEventKind::kServerError)
                 onServerError(moves, event.returnCode ? event.returnCode->c_str() : nullptr,

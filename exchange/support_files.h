@@ -1,0 +1,5 @@
+// support_files.h - files of the data folder that the plugin reads or leaves and the report for support shows.
+#pragma once
+
+inline constexpr const char* kHostInterfaceFile = "host_api.txt";  // the user's word on the interface version we answer
+inline constexpr const char* kHostAnswerFile = "host_api_answer.txt";  // what the plugin answered last, and why

@@ -1,0 +1,41 @@
+// host_interface.h - which version of the plugin interface we answer to the voice client that loads us. Clients
+// from 3.6 on take only 26, older ones only 23 to 25; what we call is the same in all of them. Pure functions. [any]
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include "exchange/support_files.h"
+
+inline constexpr int kOldHostInterface = 23;  // clients 3.3 to 3.5.6, and any program we do not know
+inline constexpr int kNewHostInterface = 26;  // clients 3.6 and later
+
+// Of a program's version resource.
+struct ProgramVersion {
+    std::uint16_t parts[4] = {};  // major, minor, patch, build
+
+    bool operator==(const ProgramVersion&) const = default;
+};
+
+// From the bytes of a version resource (its fixed part, known by its signature); nothing if there is no such part.
+std::optional<ProgramVersion> readVersionResource(std::span<const std::byte> resource);
+
+// The program that has loaded us.
+struct HostProgram {
+    std::string fileName;                   // "ts3client_win64.exe", UTF-8; empty if unknown
+    std::optional<ProgramVersion> version;  // nothing: no resource, or an unreadable one
+};
+
+struct HostInterface {
+    int version = kOldHostInterface;
+    std::string why;  // for the log, UTF-8
+};
+
+// A first line of userText (kHostInterfaceFile; empty: there is none) that is a whole number 23..99 decides. Otherwise
+// 26 for a program named ts3client* whose version says 3.6 or later, 23 for every other.
+HostInterface chooseHostInterface(const HostProgram& program, std::string_view userText);
+
+// "answers interface version 26: ts3client_win64.exe 3.6.2".
+std::string hostInterfaceLine(const HostInterface& answer);
