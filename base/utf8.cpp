@@ -25,6 +25,12 @@ bool isLowSurrogate(char32_t unit) {
 
 }  // namespace
 
+std::string_view withoutUtf8Mark(std::string_view text) {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    if (text.starts_with(kMark)) text.remove_prefix(kMark.size());
+    return text;
+}
+
 DecodedPoint decodePoint(std::string_view text) {
     const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char first = byteAt(0);

@@ -4,6 +4,9 @@
 #include <string>
 #include <string_view>
 
+// The text without the mark that some editors put before UTF-8.
+std::string_view withoutUtf8Mark(std::string_view text);
+
 inline constexpr char32_t kReplacementPoint = 0xFFFD;  // stands for what is not a character
 
 // One code point, read from UTF-8.

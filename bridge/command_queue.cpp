@@ -54,7 +54,7 @@ void assignIdLocked(Command& command, const CommandWriter& writer, std::uint64_t
 NextStep takeAcknowledgedLocked(CommandQueue& queue, bool ackOk) REQUIRES(queue.mutex) {
     const Command command = queue.commands.front();
     if (ackOk) {
-        queue.commands.pop_front();
+        queue.commands.erase(queue.commands.begin());
         return {NextStep::kSucceeded, command};
     }
     // The slot refused: its other queued commands are dropped too.

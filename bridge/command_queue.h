@@ -3,9 +3,9 @@
 // files, settings and status lines are touched only after it is released.
 #pragma once
 #include <cstdint>
-#include <deque>
 #include <optional>
 #include <string>
+#include <vector>
 #include "base/clock.h"
 #include "base/data_files.h"
 #include "base/mutex.h"
@@ -28,7 +28,8 @@ struct Command {
     std::uint64_t notBefore = 0;  // tick ms, earliest time to write it
     std::uint64_t writtenAt = 0;  // tick ms, 0 until written
 };
-using Commands = std::deque<Command>;  // oldest first
+// Oldest first. The panel copies them at each tick: an empty one allocates nothing.
+using Commands = std::vector<Command>;
 
 struct CommandQueue {
     Mutex mutex;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include "base/number_text.h"
+#include "base/utf8.h"
 
 namespace {
 
@@ -97,7 +98,7 @@ bool takeFields(std::string_view& rest, std::vector<FlatField>& fields) {
 
 std::optional<std::vector<FlatField>> readFlatJson(std::string_view text) {
     std::vector<FlatField> fields;
-    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+    text = withoutUtf8Mark(text);
     if (!take(text, "{")) return std::nullopt;
     if (!take(text, "}") && !(takeFields(text, fields) && take(text, "}"))) return std::nullopt;
     skipBlanks(text);

@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cstring>
+#include "base/utf8.h"
 
 namespace {
 
@@ -39,8 +40,7 @@ std::string textOf(const ProgramVersion& version) {
 
 // The whole first line, without blanks around it.
 std::optional<int> wordOfUser(std::string_view text) {
-    constexpr std::string_view kMark = "\xEF\xBB\xBF";
-    if (text.starts_with(kMark)) text.remove_prefix(kMark.size());
+    text = withoutUtf8Mark(text);
     auto line = text.substr(0, text.find_first_of("\r\n"));
     const auto begin = std::min(line.find_first_not_of(" \t"), line.size());
     line = line.substr(begin, line.find_last_not_of(" \t") + 1 - begin);

@@ -48,7 +48,7 @@ void logLoaded(const PluginState& plugin) {
                                " dataDir=" + utf8FromNarrow(plugin.dataFolder) + " tailTone=" + tail);
 }
 
-// In the log, and in a file for the report of a client that then refuses us.
+// In the log, and in a file that the report for support shows.
 void tellHostInterface(PluginState& plugin) {
     const std::string line = hostInterfaceLine(plugin.hostInterface);
     logToHost(plugin.host, "Corvalis " + line);

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 #include "base/number_text.h"
+#include "base/utf8.h"
 #include "exchange/frequency_grid.h"
 
 namespace {
@@ -191,7 +192,7 @@ FlightScript parseFlightScript(std::string_view text) {
                    text.size() > kMaxScriptBytes ? "the script is larger than 1 MB" : "this is not a text file");
         return script;
     }
-    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);  // the mark some editors put before UTF-8
+    text = withoutUtf8Mark(text);
     for (std::size_t number = 1; !text.empty(); number++) {
         const auto end = std::min(text.find('\n'), text.size());
         readLine(script, number, text.substr(0, end));

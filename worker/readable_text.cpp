@@ -7,7 +7,6 @@
 namespace {
 
 constexpr std::string_view kReplacementUtf8 = "\xEF\xBF\xBD";
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 // low: which of a unit's two bytes is the lower one. A last single byte is left out.
 std::string utf8FromUtf16Bytes(std::string_view bytes, std::size_t low) {
@@ -51,7 +50,7 @@ std::vector<std::string> splitLines(std::string_view bytes) {
     if (isLittleEnd || bytes.starts_with("\xFE\xFF")) {
         return splitLines(utf8FromUtf16Bytes(bytes.substr(2), isLittleEnd ? 0 : 1));
     }
-    if (bytes.starts_with(kUtf8Mark)) bytes.remove_prefix(kUtf8Mark.size());
+    bytes = withoutUtf8Mark(bytes);
     std::vector<std::string> lines;
     while (!bytes.empty()) {
         const auto end = std::min(bytes.find('\n'), bytes.size());

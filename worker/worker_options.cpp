@@ -3,6 +3,7 @@
 #include <charconv>
 #include <utility>
 #include "base/data_files.h"
+#include "base/utf8.h"
 
 namespace {
 
@@ -102,7 +103,7 @@ bool parseArguments(const std::vector<std::string>& arguments, WorkerOptions& op
 std::vector<std::string> applyIni(std::string_view text, WorkerOptions& options) {
     std::vector<std::string> remarks;
     if (text.size() > kMaxIniBytes) return {"worker.ini ignored: larger than 64 KB"};
-    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+    text = withoutUtf8Mark(text);
     WorkerOptions file;
     for (int number = 1; !text.empty(); number++) {
         const auto end = std::min(text.find('\n'), text.size());

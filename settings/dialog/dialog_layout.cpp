@@ -48,72 +48,72 @@ constexpr Placement kTabs[] = {
     {kGeneralTab, ControlLook::kTab, {12, 80, 202, 40}, kPageCount, 1, 0, 48},
 };
 constexpr Placement kGeneralPage[] = {
-    {kFirstLanguage, ControlLook::kLanguage,      {kLeft,  46, 103, 34}, kLanguageCount, 3, 112, 40},
-    {kThemeChoice, ControlLook::kSegments,      {kLeft,  212, kColumn, 38}},
-    {kOpacitySlider, ControlLook::kSlider,        {kLeft,  266, kColumn, 54}},
-    {kPanelScaleSlider, ControlLook::kSlider,        {kLeft,  326, kColumn, 54}},
-    {kResetPanel, ControlLook::kButton,        {kLeft,  398, kColumn, 38}},
-    {kMasterToggle, ControlLook::kToggle,        {kRight, 18, kColumn, 54}},
-    {kPanelVisibleToggle, ControlLook::kToggle,        {kRight, 78, kColumn, 54}},
+    {kFirstLanguage,       ControlLook::kLanguage,      {kLeft,  46, 103, 34}, kLanguageCount, 3, 112, 40},
+    {kThemeChoice,         ControlLook::kSegments,      {kLeft,  212, kColumn, 38}},
+    {kOpacitySlider,       ControlLook::kSlider,        {kLeft,  266, kColumn, 54}},
+    {kPanelScaleSlider,    ControlLook::kSlider,        {kLeft,  326, kColumn, 54}},
+    {kResetPanel,          ControlLook::kButton,        {kLeft,  398, kColumn, 38}},
+    {kMasterToggle,        ControlLook::kToggle,        {kRight, 18, kColumn, 54}},
+    {kPanelVisibleToggle,  ControlLook::kToggle,        {kRight, 78, kColumn, 54}},
     {kAutoSwitchingToggle, ControlLook::kCompactToggle, {kRight, 182, kColumn, 46}, 2, 1, 0, 48},
-    {kDistortSelfToggle, ControlLook::kCompactToggle, {kRight, 278, kColumn, 46}, 4, 1, 0, 48},
+    {kDistortSelfToggle,   ControlLook::kCompactToggle, {kRight, 278, kColumn, 46}, 4, 1, 0, 48},
 };
 constexpr Placement kVoicePage[] = {
-    {kFollowVolumeToggle, ControlLook::kToggle,        {kLeft,  46, kColumn, 54}},
+    {kFollowVolumeToggle,  ControlLook::kToggle,        {kLeft,  46, kColumn, 54}},
     {kReceiveVolumeSlider, ControlLook::kSlider,        {kLeft,  112, kColumn, 54}, 4, 1, 0, 60},
-    {kDistortSelfToggle, ControlLook::kCompactToggle, {kRight, 46, kColumn, 46}, 4, 1, 0, 48},
-    {kEqualizeToggle, ControlLook::kToggle,        {kRight, 290, kColumn, 54}, 2, 1, 0, 60},
+    {kDistortSelfToggle,   ControlLook::kCompactToggle, {kRight, 46, kColumn, 46}, 4, 1, 0, 48},
+    {kEqualizeToggle,      ControlLook::kToggle,        {kRight, 290, kColumn, 54}, 2, 1, 0, 60},
 };
 constexpr Placement kRadioPage[] = {
-    {kCom1Option, ControlLook::kOption,        {kLeft,  46, 146, 36}, 4, 2, 154, 44},
-    {kKeyASelector, ControlLook::kSelector,      {kLeft,  182, kKeyColumn, 36}, 5, 1, 0, 42},
-    {kPinToggle, ControlLook::kToggle,        {kTextLeft, 46, kTextColumn, 54}, 2, 1, 0, 60},
-    {kTextAlertToggle, ControlLook::kToggle,        {kTextLeft, 210, kTextColumn, 54}, 2, 1, 0, 60},
-    {kTextScaleSlider, ControlLook::kSlider,        {kTextLeft, 334, kTextColumn, 54}},
-    {kPreviewMessages, ControlLook::kButton,        {kTextLeft, 402, kTextColumn, 38}, 2, 1, 0, 46},
+    {kCom1Option,      ControlLook::kOption,   {kLeft,  46, 146, 36}, 4, 2, 154, 44},
+    {kKeyASelector,    ControlLook::kSelector, {kLeft,  182, kKeyColumn, 36}, 5, 1, 0, 42},
+    {kPinToggle,       ControlLook::kToggle,   {kTextLeft, 46, kTextColumn, 54}, 2, 1, 0, 60},
+    {kTextAlertToggle, ControlLook::kToggle,   {kTextLeft, 210, kTextColumn, 54}, 2, 1, 0, 60},
+    {kTextScaleSlider, ControlLook::kSlider,   {kTextLeft, 334, kTextColumn, 54}},
+    {kPreviewMessages, ControlLook::kButton,   {kTextLeft, 402, kTextColumn, 38}, 2, 1, 0, 46},
 };
 // y from the bottom bar's top.
 constexpr Placement kBottomButtons[] = {
-    {kApply, ControlLook::kButton,        {454, 14, 130, 36}},
-    {kCancel, ControlLook::kButton,        {592, 14, 130, 36}},
+    {kApply,        ControlLook::kButton,        {454, 14, 130, 36}},
+    {kCancel,       ControlLook::kButton,        {592, 14, 130, 36}},
     {kSaveAndClose, ControlLook::kPrimaryButton, {730, 14, 190, 36}},
 };
 constexpr Placement kCloseButton[] = {
-    {kWindowButton, ControlLook::kWindowButton,  {884, 14, 36, 36}},
+    {kWindowButton, ControlLook::kWindowButton, {884, 14, 36, 36}},
 };
 
 constexpr float kWide = 2 * kColumn + 20;
 constexpr TextPlacement kGeneralTexts[] = {
     {DialogTextStyle::kHeading, kTextLanguage, nullptr, {kLeft,  18, kColumn, 20}},
-    {DialogTextStyle::kHeading, kTextTheme, nullptr, {kLeft,  184, kColumn, 20}},
-    {DialogTextStyle::kHeading, kTextOptions, nullptr, {kRight, 154, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextTheme,    nullptr, {kLeft,  184, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextOptions,  nullptr, {kRight, 154, kColumn, 20}},
 };
 constexpr TextPlacement kVoiceTexts[] = {
     {DialogTextStyle::kHeading, kTextReceiveAndGain, nullptr, {kLeft,  18, kColumn, 20}},
-    {DialogTextStyle::kHeading, kTextAudioEffects, nullptr, {kRight, 18, kColumn, 20}},
-    {DialogTextStyle::kHeading, kTextOther, nullptr, {kRight, 262, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextAudioEffects,   nullptr, {kRight, 18, kColumn, 20}},
+    {DialogTextStyle::kHeading, kTextOther,          nullptr, {kRight, 262, kColumn, 20}},
 };
 constexpr TextPlacement kRadioTexts[] = {
-    {DialogTextStyle::kHeading,   kTextRadio, nullptr, {kLeft,  18, kKeyColumn, 20}},
-    {DialogTextStyle::kHeading,   kTextCustomKeys, nullptr, {kLeft,  154, kKeyColumn, 20}},
-    {DialogTextStyle::kNoteTitle, kTextKeyAFixed, nullptr, {kLeft + kKeyLetter, 396, kKeyColumn - kKeyLetter, 20}},
-    {DialogTextStyle::kNote,      kTextKeyANote, nullptr, {kLeft + kKeyLetter, 418, kKeyColumn - kKeyLetter, 76}},
-    {DialogTextStyle::kHeading,   kTextPanel, nullptr, {kTextLeft, 18, kTextColumn, 20}},
+    {DialogTextStyle::kHeading,   kTextRadio,        nullptr, {kLeft,  18, kKeyColumn, 20}},
+    {DialogTextStyle::kHeading,   kTextCustomKeys,   nullptr, {kLeft,  154, kKeyColumn, 20}},
+    {DialogTextStyle::kNoteTitle, kTextKeyAFixed,    nullptr, {kLeft + kKeyLetter, 396, kKeyColumn - kKeyLetter, 20}},
+    {DialogTextStyle::kNote,      kTextKeyANote,     nullptr, {kLeft + kKeyLetter, 418, kKeyColumn - kKeyLetter, 76}},
+    {DialogTextStyle::kHeading,   kTextPanel,        nullptr, {kTextLeft, 18, kTextColumn, 20}},
     {DialogTextStyle::kHeading,   kTextTextMessages, nullptr, {kTextLeft, 182, kTextColumn, 20}},
 };
 constexpr TextPlacement kAboutTexts[] = {
-    {DialogTextStyle::kAppName,    kNoText, kPluginName,          {kLeft, 24, kWide, 40}},
-    {DialogTextStyle::kAppVersion, kNoText, kPluginVersion,       {kLeft, 66, kWide, 20}},
-    {DialogTextStyle::kParagraph,  kTextAboutParagraph, nullptr,              {kLeft, 104, kWide, 92}},
-    {DialogTextStyle::kAboutLabel, kTextAuthor, nullptr,              {kLeft, 220, 160, 36}},
-    {DialogTextStyle::kAboutLabel, kTextSupport, nullptr,              {kLeft, 260, 160, 36}},
-    {DialogTextStyle::kAboutLabel, kTextPlatform, nullptr,              {kLeft, 300, 160, 36}},
-    {DialogTextStyle::kAboutLabel, kTextLicence, nullptr,              {kLeft, 340, 160, 36}},
-    {DialogTextStyle::kAboutValue, kNoText, kPluginAuthor,        {kLeft + 170, 220, kWide - 170, 36}},
-    {DialogTextStyle::kAboutValue, kNoText, "Attach hopline_worker.log to your report", {kLeft + 170, 260, kWide - 170, 36}},
-    {DialogTextStyle::kAboutValue, kNoText, "MSFS 2024 · TeamSpeak 3 · Windows x64", {kLeft + 170, 300, kWide - 170, 36}},
-    {DialogTextStyle::kAboutValue, kNoText, "MIT",                {kLeft + 170, 340, kWide - 170, 36}},
-    {DialogTextStyle::kNote,       kTextLanguageNames, nullptr,              {kLeft, 400, kWide, 40}},
+    {DialogTextStyle::kAppName,    kNoText,             kPluginName,                                {kLeft, 24, kWide, 40}},
+    {DialogTextStyle::kAppVersion, kNoText,             kPluginVersion,                             {kLeft, 66, kWide, 20}},
+    {DialogTextStyle::kParagraph,  kTextAboutParagraph, nullptr,                                    {kLeft, 104, kWide, 92}},
+    {DialogTextStyle::kAboutLabel, kTextAuthor,         nullptr,                                    {kLeft, 220, 160, 36}},
+    {DialogTextStyle::kAboutLabel, kTextSupport,        nullptr,                                    {kLeft, 260, 160, 36}},
+    {DialogTextStyle::kAboutLabel, kTextPlatform,       nullptr,                                    {kLeft, 300, 160, 36}},
+    {DialogTextStyle::kAboutLabel, kTextLicence,        nullptr,                                    {kLeft, 340, 160, 36}},
+    {DialogTextStyle::kAboutValue, kNoText,             kPluginAuthor,                              {kLeft + 170, 220, kWide - 170, 36}},
+    {DialogTextStyle::kAboutValue, kNoText,             "Attach hopline_worker.log to your report", {kLeft + 170, 260, kWide - 170, 36}},
+    {DialogTextStyle::kAboutValue, kNoText,             "MSFS 2024 · TeamSpeak 3 · Windows x64",    {kLeft + 170, 300, kWide - 170, 36}},
+    {DialogTextStyle::kAboutValue, kNoText,             "MIT",                                      {kLeft + 170, 340, kWide - 170, 36}},
+    {DialogTextStyle::kNote,       kTextLanguageNames,  nullptr,                                    {kLeft, 400, kWide, 40}},
 };
 // clang-format on
 
