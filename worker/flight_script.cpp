@@ -194,9 +194,9 @@ FlightScript parseFlightScript(std::string_view text) {
     }
     text = withoutUtf8Mark(text);
     for (std::size_t number = 1; !text.empty(); number++) {
-        const auto end = std::min(text.find('\n'), text.size());
-        readLine(script, number, text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
+        const auto newline = text.find('\n');
+        readLine(script, number, text.substr(0, newline));
+        text = newline == std::string_view::npos ? std::string_view() : text.substr(newline + 1);
     }
     auto& steps = script.steps;
     std::stable_sort(steps.begin(), steps.end(),

@@ -62,7 +62,9 @@ std::vector<std::string> splitLines(std::string_view bytes) {
 
 std::string readableLine(std::string_view line, const NarrowDecoder& decodeNarrow) {
     if (line.ends_with('\r')) line.remove_suffix(1);
-    if (line.find('\0') != std::string_view::npos)
-        return "(" + std::to_string(line.size()) + " bytes that are no text)";
+    if (line.find('\0') != std::string_view::npos) {
+        std::string size = std::to_string(line.size());
+        return size.insert(0, 1, '(') + " bytes that are no text)";
+    }
     return isUtf8(line) ? printable(line) : printable(decodeNarrow(std::string(line)));
 }
