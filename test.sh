@@ -3,7 +3,7 @@
 # and the unit tests under Wine, while the unit tests are built and run under the address and undefined-behaviour
 # sanitizers, those with threads under the thread sanitizer, and without one those that no sanitizer allows; the
 # stand-in simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (2) each on new ones;
-# the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
+# the documents' links and quotes; the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
 # test.sh --full - the same with every unit test under Wine too; otherwise those whose results depend on the compiler.
 # test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
@@ -156,6 +156,7 @@ test_natively() {
     check artwork "the artwork does not fit the layout tables" /usr/bin/python3 tools/artwork/check_art.py --prove
     check page "the page of run.sh does not show what was flown" /usr/bin/python3 -B tools/page/page_test.py
     check rooms "a room uses one that it may not" /usr/bin/python3 tools/check_rooms.py
+    check docs "a document names what is not there" /usr/bin/python3 tools/check_docs.py
     check format "the formatting is not the house's" tools/format.sh --check
 }
 

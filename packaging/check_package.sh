@@ -17,9 +17,11 @@ cmp "$package" "$again" || { echo "the same files made two different packages" >
 [ "$(basename "$package")" = "$(basename "$again")" ]
 
 python3 - "$package" "$folder/unpacked" <<'PYTHON'
-import sys, zipfile
+import os, sys, zipfile
 package, folder = sys.argv[1:]
-expected = ['package.ini', 'plugins/corvalis/LICENSE.txt', 'plugins/corvalis/gcc-runtime.txt',
+languages = ['de', 'en', 'es', 'fr', 'ja', 'ko', 'ru', 'zh-CN', 'zh-TW']
+guides = [f'plugins/corvalis/quick-start.{language}.txt' for language in languages]
+expected = [*guides, 'package.ini', 'plugins/corvalis/LICENSE.txt', 'plugins/corvalis/gcc-runtime.txt',
             'plugins/corvalis/mingw-w64-runtime.txt', 'plugins/corvalis_win64.dll', 'plugins/hopline_worker.exe']
 with zipfile.ZipFile(package) as archive:
     names = sorted(archive.namelist())
@@ -31,6 +33,16 @@ with zipfile.ZipFile(package) as archive:
     keys = [line.split(' = ')[0] for line in ini.splitlines()]
     if keys != ['Name', 'Type', 'Author', 'Version', 'Platforms', 'Description']:
         sys.exit(f'package.ini holds {keys}')
+    for guide in guides:
+        text = archive.read(guide).decode('utf-8')
+        if not text.startswith('\ufeff# Corvalis') or text.count('\n') != text.count('\r\n'):
+            sys.exit(f'{guide} is no text for Windows')
+        if '](' in text:
+            sys.exit(f'{guide} has links that lead nowhere')
+        # The file to open, the clients and the Windows that fit.
+        for said in (os.path.basename(package), '64', '3.3', '1607'):
+            if said not in text:
+                sys.exit(f'{guide} does not say {said}')
     archive.extractall(folder)
 PYTHON
 

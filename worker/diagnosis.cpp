@@ -8,6 +8,7 @@
 #include "exchange/command_text.h"
 #include "exchange/support_files.h"
 #include "exchange/telemetry_text.h"
+#include "worker/host_names.h"
 #include "worker/user_names.h"
 #include "worker/worker_log.h"
 
@@ -15,13 +16,17 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
+constexpr std::size_t kMaxHostNames = 100;  // a damaged log may name any number; each is looked for in every line
+
 // Every line of the report passes through here, so that each is masked.
 class Report {
   public:
-    Report(const Diagnosis& found, const NarrowDecoder& decodeNarrow) : found_(found), decodeNarrow_(decodeNarrow) {}
+    Report(const Diagnosis& found, Lines hostNames, const NarrowDecoder& decodeNarrow)
+        : found_(found), hostNames_(std::move(hostNames)), decodeNarrow_(decodeNarrow) {}
 
     void line(std::string_view text = {}) {
-        const auto masked = maskUserNames(readableLine(text, decodeNarrow_), found_.accountNames);
+        const auto readable = readableLine(text, decodeNarrow_);
+        const auto masked = maskHostNames(maskUserNames(readable, found_.accountNames), hostNames_);
         text_ += cutUtf8(masked, kMaxShownLineBytes);
         if (masked.size() > kMaxShownLineBytes) text_ += "... (line cut)";
         text_ += "\r\n";
@@ -40,6 +45,7 @@ class Report {
 
   private:
     const Diagnosis& found_;
+    const Lines hostNames_;  // masked wherever they stand
     const NarrowDecoder& decodeNarrow_;
     std::string text_;
 };
@@ -161,6 +167,22 @@ Lines linkLines(const Lines& log) {
     return lines;
 }
 
+// The computers that the settings and the logs give as the simulator's, each once.
+Lines hostNamesOf(const Diagnosis& found, const Lines& log) {
+    Lines names;
+    const auto addFrom = [&](const std::string& line) {
+        for (auto& name : findHostNames(line)) {
+            if (names.size() < kMaxHostNames && std::find(names.begin(), names.end(), name) == names.end())
+                names.push_back(std::move(name));
+        }
+    };
+    addFrom(found.linkKind);
+    addFrom(found.commandLineProblem);
+    for (const auto& line : splitLines(found.workerIni.bytes)) addFrom(line);
+    std::for_each(log.rbegin(), log.rend(), addFrom);  // the newest first
+    return names;
+}
+
 void showLast(Report& report, const Lines& lines, std::size_t count) {
     const auto first = lines.size() - std::min(count, lines.size());
     for (std::size_t i = first; i < lines.size(); i++) report.line(lines[i]);
@@ -195,9 +217,11 @@ void showLog(Report& report, const Diagnosis& found, const Lines& log) {
 }  // namespace
 
 std::string composeDiagnosis(const Diagnosis& found, const NarrowDecoder& decodeNarrow) {
-    Report report(found, decodeNarrow);
+    const auto log = logLines(found);
+    Report report(found, hostNamesOf(found, log), decodeNarrow);
     report.line("Corvalis diagnosis, " + utcText(found.nowUnixSeconds));
-    report.line("User names in paths are shown as <user>. Please read it before you pass it on.");
+    report.line(
+        "User names in paths are shown as <user>, other computers as <host>. Please read it before you pass it on.");
     showVersions(report, found);
     showFolder(report, found);
     showFile(report, found.settingsBesideDll ? "settings.ini (in the program folder)" : "settings.ini", found.settings,
@@ -208,7 +232,6 @@ std::string composeDiagnosis(const Diagnosis& found, const NarrowDecoder& decode
     showFile(report, kHostAnswerFile, found.hostAnswer, found);
     showTelemetry(report, found);
     showCommand(report, found);
-    const auto log = logLines(found);
     showLink(report, found, log);
     showLog(report, found, log);
     return report.take();

@@ -3,25 +3,16 @@
 #include <optional>
 #include "base/display_text.h"
 #include "base/utf8.h"
+#include "worker/masked_text.h"
 
 namespace {
 
 constexpr std::string_view kMask = "<user>";
-constexpr std::string_view kSeparators = "\\/";
 // No name on Windows has these, nor a question mark; but the question mark is what the system code page makes of a
 // letter that it lacks.
 constexpr std::string_view kEnds = "\\/:*\"<>|";
 // The folders that hold one folder per person.
 constexpr std::string_view kRoots[] = {"Users", "home", "Documents and Settings"};
-
-bool isSeparator(char c) {
-    return kSeparators.find(c) != std::string_view::npos;
-}
-
-// Letters and digits, and every byte of a character beyond ASCII.
-bool isWordByte(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c & 0x80) != 0;
-}
 
 // Where the alphabets that Windows' own user names come in keep their capitals, and how far off the small letters are.
 struct Capitals {
@@ -68,7 +59,7 @@ std::optional<std::size_t> matchedBytes(std::string_view text, std::string_view 
 }
 
 std::size_t skipSeparators(std::string_view text, std::size_t at) {
-    return std::min(text.find_first_not_of(kSeparators, at), text.size());
+    return std::min(text.find_first_not_of(kPathSeparators, at), text.size());
 }
 
 // Bytes up to the person's folder if a folder of such folders begins here.
@@ -93,13 +84,13 @@ std::optional<std::size_t> accountBytes(char before, std::string_view text, cons
         const auto bytes = matchedBytes(text, name);
         if (!bytes) continue;
         const char after = *bytes < text.size() ? text[*bytes] : ' ';
-        if (!isWordByte(after) && (isSeparator(before) || isSeparator(after))) return bytes;
+        if (!isWordByte(after) && (isPathSeparator(before) || isPathSeparator(after))) return bytes;
     }
     return std::nullopt;
 }
 
 bool isNoName(const std::string& name) {
-    return name.empty() || name == "." || name == ".." || name.find_first_of(kSeparators) != std::string::npos;
+    return name.empty() || name == "." || name == ".." || name.find_first_of(kPathSeparators) != std::string::npos;
 }
 
 }  // namespace

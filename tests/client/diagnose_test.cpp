@@ -64,7 +64,7 @@ class Diagnose : public ::testing::Test {
         std::filesystem::create_directories(data);
         const std::string here = toCodePage(data.wstring());
         ASSERT_TRUE(writeFile(data / "settings.ini", "master=1\r\npython=" + here + "\\python.exe\r\n"));
-        ASSERT_TRUE(writeFile(data / "worker.ini", "link=simulate\r\n"));
+        ASSERT_TRUE(writeFile(data / "worker.ini", "link=simulate\r\naddress=cockpit:500\r\n"));
         ASSERT_TRUE(writeFile(data / "telemetry.json", "{\"updated\":1.5,\"ok\":true,\"protocol\":2}"));
         ASSERT_TRUE(writeFile(data / "hopline_worker.log",
                               "2026-11-21 06:19:08.354 UTC  data folder " + here + ", watching no process\r\n" +
@@ -80,7 +80,7 @@ class Diagnose : public ::testing::Test {
     std::filesystem::path profile, appData, data;
 };
 
-TEST_F(Diagnose, PrintsWhatItSavesAndMasksTheUser) {
+TEST_F(Diagnose, PrintsWhatItSavesAndMasksTheUserAndTheComputer) {
     prepare(L"J\u00FCrgen M\u00FCller");
     const EnvironmentValue account(L"USERNAME", L"corvalis diagnosis");
     const auto outcome = run(L"--diagnose --data-dir " + quoted(data));
@@ -94,6 +94,8 @@ TEST_F(Diagnose, PrintsWhatItSavesAndMasksTheUser) {
 
     EXPECT_FALSE(has(outcome.output, "rgen")) << outcome.output;
     EXPECT_FALSE(has(outcome.output, "ller")) << outcome.output;
+    EXPECT_FALSE(has(outcome.output, "cockpit")) << outcome.output;
+    EXPECT_TRUE(has(report, "link=simulate\r\naddress=<host>:500\r\n"));
     EXPECT_TRUE(has(report, "worker          " + std::string(kPluginVersion) + "\r\n"));
     EXPECT_TRUE(has(report, "plugin          " + std::string(kPluginVersion) + "\r\n"));  // the DLL stands beside it
     EXPECT_TRUE(has(report, "chosen by       --data-dir\r\nstate           exists, can be written\r\n"));

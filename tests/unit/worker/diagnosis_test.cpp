@@ -64,7 +64,7 @@ std::string logOf(int first, int last) {
 TEST(Diagnosis, OfAnEmptyFolderIsWhole) {
     const std::string expected =
         "Corvalis diagnosis, 2026-09-21 14:13:20.000 UTC\r\n"
-        "User names in paths are shown as <user>. Please read it before you pass it on.\r\n"
+        "User names in paths are shown as <user>, other computers as <host>. Please read it before you pass it on.\r\n"
         "\r\n"
         "== Versions\r\n"
         "worker          1.3.0\r\n"
@@ -245,6 +245,37 @@ TEST(Diagnosis, MasksUserNamesInEveryPartOfIt) {
     const auto text = report(found);
     EXPECT_FALSE(has(text, "rgen")) << text;
     EXPECT_GE(count(text, "C:\\Users\\<user>\\x D:\\games\\<user>\\y"), 15u);
+}
+
+TEST(Diagnosis, MasksOtherComputersInEveryPartOfIt) {
+    auto found = emptyFolder();
+    found.linkKind = "link auto, simulator at gaming:500";
+    found.commandLineProblem = "unknown argument --address=cockpit:500";
+    found.workerIni = fileOf("link=auto\naddress=attic:500\n");
+    found.oldLog = fileOf("data folder D:\\x, link auto, simulator at cellar:500\n");
+    found.log = fileOf("  link down: CELLAR is not known on this network\n  link down: attic is silent\n");
+    found.telemetry = fileOf("{\"status\":\"no answer from gaming\"}");
+    found.settings = fileOf("python=\\\\nas\\python.exe\n");
+    found.dataFolder = "\\\\profiles.corp\\cockpit\\Corvalis";
+    found.trial = LinkTrial{false, "no answer from gaming", 0, {"gaming has two addresses"}};
+    const auto text = report(found);
+    for (const char* name : {"gaming", "cockpit", "attic", "cellar", "CELLAR", "nas\\", "profiles"})
+        EXPECT_FALSE(has(text, name)) << name << " in " << text;
+    EXPECT_TRUE(has(text, "set to          link auto, simulator at <host>:500\r\n"));
+    EXPECT_TRUE(has(text, "  link down: <host> is not known on this network\r\n"));
+    EXPECT_TRUE(has(text, "tried           <host> has two addresses\r\n"));
+    EXPECT_TRUE(has(text, "folder          \\\\<host>\\<host>\\Corvalis\r\n"));
+}
+
+// Each is looked for in every line of the report.
+TEST(Diagnosis, LooksForABoundedNumberOfComputers) {
+    auto found = emptyFolder();
+    std::string log = "name-0 is silent\nname-19999 is silent\n";
+    for (int i = 0; i < 20'000; i++) log += "simulator at name-" + std::to_string(i) + ":500\n";
+    found.log = fileOf(log + "name-0 is silent\nname-19999 is silent\n");
+    const auto text = report(found);
+    EXPECT_TRUE(has(text, "\r\nname-0 is silent\r\n<host> is silent\r\n"));  // the newest come first
+    EXPECT_EQ(count(text, "simulator at <host>:500\r\n"), 198u);
 }
 
 TEST(Diagnosis, StaysBoundedWithHugeFiles) {
