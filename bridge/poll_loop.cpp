@@ -83,6 +83,7 @@ void readCaptureMode(const Pass& pass, PollMemory& memory, PollContext& context)
     std::string text;
     context.files.read(joinPath(context.dataFolder, kCaptureModeFile), text);
     context.voice.CaptureMode = captureModeOf(text);
+    context.voice.MarkEdited = asksForMark(text);
     memory.lastCaptureRead = pass.nowMs;
 }
 

@@ -178,6 +178,16 @@ TEST_F(PollOutputs, TheCaptureModeIsReadAtTheStartAndThenMoreThanASecondLater) {
     EXPECT_EQ(readsIn(10'500), 10);
 }
 
+TEST_F(PollOutputs, TheMarkIsReadWithTheCaptureMode) {
+    rig.files.put(pathOf(kCaptureModeFile), "0\r\nmark\r\n");
+    rig.pass();
+    EXPECT_EQ(captureMode(), 0);
+    EXPECT_TRUE(rig.voice.MarkEdited);
+    rig.files.put(pathOf(kCaptureModeFile), "0\r\n");
+    rig.passFor(1100);
+    EXPECT_FALSE(rig.voice.MarkEdited);
+}
+
 TEST_F(PollOutputs, AMissingCaptureModeFileMeansOne) {
     rig.files.put(pathOf(kCaptureModeFile), "2");
     rig.pass();
