@@ -5,7 +5,8 @@
 # built. Ends with 0 only if all went as it should and the page lacks nothing.
 # --full flies as a pilot would, takes every picture there is and sends the own voice through the chain too: some
 # minutes. --simconnect puts the stand-in simulator behind the simulator's pipe in place of the built-in aircraft, and
-# afterwards kills and restarts simulator, worker, plugin and voice client in turn.
+# afterwards kills and restarts simulator, worker, plugin and voice client in turn. With CORVALIS_NEW_CLIENT=1 in the
+# environment the voice client is one of today.
 set -euo pipefail
 cd "$(dirname "$0")"
 

@@ -4,7 +4,8 @@
 # sanitizers, those with threads under the thread sanitizer, and without one those that no sanitizer allows; the
 # stand-in simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (2) each on new ones;
 # the documents' links and quotes; the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
-# test.sh --full - the same with every unit test under Wine too; otherwise those whose results depend on the compiler.
+# test.sh --full - the same with every unit test under Wine too, otherwise those whose results depend on the compiler;
+# and with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT).
 # test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
 cd "$(dirname "$0")"
@@ -68,7 +69,8 @@ build() {
 # run_tests PRESET JOBS [OPTION...] - runs the preset's tests and adds what the runner counted; a run that counts
 # nothing is a failure.
 run_tests() {
-    local preset=$1 jobs=$2 log="$logs/test-$1.log" total bad cases
+    local preset=$1 jobs=$2 as=${CORVALIS_NEW_CLIENT:+", as a new client"} total bad cases
+    local log="$logs/test-$1${as:+-new}.log"
     ctest --preset "$preset" -j "$jobs" "${@:3}" >"$log" 2>&1
     read -r bad total < <(sed -nE 's/^[0-9]+% tests passed, ([0-9]+) tests? failed out of ([0-9]+)$/\1 \2/p' "$log" | tail -1)
     if [ -z "${total:-}" ] || [ "$total" -eq 0 ]; then
@@ -83,7 +85,7 @@ run_tests() {
     cases=$(sed -nE 's/^\[==========\] ([0-9]+) tests? from .* ran\..*/\1/p' "build/$preset/Testing/Temporary/LastTest.log" |
         awk '{ sum += $1 } END { print sum + 0 }')
     add "$((cases > bad ? cases - bad : 0))" "$bad"
-    say "$preset: $((total - bad)) of $total programs passed, with $cases cases"
+    say "$preset$as: $((total - bad)) of $total programs passed, with $cases cases"
 }
 
 # The programs fail with the first input that breaks a promise, and say which.
@@ -173,7 +175,10 @@ renice -n 4 -p $natively >/dev/null  # with more it would hardly run at all besi
 build windows "${windows_tests[@]}" &
 windows_build=$!
 start_wine_slots "$wine_slots"
-wait $windows_build && run_tests windows "$wine_slots" "${windows_without[@]}"
+if wait $windows_build; then
+    run_tests windows "$wine_slots" "${windows_without[@]}"
+    [ "${1:-}" != --full ] || CORVALIS_NEW_CLIENT=1 run_tests windows "$wine_slots" -L client
+fi
 wait $natively
 
 read -r passed failed < <(awk '{ passed += $1; failed += $2 } END { print passed + 0, failed + 0 }' "$counts")

@@ -11,5 +11,12 @@ enum CaptureModes : std::int32_t {
     kCaptureUntouched = 2,   // left alone
 };
 
+// Of the host's flag of a captured block, when the plugin returns it: the samples were changed. Bit 1 is the host's
+// word that the block is about to be sent; without it the block is not sent.
+inline constexpr int kEditedBit = 1;
+
 // From the first character of the file's first line: "0" or "f" gives 0, "2" or "o" gives 2, anything else 1.
 std::int32_t captureModeOf(std::string_view fileText);
+
+// Whether the file's second line is the word "mark": modes 0 and 1 then set kEditedBit and leave the other bits.
+bool asksForMark(std::string_view fileText);

@@ -17,33 +17,39 @@
 namespace {
 
 constexpr int kBlock = 16;
-constexpr int kBefore = 4;  // room for values before the run
+constexpr int kRing = 2 * kBlock;
+constexpr int kBefore = 4;  // room for values before a block
 static_assert(kBlock % 4 == 0 && kRadioRun % kBlock == 0);
 
-constexpr int kArray = kRadioRun + kRadioPadding;
-
-// What one stage leaves for the next.
+// What one stage leaves for the next: for the stage behind it a block, for the second half of the chain, which works a
+// block behind the first, a ring of two. All of it stays in the processor's first cache, and takes little of the stack
+// of a thread that is not ours.
 struct Arrays {
-    alignas(16) float peakIn[kBefore + kArray];  // after the last two values of the previous run
-    alignas(16) float peakForward[kArray];       // forward terms of the peaking cut
-    alignas(16) float voice[kArray];             // filtered voice
-    alignas(16) float followers[2 * kArray];     // negated noise floor, level
-    alignas(16) float shutBelow[kArray];         // the squelch shuts below this magnitude
-    alignas(16) float target[kArray];            // where the gate is pulled to
-    alignas(16) float rise[kArray];
-    alignas(16) float fall[kArray];
-    alignas(16) float gate[kArray];
-    alignas(16) float burst[kArray];
-    alignas(16) float hiss[kArray];                 // filtered noise
-    alignas(16) float saturated[kBefore + kArray];  // after the last value of the previous run
-    alignas(16) float output[kArray];
+    alignas(16) float peakIn[kBefore + kBlock];  // after the last two values of the block before
+    alignas(16) float peakForward[kBlock];       // forward terms of the peaking cut
+    alignas(16) float voice[kRing];              // filtered voice
+    alignas(16) float followers[2 * kRing];      // negated noise floor, level
+    alignas(16) float shutBelow[kRing];          // the squelch shuts below this magnitude
+    alignas(16) float target[kRing];             // where the gate is pulled to
+    alignas(16) float rise[kRing];
+    alignas(16) float fall[kRing];
+    alignas(16) float gate[kBlock];
+    alignas(16) float burst[kBlock];
+    alignas(16) float hiss[kRing];                  // filtered noise
+    alignas(16) float saturated[kBefore + kBlock];  // after the last value of the block before
+    alignas(16) float output[kBlock];
 };
 
-// Values [first, first + n) of a run.
+// Values [first, first + n) of a run, a block or the beginning of one.
 struct Span {
     int first;
     int n;
 };
+
+// Where a block begins in the rings.
+int ringOf(Span block) {
+    return block.first % kRing;
+}
 
 // The memory of a channel in the form the loops need.
 struct Chain {
@@ -89,7 +95,7 @@ void storeChain(const Chain& s, RadioChannel& c) {
     c.dcY1 = s.dcY1;
 }
 
-// The values before the run, for the stages that look back at their input.
+// The values before the first block, for the stages that look back at their input.
 void loadInputs(const RadioChannel& c, Arrays& a) {
     a.peakIn[kBefore - 2] = c.peakX2;
     a.peakIn[kBefore - 1] = c.peakX1;
@@ -97,18 +103,28 @@ void loadInputs(const RadioChannel& c, Arrays& a) {
 }
 
 void storeInputs(const Arrays& a, const float* noise, int n, RadioChannel& c) {
-    c.peakX2 = a.peakIn[kBefore + n - 2];
-    c.peakX1 = a.peakIn[kBefore + n - 1];
-    c.dcX1 = a.saturated[kBefore + n - 1];
+    c.peakX2 = a.peakIn[kBefore - 2];
+    c.peakX1 = a.peakIn[kBefore - 1];
+    c.dcX1 = a.saturated[kBefore - 1];
     if (noise != nullptr) c.hissIn = noise[n - 1];
+}
+
+// The last values of both blocks move in front of the next ones. A block of none moves nothing.
+void keepInputs(Span fresh, Span old, Arrays& a) {
+    a.peakIn[kBefore - 2] = a.peakIn[kBefore + fresh.n - 2];
+    a.peakIn[kBefore - 1] = a.peakIn[kBefore + fresh.n - 1];
+    a.saturated[kBefore - 1] = a.saturated[kBefore + old.n - 1];
 }
 
 // The last group of four may be incomplete: its idle lanes are computed too, and must not hold what was on the stack.
 void clearLastGroup(Arrays& a, int n) {
     const __m128 zero = _mm_setzero_ps();
-    for (float* x : {a.peakIn + kBefore, a.voice, a.gate, a.burst, a.hiss, a.output}) _mm_storeu_ps(x + n, zero);
-    _mm_storeu_ps(a.followers + std::ptrdiff_t{2} * n, zero);
-    _mm_storeu_ps(a.followers + std::ptrdiff_t{2} * n + 4, zero);
+    const int inBlock = n % kBlock / 4 * 4;
+    const int inRing = n % kRing / 4 * 4;
+    for (float* x : {a.peakIn + kBefore, a.gate, a.burst, a.output}) _mm_store_ps(x + inBlock, zero);
+    for (float* x : {a.voice, a.hiss}) _mm_store_ps(x + inRing, zero);
+    _mm_store_ps(a.followers + std::ptrdiff_t{2} * inRing, zero);
+    _mm_store_ps(a.followers + std::ptrdiff_t{2} * inRing + 4, zero);
 }
 
 // Band-pass and resonator for the values of `fresh`, gate and burst for those of `old`. x is read kBandPassSkew ahead.
@@ -118,29 +134,32 @@ void filterAndGate(Chain& chain, const float* x, int n, Span fresh, Span old, Ar
     float gate = chain.gate;
     float burst = chain.burst;
     bool armed = chain.burstArmed;
-    const auto resonateAt = [&](int i) { a.peakIn[kBefore + i] = resonate(resonator, _mm_cvtss_f32(outputOf(band))); };
-    const auto gateAt = [&](int i) {
-        gate = pullGate(gate, a.target[i], a.rise[i], a.fall[i]);
+    const float* const target = a.target + ringOf(old);
+    const float* const rise = a.rise + ringOf(old);
+    const float* const fall = a.fall + ringOf(old);
+    const auto resonateAt = [&](int k) { a.peakIn[kBefore + k] = resonate(resonator, _mm_cvtss_f32(outputOf(band))); };
+    const auto gateAt = [&](int k) {
+        gate = pullGate(gate, target[k], rise[k], fall[k]);
         runBurst(burst, armed, gate);
-        a.gate[i] = gate;
-        a.burst[i] = burst;
+        a.gate[k] = gate;
+        a.burst[k] = burst;
     };
     const int whole = std::clamp(n - kBandPassSkew - fresh.first, 0, fresh.n);  // values whose step fills all lanes
     const int both = std::min(whole, old.n);
     int k = 0;
     for (; k < both; k++) {
         band = stepBandPass(band, x[fresh.first + k + kBandPassSkew]);
-        resonateAt(fresh.first + k);
-        gateAt(old.first + k);
+        resonateAt(k);
+        gateAt(k);
     }
-    for (int j = k; j < old.n; j++) gateAt(old.first + j);
+    for (int j = k; j < old.n; j++) gateAt(j);
     for (; k < whole; k++) {
         band = stepBandPass(band, x[fresh.first + k + kBandPassSkew]);
-        resonateAt(fresh.first + k);
+        resonateAt(k);
     }
     for (; k < fresh.n; k++) {
         band = stepBandPassEdge(band, x, fresh.first + k + kBandPassSkew, n);
-        resonateAt(fresh.first + k);
+        resonateAt(k);
     }
     chain.band = band;
     chain.resonator = resonator;
@@ -155,26 +174,31 @@ void followAndBlock(Chain& chain, const float* noise, Span fresh, Span old, Arra
     Followers followers = chain.followers;
     HissFilter filter = chain.hiss;
     float dcY1 = chain.dcY1;
-    const auto followAt = [&](int i) {
-        const float voice = cutPeak(peak, a.peakForward[i]);
+    float* const voices = a.voice + ringOf(fresh);
+    float* const levels = a.followers + std::ptrdiff_t{2} * ringOf(fresh);
+    float* const hiss = a.hiss + ringOf(fresh);
+    const auto followAt = [&](int k) {
+        const float voice = cutPeak(peak, a.peakForward[k]);
         follow(followers, _mm_set1_ps(voice));
-        a.voice[i] = voice;
-        _mm_storel_pi(reinterpret_cast<__m64*>(a.followers + std::ptrdiff_t{2} * i), followers.lanes);
-        if (noise != nullptr) a.hiss[i] = filterHiss(filter, noise[i] - noise[i - 1]);
+        voices[k] = voice;
+        _mm_storel_pi(reinterpret_cast<__m64*>(levels + std::ptrdiff_t{2} * k), followers.lanes);
+        if (noise == nullptr) return;
+        const float* in = noise + fresh.first + k;
+        hiss[k] = filterHiss(filter, in[0] - in[-1]);
     };
-    const auto blockAt = [&](int i) {
-        const float* in = a.saturated + kBefore + i;
+    const auto blockAt = [&](int k) {
+        const float* in = a.saturated + kBefore + k;
         dcY1 = blockDc(dcY1, in[0] - in[-1]);
-        a.output[i] = dcY1;
+        a.output[k] = dcY1;
     };
     const int both = std::min(fresh.n, old.n);
     int k = 0;
     for (; k < both; k++) {
-        followAt(fresh.first + k);
-        blockAt(old.first + k);
+        followAt(k);
+        blockAt(k);
     }
-    for (int j = k; j < old.n; j++) blockAt(old.first + j);
-    for (; k < fresh.n; k++) followAt(fresh.first + k);
+    for (int j = k; j < old.n; j++) blockAt(j);
+    for (; k < fresh.n; k++) followAt(k);
     chain.peak = peak;
     chain.followers = followers;
     chain.hiss = filter;
@@ -182,15 +206,16 @@ void followAndBlock(Chain& chain, const float* noise, Span fresh, Span old, Arra
 }
 
 void findPeakForward(Span s, Arrays& a) {
-    for (int i = s.first; i < s.first + s.n; i += 4) {
-        const float* x = a.peakIn + kBefore + i;
+    for (int k = 0; k < s.n; k += 4) {
+        const float* x = a.peakIn + kBefore + k;
         const __m128 now = _mm_mul_ps(_mm_set1_ps(0.9799019f), _mm_load_ps(x));
         const __m128 one = _mm_mul_ps(_mm_set1_ps(1.8831465f), _mm_loadu_ps(x - 1));
         const __m128 two = _mm_mul_ps(_mm_set1_ps(0.9111779f), _mm_loadu_ps(x - 2));
-        _mm_store_ps(a.peakForward + i, _mm_add_ps(_mm_sub_ps(now, one), two));
+        _mm_store_ps(a.peakForward + k, _mm_add_ps(_mm_sub_ps(now, one), two));
     }
 }
 
+// i: in the ring.
 __m128 thresholdAt(const Arrays& a, int i) {
     const __m128 first = _mm_load_ps(a.followers + std::ptrdiff_t{2} * i);
     const __m128 last = _mm_load_ps(a.followers + std::ptrdiff_t{2} * i + 4);
@@ -206,7 +231,8 @@ __m128 levelAt(const Arrays& a, int i) {
 
 // The squelch opens above a threshold of three times the noise floor, at least 90, and shuts below 0.55 of it.
 void findPull(Span s, Arrays& a, std::uint8_t* voiceFlags) {
-    for (int i = s.first; i < s.first + s.n; i += 4) {
+    for (int k = 0; k < s.n; k += 4) {
+        const int i = ringOf(s) + k;
         const __m128 magnitude = magnitudeOf(_mm_load_ps(a.voice + i));
         const __m128 threshold = thresholdAt(a, i);
         const __m128 open = _mm_cmpgt_ps(magnitude, threshold);
@@ -217,26 +243,27 @@ void findPull(Span s, Arrays& a, std::uint8_t* voiceFlags) {
         _mm_store_ps(a.target + i, selectLanes(open, _mm_set1_ps(1.0f), _mm_set1_ps(0.06f)));
         _mm_store_ps(a.rise + i, _mm_and_ps(moves, _mm_set1_ps(0.35f)));
         _mm_store_ps(a.fall + i, _mm_and_ps(moves, _mm_set1_ps(0.0015f)));
-        storeFlags(open, voiceFlags + i);
+        storeFlags(open, voiceFlags + s.first + k);
     }
 }
 
 void saturateBlock(Span s, bool hiss, Arrays& a) {
-    for (int i = s.first; i < s.first + s.n; i += 4) {
+    for (int k = 0; k < s.n; k += 4) {
+        const int i = ringOf(s) + k;
         const __m128 level = levelAt(a, i);
-        const __m128 gate = _mm_load_ps(a.gate + i);
+        const __m128 gate = _mm_load_ps(a.gate + k);
         const __m128 gain = compressorGain(level, gate, _mm_load_ps(a.shutBelow + i));
-        const __m128 gains = _mm_mul_ps(_mm_mul_ps(_mm_load_ps(a.burst + i), gain), gate);
+        const __m128 gains = _mm_mul_ps(_mm_mul_ps(_mm_load_ps(a.burst + k), gain), gate);
         __m128 v = _mm_mul_ps(gains, _mm_load_ps(a.voice + i));
         if (hiss) v = _mm_add_ps(v, _mm_mul_ps(hissLevel(level), _mm_load_ps(a.hiss + i)));
-        _mm_store_ps(a.saturated + kBefore + i, saturate(v));
+        _mm_store_ps(a.saturated + kBefore + k, saturate(v));
     }
 }
 
 void writeSamples(Span s, const Arrays& a, short* out) {
-    for (int i = s.first; i < s.first + s.n; i += 4) {
-        const __m128i samples = roundToSample(_mm_load_ps(a.output + i));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packs_epi32(samples, samples));
+    for (int k = 0; k < s.n; k += 4) {
+        const __m128i samples = roundToSample(_mm_load_ps(a.output + k));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + s.first + k), _mm_packs_epi32(samples, samples));
     }
 }
 
@@ -257,6 +284,7 @@ void runRadio(RadioChannel& channel, const float* x, const float* noise, short* 
         followAndBlock(chain, noise, fresh, old, a);
         findPull(fresh, a, voiceFlags);
         writeSamples(old, a, out);
+        keepInputs(fresh, old, a);
         old = fresh;
     }
     storeChain(chain, channel);

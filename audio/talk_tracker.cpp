@@ -53,6 +53,7 @@ void resetTalk(TalkTracker& tracker, std::uint64_t nowMs) {
 }
 
 void forgetAllTalk(TalkTracker& tracker, std::uint64_t nowMs) {
+    tracker.ownClientId = 0;
     resetTalk(tracker, nowMs);
     takeTails(tracker);
 }

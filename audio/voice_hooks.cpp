@@ -87,6 +87,13 @@ void refresh(SpeakerState& speaker, std::uint32_t generation) {
     speaker.stamp = generation;
 }
 
+void reportEdited(const VoiceControls& controls, int& edited) {
+    if (controls.marksEdited)
+        edited |= kEditedBit;
+    else if (controls.captureMode == kCaptureEdited)
+        edited = 1;
+}
+
 // The level is that of the processed voice: the equalizer comes after the radio effect.
 void equalize(SpeakerState& speaker, bool isOn, const short* samples, int sampleCount, int channels) {
     if (!isOn) {
@@ -106,6 +113,7 @@ VoiceControls loadVoiceControls(const SettingsStore& settings, const VoiceLevels
     controls.transmitGain = settings.TransmitGain;
     controls.receiveGain = levels.ReceiveGain;
     controls.captureMode = levels.CaptureMode;
+    controls.marksEdited = levels.MarkEdited;
     return controls;
 }
 
@@ -124,7 +132,7 @@ void editCapturedVoice(CapturedVoice& voice, const VoiceControls& controls, shor
     else if (denoise)
         denoiseBlock(voice.effect, samples, sampleCount, slotsOf(channels));
     if (controls.transmitGain != 1.0f) applyGain(samples, sampleCount, controls.transmitGain);
-    if (controls.captureMode == kCaptureEdited && edited) *edited = 1;
+    if (edited) reportEdited(controls, *edited);
 }
 
 void editPlaybackVoice(PlaybackVoices& voices, const VoiceControls& controls, SpeakerKey speakerKey, short* samples,

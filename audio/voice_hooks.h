@@ -20,6 +20,7 @@ struct VoiceControls {
     float transmitGain = 1.0f;     // linear
     float receiveGain = 1.0f;      // linear
     std::int32_t captureMode = 1;  // CaptureModes
+    bool marksEdited = false;      // asksForMark
     std::uint32_t dspGeneration = 0;
 };
 
@@ -50,7 +51,7 @@ struct PlaybackVoices {
 };
 
 // The user's own voice, after capture. *edited (edited may be null) is set to 1 with kCaptureEdited, else left as it
-// was; kCaptureUntouched leaves everything alone.
+// was; with marksEdited both modes add kEditedBit to it instead. kCaptureUntouched leaves everything alone.
 void editCapturedVoice(CapturedVoice& voice, const VoiceControls& controls, short* samples, int sampleCount,
                        int channels, int* edited);
 

@@ -7,4 +7,5 @@
 struct VoiceLevels {
     std::atomic<float> ReceiveGain{1.0f};                       // linear
     std::atomic<std::int32_t> CaptureMode{kCaptureUnreported};  // CaptureModes
+    std::atomic<bool> MarkEdited{false};                        // asksForMark
 };

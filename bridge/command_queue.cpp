@@ -1,5 +1,6 @@
 #include "bridge/command_queue.h"
 #include <algorithm>
+#include <utility>
 #include "audio/volume_policy.h"
 #include "exchange/command_text.h"
 #include "exchange/frequency_grid.h"
@@ -112,6 +113,22 @@ std::int32_t startFrequency(const Commands& commands, const RadioReading& radio,
 }
 
 }  // namespace
+
+void forgetRadios(SimRadios& radios) {
+    {
+        const MutexLock lock(radios.sim.mutex);
+        SimState fresh;
+        fresh.ackId = std::move(radios.sim.state.ackId);
+        radios.sim.state = std::move(fresh);
+    }
+    {
+        const MutexLock lock(radios.commands.mutex);
+        radios.commands.commands.clear();
+        radios.commands.lastEnqueueTick = 0;
+    }
+    const MutexLock lock(radios.status.mutex);
+    radios.status.texts = {};
+}
 
 bool enqueue(SimRadios& radios, std::int32_t com, std::int32_t slot, double value, float localVolume,
              std::uint64_t nowMs) {

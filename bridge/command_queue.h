@@ -44,6 +44,10 @@ struct SimRadios {
     StatusLines status;
 };
 
+// [host] With no thread of ours running: no connection, nothing queued and both lines as at first. What the worker has
+// acknowledged stays known: its file of before may still be there, and that is no news.
+void forgetRadios(SimRadios& radios);
+
 // [ui] Queues a write, or gives a queued one of the same radio and slot its new value (swaps never merge).
 // Returns false and sets a status text when there is no connection, the slot is not writable or the queue is full.
 bool enqueue(SimRadios& radios, std::int32_t com, std::int32_t slot, double value, float localVolume,

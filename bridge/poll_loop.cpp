@@ -67,15 +67,26 @@ void followWhenStill(const Pass& pass, PollMemory& memory, PollContext& context)
     memory.lastFollowAttempt = pass.nowMs;
 }
 
-void trackOwnTalk(const Pass& pass, PollContext& context) {
+// Of a user who is no longer on that server, or there under another id, nobody will say that the transmission has
+// ended. No tail: it was not released.
+void forgetOwnTalk(PollMemory& memory, PollContext& context) {
+    if (memory.ownSchid != 0) forgetClient(context.talk, memory.ownSchid, memory.ownClientId, context.clock.tickMs());
+    memory.ownSchid = 0;
+}
+
+void trackOwnTalk(const Pass& pass, PollMemory& memory, PollContext& context) {
+    if (memory.ownSchid != pass.schid) forgetOwnTalk(memory, context);
     const HostFunctions& host = context.host;
     if (pass.schid == 0 || !host.getClientID || !host.getClientSelfVariableAsInt) return;
     std::uint16_t ownId = 0;
     if (host.getClientID(pass.schid, &ownId) != 0) return;
+    if (memory.ownClientId != ownId) forgetOwnTalk(memory, context);
     context.talk.ownClientId = ownId;
     int flag = 0;
     if (host.getClientSelfVariableAsInt(pass.schid, kClientFlagTalking, &flag) != 0) return;
     talkChanged(context.talk, pass.schid, ownId, flag == 1, context.clock.tickMs());
+    memory.ownSchid = pass.schid;
+    memory.ownClientId = ownId;
 }
 
 void readCaptureMode(const Pass& pass, PollMemory& memory, PollContext& context) {
@@ -83,6 +94,7 @@ void readCaptureMode(const Pass& pass, PollMemory& memory, PollContext& context)
     std::string text;
     context.files.read(joinPath(context.dataFolder, kCaptureModeFile), text);
     context.voice.CaptureMode = captureModeOf(text);
+    context.voice.MarkEdited = asksForMark(text);
     memory.lastCaptureRead = pass.nowMs;
 }
 
@@ -98,9 +110,17 @@ void pollOnce(PollMemory& memory, PollContext& context) {
     forgetWhatIsOver(pass, memory, context);
     followWhenStill(pass, memory, context);
     context.voice.ReceiveGain = receiveGainOf(copySettings(context.settings), pass.selected.volume);
-    trackOwnTalk(pass, context);
+    trackOwnTalk(pass, memory, context);
     drainTails(context.talk, context.tails);
     readCaptureMode(pass, memory, context);
+}
+
+void losePass(SimRadios& radios) noexcept {
+    try {
+        setDisconnected(radios.sim, radios.status);
+    } catch (...) {
+        // No memory for a word: the panel shows what it showed.
+    }
 }
 
 void finishPolling(VoiceLevels& voice) {

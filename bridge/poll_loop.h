@@ -22,7 +22,9 @@ struct PollMemory {
     std::uint64_t stableSince = 0;        // tick ms
     std::uint64_t lastFollowAttempt = 0;  // tick ms, 0 none
     std::uint64_t lastCaptureRead = 0;    // tick ms
-    bool wasFollowing = false;            // connected, with master and AUTO on
+    bool wasFollowing = true;             // connected, with master and AUTO on; at first: a line of before is cleared
+    std::uint64_t ownSchid = 0;           // the server and the id under which the own talk was last reported; 0 none
+    std::uint16_t ownClientId = 0;
 };
 
 // What a pass works with. All of it outlives the poll thread.
@@ -44,6 +46,19 @@ struct PollContext {
 // [poll] One pass. No lock is held across it, nor across a file or host call in it, except the settings-file mutex
 // during a save.
 void pollOnce(PollMemory& memory, PollContext& context);
+
+// [poll] The pass is lost: the bridge counts as gone until the next one.
+void losePass(SimRadios& radios) noexcept;
+
+// [poll] Runs a pass, with whatever it needs first. What it throws (mostly out of memory) ends here: the pass is lost.
+template <class Body>
+void tryPass(SimRadios& radios, const Body& body) noexcept {
+    try {
+        body();
+    } catch (...) {
+        losePass(radios);
+    }
+}
 
 // [poll] After the last pass: puts the receive gain back to 1.
 void finishPolling(VoiceLevels& voice);

@@ -1,6 +1,6 @@
 #include "plugin/lifecycle_win.h"
 #include <cstdlib>
-#include <system_error>
+#include <optional>
 #include "audio/tones.h"
 #include "base/code_page_win.h"
 #include "base/data_folder_win.h"
@@ -15,7 +15,7 @@
 
 namespace {
 
-void findFolders(PluginState& plugin) {
+void findFolders(PluginState& plugin) REQUIRES(plugin.foldersMutex) {
     plugin.dataFolder = findDataFolder();
     createDataFolder(plugin.dataFolder);
     plugin.moduleFolder = findModuleFolder();
@@ -23,9 +23,10 @@ void findFolders(PluginState& plugin) {
 }
 
 void writeSounds(PluginState& plugin) {
-    plugin.tailTonePath = joinPath(plugin.dataFolder, kTailFile);
+    const std::string folder = copyDataFolder(plugin);
+    plugin.tailTonePath = joinPath(folder, kTailFile);
     plugin.files.replace(plugin.tailTonePath, wavFileOf(synthesizeTail()));
-    plugin.files.replace(joinPath(plugin.dataFolder, kAlertFile), wavFileOf(synthesizeAlert()));
+    plugin.files.replace(joinPath(folder, kAlertFile), wavFileOf(synthesizeAlert()));
 }
 
 void askHost(PluginState& plugin) {
@@ -41,65 +42,71 @@ void askHost(PluginState& plugin) {
     plugin.moves.moveReturnCode = code;
 }
 
-void logLoaded(const PluginState& plugin) {
+void logLoaded(PluginState& plugin) {
     const auto tail = plugin.tailTonePath.empty() ? std::string("(none)") : utf8FromNarrow(plugin.tailTonePath);
     logToHost(plugin.host, "Corvalis loaded: version=" + std::string(kPluginVersion) +
-                               " dll=" + utf8FromNarrow(joinPath(plugin.moduleFolder, kDllName)) +
-                               " dataDir=" + utf8FromNarrow(plugin.dataFolder) + " tailTone=" + tail);
+                               " dll=" + utf8FromNarrow(joinPath(copyModuleFolder(plugin), kDllName)) +
+                               " dataDir=" + utf8FromNarrow(copyDataFolder(plugin)) + " tailTone=" + tail);
 }
 
 // In the log, and in a file that the report for support shows.
 void tellHostInterface(PluginState& plugin) {
     const std::string line = hostInterfaceLine(plugin.hostInterface);
     logToHost(plugin.host, "Corvalis " + line);
-    plugin.files.replace(joinPath(plugin.dataFolder, kHostAnswerFile), line + "\r\n");
+    plugin.files.replace(joinPath(copyDataFolder(plugin), kHostAnswerFile), line + "\r\n");
 }
 
-void runPollThread(PluginState& plugin) {
-    TailPlayer tails{.host = plugin.host,
-                     .settings = plugin.settings,
-                     .clock = plugin.clock,
-                     .tailPath = utf8FromNarrow(plugin.tailTonePath),
-                     .throttle = {}};
-    PollContext context{
-        .host = plugin.host,
-        .files = plugin.files,
-        .clock = plugin.clock,
-        .dataFolder = plugin.dataFolder,
-        .processId = GetCurrentProcessId(),
-        .currentServer = plugin.currentServer,
-        .settings = plugin.settings,
-        .radios = plugin.radios,
-        .moves = plugin.moves,
-        .talk = plugin.talk,
-        .tails = tails,
-        .voice = plugin.voice,
-    };
-    PollMemory memory;
+// All that the poll thread works with.
+class Polling {
+  public:
+    explicit Polling(PluginState& plugin)
+        : tails_{.host = plugin.host,
+                 .settings = plugin.settings,
+                 .clock = plugin.clock,
+                 .tailPath = utf8FromNarrow(plugin.tailTonePath),
+                 .throttle = {}},
+          context_{
+              .host = plugin.host,
+              .files = plugin.files,
+              .clock = plugin.clock,
+              .dataFolder = copyDataFolder(plugin),
+              .processId = GetCurrentProcessId(),
+              .currentServer = plugin.currentServer,
+              .settings = plugin.settings,
+              .radios = plugin.radios,
+              .moves = plugin.moves,
+              .talk = plugin.talk,
+              .tails = tails_,
+              .voice = plugin.voice,
+          } {}
+    void pass() { pollOnce(memory_, context_); }
+
+  private:
+    TailPlayer tails_;
+    PollContext context_;
+    PollMemory memory_;
+};
+
+void runPollThread(PluginState& plugin) noexcept {
+    std::optional<Polling> polling;
     while (!plugin.stopPolling) {
-        try {
-            pollOnce(memory, context);
-        } catch (const std::bad_alloc&) {
-            // A telemetry file larger than memory: this pass is lost, the next one tries again.
-        }
+        tryPass(plugin.radios, [&] {
+            if (!polling) polling.emplace(plugin);
+            polling->pass();
+        });
         Sleep(kPollPeriodMs);
     }
     finishPolling(plugin.voice);
 }
 
 template <class Body>
-void startThread(PluginState& plugin, ThreadSlot& slot, const char* name, Body body) {
-    try {
-        slot.start(std::move(body));
-    } catch (const std::system_error& error) {
-        logToHost(plugin.host, "Corvalis cannot start its " + std::string(name) + " thread (error " +
-                                   std::to_string(error.code().value()) + "); going on without it");
-    }
+void startThread(PluginState& plugin, ThreadSlot& slot, std::atomic<bool>& stop, const char* name, const Body& body) {
+    const int error = startWithStopFlag(slot, stop, body);
+    if (error != 0) logMissingThread(plugin.host, name, error);
 }
 
 void startPollThread(PluginState& plugin) {
-    plugin.stopPolling = false;
-    startThread(plugin, plugin.pollThread, "poll", [&plugin] { runPollThread(plugin); });
+    startThread(plugin, plugin.pollThread, plugin.stopPolling, "poll", [&plugin] { runPollThread(plugin); });
 }
 
 void stopPollThread(PluginState& plugin) {
@@ -109,8 +116,7 @@ void stopPollThread(PluginState& plugin) {
 
 void startUiThread(PluginState& plugin) {
     if (plugin.uiThread.isRunning()) return;
-    plugin.stopUi = false;
-    startThread(plugin, plugin.uiThread, "UI", [&plugin] { runUiThread(plugin); });
+    startThread(plugin, plugin.uiThread, plugin.stopUi, "UI", [&plugin] { runUiThread(plugin); });
 }
 
 void stopUiThread(PluginState& plugin) {
@@ -119,13 +125,24 @@ void stopUiThread(PluginState& plugin) {
     plugin.uiThread.join();
 }
 
-// Neither lit, nor played, nor read any more after a new start.
+// Neither lit, nor played, nor shown, nor sent to the aircraft any more after a new start.
 void forgetSession(PluginState& plugin) {
     clearMessages(plugin.messages);
     forgetAllTalk(plugin.talk, plugin.clock.tickMs());
+    forgetRadios(plugin.radios);
 }
 
 }  // namespace
+
+std::string copyDataFolder(PluginState& plugin) {
+    const MutexLock lock(plugin.foldersMutex);
+    return plugin.dataFolder;
+}
+
+std::string copyModuleFolder(PluginState& plugin) {
+    const MutexLock lock(plugin.foldersMutex);
+    return plugin.moduleFolder;
+}
 
 void answerHost(PluginState& plugin) {
     std::string userText;
@@ -141,6 +158,7 @@ void startPlugin(PluginState& plugin) {
         findFolders(plugin);
         loadSettings(plugin.settings);
     }
+    plugin.dialog.slot.reopen();
     writeSounds(plugin);
     const Settings settings = copySettings(plugin.settings);
     plugin.languageIndex = chooseLanguage(settings.language, GetUserDefaultUILanguage());
@@ -148,7 +166,7 @@ void startPlugin(PluginState& plugin) {
     logLoaded(plugin);
     tellHostInterface(plugin);
     applySettings(plugin.settings);
-    startWorker(plugin.worker, plugin.host, plugin.moduleFolder, plugin.dataFolder, settings.python);
+    startWorker(plugin.worker, plugin.host, copyModuleFolder(plugin), copyDataFolder(plugin), settings.python);
     startPollThread(plugin);
     startUiThread(plugin);
     plugin.running = true;
@@ -156,6 +174,7 @@ void startPlugin(PluginState& plugin) {
 
 void stopPlugin(PluginState& plugin) {
     plugin.running = false;
+    plugin.dialog.slot.close();  // from here on no dialog opens
     stopUiThread(plugin);
     stopPollThread(plugin);
     stopWorker(plugin.worker);

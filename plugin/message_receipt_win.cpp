@@ -21,7 +21,7 @@ const HostFunctions kNoHost;
 
 template <class Body>
 void withAlertContext(PluginState& plugin, Body body) {
-    const std::string alertPath = utf8FromNarrow(joinPath(plugin.dataFolder, kAlertFile));
+    const std::string alertPath = utf8FromNarrow(joinPath(copyDataFolder(plugin), kAlertFile));
     MessageWindowOpener window(plugin.messageWindow);
     const HostFunctions& host = plugin.running ? plugin.host : kNoHost;
     body(AlertContext{.host = host,

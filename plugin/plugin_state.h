@@ -4,7 +4,6 @@
 #include <windows.h>
 #include <atomic>
 #include <string>
-#include <thread>
 #include "audio/talk_tracker.h"
 #include "audio/voice_levels.h"
 #include "base/clock_win.h"
@@ -17,33 +16,9 @@
 #include "plugin/host_interface.h"
 #include "plugin/host_table.h"
 #include "plugin/panel_actions_win.h"
+#include "plugin/thread_slot.h"
 #include "settings/dialog/settings_dialog_win.h"
 #include "settings/settings_store.h"
-
-// A joinable thread or none. Unlike std::thread it may be destroyed while running: if a process ends without shutdown,
-// its threads are already gone when our globals are destroyed.
-class ThreadSlot {
-  public:
-    ThreadSlot() = default;
-    ~ThreadSlot() {
-        if (thread_.joinable()) thread_.detach();
-    }
-    ThreadSlot(const ThreadSlot&) = delete;
-    ThreadSlot& operator=(const ThreadSlot&) = delete;
-
-    bool isRunning() const { return thread_.joinable(); }
-    // Throws std::system_error if the system has no thread left. Only while not running.
-    template <class Body>
-    void start(Body body) {
-        thread_ = std::thread(std::move(body));
-    }
-    void join() {
-        if (thread_.joinable()) thread_.join();
-    }
-
-  private:
-    std::thread thread_;
-};
 
 struct PluginState {
     HINSTANCE module = nullptr;  // our DLL, set at load
@@ -55,10 +30,12 @@ struct PluginState {
     char* pluginId = nullptr;                     // malloc'ed copy, null until registered
     std::atomic<std::uint64_t> currentServer{0};  // [host] stores, [any] loads; 0 not connected
 
-    // Paths: narrow, set by init before the threads start, or by a settings dialog that the host opens before init.
-    std::string dataFolder;
-    std::string moduleFolder;
-    std::string tailTonePath;  // also when the sound could not be written
+    // Paths, narrow. Init finds the folders before the threads start, or a settings dialog that the host opens before
+    // init: one at a time. Whoever needs them meanwhile waits until the settings are read, too.
+    Mutex foldersMutex;
+    std::string dataFolder GUARDED_BY(foldersMutex);
+    std::string moduleFolder GUARDED_BY(foldersMutex);
+    std::string tailTonePath;  // set by init before the threads start, also when the sound could not be written
 
     std::atomic<std::int32_t> languageIndex{2};  // settings/language.h; [host] stores, [any] loads
     std::atomic<bool> running{false};            // between init and shutdown; [host] stores, [any] loads
@@ -87,8 +64,11 @@ struct PluginState {
     DialogLink dialog;
     ThreadSlot settingsThread;                 // touched only by whoever has set settingsRunning, and by shutdown
     std::atomic<bool> settingsRunning{false};  // from the start of settingsThread until its dialog has gone
-    Mutex foldersMutex;                        // init or an early dialog: only one at a time finds the folders
 };
+
+// [any] Copies, taken under their lock.
+std::string copyDataFolder(PluginState& plugin);
+std::string copyModuleFolder(PluginState& plugin);
 
 // The one instance of the process.
 extern PluginState gPlugin;

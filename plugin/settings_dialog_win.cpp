@@ -1,5 +1,4 @@
 #include "plugin/settings_dialog_win.h"
-#include <system_error>
 #include "base/log_line.h"
 #include "plugin/lifecycle_win.h"
 #include "plugin/message_receipt_win.h"
@@ -15,8 +14,8 @@ constexpr const char* kSampleText =
     "DEP RWY 36L\n"
     "WHEN READY CONTACT 121.600";
 
-// Closing a window takes some milliseconds, but two seconds under Wine on a screen without a window manager.
-constexpr int kHostDialogWaitMs = 3000;
+// Closing a window takes some milliseconds. A host whose thread hangs in our dialog must still end.
+constexpr int kHostDialogWaitMs = 1000;
 
 void preview(PluginState& plugin) {
     addMessage(plugin.messages, kSampleSender, kSampleText, kPrivateMessage, 0, plugin.clock.tickMs());
@@ -38,11 +37,11 @@ LiveRadio liveRadioOf(const SimState& sim, std::int32_t com) {
     return live;
 }
 
-void runOnOwnThread(PluginState& plugin) {
+void runOnOwnThread(PluginState& plugin) noexcept {
     try {
         runSettingsDialogHere(plugin);
-    } catch (const std::bad_alloc&) {
-        // No memory: no dialog.
+    } catch (...) {
+        // Mostly no memory: no dialog.
     }
     plugin.settingsRunning = false;
 }
@@ -52,13 +51,10 @@ void runOnOwnThread(PluginState& plugin) {
 void openSettingsDialog(PluginState& plugin) {
     if (showOpenDialog(plugin.dialog) || plugin.settingsRunning.exchange(true)) return;
     plugin.settingsThread.join();  // the previous one, whose dialog has gone
-    try {
-        plugin.settingsThread.start([&plugin] { runOnOwnThread(plugin); });
-    } catch (const std::system_error& error) {
-        plugin.settingsRunning = false;
-        logToHost(plugin.host, "Corvalis cannot start its settings thread (error " +
-                                   std::to_string(error.code().value()) + "); going on without it");
-    }
+    const int error = plugin.settingsThread.start([&plugin] { runOnOwnThread(plugin); });
+    if (error == 0) return;
+    plugin.settingsRunning = false;
+    logMissingThread(plugin.host, "settings", error);
 }
 
 void runSettingsDialogHere(PluginState& plugin) {
@@ -78,9 +74,7 @@ void runSettingsDialogHere(PluginState& plugin) {
 }
 
 void closeSettingsDialog(PluginState& plugin) {
-    plugin.dialog.slot.close();
     if (const HWND window = plugin.dialog.window) PostMessageA(window, WM_CLOSE, 0, 0);
     plugin.settingsThread.join();
     plugin.dialog.slot.waitUntilFree(kHostDialogWaitMs);
-    plugin.dialog.slot.reopen();
 }

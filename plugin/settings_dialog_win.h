@@ -8,6 +8,6 @@ void openSettingsDialog(PluginState& plugin);
 // [host] Runs the dialog on the calling thread until it is closed; if one is open, only brings that to the front.
 void runSettingsDialogHere(PluginState& plugin);
 
-// [host] Closes an open dialog and waits for it: without limit if it runs on our own thread, at most 3 s on a host
-// thread. One that is just opening closes by itself.
+// [host] In a shutdown, after which the slot lets none in until the next start: closes an open dialog and waits for it,
+// without limit if it runs on our own thread, at most 1 s on a host's. One that is just opening closes by itself.
 void closeSettingsDialog(PluginState& plugin);

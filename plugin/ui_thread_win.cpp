@@ -1,5 +1,4 @@
 #include "plugin/ui_thread_win.h"
-#include <new>
 #include "messages/message_window_win.h"
 #include "panel/panel_window_win.h"
 #include "panel/theme_art_win.h"
@@ -58,7 +57,7 @@ void serveWindows(PluginState& plugin) {
 void runUiThread(PluginState& plugin) noexcept {
     try {
         serveWindows(plugin);
-    } catch (const std::bad_alloc&) {
-        // No memory to begin with.
+    } catch (...) {
+        // Mostly no memory to begin with.
     }
 }

@@ -6,8 +6,13 @@ void useMonitorDpi() {
 
 void serveMessages(const std::atomic<HWND>& window) {
     MSG message;
-    while (window != nullptr && GetMessageW(&message, nullptr, 0, 0) > 0) {
+    while (window != nullptr) {
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0) {
+            if (window != nullptr) PostQuitMessage(static_cast<int>(message.wParam));
+            return;
+        }
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
+    PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
 }

@@ -6,6 +6,8 @@
 // From here on the thread's windows are told of each monitor's own DPI, and the system scales nothing for them.
 void useMonitorDpi();
 
-// Dispatches the thread's messages until the quit message, or until the window is gone: a close that comes while the
-// system moves a window is handled in the system's own loop, which may swallow the quit message.
+// Dispatches the thread's messages until the window is gone. A window that goes posts the quit message, for the
+// system's own loop, which runs while the system moves a window; that loop may swallow it or not, and here it is taken
+// back: the thread may be another's, and go on. A quit message that comes while the window is there is that other's: it
+// ends this loop and is put back, and the window's owner destroys the window.
 void serveMessages(const std::atomic<HWND>& window);

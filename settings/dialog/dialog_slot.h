@@ -20,7 +20,7 @@ class DialogSlot {
         isTaken_ = false;
         left_.notify_all();
     }
-    // [host] From here on no dialog begins, and one that has begun learns it from isClosing.
+    // [host] As a shutdown begins: from here on no dialog begins, and one that has begun learns it from isClosing.
     void close() {
         const std::lock_guard lock(mutex_);
         isClosing_ = true;
@@ -34,7 +34,7 @@ class DialogSlot {
         std::unique_lock lock(mutex_);
         return left_.wait_for(lock, std::chrono::milliseconds(waitMs), [this] { return !isTaken_; });
     }
-    // [host] Dialogs may begin again.
+    // [host] At the next start: dialogs may begin again.
     void reopen() {
         const std::lock_guard lock(mutex_);
         isClosing_ = false;

@@ -32,8 +32,7 @@ ClientSession::~ClientSession() {
     std::filesystem::copy_file(productFile("corvalis_win64.dll"), dll,
                                std::filesystem::copy_options::overwrite_existing, error);
     if (error) return ::testing::AssertionFailure() << "cannot copy the DLL: " << error.message();
-    if (!plugin.load(dll)) return ::testing::AssertionFailure() << plugin.error();
-    plugin.exports().setFunctionPointers(host.table());
+    if (!plugin.load(dll) || !plugin.introduce(host)) return ::testing::AssertionFailure() << plugin.error();
     plugin.exports().registerPluginID(kPluginId);
     return ::testing::AssertionSuccess();
 }

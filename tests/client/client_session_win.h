@@ -28,7 +28,7 @@ class ClientSession {
     explicit ClientSession(const std::wstring& appDataName = L"Roaming");
     ~ClientSession();  // stops, unloads, removes the folders
 
-    // Loads the DLL, hands over the host's table and the plugin's id.
+    // Loads the DLL, asks for its interface version, hands over the host's table and the plugin's id.
     ::testing::AssertionResult load();
     ::testing::AssertionResult start();  // loads the DLL if needed; init must answer 0
     void stop();                         // shutdown, if it is running

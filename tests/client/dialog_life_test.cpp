@@ -92,6 +92,109 @@ TEST_F(DialogLife, ShutdownClosesOneOnTheHostsThread) {
     EXPECT_TRUE(hasReturned);
 }
 
+TEST_F(DialogLife, AShutdownWaitsAtMostASecondForAThreadOfTheHostsThatHangsInIt) {
+    constexpr std::uint64_t kMostMs = 3000;  // that second, and what all the rest of a shutdown takes a busy machine
+    std::atomic<bool> isHeld{false}, isReleased{false};
+    host.setBeforeCall([&](const HostCall& call) {
+        if (call.text != kAppliedLine) return;
+        isHeld = true;
+        waitFor([&] { return isReleased.load(); }, kPatienceMs);
+    });
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    std::thread hosts = configureOnAThread();
+    EXPECT_TRUE(becomesOpen());
+    dialog().post(WM_COMMAND, MAKEWPARAM(kApply, 0), 0);
+    EXPECT_TRUE(waitFor([&] { return isHeld.load(); }, kPatienceMs));
+    const std::uint64_t beganMs = systemTickMs();
+    session.stop();
+    const std::uint64_t tookMs = systemTickMs() - beganMs;
+    isReleased = true;
+    hosts.join();
+    EXPECT_GE(tookMs, 1000u);
+    EXPECT_LT(tookMs, kMostMs);
+    EXPECT_EQ(findDialog(), nullptr);
+    ASSERT_TRUE(open());  // once it has left, there is room for the next
+}
+
+TEST_F(DialogLife, OpensNoMoreAfterAShutdownUntilTheNextStart) {
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    session.stop();
+    std::thread hosts = configureOnAThread();
+    EXPECT_TRUE(waitFor([&] { return hasReturned || isDialogShown(); }, kPatienceMs));
+    EXPECT_EQ(findDialog(), nullptr);
+    if (findDialog()) dialog().command(kCancel);  // so that a failed test still ends
+    hosts.join();
+    EXPECT_TRUE(open());
+}
+
+TEST_F(DialogLife, OpensNoMoreOnceAShutdownHasBegun) {
+    std::atomic<bool> mayHold{false}, isEnding{false};
+    std::atomic<int> opened{-1};
+    // The poll thread, in the midst of a pass for which the shutdown waits.
+    host.setBeforeCall([&](const HostCall& call) {
+        if (call.function != "getClientID" || !mayHold || opened != -1) return;
+        opened = 0;
+        waitFor([&] { return isEnding && !findPanel(); }, kPatienceMs);
+        std::thread hosts = configureOnAThread();
+        waitFor([&] { return hasReturned || isDialogShown(); }, kPatienceMs);
+        opened = findDialog() ? 2 : 1;
+        if (findDialog()) dialog().command(kCancel);
+        hosts.join();
+    });
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitUntil([] { return findPanel() != nullptr; }, kPatienceMs));
+    mayHold = true;
+    ASSERT_TRUE(waitFor([&] { return opened != -1; }));
+    isEnding = true;
+    session.stop();
+    EXPECT_EQ(opened, 1);
+}
+
+// A window that goes tells the thread's loop to quit. The host's thread may go on.
+TEST_F(DialogLife, OpensAgainOnTheSameThreadOfTheHosts) {
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    std::atomic<int> returned{0}, quits{0};
+    std::thread hosts([&] {
+        for (int i = 0; i < 3; i++) {
+            session.plugin.exports().configure(nullptr, nullptr);
+            MSG message;
+            quits += PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE) != FALSE;
+            returned++;
+        }
+    });
+    for (int i = 0; i < 3; i++) {
+        EXPECT_TRUE(session.waitUntil([&] { return isDialogShown() && returned == i; }, kPatienceMs)) << i;
+        EXPECT_TRUE(apply()) << i;
+        EXPECT_EQ(returned, i);
+        // Posted as by a user; a sent one would be carried out within the loop's own wait, which takes the quit
+        // message.
+        dialog().post(WM_CLOSE, 0, 0);
+        EXPECT_TRUE(session.waitUntil([&] { return returned > i; }, kPatienceMs)) << i;
+    }
+    hosts.join();
+    EXPECT_EQ(quits, 0);
+}
+
+TEST_F(DialogLife, AQuitMessageForTheHostsThreadEndsItAndReachesTheHost) {
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    std::atomic<bool> isTold{false};
+    std::thread hosts([&] {
+        session.plugin.exports().configure(nullptr, nullptr);
+        MSG message;
+        isTold = PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE;
+    });
+    EXPECT_TRUE(becomesOpen());
+    PostThreadMessageW(GetWindowThreadProcessId(findDialog(), nullptr), WM_QUIT, 0, 0);
+    hosts.join();
+    EXPECT_EQ(findDialog(), nullptr);
+    EXPECT_TRUE(isTold);
+    ASSERT_TRUE(open());
+}
+
 // While the title bar is held, the system's own loop runs on the thread.
 TEST_F(DialogLife, ShutdownClosesOneThatIsBeingMoved) {
     ASSERT_TRUE(openWith(""));

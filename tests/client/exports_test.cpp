@@ -7,6 +7,7 @@
 #include "base/identity.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
+#include "tests/client/new_client_win.h"
 #include "tests/client/pe_image.h"
 
 namespace {
@@ -90,7 +91,7 @@ TEST_F(Exports, TellTheIdentityInTheseTexts) {
     const PluginExports& plugin = session.plugin.exports();
     EXPECT_STREQ(plugin.name(), "Corvalis");
     EXPECT_STREQ(plugin.version(), "1.3.0");
-    EXPECT_EQ(plugin.apiVersion(), 23);
+    EXPECT_EQ(plugin.apiVersion(), isNewClient() ? 26 : 23);
     EXPECT_STREQ(plugin.author(), "Quarrytone Studio");
     EXPECT_STREQ(plugin.description(), "MSFS 2024 自动切频与无线电语音效果插件。Quarrytone Studio 制作。");
     EXPECT_EQ(plugin.offersConfigure(), 1);

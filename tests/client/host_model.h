@@ -1,7 +1,7 @@
-// host_model.h - the stand-in voice client: servers, channels and clients behind the 210-entry function table given to
-// the plugin, whose calls are all recorded. Portable: core tests resolve the same table without the DLL.
-// One model at a time per process, because the table's C functions carry no context.
-// [any] Every member locks the model's own mutex; none calls out while holding it.
+// host_model.h - the stand-in voice client: servers, channels and clients behind the function table given to the
+// plugin, whose calls are all recorded. Portable: core tests resolve the same table without the DLL. One model at a
+// time per process, because the table's C functions carry no context. [any] Every member locks the model's own mutex;
+// none calls out while holding it.
 #pragma once
 #include <functional>
 #include <map>
@@ -13,6 +13,12 @@
 #include "plugin/host_table.h"
 #include "tests/client/host_records.h"
 
+// As clients from 3.6 on hand it over: the 210 entries that we know, then others.
+inline constexpr int kNewHostFunctionCount = 230;
+struct NewHostFunctionTable {
+    void (*entries[kNewHostFunctionCount])() = {};
+};
+
 class HostModel {
   public:
     // The clock stamps the calls and starts the delays; it must outlive the model.
@@ -23,6 +29,7 @@ class HostModel {
 
     // The table given to the plugin: all 210 entries set except the removed ones.
     HostFunctionTable table() const;
+    NewHostFunctionTable newTable() const;                     // the same; a call of the further entries is a problem
     void removeFunction(HostPosition position);                // null in tables made from now on
     void failFunction(HostPosition position, unsigned error);  // answers error from now on; 0 = works again
 

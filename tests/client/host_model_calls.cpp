@@ -3,6 +3,7 @@
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <thread>
 #include <type_traits>
 #include <utility>
@@ -36,8 +37,8 @@ void callOfOther() {
 
 using AnyFunction = void (*)();
 
-template <int... Positions>
-void fillWithOthers(HostFunctionTable& table, std::integer_sequence<int, Positions...>) {
+template <class Table, int... Positions>
+void fillWithOthers(Table& table, std::integer_sequence<int, Positions...>) {
     ((table.entries[Positions] = callOfOther<Positions>), ...);
 }
 
@@ -88,6 +89,14 @@ HostFunctionTable HostModel::table() const {
         if (removed_[i]) table.entries[i] = nullptr;
     }
     return table;
+}
+
+NewHostFunctionTable HostModel::newTable() const {
+    NewHostFunctionTable longer;
+    fillWithOthers(longer, std::make_integer_sequence<int, kNewHostFunctionCount>());
+    const HostFunctionTable known = table();
+    std::copy(std::begin(known.entries), std::end(known.entries), longer.entries);
+    return longer;
 }
 
 HostCall HostModel::newCall(const char* function) const {

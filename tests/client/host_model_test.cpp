@@ -23,6 +23,19 @@ TEST_F(HostModelTest, FillsAll210EntriesAndLeavesRemovedOnesNull) {
         EXPECT_EQ(table.entries[i] == nullptr, i == kPlayWaveFilePosition) << i;
 }
 
+TEST_F(HostModelTest, FillsATableOf230WhoseFurtherEntriesAreReported) {
+    model.removeFunction(kPlayWaveFilePosition);
+    const HostFunctionTable table = model.table();
+    const NewHostFunctionTable longer = model.newTable();
+    for (int i = 0; i < kHostFunctionCount; i++) EXPECT_EQ(longer.entries[i], table.entries[i]) << i;
+    for (int i = kHostFunctionCount; i < kNewHostFunctionCount; i++) {
+        ASSERT_NE(longer.entries[i], nullptr) << i;
+        longer.entries[i]();
+        EXPECT_EQ(model.problems().back(), "unexpected call of position " + std::to_string(i));
+    }
+    EXPECT_EQ(model.problems().size(), 20u);
+}
+
 TEST_F(HostModelTest, ReportsCallsOfOtherPositions) {
     model.table().entries[17]();
     ASSERT_EQ(model.problems().size(), 1u);

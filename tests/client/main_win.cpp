@@ -9,6 +9,7 @@
 #include "base/clock_win.h"
 #include "tests/client/host_model.h"
 #include "tests/client/import_patch_win.h"
+#include "tests/client/new_client_win.h"
 #include "tests/client/plugin_library_win.h"
 #include "tests/client/test_machine_win.h"
 
@@ -22,12 +23,11 @@ int playHost(std::string_view role, const char* dll, const char* readyFile) {
     static const SystemClock clock;
     static HostModel host(clock);                       // static: there until the process is gone,
     static PluginLibrary& plugin = *new PluginLibrary;  // and the DLL is not unloaded earlier
-    if (!plugin.load(dll)) return 1;
+    if (!plugin.load(dll) || !plugin.introduce(host)) return 1;
     if (role == "--play-jobless-host") {
         static const ImportPatch patch(L"corvalis_win64.dll", "CreateJobObjectA", reinterpret_cast<void*>(createNoJob));
         if (!patch.isInPlace()) return 1;
     }
-    plugin.exports().setFunctionPointers(host.table());
     plugin.exports().registerPluginID("played-host");
     plugin.exports().init();
     if (!replaceFile(readyFile, "ready")) return 1;
@@ -49,6 +49,7 @@ LONG WINAPI onCrash(EXCEPTION_POINTERS* crash) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (const auto code = runAsNewClient()) return *code;
     SetUnhandledExceptionFilter(onCrash);
     const std::string_view role = argc == 4 ? argv[1] : "";
     if (role.ends_with("-host")) return playHost(role, argv[2], argv[3]);

@@ -79,8 +79,7 @@ TEST_F(Moves, CarryAReturnCodeMadeAnewAtEachStart) {
 TEST_F(Moves, CarryNoReturnCodeWithoutAPluginId) {
     ASSERT_TRUE(session.load());
     session.plugin.unload();
-    ASSERT_TRUE(session.plugin.load(session.dll)) << session.plugin.error();
-    session.plugin.exports().setFunctionPointers(host.table());
+    ASSERT_TRUE(session.plugin.load(session.dll) && session.plugin.introduce(host)) << session.plugin.error();
     session.plugin.exports().registerPluginID(nullptr);
     requestMove(MoveRule());
     EXPECT_TRUE(host.callsOf("createReturnCode").empty());

@@ -49,8 +49,8 @@ class PanelArt : public PanelTest {
             if (!(bytes.empty() ? hideImage(session.dll, theme) : replaceImage(session.dll, theme, bytes)))
                 return ::testing::AssertionFailure() << "the file could not be changed";
         }
-        if (!session.plugin.load(session.dll)) return ::testing::AssertionFailure() << session.plugin.error();
-        session.plugin.exports().setFunctionPointers(host.table());
+        if (!session.plugin.load(session.dll) || !session.plugin.introduce(host))
+            return ::testing::AssertionFailure() << session.plugin.error();
         session.plugin.exports().registerPluginID(kPluginId);
         return ::testing::AssertionSuccess();
     }

@@ -1,5 +1,7 @@
 #include "tests/client/plugin_library_win.h"
 #include <windows.h>
+#include "tests/client/host_model.h"
+#include "tests/client/new_client_win.h"
 
 template <class Function>
 bool PluginLibrary::resolve(const char* name, Function*& function) {
@@ -48,6 +50,21 @@ void PluginLibrary::unload() {
     if (module_) FreeLibrary(static_cast<HMODULE>(module_));
     module_ = nullptr;
     exports_ = {};
+}
+
+bool PluginLibrary::introduce(const HostModel& host) {
+    const int version = exports_.apiVersion();
+    if (!takesInterface(version)) {
+        error_ = "this client does not take interface version " + std::to_string(version);
+        return false;
+    }
+    if (isNewClient()) {
+        using TakeTable = void (*)(NewHostFunctionTable);
+        reinterpret_cast<TakeTable>(reinterpret_cast<void*>(exports_.setFunctionPointers))(host.newTable());
+    } else {
+        exports_.setFunctionPointers(host.table());
+    }
+    return true;
 }
 
 std::vector<HostMenuItem> PluginLibrary::takeMenus() const {

@@ -78,6 +78,8 @@ struct PluginExports {
                               int ffIgnored) = nullptr;
 };
 
+class HostModel;
+
 class PluginLibrary {
   public:
     PluginLibrary() = default;
@@ -91,6 +93,10 @@ class PluginLibrary {
     bool isLoaded() const { return module_ != nullptr; }
     const std::string& error() const { return error_; }
     const PluginExports& exports() const { return exports_; }
+
+    // Asks which interface version the plugin answers and, if this client takes it, hands the table over as this client
+    // does (new_client_win.h): by value, 210 entries, or 230. False, with the reason in error(), if it does not.
+    bool introduce(const HostModel& host);
 
     // The menu entries as the host takes them: copies them, then hands each record and the list back to be freed.
     std::vector<HostMenuItem> takeMenus() const;

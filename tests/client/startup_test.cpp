@@ -55,8 +55,7 @@ TEST_F(StartUp, LogsTheFixedNameOfADllUnderAnother) {
     session.plugin.unload();
     const auto renamed = session.pluginFolder / "renamed.dll";
     std::filesystem::rename(session.dll, renamed);
-    ASSERT_TRUE(session.plugin.load(renamed)) << session.plugin.error();
-    session.plugin.exports().setFunctionPointers(host.table());
+    ASSERT_TRUE(session.plugin.load(renamed) && session.plugin.introduce(host)) << session.plugin.error();
     ASSERT_TRUE(session.start());
     EXPECT_TRUE(session.waitForLog("dll=" + toUtf8(session.dll.wstring()) + " "));
 }
@@ -68,8 +67,7 @@ TEST_F(StartUp, WithoutAModuleFolderLogsTheBareNameAndWorks) {
     const std::filesystem::path deep = L"\\\\?\\" + (folder / "corvalis_win64.dll").wstring();
     std::filesystem::create_directories(folder);
     std::filesystem::copy_file(productFile("corvalis_win64.dll"), deep);
-    ASSERT_TRUE(session.plugin.load(deep)) << session.plugin.error();
-    session.plugin.exports().setFunctionPointers(host.table());
+    ASSERT_TRUE(session.plugin.load(deep) && session.plugin.introduce(host)) << session.plugin.error();
     session.telemetry.radios[0].activeKhz = 122800;
     session.publish();
     ASSERT_TRUE(session.start());

@@ -120,10 +120,14 @@ std::uint64_t systemTickMs() {
     return GetTickCount64();
 }
 
-std::filesystem::path programFolder() {
+std::filesystem::path thisProgram() {
     wchar_t file[MAX_PATH + 1] = {};
     GetModuleFileNameW(nullptr, file, MAX_PATH);
-    return std::filesystem::path(file).parent_path();
+    return file;
+}
+
+std::filesystem::path programFolder() {
+    return thisProgram().parent_path();
 }
 
 std::filesystem::path productFile(const char* name) {
@@ -193,7 +197,7 @@ bool killProcess(std::uint32_t processId) {
 
 std::uint32_t startHost(const std::wstring& role, const std::filesystem::path& dll,
                         const std::filesystem::path& readyFile) {
-    std::wstring text = L"\"" + (programFolder() / L"client_tests.exe").wstring() + L"\" " + role;
+    std::wstring text = L"\"" + thisProgram().wstring() + L"\" " + role;
     for (const std::filesystem::path& file : {dll, readyFile}) text += L" \"" + file.wstring() + L"\"";
     STARTUPINFOW start = {};
     start.cb = sizeof start;

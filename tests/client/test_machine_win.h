@@ -57,6 +57,7 @@ bool waitFor(Condition condition, std::uint64_t deadlineMs = 10'000);
 void pauseBriefly();  // a few milliseconds, between two looks
 std::uint64_t systemTickMs();
 
+std::filesystem::path thisProgram();
 std::filesystem::path programFolder();  // where this program was built
 // The DLL or the worker: from the unpacked package if CORVALIS_PRODUCT_FOLDER names its folder, otherwise as built,
 // beside this program.

@@ -1,6 +1,52 @@
-// thread_trouble_test.cpp - a system without threads left for the plugin: it says so, and goes on with those it has.
+// thread_trouble_test.cpp - a system without threads or memory left for the plugin: it says so, and goes on with what
+// it has.
+#include <windows.h>
+#include <atomic>
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
+
+namespace {
+
+// Which threads' calls of malloc in the DLL get nothing, and how many have.
+enum class Starved { kNobody, kMainThread, kOthers };
+std::atomic<Starved> gStarved{Starved::kNobody};
+std::atomic<int> gRefusals{0};
+DWORD gMainThread = 0;
+void* (*gMalloc)(std::size_t bytes) = nullptr;  // the system's
+
+void* scarceMalloc(std::size_t bytes) {
+    // All that a thread's beginning takes. The C++ and thread libraries inside the DLL do not stand being refused more:
+    // they would end the process.
+    constexpr std::size_t kBeginning = 16;
+    // With less than that the C++ library could not even say that memory has run out.
+    constexpr std::size_t kAlwaysThere = 48;
+    const bool isMain = GetCurrentThreadId() == gMainThread;
+    const bool isRefused = isMain ? gStarved == Starved::kMainThread && bytes <= kBeginning
+                                  : gStarved == Starved::kOthers && bytes >= kAlwaysThere;
+    if (!isRefused) return gMalloc(bytes);
+    gRefusals++;
+    return nullptr;
+}
+
+// While it lives, starve decides who gets memory.
+class ScarceMemory {
+  public:
+    ScarceMemory() : patch_(L"corvalis_win64.dll", "malloc", reinterpret_cast<void*>(&scarceMalloc)) {
+        gMainThread = GetCurrentThreadId();
+        gRefusals = 0;
+        gMalloc = reinterpret_cast<void* (*)(std::size_t)>(patch_.original());
+    }
+    ~ScarceMemory() { gStarved = Starved::kNobody; }
+    ScarceMemory(const ScarceMemory&) = delete;
+    ScarceMemory& operator=(const ScarceMemory&) = delete;
+
+    bool isInPlace() const { return patch_.isInPlace(); }
+
+  private:
+    ImportPatch patch_;
+};
+
+}  // namespace
 
 class ThreadTrouble : public PluginTest {
   protected:
@@ -44,6 +90,7 @@ class ThreadTrouble : public PluginTest {
 TEST_F(ThreadTrouble, CanBeMadeWithThisLibrary) {
     ASSERT_TRUE(session.load());
     EXPECT_TRUE(ThreadStarts().isWatching());
+    EXPECT_TRUE(ScarceMemory().isInPlace());
 }
 #endif
 
@@ -98,4 +145,61 @@ TEST_F(ThreadTrouble, WithoutTheSettingsThreadTheDialogOpensAtTheNextChoice) {
     EXPECT_TRUE(session.waitUntil([] { return hasDialog(); }));
     session.stop();
     EXPECT_EQ(running(), 0);
+}
+
+TEST_F(ThreadTrouble, WithoutMemoryForTheSettingsThreadTheDialogOpensAtTheNextChoice) {
+    load(0, 0);
+    if (IsSkipped() || HasFatalFailure()) return;
+    ASSERT_TRUE(session.start());
+    const ScarceMemory memory;
+    if (!memory.isInPlace()) GTEST_SKIP() << "the plugin has its memory from elsewhere";
+    gStarved = Starved::kMainThread;
+    choose(1);
+    gStarved = Starved::kNobody;
+    EXPECT_GT(gRefusals, 0);
+    EXPECT_EQ(linesAbout("settings"), 1);
+    EXPECT_FALSE(hasDialog());
+    choose(1);
+    EXPECT_TRUE(session.waitUntil([] { return hasDialog(); }));
+}
+
+TEST_F(ThreadTrouble, WithoutMemoryForItsThreadsItIsStartedNeverthelessAndTheNextInitIsWhole) {
+    load(0, 0);
+    if (IsSkipped() || HasFatalFailure()) return;
+    const ScarceMemory memory;
+    if (!memory.isInPlace()) GTEST_SKIP() << "the plugin has its memory from elsewhere";
+    // The last that is said before the threads are made.
+    host.setBeforeCall([](const HostCall& call) {
+        if (call.text.find("Python worker") != std::string::npos && gRefusals == 0) gStarved = Starved::kMainThread;
+    });
+    ASSERT_TRUE(session.start());
+    gStarved = Starved::kNobody;
+    EXPECT_EQ(running(), 0);
+    EXPECT_EQ(linesAbout("poll"), 1);
+    EXPECT_EQ(linesAbout("UI"), 1);
+    choose(2);  // the menu works
+    EXPECT_NE(session.settings(), "");
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(session.waitUntil([] { return hasPanel(); }));
+    EXPECT_TRUE(follows());
+}
+
+// Not even for what the thread needs to begin with.
+TEST_F(ThreadTrouble, APollThreadWithoutMemoryTriesAgainUntilThereIsSome) {
+    load(1, 1);  // no UI thread, which would begin without memory, too
+    if (IsSkipped() || HasFatalFailure()) return;
+    const ScarceMemory memory;
+    if (!memory.isInPlace()) GTEST_SKIP() << "the plugin has its memory from elsewhere";
+    gStarved = Starved::kOthers;
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(waitFor([] { return gRefusals >= 3; }));
+    EXPECT_TRUE(host.callsOf("getClientID").empty());
+    gStarved = Starved::kNobody;
+    EXPECT_TRUE(follows());
+    gStarved = Starved::kOthers;  // in the midst of its work
+    const int before = gRefusals;
+    EXPECT_TRUE(waitFor([&] { return gRefusals >= before + 3; }));
+    gStarved = Starved::kNobody;
+    session.tune(1, 121500);
+    EXPECT_TRUE(session.waitForCalls("requestClientMove", 2));
 }

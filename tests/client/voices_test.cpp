@@ -141,11 +141,14 @@ TEST_F(Voices, OfTheUserFollowTheCaptureModeFile) {
     const struct {
         const char* text;
         std::int32_t mode;
-    } rows[] = {{"full", 0}, {"off", 2}, {"", 1}};
+        bool isMarked;
+    } rows[] = {
+        {"full", 0, false}, {"off", 2, false}, {"", 1, false}, {"1\r\nmark\r\n", 1, true}, {"0\nmark", 0, true}};
     std::filesystem::create_directories(session.dataFolder);
     for (const auto& row : rows) {
         ASSERT_TRUE(replaceFile(session.dataFolder / "capture_mode.txt", row.text));
-        const VoiceControls controls = start("", row.mode);
+        VoiceControls controls = start("", row.mode);
+        controls.marksEdited = row.isMarked;
         SCOPED_TRACE(row.text);
         for (int before = 0; before < 3; before++) hooks.capture(plugin(), controls, 1, before);
         session.stop();

@@ -58,7 +58,12 @@ void plainEditCapturedVoice(PlainCapturedVoice& voice, const VoiceControls& cont
     else if (denoise)
         plainDenoise(voice.effect, samples, sampleCount, channels);
     if (controls.transmitGain != 1.0f) plainGain(samples, sampleCount, controls.transmitGain);
-    if (controls.captureMode == 0 && edited != nullptr) *edited = 1;
+    if (edited == nullptr) return;
+    if (controls.marksEdited) {
+        *edited = *edited | 1;
+    } else if (controls.captureMode == 0) {
+        *edited = 1;
+    }
 }
 
 void plainEditPlaybackVoice(PlainPlaybackVoices& voices, const VoiceControls& controls, std::uint64_t schid,

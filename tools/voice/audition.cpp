@@ -2,8 +2,11 @@
 //   audition_chain IN.raw OUT.raw CHANNELS TRACE.csv --received|--own [--nr]
 // --received: radio effect with hiss, as others sound. --own: without hiss; --nr puts the noise reduction in front.
 // TRACE.csv is the squelch's gate and burst gain over time. Samples without a header: 48 kHz, 16 bits, CHANNELS 1 or 2
-// interleaved; tools/audition makes them of anything that sox reads.
+// interleaved; tools/audition makes them of anything that sox reads. A stereo file goes through in blocks of 20 ms, as
+// the host hands them over: of its frames times two values the hooks edit as many as there are frames, the first half
+// of each block.
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -18,7 +21,8 @@
 namespace {
 
 constexpr int kRateHz = 48000;
-constexpr int kTraceFrames = 240;  // 5 ms; blocks of any length give the same samples
+constexpr int kTraceFrames = 240;  // 5 ms; in mono blocks of any length give the same samples
+constexpr int kHostFrames = 960;   // 20 ms
 
 struct Clip {
     std::vector<short> samples;  // interleaved
@@ -51,14 +55,15 @@ class Chain {
         controls_.captureMode = 0;
     }
 
-    const RadioChannel& run(short* samples, int count, int channels) {
+    // frames: what the host calls the sample count, whatever the channels.
+    const RadioChannel& run(short* samples, int frames, int channels) {
         constexpr SpeakerKey kSpeaker = 1;
         if (received_) {
-            editPlaybackVoice(playback_, controls_, kSpeaker, samples, count, channels);
+            editPlaybackVoice(playback_, controls_, kSpeaker, samples, frames, channels);
             return playback_.speakers.at(kSpeaker).effect.channels[0];
         }
         int edited = 0;
-        editCapturedVoice(captured_, controls_, samples, count, channels, &edited);
+        editCapturedVoice(captured_, controls_, samples, frames, channels, &edited);
         return captured_.effect.channels[0];
     }
 
@@ -73,11 +78,12 @@ bool audition(Clip& clip, Chain& chain, const char* tracePath) {
     std::FILE* trace = std::fopen(tracePath, "w");
     if (!trace) return false;
     std::fputs("seconds,gate,burst\n", trace);
-    const int block = kTraceFrames * clip.channels;
-    const int total = static_cast<int>(clip.samples.size());
-    for (int at = 0; at < total; at += block) {
-        const RadioChannel& radio = chain.run(clip.samples.data() + at, std::min(block, total - at), clip.channels);
-        const double seconds = static_cast<double>(at / clip.channels) / kRateHz;
+    const int block = clip.channels == 1 ? kTraceFrames : kHostFrames;
+    const int frames = static_cast<int>(clip.samples.size()) / clip.channels;
+    for (int at = 0; at < frames; at += block) {
+        short* const samples = clip.samples.data() + std::ptrdiff_t{at} * clip.channels;
+        const RadioChannel& radio = chain.run(samples, std::min(block, frames - at), clip.channels);
+        const double seconds = static_cast<double>(at) / kRateHz;
         std::fprintf(trace, "%s,%s,%s\n", formatFixed(seconds, 4).c_str(),
                      formatFixed(static_cast<double>(radio.gateGain), 4).c_str(),
                      formatFixed(static_cast<double>(radio.burstGain), 4).c_str());

@@ -12,6 +12,7 @@
 #include "tests/client/circuit/flight_plan.h"
 #include "tests/client/circuit/flight_watch_win.h"
 #include "tests/client/message_driver_win.h"
+#include "tests/client/new_client_win.h"
 #include "tests/client/panel_driver_win.h"
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
@@ -262,11 +263,10 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
     HostModel host(clock);
     layOutServer(host);
     PluginLibrary plugin;
-    if (!plugin.load(productFile("corvalis_win64.dll"))) {
+    if (!plugin.load(productFile("corvalis_win64.dll")) || !plugin.introduce(host)) {
         std::printf("The plugin does not load: %s\n", plugin.error().c_str());
         return 1;
     }
-    plugin.exports().setFunctionPointers(host.table());
     plugin.exports().registerPluginID("circuit");
     const std::uint64_t startMs = systemTickMs();
     plugin.exports().init();
@@ -274,7 +274,8 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
     watch.note(FlightEvent::kFlight, options.isShort ? "short" : "full",
                options.hasSimulator ? "the stand-in simulator" : "the built-in aircraft");
     watch.note(FlightEvent::kChannel, "", channelTitle(host.ownChannel(kCircuitServer)));
-    watch.say("client      plugin started in " + std::to_string(systemTickMs() - startMs) + " ms");
+    watch.say("client      plugin started in " + std::to_string(systemTickMs() - startMs) + " ms" +
+              (isNewClient() ? " by a 3.6 client" : ""));
     Flight flight{host, watch};
     if (!options.hasSimulator || takeOff(watch, simulator, script)) flyLegs(flight, options.isShort, systemTickMs());
     watch.note(FlightEvent::kLeg, "", "Shutting down", "--- Shutting down");
@@ -289,6 +290,7 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
 
 int main(int argc, char** argv) {
     SetConsoleOutputCP(CP_UTF8);
+    if (const auto code = runAsNewClient()) return *code;
     useDevicePixels();
     if (argc < 2) {
         std::printf("usage: circuit OUT_FOLDER [--full] [--simconnect]\n");

@@ -14,6 +14,7 @@
 #include "exchange/telemetry_text.h"
 #include "tests/client/circuit/flight_plan.h"
 #include "tests/client/circuit/voice_client_win.h"
+#include "tests/client/new_client_win.h"
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
 
@@ -108,7 +109,7 @@ class Restarts {
         if (part == kSimulator) simulator_.start(standin::besideUs(L"stand_in_simulator.exe", L"--pipe"));
         if (part == kWorker) startWorker();
         if (part == kPlugin) client_.say("load");
-        if (part == kClient) client_.start(standin::besideUs(L"restarts.exe", L"--client"));
+        if (part == kClient) client_.start(standin::besideUs(programName(L"restarts.exe"), L"--client"));
     }
     void startWorker() {
         worker_.start(standin::besideUs(
@@ -169,6 +170,7 @@ class Restarts {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (const auto code = runAsNewClient()) return *code;
     SetConsoleOutputCP(CP_UTF8);
     if (argc > 1 && std::strcmp(argv[1], "--client") == 0) return runVoiceClient();
     if (argc < 2) {
@@ -177,6 +179,7 @@ int main(int argc, char** argv) {
     }
     const int orders = argc > 2 ? std::atoi(argv[2]) : 6;
     Restarts restarts(argv[1]);
+    if (isNewClient()) std::printf("in a 3.6 client\n");
     restarts.begin();
     for (const int part : {kSimulator, kWorker, kPlugin, kClient}) restarts.restart(part);
     // Spread evenly over all orders, the first of which begins with the simulator.

@@ -32,7 +32,7 @@ class VoiceClient {
 
     void load() {
         if (plugin_.isLoaded() || !plugin_.load(productFile("corvalis_win64.dll"))) return;
-        plugin_.exports().setFunctionPointers(host_.table());
+        if (!plugin_.introduce(host_)) return say(plugin_.error());
         plugin_.exports().registerPluginID("circuit");
         plugin_.exports().init();
         say("loaded");

@@ -234,6 +234,7 @@ TEST(TalkTracker, ForgetsLampsSpeakersAndQueuedTailsWithThePlugin) {
     forgetAllTalk(tracker, 3000);
     EXPECT_FALSE(tracker.ownTransmit);
     EXPECT_FALSE(tracker.othersReceiving);
+    EXPECT_EQ(tracker.ownClientId, 0);  // until the server gives another
     EXPECT_TRUE(takeTails(tracker).empty());
     talkChanged(tracker, 5, 2, false, 4000);  // begun before: nothing to end
     EXPECT_TRUE(takeTails(tracker).empty());

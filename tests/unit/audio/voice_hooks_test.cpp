@@ -78,6 +78,26 @@ TEST(VoiceHooks, StoreTheEditedFlagOnlyInCaptureModeZero) {
     EXPECT_NE(block, speech(960));
 }
 
+TEST(VoiceHooks, AddTheBitOfAnEditToTheHostsFlagInBothEditingModesWhereItIsAskedFor) {
+    Hooks hooks;
+    for (const std::int32_t mode : {kCaptureEdited, kCaptureUnreported, kCaptureUntouched}) {
+        VoiceControls controls = controlsOf(kAudioMaster | kAudioDistortSelf, mode);
+        controls.marksEdited = true;
+        for (const int before : {0, 1, 2, 6}) {
+            int edited = before;
+            hooks.capture(controls, speech(960), 1, edited);
+            EXPECT_EQ(edited, mode == kCaptureUntouched ? before : before | 1) << mode << " " << before;
+        }
+        std::vector<short> block = speech(960);
+        CapturedVoice alone;
+        editCapturedVoice(alone, controls, block.data(), 960, 1, nullptr);
+        controls.audioFlags = 0;
+        int edited = 6;
+        hooks.capture(controls, speech(960), 1, edited);
+        EXPECT_EQ(edited, 6) << "master is off";
+    }
+}
+
 TEST(VoiceHooks, IgnoreMissingAndEmptyBlocks) {
     Hooks hooks;
     const VoiceControls all = controlsOf(kEverySwitch);

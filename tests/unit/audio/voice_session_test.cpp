@@ -85,6 +85,7 @@ TEST_P(VoiceSession, GivesThePlainHooksSamplesToTheLastBit) {
         if (random.oneIn(60)) controls.transmitGain = 1.0f;
         if (random.oneIn(30)) controls.receiveGain = static_cast<float>(random.below(200)) / 100.0f;
         if (random.oneIn(30)) controls.captureMode = static_cast<std::int32_t>(random.below(3));
+        if (random.oneIn(30)) controls.marksEdited = random.oneIn(2);
         if (random.oneIn(50)) channels = std::array{0, 1, 2, 6}[random.below(4)];
         const auto client = static_cast<std::uint16_t>(random.oneIn(20) ? random.below(9) : random.below(2));
         int edited = static_cast<int>(random.below(4));
@@ -109,6 +110,7 @@ TEST(VoiceControls, AreWhatSettingsAndBridgePublish) {
     EXPECT_EQ(first.transmitGain, 1.0f);
     EXPECT_EQ(first.receiveGain, 1.0f);
     EXPECT_EQ(first.captureMode, 1);
+    EXPECT_FALSE(first.marksEdited);
     EXPECT_EQ(first.dspGeneration, 0U);
     updateSettings(settings, [](Settings& live) {
         live.equalize = true;
@@ -116,10 +118,12 @@ TEST(VoiceControls, AreWhatSettingsAndBridgePublish) {
     });
     bridge.ReceiveGain = 0.25f;
     bridge.CaptureMode = 2;
+    bridge.MarkEdited = true;
     const VoiceControls second = loadVoiceControls(settings, bridge);
     EXPECT_EQ(second.audioFlags, 23U);
     EXPECT_FLOAT_EQ(second.transmitGain, 1.9952623f);
     EXPECT_EQ(second.receiveGain, 0.25f);
     EXPECT_EQ(second.captureMode, 2);
+    EXPECT_TRUE(second.marksEdited);
     EXPECT_EQ(second.dspGeneration, 1U);
 }

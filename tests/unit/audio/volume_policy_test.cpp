@@ -108,6 +108,28 @@ TEST(CaptureModeText, GoesByTheFirstCharacterOfTheFirstLine) {
     for (const auto& row : rows) EXPECT_EQ(captureModeOf(row.text), row.mode) << row.text;
 }
 
+TEST(CaptureModeText, AsksForTheMarkByItsSecondLine) {
+    const struct {
+        const char* text;
+        bool isMarked;
+    } rows[] = {{"1\nmark", true},
+                {"0\r\nmark\r\n", true},
+                {"\nmark\nmore", true},
+                {"auto\n \tmark \r\n", true},
+                {"", false},
+                {"1", false},
+                {"mark", false},
+                {"1\n", false},
+                {"1\n\nmark", false},
+                {"1\nmarked", false},
+                {"1\nMARK", false},
+                {"1\nm", false},
+                {"1\nno mark", false},
+                {"1 mark\n", false},
+                {"1\rmark", false}};
+    for (const auto& row : rows) EXPECT_EQ(asksForMark(row.text), row.isMarked) << row.text;
+}
+
 TEST(VolumeCurve, IsLinearToUnityAt80AndThenAThirdOfADecibelAPercentToPlus6) {
     const struct {
         double percent, gain;

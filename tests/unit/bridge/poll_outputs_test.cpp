@@ -1,5 +1,6 @@
 // poll_outputs_test.cpp - what a pass publishes besides following: receive gain, own talk, tails, capture mode.
 #include <gtest/gtest.h>
+#include <new>
 #include "audio/capture_mode.h"
 #include "exchange/command_text.h"
 #include "tests/unit/bridge/rig.h"
@@ -60,6 +61,26 @@ TEST_F(PollOutputs, AVolumeAcknowledgedInThisPassCountsInItAlready) {
     rig.telemetry.set("ack_id", '"' + id + '"').set("com1_volume", "0.4");
     rig.pass();
     EXPECT_FLOAT_EQ(gain(), 0.4f);  // receive_volume is 80 now: the boost is gone
+}
+
+TEST_F(PollOutputs, APassThatIsLostToMemoryShowsTheBridgeAsGoneUntilTheNextOne) {
+    bool isScarce = false;
+    rig.host.setBeforeCall([&](const HostCall&) {
+        if (isScarce) throw std::bad_alloc();
+    });
+    const auto pass = [&] { tryPass(rig.radios, [&] { pollOnce(rig.memory, rig.context); }); };
+    rig.pass();
+    ASSERT_EQ(rig.statusText(), "Tuned");
+    isScarce = true;
+    pass();
+    EXPECT_EQ(rig.statusText(), "DISCONNECTED");
+    EXPECT_FALSE(copySimState(rig.sim).connected);
+    EXPECT_EQ(copySimState(rig.sim).radios[0].active, 0);
+    isScarce = false;
+    pass();
+    EXPECT_EQ(rig.statusText(), "CONNECTED");
+    EXPECT_EQ(copySimState(rig.sim).radios[0].active, 122800);
+    tryPass(rig.radios, [] { throw 7; });  // nothing gets past it
 }
 
 TEST_F(PollOutputs, AfterTheLastPassReceivedVoicesAreLeftAsTheyAre) {
@@ -176,6 +197,16 @@ TEST_F(PollOutputs, TheCaptureModeIsReadAtTheStartAndThenMoreThanASecondLater) {
     EXPECT_EQ(readsIn(50), 1);
     EXPECT_EQ(captureMode(), 0);
     EXPECT_EQ(readsIn(10'500), 10);
+}
+
+TEST_F(PollOutputs, TheMarkIsReadWithTheCaptureMode) {
+    rig.files.put(pathOf(kCaptureModeFile), "0\r\nmark\r\n");
+    rig.pass();
+    EXPECT_EQ(captureMode(), 0);
+    EXPECT_TRUE(rig.voice.MarkEdited);
+    rig.files.put(pathOf(kCaptureModeFile), "0\r\n");
+    rig.passFor(1100);
+    EXPECT_FALSE(rig.voice.MarkEdited);
 }
 
 TEST_F(PollOutputs, AMissingCaptureModeFileMeansOne) {
