@@ -71,7 +71,7 @@ std::string CommandHandler::objection(const RadioWrite& write) const {
     const bool isVolume = write.slot == kSlotVolume;
     if (isVolume && !(write.value >= 0.0 && write.value <= 1.0)) return describeWrite(write) + " is out of range";
     const bool isFrequency = write.slot == kSlotActive || write.slot == kSlotStandby;
-    if (isFrequency && !isChannelOf(sim, write.radio, write.value)) {
+    if (isFrequency && !isTunable(sim, write.radio, write.slot, write.value)) {
         return describeWrite(write) + " is not a channel of this radio";
     }
     const bool writable = sim.radios[write.radio].writable[write.slot];

@@ -173,9 +173,9 @@ std::string SimConnectLink::radioStatus() const {
 
 bool SimConnectLink::write(const RadioWrite& write, std::uint64_t) {
     const auto& radio = snapshot_.radios[write.radio];
-    const bool valid =
-        write.slot == kSlotSwap || (write.slot == kSlotVolume ? write.value >= 0.0 && write.value <= 1.0
-                                                              : isChannelOf(snapshot_, write.radio, write.value));
+    const bool valid = write.slot == kSlotSwap ||
+                       (write.slot == kSlotVolume ? write.value >= 0.0 && write.value <= 1.0
+                                                  : isTunable(snapshot_, write.radio, write.slot, write.value));
     if (!snapshot_.ok || !radio.writable[write.slot] || !valid) return false;
     atWrite_[write.radio] = radio;
     return session_.sendKeyEvent(keyEventOf(write.radio, write.slot), eventData(write));

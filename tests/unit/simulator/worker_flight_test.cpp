@@ -200,6 +200,20 @@ TEST_F(WorkerFlight, DoesNotCallASnappedFrequencyDone) {
     EXPECT_TRUE(command(1, "active", "118125").ackOk);
 }
 
+TEST_F(WorkerFlight, TunesARadioOffItsGridByWholeMegahertz) {
+    beginAndRead("stock");
+    act("tune COM2 standby 118.010");  // COM2 keeps to 25 kHz, its cockpit does not
+    EXPECT_TRUE(flyUntil([&] { return telemetry().radios[1].standby == 118010; }, 200));
+    EXPECT_TRUE(command(2, "standby", "119010").ackOk) << telemetry().ackMessage;
+    EXPECT_EQ(telemetry().radios[1].standby, 119010);
+    EXPECT_FALSE(command(2, "standby", "119015").ackOk);
+    beginAndRead("snaps_frequencies");
+    act("tune COM2 standby 118.010");
+    EXPECT_TRUE(flyUntil([&] { return telemetry().radios[1].standby == 118010; }, 200));
+    EXPECT_FALSE(command(2, "standby", "119010").ackOk);  // the aircraft has decided
+    EXPECT_EQ(telemetry().radios[1].standby, 119000);
+}
+
 TEST_F(WorkerFlight, OffersNothingOnAnUnpoweredRadio) {
     beginAndRead("unpowered_radio");
     EXPECT_EQ(telemetry().radios[0].writable, allWritable(true));

@@ -152,8 +152,39 @@ TEST_F(CommandHandling, RefusesValuesNoRadioCouldShow) {
 
 TEST_F(CommandHandling, ARadioOfUnknownGridTakesNoFrequency) {
     link.sim.radios[0].spacing = -1;
-    send(0, kSlotActive, 118000);
-    EXPECT_EQ(handler.ack().message, "COM1 active 118.000 is not a channel of this radio");
+    for (const double khz : {118000.0, 121800.0}) {  // the second is whole megahertz from where it stands
+        send(0, kSlotActive, khz);
+        EXPECT_EQ(handler.ack().message, "COM1 active " + mhzText(khz) + " is not a channel of this radio");
+    }
+}
+
+// An aircraft may let its pilot tune past the grid that it reports. The large knob then keeps the kilohertz.
+TEST_F(CommandHandling, ASlotOffTheGridIsTunedByWholeMegahertz) {
+    const struct {
+        std::int32_t spacing, stands;
+        double value;
+        bool isTried;
+    } rows[] = {
+        {0, 118010, 119010, true},   // 25 kHz grid
+        {0, 118010, 136010, true},   // several turns in one
+        {1, 122820, 121820, true},   // 8.33 kHz grid
+        {0, 118010, 119000, true},   // a channel like any other
+        {0, 118010, 119005, false},  // nor any other kilohertz off it
+        {0, 118010, 117010, false},  // out of range
+        {0, 136010, 137010, false}, {0, 118000, 119010, false}, {0, 0, 119010, false}, {0, 118010, 119010.5, false},
+    };
+    for (const auto& row : rows) {
+        for (const RadioSlot slot : {kSlotActive, kSlotStandby}) {
+            CommandHandler fresh(link, log);
+            link.writes.clear();
+            link.sim.radios[1].spacing = row.spacing;
+            link.sim.radios[1].active = slot == kSlotActive ? row.stands : 118000;
+            link.sim.radios[1].standby = slot == kSlotStandby ? row.stands : 118000;
+            fresh.accept({"1-2", {1, slot, row.value}, 0.0}, 1000);
+            EXPECT_EQ(link.writes.size(), row.isTried ? 1u : 0u) << row.stands << ' ' << row.value;
+            EXPECT_EQ(fresh.isPending(), row.isTried) << row.stands << ' ' << row.value;
+        }
+    }
 }
 
 TEST_F(CommandHandling, AValueThatStandsAlreadyIsDoneOnTheNextPass) {
