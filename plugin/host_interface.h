@@ -1,26 +1,14 @@
 // host_interface.h - which version of the plugin interface we answer to the voice client that loads us. Clients
 // from 3.6 on take only 26, older ones only 23 to 25; what we call is the same in all of them. Pure functions. [any]
 #pragma once
-#include <cstddef>
-#include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
+#include "base/version_resource.h"
 #include "exchange/support_files.h"
 
 inline constexpr int kOldHostInterface = 23;  // clients 3.3 to 3.5.6, and any program we do not know
 inline constexpr int kNewHostInterface = 26;  // clients 3.6 and later
-
-// Of a program's version resource.
-struct ProgramVersion {
-    std::uint16_t parts[4] = {};  // major, minor, patch, build
-
-    bool operator==(const ProgramVersion&) const = default;
-};
-
-// From the bytes of a version resource (its fixed part, known by its signature); nothing if there is no such part.
-std::optional<ProgramVersion> readVersionResource(std::span<const std::byte> resource);
 
 // The program that has loaded us.
 struct HostProgram {

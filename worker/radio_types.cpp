@@ -1,7 +1,19 @@
 #include "worker/radio_types.h"
 #include <cmath>
+#include <optional>
 #include "base/number_text.h"
 #include "exchange/frequency_grid.h"
+
+namespace {
+
+// As a whole number inside the snapshot's range; nothing for any other, NaN among them.
+std::optional<std::int32_t> wholeInRange(const SimSnapshot& sim, double khz) {
+    if (!(khz >= sim.rangeMinKHz && khz <= sim.rangeMaxKHz)) return std::nullopt;
+    const auto whole = static_cast<std::int32_t>(khz);
+    return static_cast<double>(whole) == khz ? std::optional(whole) : std::nullopt;
+}
+
+}  // namespace
 
 std::string radioName(std::size_t radio) {
     return radio == 0 ? "COM1" : "COM2";
@@ -21,7 +33,16 @@ std::string percentText(double volume) {
 }
 
 bool isChannelOf(const SimSnapshot& sim, std::size_t radio, double khz) {
-    if (!(khz >= sim.rangeMinKHz && khz <= sim.rangeMaxKHz)) return false;  // also false for NaN
-    const auto whole = static_cast<std::int32_t>(khz);
-    return static_cast<double>(whole) == khz && isOnGrid(whole, sim.radios[radio].spacing);
+    const auto whole = wholeInRange(sim, khz);
+    return whole && isOnGrid(*whole, sim.radios[radio].spacing);
+}
+
+bool isTunable(const SimSnapshot& sim, std::size_t radio, RadioSlot slot, double khz) {
+    constexpr std::int32_t kMegahertz = 1000;  // in kHz
+    if (isChannelOf(sim, radio, khz)) return true;
+    const auto whole = wholeInRange(sim, khz);
+    const auto& values = sim.radios[radio];
+    const bool hasGrid = values.spacing == kSpacing25 || values.spacing == kSpacing833;
+    const auto stands = slot == kSlotActive ? values.active : values.standby;
+    return whole && hasGrid && (*whole - stands) % kMegahertz == 0;
 }

@@ -36,3 +36,8 @@ std::string percentText(double volume);
 
 // True if khz is a whole channel of that radio: inside the snapshot's range and on the radio's grid.
 bool isChannelOf(const SimSnapshot& sim, std::size_t radio, double khz);
+
+// True if writing khz to that slot (active or standby) is worth a try: a channel of the radio, or inside the range and
+// whole megahertz away from where the slot stands. A cockpit may leave it off the radio's grid; what becomes of whole
+// megahertz from there is for the aircraft to decide.
+bool isTunable(const SimSnapshot& sim, std::size_t radio, RadioSlot slot, double khz);

@@ -1,8 +1,6 @@
 #include "worker/versions_win.h"
 #include <windows.h>
-#include <vector>
-// winver.h needs windows.h before it.
-#include <winver.h>
+#include "base/version_resource_win.h"
 
 std::string windowsVersion() {
     using GetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOW*);
@@ -16,15 +14,13 @@ std::string windowsVersion() {
 }
 
 std::string fileVersion(const std::string& path) {
-    const DWORD size = GetFileVersionInfoSizeA(path.c_str(), nullptr);
-    std::vector<char> data(size);
-    if (size == 0 || !GetFileVersionInfoA(path.c_str(), 0, size, data.data())) return {};
-    void* found = nullptr;
-    UINT bytes = 0;
-    if (!VerQueryValueA(data.data(), "\\", &found, &bytes) || bytes < sizeof(VS_FIXEDFILEINFO)) return {};
-    const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(found);
-    auto text = std::to_string(HIWORD(fixed.dwFileVersionMS)) + '.' + std::to_string(LOWORD(fixed.dwFileVersionMS)) +
-                '.' + std::to_string(HIWORD(fixed.dwFileVersionLS));
-    if (LOWORD(fixed.dwFileVersionLS) != 0) text += '.' + std::to_string(LOWORD(fixed.dwFileVersionLS));
-    return text;
+    // As data: nothing in the file is run, and nothing that it imports is loaded.
+    const HMODULE file =
+        LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+    if (!file) return {};
+    const auto version = versionOf(file);
+    FreeLibrary(file);
+    if (!version) return {};
+    const auto build = version->parts[3];
+    return versionText(*version) + (build != 0 ? '.' + std::to_string(build) : std::string());
 }

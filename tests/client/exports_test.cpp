@@ -17,11 +17,12 @@ std::string lowerCase(std::string text) {
     return text;
 }
 
-// The names outside the set, joined.
+// The names outside the set, joined. VERSION.dll is left out: Windows would take a file of that name beside the
+// program.
 std::string foreignLibraries(const std::filesystem::path& program) {
     static const std::set<std::string> kSystem = {"advapi32.dll", "comctl32.dll", "gdi32.dll", "gdiplus.dll",
                                                   "kernel32.dll", "msvcrt.dll",   "ole32.dll", "shell32.dll",
-                                                  "user32.dll",   "version.dll",  "ws2_32.dll"};
+                                                  "user32.dll",   "ws2_32.dll"};
     std::string foreign;
     for (const std::string& library : importedLibraries(readFile(program))) {
         if (!kSystem.count(lowerCase(library))) foreign += library + " ";
