@@ -12,6 +12,8 @@ namespace {
 using simconnect::PipeTransport;
 using simconnect::TransportState;
 
+constexpr std::uint64_t kNowMs = 1'000;  // the pipe does not care
+
 // The simulator's pipe with one instance, which another program holds.
 class FullPipe {
   public:
@@ -63,8 +65,8 @@ TEST(SimulatorPipe, ThatIsFullIsTriedForASecondsPassesAndThenSaidToBeFull) {
         transport.connect();
         int passes = 0;
         EXPECT_EQ(transport.problem(), "");
-        while (passes < 1000 && transport.poll() == TransportState::kConnecting) passes++;
-        EXPECT_EQ(transport.poll(), TransportState::kClosed);
+        while (passes < 1000 && transport.poll(kNowMs) == TransportState::kConnecting) passes++;
+        EXPECT_EQ(transport.poll(kNowMs), TransportState::kClosed);
         EXPECT_EQ(transport.problem(), "the simulator has no room for another program");
         EXPECT_GT(passes, 40);
         EXPECT_LT(passes, 50);
@@ -76,16 +78,16 @@ TEST(SimulatorPipe, ThatWasFullIsTakenInTheFirstPassWithRoom) {
     ASSERT_TRUE(pipe.isFull());
     PipeTransport transport;
     transport.connect();
-    for (int pass = 0; pass < 10; pass++) ASSERT_EQ(transport.poll(), TransportState::kConnecting);
+    for (int pass = 0; pass < 10; pass++) ASSERT_EQ(transport.poll(kNowMs), TransportState::kConnecting);
     ASSERT_TRUE(pipe.makeRoom());
-    EXPECT_EQ(transport.poll(), TransportState::kOpen);
+    EXPECT_EQ(transport.poll(kNowMs), TransportState::kOpen);
     EXPECT_EQ(transport.problem(), "");
 }
 
 TEST(SimulatorPipe, ThatIsNotThereIsNoProblemWorthAWord) {
     PipeTransport transport;
     transport.connect();
-    EXPECT_EQ(transport.poll(), TransportState::kClosed);
+    EXPECT_EQ(transport.poll(kNowMs), TransportState::kClosed);
     EXPECT_EQ(transport.problem(), "");
 }
 

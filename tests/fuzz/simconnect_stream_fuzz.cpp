@@ -20,7 +20,7 @@ class FuzzTransport : public simconnect::Transport {
         packet(284, 15, {1, 1});
     }
     void close() override { open_ = false; }
-    simconnect::TransportState poll() override {
+    simconnect::TransportState poll(std::uint64_t) override {
         if (rest_.empty()) open_ = false;
         return open_ ? simconnect::TransportState::kOpen : simconnect::TransportState::kClosed;
     }

@@ -13,15 +13,13 @@ constexpr int kChunksPerPass = 64;  // a flood waits for the next pass
 void Connection::poll(std::uint64_t nowMs) {
     if (state_ == ConnectionState::kWaiting) {
         if (nowMs < dueMs_) return;
-        beginConnecting(nowMs);
+        transport_.connect();
+        state_ = ConnectionState::kConnecting;
     }
-    const auto transport = transport_.poll();
+    const auto transport = transport_.poll(nowMs);
     if (state_ == ConnectionState::kConnecting) {
         if (transport == TransportState::kClosed) return retryLater(transport_.problem(), nowMs);
-        if (transport == TransportState::kConnecting) {
-            if (nowMs >= dueMs_) retryLater("the simulator's computer does not answer", nowMs);
-            return;
-        }
+        if (transport == TransportState::kConnecting) return;
         introduce(nowMs);
     }
     // What came before the end is handed out first; only then does the end count.
@@ -32,12 +30,6 @@ void Connection::poll(std::uint64_t nowMs) {
     if (!ended) return;
     const auto reason = transport_.problem();
     drop(reason.empty() ? "closed by the simulator" : reason, nowMs);
-}
-
-void Connection::beginConnecting(std::uint64_t nowMs) {
-    transport_.connect();
-    state_ = ConnectionState::kConnecting;
-    dueMs_ = nowMs + kConnectLimitMs;
 }
 
 void Connection::introduce(std::uint64_t nowMs) {

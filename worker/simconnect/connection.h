@@ -10,7 +10,6 @@
 
 namespace simconnect {
 
-inline constexpr std::uint64_t kConnectLimitMs = 10'000;
 inline constexpr std::uint64_t kOpenLimitMs = 5'000;                             // then the next version is tried
 inline constexpr std::array<std::uint64_t, 3> kRetryMs = {1'000, 2'000, 5'000};  // the last one from then on
 inline constexpr std::uint64_t kLastingMs = 10'000;  // a connection open this long starts the waits afresh
@@ -51,7 +50,6 @@ class Connection {
 
   private:
     const ClientVersion& version() const { return kClientVersions[versionIndex_]; }
-    void beginConnecting(std::uint64_t nowMs);
     void introduce(std::uint64_t nowMs);
     bool receive(std::uint64_t nowMs);
     void awaitReply(bool ended, std::uint64_t nowMs);
@@ -67,7 +65,7 @@ class Connection {
     std::size_t versionIndex_ = 0;  // stays at the version last accepted
     std::size_t versionsTried_ = 0;
     std::size_t failures_ = 0;  // since it was last open for long
-    std::uint64_t dueMs_ = 0;   // Waiting: the next try; Connecting, Opening: the limit; Open: when it was opened
+    std::uint64_t dueMs_ = 0;   // Waiting: the next try; Opening: the limit; Open: when it was opened
     std::uint32_t sendId_ = 0;
     std::uint32_t openings_ = 0;
     std::uint64_t heardMs_ = 0;

@@ -61,7 +61,7 @@ void PipeTransport::close() {
     state_ = TransportState::kClosed;
 }
 
-TransportState PipeTransport::poll() {
+TransportState PipeTransport::poll(std::uint64_t) {
     if (state_ == TransportState::kConnecting) tryOpen();
     if (state_ == TransportState::kOpen) dropFinishedWrites();
     return state_;
@@ -106,7 +106,11 @@ std::size_t PipeTransport::receive(std::span<std::uint8_t> into) {
 // A write that fails ends at once; the end of the connection shows in the read, after the simulator's last words.
 bool PipeTransport::send(std::span<const std::uint8_t> packet) {
     dropFinishedWrites();
-    if (state_ != TransportState::kOpen || unsentBytes_ + packet.size() > kMaxUnsentBytes) return false;
+    if (state_ != TransportState::kOpen) return false;
+    if (unsentBytes_ + packet.size() > kMaxUnsentBytes) {
+        problem_ = kDoesNotRead;
+        return false;
+    }
     auto& write = writes_.emplace_back();
     write.bytes.assign(packet.begin(), packet.end());
     write.event.reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));

@@ -21,7 +21,7 @@ class PipeTransport : public Transport {
 
     void connect() override;
     void close() override;
-    TransportState poll() override;
+    TransportState poll(std::uint64_t nowMs) override;
     std::size_t receive(std::span<std::uint8_t> into) override;
     bool send(std::span<const std::uint8_t> packet) override;
     std::string problem() const override { return problem_; }

@@ -15,6 +15,8 @@ struct NetAddress {
     alignas(8) std::array<std::byte, 128> bytes{};
     std::size_t length = 0;
     int family = 0;
+
+    bool operator==(const NetAddress&) const = default;
 };
 
 // Makes sockets usable in this process for as long as it lives.
@@ -31,6 +33,7 @@ class Sockets {
 std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly);
 
 enum class SocketProgress { kPending, kReady, kFailed };
+enum class ConnectProgress { kPending, kReady, kRefused, kFailed };  // Refused: somebody is there, but nobody listens
 
 // One TCP connection; closed when it goes. Does not delay small packets.
 class Socket {
@@ -40,8 +43,9 @@ class Socket {
     Socket(const Socket&) = delete;
     Socket& operator=(const Socket&) = delete;
 
-    bool startConnect(const NetAddress& address);
-    SocketProgress connectProgress();
+    // Pending unless it has failed already.
+    ConnectProgress startConnect(const NetAddress& address);
+    ConnectProgress connectProgress();
     // Pending: nothing now; Ready: count bytes, more than 0; Failed: the connection is over.
     SocketProgress receive(std::span<std::uint8_t> into, std::size_t& count);
     SocketProgress send(std::span<const std::uint8_t> bytes, std::size_t& count);

@@ -20,6 +20,10 @@ bool isJustNotNow(int error) {
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
 }
 
+ConnectProgress connectFailure(int error) {
+    return error == ECONNREFUSED ? ConnectProgress::kRefused : ConnectProgress::kFailed;
+}
+
 }  // namespace
 
 Sockets::Sockets() = default;
@@ -29,28 +33,29 @@ std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly) {
     return listAddresses(address, literalOnly);
 }
 
-bool Socket::startConnect(const NetAddress& address) {
+ConnectProgress Socket::startConnect(const NetAddress& address) {
     close();
     handle_ = socket(address.family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP);
-    if (handle_ < 0) return false;
+    if (handle_ < 0) return ConnectProgress::kFailed;
     const int yes = 1;
     setsockopt(descriptor(handle_), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
     const auto* to = reinterpret_cast<const sockaddr*>(address.bytes.data());
     if (::connect(descriptor(handle_), to, static_cast<socklen_t>(address.length)) == 0 || errno == EINPROGRESS) {
-        return true;
+        return ConnectProgress::kPending;
     }
+    const auto failure = connectFailure(errno);
     close();
-    return false;
+    return failure;
 }
 
-SocketProgress Socket::connectProgress() {
-    if (handle_ < 0) return SocketProgress::kFailed;
+ConnectProgress Socket::connectProgress() {
+    if (handle_ < 0) return ConnectProgress::kFailed;
     pollfd ready{descriptor(handle_), POLLOUT, 0};
-    if (::poll(&ready, 1, 0) == 0) return SocketProgress::kPending;
+    if (::poll(&ready, 1, 0) == 0) return ConnectProgress::kPending;
     int error = 0;
     socklen_t length = sizeof error;
     const bool asked = getsockopt(descriptor(handle_), SOL_SOCKET, SO_ERROR, &error, &length) == 0;
-    return asked && error == 0 ? SocketProgress::kReady : SocketProgress::kFailed;
+    return asked && error == 0 ? ConnectProgress::kReady : connectFailure(error);
 }
 
 SocketProgress Socket::receive(std::span<std::uint8_t> into, std::size_t& count) {

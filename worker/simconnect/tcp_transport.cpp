@@ -1,5 +1,4 @@
 #include "worker/simconnect/tcp_transport.h"
-#include <algorithm>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -22,11 +21,13 @@ TcpTransport::~TcpTransport() = default;
 void TcpTransport::connect() {
     close();
     problem_.clear();
+    beganMs_.reset();
+    someRefused_ = someSilent_ = false;
     state_ = TransportState::kConnecting;
-    untried_ = lookUp_(address_, true);
-    std::reverse(untried_.begin(), untried_.end());
-    if (!untried_.empty()) return tryNextAddress();
-    if (lookup_) return;  // the previous connection's lookup is still running
+    auto known = lookUp_(address_, true);
+    const bool isLiteral = !known.empty();
+    turns_.begin(std::move(known));
+    if (isLiteral || lookup_) return;  // the previous connection's lookup may still be running
     lookup_ = std::make_shared<Lookup>();
     try {
         std::thread([lookup = lookup_, lookUp = lookUp_, address = address_] {
@@ -44,54 +45,75 @@ void TcpTransport::connect() {
 void TcpTransport::close() {
     socket_.close();
     unsent_.clear();
-    untried_.clear();
     state_ = TransportState::kClosed;
 }
 
-TransportState TcpTransport::poll() {
-    if (state_ == TransportState::kConnecting && lookup_) takeAddresses();
-    if (state_ == TransportState::kConnecting && !lookup_) {
-        const auto progress = socket_.connectProgress();
-        if (progress == SocketProgress::kReady) state_ = TransportState::kOpen;
-        if (progress == SocketProgress::kFailed) tryNextAddress();
-    }
+TransportState TcpTransport::poll(std::uint64_t nowMs) {
+    if (!beganMs_) beganMs_ = nowMs;
+    if (state_ == TransportState::kConnecting && lookup_) awaitAddresses(nowMs);
+    if (state_ == TransportState::kConnecting && !lookup_) awaitConnection(nowMs);
     if (state_ == TransportState::kOpen) flush();
     return state_;
 }
 
-void TcpTransport::takeAddresses() {
+void TcpTransport::awaitAddresses(std::uint64_t nowMs) {
+    std::optional<std::vector<NetAddress>> found;
     {
         const MutexLock lock(lookup_->mutex);
-        if (!lookup_->done) return;
-        untried_ = std::move(lookup_->found);
+        if (lookup_->done) found = std::move(lookup_->found);
     }
-    lookup_.reset();
-    std::reverse(untried_.begin(), untried_.end());
-    if (untried_.empty()) return end(address_.host + " is not known on this network");
-    tryNextAddress();
+    const bool isUnknown = found ? found->empty() : nowMs - *beganMs_ >= kLookUpLimitMs;
+    if (found) {
+        lookup_.reset();
+        turns_.begin(std::move(*found));
+    }
+    if (isUnknown) end(address_.host + " is not known on this network");
 }
 
-// Nobody listening is not reported as a problem: the simulator is just not running.
-void TcpTransport::tryNextAddress() {
-    while (!untried_.empty()) {
-        const auto address = untried_.back();
-        untried_.pop_back();
-        socket_.close();
-        if (socket_.startConnect(address)) return;
+void TcpTransport::awaitConnection(std::uint64_t nowMs) {
+    if (!turns_.isBegun()) return tryNextAddress(nowMs);
+    switch (socket_.connectProgress()) {
+        case ConnectProgress::kPending:
+            if (!turns_.isOver(nowMs)) return;
+            someSilent_ = true;
+            return tryNextAddress(nowMs);
+        case ConnectProgress::kReady:
+            state_ = TransportState::kOpen;
+            return;
+        case ConnectProgress::kRefused:
+            someRefused_ = true;
+            return tryNextAddress(nowMs);
+        case ConnectProgress::kFailed:
+            return tryNextAddress(nowMs);
     }
-    end({});
+}
+
+// A computer that refuses is there, and its simulator is just not running: no problem worth a word.
+void TcpTransport::tryNextAddress(std::uint64_t nowMs) {
+    while (const auto address = turns_.next(nowMs)) {
+        socket_.close();
+        const auto progress = socket_.startConnect(*address);
+        if (progress == ConnectProgress::kPending) return;
+        someRefused_ = someRefused_ || progress == ConnectProgress::kRefused;
+    }
+    end(someSilent_ && !someRefused_ ? "the simulator's computer does not answer" : "");
 }
 
 std::size_t TcpTransport::receive(std::span<std::uint8_t> into) {
     if (state_ != TransportState::kOpen) return 0;
     std::size_t count = 0;
     const auto progress = socket_.receive(into, count);
+    if (progress == SocketProgress::kReady) turns_.noteWorks();
     if (progress == SocketProgress::kFailed) end({});
     return progress == SocketProgress::kReady ? count : 0;
 }
 
 bool TcpTransport::send(std::span<const std::uint8_t> packet) {
-    if (state_ != TransportState::kOpen || unsent_.size() + packet.size() > kMaxUnsentBytes) return false;
+    if (state_ != TransportState::kOpen) return false;
+    if (unsent_.size() + packet.size() > kMaxUnsentBytes) {
+        problem_ = kDoesNotRead;
+        return false;
+    }
     unsent_.insert(unsent_.end(), packet.begin(), packet.end());
     flush();
     return state_ == TransportState::kOpen;

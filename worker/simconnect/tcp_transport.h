@@ -1,14 +1,17 @@
 // tcp_transport.h - a simulator on another computer. Looks the name up on a thread of its own, tries the addresses one
-// after the other and keeps what the network cannot take yet.
+// after the other (address_turns.h) and keeps what the network cannot take yet.
 #pragma once
 #include <functional>
 #include <memory>
 #include <vector>
 #include "worker/host_port.h"
+#include "worker/simconnect/address_turns.h"
 #include "worker/simconnect/sockets.h"
 #include "worker/simconnect/transport.h"
 
 namespace simconnect {
+
+inline constexpr std::uint64_t kLookUpLimitMs = 10'000;  // then the name counts as unknown
 
 // Like lookUp (sockets.h). Called on this thread and on one of its own, which may outlast the transport.
 using AddressLookUp = std::function<std::vector<NetAddress>(const HostPort& address, bool literalOnly)>;
@@ -22,7 +25,7 @@ class TcpTransport : public Transport {
 
     void connect() override;
     void close() override;
-    TransportState poll() override;
+    TransportState poll(std::uint64_t nowMs) override;
     std::size_t receive(std::span<std::uint8_t> into) override;
     bool send(std::span<const std::uint8_t> packet) override;
     std::string problem() const override { return problem_; }
@@ -31,8 +34,9 @@ class TcpTransport : public Transport {
   private:
     struct Lookup;  // shared with the thread that looks the name up
 
-    void takeAddresses();
-    void tryNextAddress();
+    void awaitAddresses(std::uint64_t nowMs);
+    void awaitConnection(std::uint64_t nowMs);
+    void tryNextAddress(std::uint64_t nowMs);
     void flush();
     void end(std::string problem);
 
@@ -40,7 +44,10 @@ class TcpTransport : public Transport {
     AddressLookUp lookUp_;
     Sockets sockets_;  // outlives socket_
     std::shared_ptr<Lookup> lookup_;
-    std::vector<NetAddress> untried_;  // the last one is next
+    std::optional<std::uint64_t> beganMs_;  // the first poll of this connection
+    AddressTurns turns_;
+    bool someRefused_ = false;  // of the addresses tried for this connection
+    bool someSilent_ = false;
     Socket socket_;
     TransportState state_ = TransportState::kClosed;
     std::vector<std::uint8_t> unsent_;

@@ -15,6 +15,10 @@ SocketProgress failure() {
     return WSAGetLastError() == WSAEWOULDBLOCK ? SocketProgress::kPending : SocketProgress::kFailed;
 }
 
+ConnectProgress connectFailure(int error) {
+    return error == WSAECONNREFUSED ? ConnectProgress::kRefused : ConnectProgress::kFailed;
+}
+
 }  // namespace
 
 Sockets::Sockets() {
@@ -31,10 +35,10 @@ std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly) {
 }
 
 // WSAEventSelect makes the socket non-blocking as well.
-bool Socket::startConnect(const NetAddress& address) {
+ConnectProgress Socket::startConnect(const NetAddress& address) {
     close();
     const SOCKET made = socket(address.family, SOCK_STREAM, IPPROTO_TCP);
-    if (made == INVALID_SOCKET) return false;
+    if (made == INVALID_SOCKET) return ConnectProgress::kFailed;
     handle_ = static_cast<std::intptr_t>(made);
     event_ = WSACreateEvent();
     const BOOL yes = TRUE;
@@ -43,22 +47,27 @@ bool Socket::startConnect(const NetAddress& address) {
     const auto* to = reinterpret_cast<const sockaddr*>(address.bytes.data());
     if (evented &&
         (::connect(made, to, static_cast<int>(address.length)) == 0 || failure() == SocketProgress::kPending)) {
-        return true;
+        return ConnectProgress::kPending;
     }
+    const auto failed = connectFailure(WSAGetLastError());
     close();
-    return false;
+    return failed;
 }
 
-SocketProgress Socket::connectProgress() {
-    if (handle_ == -1) return SocketProgress::kFailed;
+ConnectProgress Socket::connectProgress() {
+    if (handle_ == -1) return ConnectProgress::kFailed;
     fd_set writable, failed;
     FD_ZERO(&writable);
     FD_ZERO(&failed);
     FD_SET(socketOf(handle_), &writable);
     FD_SET(socketOf(handle_), &failed);
     timeval now{};
-    if (select(0, nullptr, &writable, &failed, &now) == 0) return SocketProgress::kPending;
-    return FD_ISSET(socketOf(handle_), &writable) ? SocketProgress::kReady : SocketProgress::kFailed;
+    if (select(0, nullptr, &writable, &failed, &now) == 0) return ConnectProgress::kPending;
+    if (FD_ISSET(socketOf(handle_), &writable)) return ConnectProgress::kReady;
+    int error = 0;
+    int length = sizeof error;
+    getsockopt(socketOf(handle_), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &length);
+    return connectFailure(error);
 }
 
 // The event is reset first: whatever arrives after that sets it again.

@@ -10,6 +10,8 @@ namespace simconnect {
 
 inline constexpr std::size_t kMaxUnsentBytes = 262'144;  // ten times what a session sends at its start
 
+inline constexpr const char* kDoesNotRead = "the simulator does not read what it is told";
+
 enum class TransportState { kClosed, kConnecting, kOpen };
 
 class Transport {
@@ -20,14 +22,15 @@ class Transport {
     virtual void connect() = 0;
     virtual void close() = 0;
 
-    // Advances a connection that is being made. Closed: never connected, failed, or ended by the other side.
-    virtual TransportState poll() = 0;
+    // Advances a connection that is being made, and gives it up in good time if nothing comes of it. Closed: never
+    // connected, failed, or ended by the other side.
+    virtual TransportState poll(std::uint64_t nowMs) = 0;
 
     // Takes up to into.size() bytes that have arrived; 0 = none just now, or none any more.
     virtual std::size_t receive(std::span<std::uint8_t> into) = 0;
 
-    // Takes the whole packet and sends it as soon as the other side can take it. False if the connection is gone, or
-    // has taken nothing for so long that too much is waiting.
+    // Takes the whole packet and sends it as soon as the other side can take it. False if the connection is gone, or if
+    // kMaxUnsentBytes are waiting: then it stays open, and the problem is kDoesNotRead.
     virtual bool send(std::span<const std::uint8_t> packet) = 0;
 
     // Why it is closed, in plain English; empty if there is nobody to connect to.

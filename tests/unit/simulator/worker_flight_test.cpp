@@ -28,7 +28,7 @@ class SimulatorLine : public simconnect::Transport {
         client_ = 0;
         waiting_.clear();
     }
-    simconnect::TransportState poll() override {
+    simconnect::TransportState poll(std::uint64_t) override {
         for (const auto& output : simulator_.takeOutput()) {
             if (output.client != client_ || client_ == 0) continue;
             waiting_ += output.bytes;

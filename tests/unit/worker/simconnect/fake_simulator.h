@@ -22,7 +22,7 @@ class FakeTransport : public simconnect::Transport {
         state = onConnect;
     }
     void close() override { state = simconnect::TransportState::kClosed; }
-    simconnect::TransportState poll() override { return state; }
+    simconnect::TransportState poll(std::uint64_t) override { return state; }
     std::size_t receive(std::span<std::uint8_t> into) override {
         const auto count = std::min({into.size(), incoming.size(), mostAtOnce});
         std::copy_n(incoming.begin(), count, into.begin());

@@ -195,15 +195,27 @@ TEST_F(SimConnectSession, WaitsLongerFromFailureToFailure) {
     EXPECT_TRUE(notes.empty());
 }
 
-TEST_F(SimConnectSession, GivesUpOnAConnectionThatIsNotMade) {
+TEST_F(SimConnectSession, LeavesAConnectionThatIsBeingMadeToTheTransport) {
     transport.onConnect = sc::TransportState::kConnecting;
     pass();
-    pass(9990);
+    pass(60'000);
     EXPECT_EQ(session.status(), "waiting for the simulator");
-    pass(10);
-    EXPECT_EQ(transport.state, sc::TransportState::kClosed);
+    EXPECT_EQ(transport.connects, 1);
+    transport.state = sc::TransportState::kClosed;
+    transport.reason = "the simulator's computer does not answer";
+    pass();
     EXPECT_EQ(session.status(), "the simulator's computer does not answer");
     EXPECT_EQ(transport.connects, 1);
+}
+
+TEST_F(SimConnectSession, NamesASimulatorThatReadsNothingAnyMore) {
+    fly();
+    transport.refusesSends = true;
+    transport.reason = sc::kDoesNotRead;  // as a transport says when too much is waiting
+    session.sendKeyEvent(0, 1);
+    pass();
+    EXPECT_FALSE(session.isOpen());
+    EXPECT_TRUE(noted("connection to the simulator lost: the simulator does not read what it is told"));
 }
 
 TEST_F(SimConnectSession, SetsUpAnewAfterQuitCrashAndNonsense) {

@@ -28,7 +28,7 @@ using standin::LoopbackAddress;
 // Listens on a port of this machine chosen by the system; the kernel itself accepts into the backlog.
 class Listener {
   public:
-    explicit Listener(Loopback loopback = Loopback::kIPv4, int backlog = 4) {
+    explicit Listener(Loopback kind = Loopback::kIPv4, int backlog = 4) : loopback(kind) {
         LoopbackAddress address(0, loopback);
         socket_ = socket(address.family(), SOCK_STREAM, 0);
         socklen_t length = address.length();
@@ -51,6 +51,7 @@ class Listener {
         if (socket_ >= 0) close(std::exchange(socket_, -1));
     }
 
+    const Loopback loopback;
     std::uint16_t port = 0;  // 0: this machine has no such address
     int peer = -1;
 
@@ -59,29 +60,24 @@ class Listener {
 };
 
 std::vector<NetAddress> addressOf(const Listener& listener) {
-    return simconnect::lookUp({"127.0.0.1", listener.port}, true);
+    const bool is6 = listener.loopback == Loopback::kIPv6;
+    return simconnect::lookUp({is6 ? "::1" : "127.0.0.1", listener.port}, true);
 }
 
 // Clients that connect get no answer, not even a refusal: the queue is full, so the kernel drops their packets.
 class SilentListener : public Listener {
   public:
-    SilentListener() : Listener(Loopback::kIPv4, 0) {
-        for (auto& filler : fillers_) EXPECT_TRUE(filler.startConnect(addressOf(*this).at(0)));
+    explicit SilentListener(Loopback kind = Loopback::kIPv4) : Listener(kind, 0) {
+        if (port == 0) return;
+        for (auto& filler : fillers_) filler.startConnect(addressOf(*this).at(0));
     }
 
   private:
     std::array<simconnect::Socket, 4> fillers_;
 };
 
-// Polls the connection for a minute of its own clock at most; when it reached the listener, nothing if it did not.
-std::optional<std::uint64_t> msUntilVisited(simconnect::Connection& connection, const Listener& listener,
-                                            std::uint64_t& nowMs) {
-    for (std::uint64_t ms = 0; ms < 60'000; ms += 20) {
-        connection.poll(nowMs += 20);
-        if (listener.hasVisitor()) return ms;
-    }
-    return std::nullopt;
-}
+// For what happens at once: no time passes.
+constexpr std::uint64_t kNowMs = 5'000;
 
 // Polls until the condition holds; false after half a minute.
 bool becomes(const std::function<bool()>& condition) {
@@ -95,8 +91,8 @@ bool becomes(const std::function<bool()>& condition) {
 
 bool opens(TcpTransport& transport) {
     transport.connect();
-    return becomes([&] { return transport.poll() != TransportState::kConnecting; }) &&
-           transport.poll() == TransportState::kOpen;
+    return becomes([&] { return transport.poll(kNowMs) != TransportState::kConnecting; }) &&
+           transport.poll(kNowMs) == TransportState::kOpen;
 }
 
 std::vector<std::uint8_t> receivedBy(TcpTransport& transport, std::size_t count) {
@@ -104,7 +100,7 @@ std::vector<std::uint8_t> receivedBy(TcpTransport& transport, std::size_t count)
     std::size_t have = 0;
     EXPECT_TRUE(becomes([&] {
         have += transport.receive(std::span(all).subspan(have));
-        return have == count || transport.poll() == TransportState::kClosed;
+        return have == count || transport.poll(kNowMs) == TransportState::kClosed;
     }));
     all.resize(have);
     return all;
@@ -127,7 +123,7 @@ TEST(TcpTransport, CarriesBytesBothWaysAndSeesTheEnd) {
     ASSERT_EQ(write(listener.peer, bytes.data(), 2), 2);
     listener.drop();
     EXPECT_EQ(receivedBy(transport, 5).size(), 2u);  // what came before the end
-    EXPECT_EQ(transport.poll(), TransportState::kClosed);
+    EXPECT_EQ(transport.poll(kNowMs), TransportState::kClosed);
     EXPECT_FALSE(transport.send(bytes));
     ASSERT_TRUE(opens(transport));
 }
@@ -137,7 +133,7 @@ TEST(TcpTransport, NobodyListeningIsNoProblemWorthAWord) {
     listener.stop();
     TcpTransport transport({"127.0.0.1", listener.port});
     EXPECT_FALSE(opens(transport));
-    EXPECT_EQ(transport.poll(), TransportState::kClosed);
+    EXPECT_EQ(transport.poll(kNowMs), TransportState::kClosed);
     EXPECT_EQ(transport.problem(), "");
 }
 
@@ -174,24 +170,104 @@ TEST(TcpTransport, TriesTheNextAddressAfterOneThatRefuses) {
     }
 }
 
-// Each attempt spends all its time on the first address, and the next attempt begins with it again.
-TEST(TcpTransport, DoesNotGetPastAnAddressThatSaysNothing) {
+// A name with a dead address in front, of either kind: none may hide the one behind it.
+TEST(TcpTransport, GetsPastAnAddressThatSaysNothingInTwoSeconds) {
+    for (const auto& [dead, live] : {std::pair(Loopback::kIPv4, Loopback::kIPv4),
+                                     {Loopback::kIPv6, Loopback::kIPv4},
+                                     {Loopback::kIPv4, Loopback::kIPv6}}) {
+        const SilentListener silent(dead);
+        const Listener listening(live);
+        if (silent.port == 0 || listening.port == 0) continue;  // this machine has no IPv6
+        auto addresses = addressOf(silent);
+        addresses.push_back(addressOf(listening).at(0));
+        TcpTransport transport({"simpc", 500}, [&](const HostPort&, bool) { return addresses; });
+        simconnect::Connection connection(transport, "test");
+        connection.poll(kNowMs);
+        connection.poll(kNowMs + 1'999);
+        EXPECT_FALSE(listening.hasVisitor());
+        EXPECT_TRUE(becomes([&] {
+            connection.poll(kNowMs + 2'000);
+            return listening.hasVisitor();
+        }));
+    }
+}
+
+TEST(TcpTransport, GivesEveryAddressItsTimeAndThenSaysThatNobodyAnswers) {
     const SilentListener silent;
-    const Listener listening;
-    auto addresses = addressOf(silent);
-    addresses.push_back(addressOf(listening).at(0));
+    const auto dead = addressOf(silent).at(0);
     int lookUps = 0;
     TcpTransport transport({"simpc", 500}, [&](const HostPort&, bool) {
         lookUps++;
-        return addresses;
+        return std::vector{dead, dead, dead};
     });
     simconnect::Connection connection(transport, "test");
     std::uint64_t nowMs = 0;
-    EXPECT_EQ(msUntilVisited(connection, listening, nowMs), std::nullopt);
+    const auto pollFor = [&](std::uint64_t ms) {
+        for (const auto end = nowMs + ms; nowMs < end;) connection.poll(nowMs += 20);
+    };
+    pollFor(6'000);
+    EXPECT_EQ(connection.status(), "waiting for the simulator");
+    pollFor(100);
     EXPECT_EQ(connection.status(), "the simulator's computer does not answer");
-    EXPECT_EQ(lookUps, 5);  // in a minute: after 0, 11, 23, 38 and 53 seconds
-    addresses.erase(addresses.begin());
-    EXPECT_TRUE(msUntilVisited(connection, listening, nowMs));  // it was listening all the time
+    EXPECT_EQ(lookUps, 1);
+    pollFor(1'000);
+    EXPECT_EQ(lookUps, 2);  // from the first one again, after the usual wait
+}
+
+// The second one is there, only without a simulator: the dead one in front of it is no news.
+TEST(TcpTransport, ASilentAddressBesideOneThatRefusesIsNoProblemWorthAWord) {
+    const SilentListener silent;
+    Listener refusing;
+    refusing.stop();
+    const auto addresses = std::vector{addressOf(silent).at(0), addressOf(refusing).at(0)};
+    TcpTransport transport({"simpc", 500}, [&](const HostPort&, bool) { return addresses; });
+    transport.connect();
+    EXPECT_EQ(transport.poll(kNowMs), TransportState::kConnecting);
+    EXPECT_TRUE(becomes([&] { return transport.poll(kNowMs + 2'000) == TransportState::kClosed; }));
+    EXPECT_EQ(transport.problem(), "");
+}
+
+TEST(TcpTransport, BeginsWithTheAddressThatAnsweredTheLastTime) {
+    const SilentListener silent;
+    Listener listening;
+    auto addresses = addressOf(silent);
+    addresses.push_back(addressOf(listening).at(0));
+    TcpTransport transport({"simpc", 500}, [&](const HostPort&, bool) { return addresses; });
+    const auto opensAfter = [&](std::uint64_t ms) {
+        transport.connect();
+        transport.poll(kNowMs);
+        return becomes([&] { return transport.poll(kNowMs + ms) == TransportState::kOpen; });
+    };
+    ASSERT_TRUE(opensAfter(2'000));
+    transport.connect();
+    for (int i = 0; i < 100; i++) EXPECT_EQ(transport.poll(kNowMs), TransportState::kConnecting);  // it said nothing
+    ASSERT_TRUE(opensAfter(2'000));
+    listening.accept();  // the first connection
+    listening.drop();
+    listening.accept();
+    const std::uint8_t byte = 1;
+    ASSERT_EQ(write(listening.peer, &byte, 1), 1);
+    ASSERT_EQ(receivedBy(transport, 1).size(), 1u);
+    EXPECT_TRUE(opensAfter(0));
+}
+
+TEST(TcpTransport, GivesALookUpTenSecondsAndTakesItsAnswerTheNextTime) {
+    Listener listening;
+    std::promise<void> answer;
+    const std::shared_future<void> isAnswered(answer.get_future());
+    const auto addresses = addressOf(listening);
+    TcpTransport transport({"simpc", 500}, [=](const HostPort&, bool literalOnly) {
+        if (literalOnly) return std::vector<NetAddress>();
+        isAnswered.wait_for(std::chrono::seconds(30));
+        return addresses;
+    });
+    transport.connect();
+    EXPECT_EQ(transport.poll(1'000), TransportState::kConnecting);
+    EXPECT_EQ(transport.poll(10'999), TransportState::kConnecting);
+    EXPECT_EQ(transport.poll(11'000), TransportState::kClosed);
+    EXPECT_EQ(transport.problem(), "simpc is not known on this network");
+    answer.set_value();
+    ASSERT_TRUE(opens(transport)) << transport.problem();
 }
 
 TEST(TcpTransport, LooksANameUpWithoutWaitingForIt) {
@@ -206,10 +282,10 @@ TEST(TcpTransport, LooksANameUpWithoutWaitingForIt) {
         return addresses;
     });
     transport.connect();
-    EXPECT_EQ(transport.poll(), TransportState::kConnecting);
+    EXPECT_EQ(transport.poll(kNowMs), TransportState::kConnecting);
     EXPECT_FALSE(listener.hasVisitor());
     answer.set_value();
-    EXPECT_TRUE(becomes([&] { return transport.poll() == TransportState::kOpen; })) << transport.problem();
+    EXPECT_TRUE(becomes([&] { return transport.poll(kNowMs) == TransportState::kOpen; })) << transport.problem();
 }
 
 TEST(TcpTransport, SaysThatANameIsNotKnown) {
@@ -218,7 +294,7 @@ TEST(TcpTransport, SaysThatANameIsNotKnown) {
     transport.connect();
     transport.close();
     transport.connect();  // while the name is still being looked up
-    ASSERT_TRUE(becomes([&] { return transport.poll() == TransportState::kClosed; }));
+    ASSERT_TRUE(becomes([&] { return transport.poll(kNowMs) == TransportState::kClosed; }));
     EXPECT_EQ(transport.problem(), tooLong + " is not known on this network");
 }
 
@@ -231,5 +307,6 @@ TEST(TcpTransport, RefusesMoreOnceTooMuchIsWaiting) {
     std::size_t taken = 0;
     while (taken < 1000 && transport.send(packet)) taken++;
     EXPECT_LT(taken, 1000u);  // nobody reads
-    EXPECT_EQ(transport.poll(), TransportState::kOpen);
+    EXPECT_EQ(transport.poll(kNowMs), TransportState::kOpen);
+    EXPECT_EQ(transport.problem(), "the simulator does not read what it is told");
 }
