@@ -40,7 +40,8 @@ std::string describeWrite(const RadioWrite& write) {
 void CommandHandler::accept(CommandRequest command, std::uint64_t nowMs) {
     assert(!isPending());
     before_ = link_.snapshot().radios[command.write.radio];
-    acceptedMs_ = nowMs;
+    acceptedMs_ = countedMs_ = nowMs;
+    waitedMs_ = 0;
     command_ = std::move(command);
     auto reason = objection(command_->write);
     if (reason.empty()) {
@@ -60,8 +61,18 @@ void CommandHandler::pass(std::uint64_t nowMs) {
         link_.noteReadback(write, true);
         return acknowledge(true, successMessage(write, radio), nowMs);
     }
-    if (nowMs - acceptedMs_ < kReadbackLimitMs) return;
+    countWait(nowMs);
+    if (waitedMs_ < kReadbackLimitMs && nowMs - acceptedMs_ < kReadbackLastMs) return;
     acknowledge(false, notAccepted(write) + link_.noteReadback(write, false), nowMs);
+}
+
+// From one word of the simulator to the next: one that stutters ignores nobody, nor does one that we were ourselves
+// kept from listening to.
+void CommandHandler::countWait(std::uint64_t nowMs) {
+    const auto heardMs = nowMs - link_.unheardMs(nowMs);
+    if (heardMs <= countedMs_) return;
+    const auto gapMs = heardMs - std::exchange(countedMs_, heardMs);
+    if (gapMs < kStutterMs) waitedMs_ += gapMs;
 }
 
 // Why the write is not even tried; empty if there is no objection.

@@ -8,7 +8,8 @@
 #include "worker/sim_link.h"
 #include "worker/worker_log.h"
 
-inline constexpr std::uint64_t kReadbackLimitMs = 1500;  // the plugin itself waits 4500 ms
+inline constexpr std::uint64_t kReadbackLimitMs = 1500;  // in which the simulator is heard of
+inline constexpr std::uint64_t kReadbackLastMs = 4000;   // in all; the plugin gives up after 4500, on all that waits
 inline constexpr double kVolumeTolerance = 0.005;        // half a percent: simulators keep volume in coarse steps
 
 struct CommandAck {
@@ -35,6 +36,7 @@ class CommandHandler {
   private:
     std::string objection(const RadioWrite& write) const;
     bool isVisible(const RadioReading& radio) const;
+    void countWait(std::uint64_t nowMs);
     void acknowledge(bool ok, std::string message, std::uint64_t nowMs);
 
     SimLink& link_;
@@ -42,5 +44,7 @@ class CommandHandler {
     std::optional<CommandRequest> command_;
     RadioReading before_;  // the radio when the command was accepted: a swap is judged against it
     std::uint64_t acceptedMs_ = 0;
+    std::uint64_t countedMs_ = 0;  // until when it is known what counts as waiting
+    std::uint64_t waitedMs_ = 0;   // what does
     CommandAck ack_;
 };

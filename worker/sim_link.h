@@ -6,6 +6,8 @@
 #include <vector>
 #include "worker/radio_types.h"
 
+inline constexpr std::uint64_t kStutterMs = 1000;  // of silence: longer than between two frames of a slow simulator
+
 class SimLink {
   public:
     virtual ~SimLink() = default;
@@ -22,6 +24,12 @@ class SimLink {
     // The write as it is really sent, and then expected in the read-back, if the simulator cannot or must not be told
     // exactly this value.
     virtual RadioWrite adjusted(const RadioWrite& write) const { return write; }
+
+    // How long the simulator has said nothing of its radios: since then no write can have been seen in a snapshot.
+    virtual std::uint64_t unheardMs(std::uint64_t /*nowMs*/) const { return 0; }
+
+    // Whether the snapshot says how things are, and not just which step is being taken to find out.
+    virtual bool isSettled() const { return true; }
 
     // The outcome of the last write: seen in a snapshot in time, or not. Returns what else the pilot is to be told
     // about a write that was not seen; empty if nothing.

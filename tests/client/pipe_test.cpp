@@ -91,6 +91,29 @@ TEST(SimulatorPipe, ThatIsNotThereIsNoProblemWorthAWord) {
     EXPECT_EQ(transport.problem(), "");
 }
 
+TEST(SimulatorPipe, ThatNobodyReadsIsSaidNotToBeRead) {
+    const HANDLE server = CreateNamedPipeA(simconnect::kPipeName, PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED,
+                                           PIPE_TYPE_BYTE, 1, 4096, 4096, 0, nullptr);
+    ASSERT_NE(server, INVALID_HANDLE_VALUE);
+    PipeTransport transport;
+    transport.connect();
+    ASSERT_EQ(transport.poll(kNowMs), TransportState::kOpen);
+    const std::vector<std::uint8_t> packet(4'000);
+    int taken = 0;
+    while (taken < 1000 && transport.send(packet)) taken++;
+    EXPECT_LT(taken, 1000);
+    EXPECT_EQ(transport.poll(kNowMs), TransportState::kOpen);
+    EXPECT_EQ(transport.problem(), simconnect::kDoesNotRead);
+    CloseHandle(server);
+    EXPECT_TRUE(waitFor(
+        [&] {
+            std::uint8_t byte = 0;
+            transport.receive({&byte, 1});
+            return transport.poll(kNowMs) == TransportState::kClosed;
+        },
+        kPatienceMs));
+}
+
 TEST(SimulatorPipe, ThatIsFullIsShownUntilThereIsRoom) {
     FullPipe pipe;
     ASSERT_TRUE(pipe.isFull());

@@ -138,9 +138,34 @@ void meetPause(Meeting& m) {
     m.act("pause on");
     const auto answer = m.worker.command(1, "standby", "119000");
     m.check(!answer.ackId.empty() && !answer.ackOk && answer.ok, "not done in the pause");
+    m.check(answer.ackMessage.ends_with("; the simulator is paused"), "says why");
     m.act("pause off");
     const auto isShown = [&] { return m.worker.telemetry().radios[0].standby == 119000; };
     m.check(waitFor(isShown, kPatienceMs), "shown after it");
+}
+
+void meetStutter(Meeting& m) {
+    m.check(waitFor([&] { return m.hasHeard("stutters"); }, kPatienceMs), "stutters");
+    m.check(m.worker.command(1, "standby", "119000").ackOk, "written all the same");
+    const auto log = m.worker.log();
+    m.check(log.find("link up") == log.rfind("link up"), "the link holds");
+}
+
+void meetDeafness(Meeting& m) {
+    m.check(waitFor([&] { return m.hasHeard("reads nothing"); }, kPatienceMs), "reads nothing");
+    const auto answer = m.worker.command(1, "standby", "119000");
+    m.check(answer.ackMessage.ends_with("; the simulator does not read what it is told"), "says so");
+    m.check(answer.ok && answer.radios[0].active == 122800, "is listened to all the same");
+}
+
+void meetFlood(Meeting& m) {
+    m.check(m.waitStatus("reading the radios"), "knows nothing during the flood");
+    m.check(m.worker.waitOk(), "and all after it");
+    m.check(m.worker.command(1, "standby", "119000").ackOk, "standby");
+    const auto log = m.worker.log();
+    int lines = 0;
+    for (auto at = log.find("aircraft loaded"); at != log.npos; at = log.find("aircraft loaded", at + 1)) lines++;
+    m.check(lines >= 1 && lines <= 5, "a line a second");
 }
 
 void meetPowerKnob(Meeting& m) {
@@ -166,6 +191,10 @@ TEST(Simulator, WorkerGetsAlongWithEveryPersonality) {
         {"rough_packets", meetRoughPackets},
         {"refuses_version_5", meetVersion},
         {"freezes_in_pause", meetPause},
+        {"knows_one_pause", meetPause},
+        {"stutters", meetStutter},
+        {"stops_reading", meetDeafness},
+        {"floods_aircraft", meetFlood},
         {"silent", meetNobody},
         {"garbage", meetNobody},
         {"in_menu", meetMenu},

@@ -19,6 +19,7 @@ struct Personality {
     OnWrite onWrite = OnWrite::kApplies;
     bool isRough = false;          // packets cut, joined, and mixed with unknown and very long ones
     bool freezesInPause = false;   // sends no changes and carries out no key event until the pause is over
+    bool lacksPauseKinds = false;  // knows Pause, but not Pause_EX1
     bool isSilent = false;         // takes everything and answers nothing
     bool talksGarbage = false;     // answers Open with noise
     std::string_view script = "";  // counted from the first client's Open (script.h)

@@ -23,6 +23,9 @@ enum class ActionKind : std::uint8_t {
     kExit,       // for good
     kSim,        // value 0 menu, 1 running
     kPause,      // value 0 or 1
+    kStutter,    // value ms without a frame; what clients send waits
+    kDeaf,       // value ms in which nothing is read of what clients send
+    kFlood,      // value ms in which the aircraft is reported as loaded over a thousand times a second
     kLoad,       // text: an aircraft's name
     kCharacter,  // text: its name
     kEvent,      // text: a key event pressed in the cockpit; value its number

@@ -171,14 +171,16 @@ void Session::refuseData(std::string_view packet) {
 // The states that last are reported at once.
 void Session::subscribe(std::string_view packet) {
     const auto request = readNamed(packet);
-    if (!isSystemEvent(request.name)) return refuse(kNameUnrecognized, 2, request.name);
+    const bool isLacking = personality_.lacksPauseKinds && isSameName(request.name, "Pause_EX1");
+    if (isLacking || !isSystemEvent(request.name)) return refuse(kNameUnrecognized, 2, request.name);
     if (systemEvents_.contains(request.id)) return refuse(kAlreadySubscribed, 1, request.name);
     systemEvents_[request.id] = {request.name, true};
     const auto tell = [&](std::uint32_t data) {
         output_.push_back(eventAnswer(protocol_, kUnknown, request.id, data));
     };
     if (isSameName(request.name, "Sim")) tell(desk_.isFlightRunning());
-    if (isSameName(request.name, "Pause") || isSameName(request.name, "Pause_EX1")) tell(desk_.isPaused());
+    if (isSameName(request.name, "Pause")) tell(desk_.isPaused());
+    if (isSameName(request.name, "Pause_EX1")) tell(desk_.isPaused() ? kWholePause : 0);
 }
 
 void Session::answerState(std::string_view packet) {

@@ -12,6 +12,8 @@
 
 namespace standin {
 
+inline constexpr std::uint32_t kWholePause = 8;  // one of the bits of Pause_EX1; which one, no client should care
+
 // What a session may ask of the simulator around it.
 class SimulatorDesk {
   public:

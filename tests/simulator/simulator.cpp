@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::uint64_t kAwayAfterWriteMs = 2000;
 constexpr std::size_t kNoiseBytes = 200;  // per frame
+constexpr int kFloodPerFrame = 40;
 
 }  // namespace
 
@@ -33,6 +34,10 @@ void Simulator::receive(int number, std::string_view bytes, std::uint64_t nowMs)
     const auto client = clients_.find(number);
     if (client == clients_.end()) return;
     nowMs_ = std::max(nowMs_, nowMs);
+    if (!isReading() || !client->second.unread.empty()) {
+        client->second.unread += bytes;
+        return;
+    }
     speaking_ = number;
     client->second.session->receive(bytes);
     speaking_ = 0;
@@ -41,6 +46,15 @@ void Simulator::receive(int number, std::string_view bytes, std::uint64_t nowMs)
         leave(personality_->onWrite == OnWrite::kQuits ? ActionKind::kQuit : ActionKind::kCrash, kAwayAfterWriteMs);
     }
     flush(false);
+}
+
+// After it has not read for a while.
+void Simulator::readOn() {
+    std::map<int, std::string> unread;
+    for (auto& [number, client] : clients_) unread[number] = std::exchange(client.unread, {});
+    for (const auto& [number, bytes] : unread) {
+        if (!bytes.empty()) receive(number, bytes, nowMs_);  // in the order in which it was sent
+    }
 }
 
 void Simulator::disconnect(int client, std::uint64_t nowMs) {
@@ -64,7 +78,12 @@ void Simulator::advance(std::uint64_t nowMs) {
 // A frame: what happens, then the events, then the data.
 void Simulator::flyFrame() {
     frame_++;
+    if (nowMs_ < stutterEndMs_) return;
+    if (isReading()) readOn();
     playTimelines();
+    if (nowMs_ < floodEndMs_) {
+        for (int i = 0; i < kFloodPerFrame; i++) reportLoaded();
+    }
     applyWrites();
     const auto second = frame_ % 30;
     for (auto& [number, client] : clients_) {
@@ -138,8 +157,20 @@ bool Simulator::act(const Action& action, std::uint64_t nowMs, std::string& erro
             isPaused_ = isOn;
             for (auto& [number, client] : clients_) {
                 client.session->raiseSystemEvent("Pause", isOn);
-                client.session->raiseSystemEvent("Pause_EX1", isOn);
+                client.session->raiseSystemEvent("Pause_EX1", isOn ? kWholePause : 0);
             }
+            return true;
+        case ActionKind::kStutter:
+            stutterEndMs_ = nowMs_ + static_cast<std::uint64_t>(action.value);
+            remark("stutters");
+            return true;
+        case ActionKind::kDeaf:
+            deafEndMs_ = nowMs_ + static_cast<std::uint64_t>(action.value);
+            remark("reads nothing");
+            return true;
+        case ActionKind::kFlood:
+            floodEndMs_ = nowMs_ + static_cast<std::uint64_t>(action.value);
+            remark("reports aircraft without end");
             return true;
         case ActionKind::kLoad: {
             Aircraft aircraft;
@@ -180,11 +211,15 @@ void Simulator::setFlightRunning(bool running) {
 void Simulator::load(const Aircraft& aircraft) {
     aircraft_ = aircraft;
     pending_.clear();
+    reportLoaded();
+    remark("aircraft " + aircraft.title);
+}
+
+void Simulator::reportLoaded() {
     for (auto& [number, client] : clients_) {
         client.session->changeAircraft();
-        client.session->raiseFileEvent("AircraftLoaded", aircraft.file);
+        client.session->raiseFileEvent("AircraftLoaded", aircraft_.file);
     }
-    remark("aircraft " + aircraft.title);
 }
 
 void Simulator::onOpened(const std::string& clientName, std::uint32_t version) {

@@ -56,6 +56,7 @@ class Simulator : private SimulatorDesk {
     struct Client {
         std::unique_ptr<Session> session;
         RoughLine line{0};
+        std::string unread;
     };
     struct Timeline {
         std::vector<TimedAction> steps;
@@ -73,10 +74,13 @@ class Simulator : private SimulatorDesk {
     void report(const std::string& text) override;
     bool isFlightRunning() const override { return isFlightRunning_; }
     bool isPaused() const override { return isPaused_; }
+    bool isReading() const { return nowMs_ >= stutterEndMs_ && nowMs_ >= deafEndMs_; }
     bool isFrozen() const { return isPaused_ && personality_->freezesInPause; }
 
     void flyFrame();
     void playTimelines();
+    void readOn();
+    void reportLoaded();
     void applyWrites();
     void press(const KeyEvent& event, std::uint32_t data);
     void setFlightRunning(bool running);
@@ -99,6 +103,9 @@ class Simulator : private SimulatorDesk {
     bool isLeaving_ = false;  // as soon as the present packet is done
     std::uint32_t writeDelayMs_;
     std::uint64_t reachableMs_ = 0;
+    std::uint64_t stutterEndMs_ = 0;
+    std::uint64_t deafEndMs_ = 0;
+    std::uint64_t floodEndMs_ = 0;
     std::uint32_t noiseState_ = 20'260'101;
     std::deque<Timeline> timelines_;
     std::vector<PendingWrite> pending_;

@@ -119,6 +119,11 @@ std::string Connection::status() const {
     return connecting ? "connecting to the simulator" : "waiting for the simulator";
 }
 
+// Nobody there counts at the second try: the first may fall between two turns of the simulator's pipe.
+bool Connection::isSettled() const {
+    return state_ == ConnectionState::kOpen || !problem_.empty() || failures_ > 1;
+}
+
 Stamp Connection::stamp() {
     return {version().protocol, ++sendId_};
 }

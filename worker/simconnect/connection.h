@@ -37,6 +37,8 @@ class Connection {
     std::uint64_t heardMs() const { return heardMs_; }
     // One line while it is not open.
     std::string status() const;
+    // Open, or has found out why not: trying again is not expected to change its status soon.
+    bool isSettled() const;
 
     // The stamp of the next packet, which is then sent. Only while open.
     Stamp stamp();

@@ -9,14 +9,10 @@ constexpr const char* kApplication = "Corvalis";
 constexpr std::size_t kRememberedPackets = 512;  // several times what a new flight sends
 constexpr std::size_t kMaxNotes = 50;            // per connection: endless complaints do not fill the log
 constexpr std::uint32_t kFirstKeyEventId = 100;
-constexpr std::uint32_t kStateRequestId = 1;  // a number space of its own: answers come in another packet
 
-enum SystemEvent : std::uint32_t { kSim = 1, kAircraftLoaded = 2 };  // their event ids
-
-constexpr struct {
-    SystemEvent id;
-    const char* name;
-} kSystemEvents[] = {{kSim, "Sim"}, {kAircraftLoaded, "AircraftLoaded"}};
+// By their event ids, which begin with 1. The data of the pauses: 0 = none; a bit for each kind of pause, or just 1.
+enum SystemEvent : std::uint32_t { kSim = 1, kAircraftLoaded, kPauseByKind, kPause };
+constexpr const char* kSystemEvents[] = {"Sim", "AircraftLoaded", "Pause_EX1", "Pause"};
 
 }  // namespace
 
@@ -29,28 +25,34 @@ Session::Session(Transport& transport, SessionPlan plan)
 void Session::poll(std::uint64_t nowMs) {
     connection_.poll(nowMs);
     collectNotes();
-    if (isOpen() && connection_.openings() != openings_) setUp();
+    if (isOpen() && connection_.openings() != openings_) setUp(nowMs);
     while (isOpen()) {
         const auto packet = connection_.next();
         if (!packet) break;
         handle(*packet, nowMs);
     }
-    if (isOpen()) watchSilence(nowMs);
+    if (isOpen()) startAfresh(nowMs);
+    if (isOpen()) watchAnswers(nowMs);
     collectNotes();
     if (!isOpen()) {
         simRunning_.reset();
+        isPaused_ = false;
         forgetReadings();
     }
 }
 
-void Session::setUp() {
+void Session::setUp(std::uint64_t nowMs) {
     openings_ = connection_.openings();
     aircraft_++;
     sent_.clear();
     noted_.clear();
     requesting_ = false;
     simRunning_.reset();
-    pingedMs_ = 0;
+    isPaused_ = false;
+    freshStart_ = {};
+    question_ = simQuestion_ = answered_ = 0;
+    unansweredMs_.reset();
+    isDeaf_ = false;
     std::fill(readings_.begin(), readings_.end(), Reading{});
     std::fill(keyEventKnown_.begin(), keyEventKnown_.end(), true);
     forgetReadings();
@@ -63,22 +65,52 @@ void Session::setUp() {
         connection_.send(encodeVariable(stampFor(Sent::kVariable, i), static_cast<std::uint32_t>(i + 1), variable.name,
                                         variable.units, variable.type));
     }
-    for (std::size_t i = 0; i < std::size(kSystemEvents); i++) {
-        connection_.send(encodeSubscribe(stampFor(Sent::kSystemEvent, i), kSystemEvents[i].id, kSystemEvents[i].name));
-    }
-    askWhetherSimRuns();
+    for (const auto event : {kSim, kAircraftLoaded, kPauseByKind}) subscribe(event);
+    askWhetherSimRuns(nowMs);
 }
 
-void Session::askWhetherSimRuns() {
-    connection_.send(encodeStateRequest(stampFor(Sent::kSystemState, 0), kStateRequestId, "Sim"));
+void Session::subscribe(std::uint32_t systemEvent) {
+    const std::size_t row = systemEvent - 1;
+    connection_.send(encodeSubscribe(stampFor(Sent::kSystemEvent, row), systemEvent, kSystemEvents[row]));
 }
 
-// There is no other keep-alive. A loading simulator may be silent for long; an unplugged one stays silent.
-void Session::watchSilence(std::uint64_t nowMs) {
+// Questions have a number space of their own: their answers come in another kind of packet. What is asked does not
+// matter, only that there is an answer; the events say sooner whether the simulator runs.
+void Session::ask(std::uint64_t nowMs) {
+    askedMs_ = nowMs;
+    if (!unansweredMs_) unansweredMs_ = nowMs;
+    connection_.send(encodeStateRequest(stampFor(Sent::kSystemState, 0), ++question_, "Sim"));
+}
+
+// Where no event may have said so: on a new connection, and after a long silence.
+void Session::askWhetherSimRuns(std::uint64_t nowMs) {
+    ask(nowMs);
+    simQuestion_ = question_;
+}
+
+void Session::onAnswer(const StatePacket& answer, std::uint64_t nowMs) {
+    if (answer.requestId == 0 || answer.requestId > question_) return;
+    answered_ = std::max(answered_, answer.requestId);
+    unansweredMs_ = answered_ == question_ ? std::nullopt : std::optional(nowMs);
+    if (answer.requestId == simQuestion_ || !simRunning_) setSimRunning(answer.value != 0);
+}
+
+// There is no other keep-alive. A loading simulator may be silent for long; an unplugged one stays silent. One that
+// goes on speaking but answers nothing no longer reads.
+void Session::watchAnswers(std::uint64_t nowMs) {
     if (nowMs - connection_.heardMs() >= kDeadMs) return connection_.drop("nothing heard for two minutes", nowMs);
-    if (nowMs - std::max(connection_.heardMs(), pingedMs_) < kPingMs) return;
-    pingedMs_ = nowMs;
-    askWhetherSimRuns();
+    const auto unansweredMs = unansweredMs_ ? nowMs - *unansweredMs_ : 0;
+    const bool speaks = nowMs - connection_.heardMs() < unansweredMs / 2;
+    if (!isDeaf_ && answered_ > 0 && unansweredMs >= kUnreadMs && speaks) {
+        isDeaf_ = true;
+        notes_.emplace_back(kDoesNotRead);
+    }
+    if (isDeaf_ && !unansweredMs_) {
+        isDeaf_ = false;
+        notes_.emplace_back("the simulator reads again");
+    }
+    if (nowMs - std::max(connection_.heardMs(), askedMs_) >= kPingMs) return askWhetherSimRuns(nowMs);
+    if (nowMs - connection_.heardMs() < kPingMs / 2 && nowMs - askedMs_ >= kPingMs) ask(nowMs);
 }
 
 // A missing variable stays missing: which ones exist depends on the simulator, not on the aircraft.
@@ -144,18 +176,18 @@ Stamp Session::stampFor(Sent kind, std::size_t index) {
 void Session::handle(const Received& packet, std::uint64_t nowMs) {
     if (std::holds_alternative<QuitPacket>(packet)) connection_.drop("the simulator has quit", nowMs);
     if (const auto* data = std::get_if<DataPacket>(&packet)) onData(*data, nowMs);
-    if (const auto* event = std::get_if<EventPacket>(&packet)) onEvent(*event, nowMs);
+    if (const auto* event = std::get_if<EventPacket>(&packet)) onEvent(*event);
     if (const auto* exception = std::get_if<ExceptionPacket>(&packet)) onException(*exception);
     if (const auto* broken = std::get_if<BrokenPacket>(&packet)) {
         noteOnce("a packet of kind " + std::to_string(broken->id) + " is too short and was ignored");
     }
-    const auto* state = std::get_if<StatePacket>(&packet);
-    if (state && state->requestId == kStateRequestId) setSimRunning(state->value != 0, nowMs);
+    if (const auto* state = std::get_if<StatePacket>(&packet)) onAnswer(*state, nowMs);
 }
 
 void Session::onData(const DataPacket& data, std::uint64_t nowMs) {
     const auto first = requestBase() + 1;
-    if (!requesting_ || data.requestId < first || data.requestId - first > 2 * readings_.size()) return;
+    if (!requesting_ || freshStart_.isDue || data.requestId < first || data.requestId - first > 2 * readings_.size())
+        return;
     const auto offset = data.requestId - first;
     const std::size_t variable = offset == 2 * readings_.size() ? heartbeat_ : offset / 2;
     if (variable == readings_.size()) return;  // a heartbeat from before the last variable turned out to be missing
@@ -166,26 +198,47 @@ void Session::onData(const DataPacket& data, std::uint64_t nowMs) {
     dataMs_ = nowMs;
 }
 
-void Session::onEvent(const EventPacket& event, std::uint64_t nowMs) {
-    if (event.eventId == kSim) setSimRunning(event.data != 0, nowMs);
+void Session::onEvent(const EventPacket& event) {
+    if (event.eventId == kSim) setSimRunning(event.data != 0);
+    if (event.eventId == kPauseByKind || event.eventId == kPause) isPaused_ = event.data != 0;
     if (event.eventId != kAircraftLoaded) return;
-    notes_.push_back("aircraft loaded" + (event.file.empty() ? std::string() : ": " + event.file));
-    beginAircraft(nowMs);
-}
-
-// What held for the previous aircraft no longer does, and its requests may be gone with it.
-void Session::beginAircraft(std::uint64_t nowMs) {
+    // What held for the previous aircraft no longer does, and its requests may be gone with it.
     aircraft_++;
     forgetReadings();
-    if (simRunning_.value_or(false)) requestAll(nowMs);
+    freshStart_.isDue = true;
+    freshStart_.loaded++;
+    freshStart_.file = event.file;
 }
 
-void Session::setSimRunning(bool running, std::uint64_t nowMs) {
+void Session::setSimRunning(bool running) {
     if (simRunning_ == running) return;
     simRunning_ = running;
-    if (running) return requestAll(nowMs);
+    freshStart_.isDue = running;
+    if (running) {
+        aircraft_++;
+        return;
+    }
     stopRequests();
     forgetReadings();
+}
+
+// A simulator may report aircraft or flights by the thousand. Until the fresh start that the last of them calls for,
+// nothing that arrives counts.
+void Session::startAfresh(std::uint64_t nowMs) {
+    auto& fresh = freshStart_;
+    const auto isTime = [&](std::optional<std::uint64_t> lastMs) {
+        return !lastMs || nowMs - *lastMs >= kFreshStartMs;
+    };
+    if (fresh.loaded > 0 && isTime(fresh.noteMs)) {
+        const auto count = fresh.loaded > 1 ? " (the last of " + std::to_string(fresh.loaded) + ')' : std::string();
+        notes_.push_back("aircraft loaded" + count + (fresh.file.empty() ? "" : ": " + fresh.file));
+        fresh.loaded = 0;
+        fresh.noteMs = nowMs;
+    }
+    if (!fresh.isDue || !simRunning_.value_or(false) || !isTime(fresh.startMs)) return;
+    fresh.isDue = false;
+    fresh.startMs = nowMs;
+    requestAll(nowMs);
 }
 
 void Session::onException(const ExceptionPacket& exception) {
@@ -198,6 +251,7 @@ void Session::onException(const ExceptionPacket& exception) {
     if (news) noteOnce("the simulator refuses " + describe(*sent) + " (" + code + ')');
     if (sent->kind == Sent::kKeyEventMap) keyEventKnown_[sent->index] = false;
     if (sent->kind == Sent::kVariable) onMissingVariable(sent->index);
+    if (sent->kind == Sent::kSystemEvent && sent->index + 1 == kPauseByKind) subscribe(kPause);
 }
 
 void Session::onMissingVariable(std::size_t variable) {
@@ -212,10 +266,11 @@ bool Session::isAllRead() const {
                         [](const Reading& reading) { return reading.state == Reading::State::kAwaited; });
 }
 
-bool Session::sendKeyEvent(std::size_t event, std::uint32_t data) {
+bool Session::sendKeyEvent(std::size_t event, std::uint32_t data, std::uint64_t nowMs) {
     if (!isOpen() || !keyEventKnown_[event]) return false;
     const auto id = kFirstKeyEventId + static_cast<std::uint32_t>(event);
     connection_.send(encodeKeyEvent(stampFor(Sent::kKeyEvent, event), id, data));
+    ask(nowMs);
     return true;
 }
 
@@ -229,7 +284,7 @@ std::string Session::describe(const SentPacket& sent) const {
         case Sent::kKeyEvent:
             return std::string("the key event ") + plan_.keyEvents[sent.index];
         case Sent::kSystemEvent:
-            return std::string("the system event ") + kSystemEvents[sent.index].name;
+            return std::string("the system event ") + kSystemEvents[sent.index];
         case Sent::kSystemState:
             return "the system state Sim";
     }

@@ -10,6 +10,7 @@ namespace simconnect {
 namespace {
 
 constexpr std::string_view kNotFitted = "not in this aircraft";
+constexpr const char* kNoData = "the simulator sends no data";
 constexpr double kSilence = 0.005;  // a volume below this is 0
 
 // A known value; nothing while it is awaited or if the simulator does not know it.
@@ -82,7 +83,26 @@ void SimConnectLink::poll(std::uint64_t nowMs) {
     session_.poll(nowMs);
     for (auto& line : session_.takeNotes()) notes_.push_back(std::move(line));
     learn(nowMs);
+    watchWrites(nowMs);
     snapshot_ = describe(nowMs);
+}
+
+std::uint64_t SimConnectLink::unheardMs(std::uint64_t nowMs) const {
+    const auto dataMs = session_.dataMs();
+    return dataMs ? nowMs - *dataMs : 0;
+}
+
+void SimConnectLink::watchWrites(std::uint64_t nowMs) {
+    for (auto& written : written_) {
+        written.paused = written.paused || session_.isPaused();
+        written.stuttered = written.stuttered || unheardMs(nowMs) >= kStutterMs;
+    }
+}
+
+bool SimConnectLink::isSettled() const {
+    if (snapshot_.ok) return true;
+    if (!session_.isOpen()) return session_.isSettled();
+    return session_.isSimRunning() == false || snapshot_.status == kNoData;
 }
 
 void SimConnectLink::learn(std::uint64_t nowMs) {
@@ -90,10 +110,11 @@ void SimConnectLink::learn(std::uint64_t nowMs) {
         aircraft_ = session_.aircraft();
         learnt_ = {};
     }
+    const bool isLive = !session_.isPaused() && unheardMs(nowMs) < kStutterMs;
     for (std::size_t radio = 0; radio < kRadioCount; radio++) {
         auto& learnt = learnt_[radio];
         const double volume = toVolume(valueOf(session_, radio, kComVolume));
-        const bool silent = volume >= 0.0 && volume < kSilence && condition(radio).empty();
+        const bool silent = volume >= 0.0 && volume < kSilence && condition(radio).empty() && isLive;
         if (!silent) {
             learnt.silentSinceMs = 0;
         } else if (learnt.silentSinceMs == 0) {
@@ -110,7 +131,7 @@ std::string SimConnectLink::groundStatus(std::uint64_t nowMs) const {
     if (!session_.isSimRunning()) return "connecting to the simulator";
     if (!*session_.isSimRunning()) return "simulator in menu";
     const auto dataMs = session_.dataMs();
-    if (nowMs - dataMs.value_or(session_.requestedMs()) >= kFreshMs) return "the simulator sends no data";
+    if (nowMs - dataMs.value_or(session_.requestedMs()) >= kFreshMs) return kNoData;
     const bool enough = session_.isAllRead() || nowMs - session_.requestedMs() >= kFirstReadMs;
     return dataMs && enough ? "" : "reading the radios";
 }
@@ -171,14 +192,15 @@ std::string SimConnectLink::radioStatus() const {
     return com2.empty() ? text : text + radioName(1) + ' ' + std::string(com2);
 }
 
-bool SimConnectLink::write(const RadioWrite& write, std::uint64_t) {
+bool SimConnectLink::write(const RadioWrite& write, std::uint64_t nowMs) {
     const auto& radio = snapshot_.radios[write.radio];
     const bool valid = write.slot == kSlotSwap ||
                        (write.slot == kSlotVolume ? write.value >= 0.0 && write.value <= 1.0
                                                   : isTunable(snapshot_, write.radio, write.slot, write.value));
     if (!snapshot_.ok || !radio.writable[write.slot] || !valid) return false;
-    atWrite_[write.radio] = radio;
-    return session_.sendKeyEvent(keyEventOf(write.radio, write.slot), eventData(write));
+    const bool isSent = session_.sendKeyEvent(keyEventOf(write.radio, write.slot), eventData(write), nowMs);
+    written_[write.radio] = {radio, session_.question(), session_.isPaused(), unheardMs(nowMs) >= kStutterMs};
+    return isSent;
 }
 
 // Volume goes in whole percent. At 0 a knob that is also the power switch would switch the radio off for good: a radio
@@ -191,16 +213,26 @@ RadioWrite SimConnectLink::adjusted(const RadioWrite& write) const {
     return sent;
 }
 
+// Why the simulator may not have carried the write out yet; empty if there is no reason.
+std::string_view SimConnectLink::hindrance(const Written& written) const {
+    if (!session_.isAnswered(written.question)) return kDoesNotRead;
+    if (written.paused) return "the simulator is paused";
+    return written.stuttered ? kNoData : "";
+}
+
 // Only a slot where nothing moved counts as ignored: an aircraft that rounds to its own steps does obey. A radio that
-// has lost power by now could not.
+// has lost power by now could not, nor could a simulator that stands still.
 std::string SimConnectLink::noteReadback(const RadioWrite& write, bool seen) {
     auto& ignored = learnt_[write.radio].ignored[write.slot];
     auto& radio = snapshot_.radios[write.radio];
     if (seen) ignored = 0;
     if (seen || !radio.writable[write.slot]) return {};
-    if (shown(radio, write.slot) != shown(atWrite_[write.radio], write.slot)) {
+    const auto& written = written_[write.radio];
+    if (shown(radio, write.slot) != shown(written.before, write.slot)) {
         return "; it shows " + shownText(radio, write.slot);
     }
+    const auto reason = hindrance(written);
+    if (!reason.empty()) return "; " + std::string(reason);
     if (++ignored < kIgnoredWrites) return {};
     radio.writable[write.slot] = false;
     notes_.push_back(slotTitle(write.radio, write.slot) + ": the aircraft has ignored " +

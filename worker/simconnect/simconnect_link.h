@@ -11,7 +11,7 @@
 
 namespace simconnect {
 
-inline constexpr std::uint64_t kFreshMs = 1000;      // older data does not count
+inline constexpr std::uint64_t kFreshMs = 3000;      // a shorter silence is a stutter, and the last data still counts
 inline constexpr std::uint64_t kFirstReadMs = 1500;  // after that, what has been read must do
 inline constexpr std::uint64_t kSilentMs = 2000;  // a radio that has power this long after going to volume 0 keeps it
 inline constexpr std::uint64_t kRestMs = 200;     // data wakes us; this is for retries and for missing data
@@ -25,6 +25,8 @@ class SimConnectLink : public SimLink {
     const SimSnapshot& snapshot() const override { return snapshot_; }
     bool write(const RadioWrite& write, std::uint64_t nowMs) override;
     RadioWrite adjusted(const RadioWrite& write) const override;
+    std::uint64_t unheardMs(std::uint64_t nowMs) const override;
+    bool isSettled() const override;
     std::string noteReadback(const RadioWrite& write, bool seen) override;
     void* wakeHandle() const override { return transport_->wakeHandle(); }
     std::uint64_t restMs() const override { return kRestMs; }
@@ -37,8 +39,18 @@ class SimConnectLink : public SimLink {
         bool staysOnAtZero = false;             // has been seen at volume 0 with power for a while
     };
 
+    // A radio as it was when it was last written to, and what has happened since.
+    struct Written {
+        RadioReading before;
+        std::uint32_t question = 0;  // the session's, asked behind the write
+        bool paused = false;         // the simulator, at any moment since
+        bool stuttered = false;      // the same
+    };
+
     std::string groundStatus(std::uint64_t nowMs) const;
     void learn(std::uint64_t nowMs);
+    void watchWrites(std::uint64_t nowMs);
+    std::string_view hindrance(const Written& written) const;
     SimSnapshot describe(std::uint64_t nowMs) const;
     RadioReading describeRadio(std::size_t radio) const;
     std::string_view condition(std::size_t radio) const;
@@ -48,7 +60,7 @@ class SimConnectLink : public SimLink {
     Session session_;
     std::uint32_t aircraft_ = 0;  // the session's number for the aircraft that learnt_ belongs to
     std::array<Learnt, kRadioCount> learnt_;
-    std::array<RadioReading, kRadioCount> atWrite_;  // each radio as it was when last written to
+    std::array<Written, kRadioCount> written_;
     SimSnapshot snapshot_;
 };
 

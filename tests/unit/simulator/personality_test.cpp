@@ -103,6 +103,67 @@ TEST_F(PersonalityTest, FreezingInPauseSendsNoChangesAndTakesEventsWhenThePauseI
     EXPECT_EQ(read("COM STANDBY FREQUENCY:1", "Hz"), 119'000'000.0);
 }
 
+TEST_F(PersonalityTest, KnowingOnePauseRefusesTheOtherName) {
+    begin("knows_one_pause");
+    const auto refused = visitor->subscribe(1, "Pause_EX1");
+    EXPECT_EQ(visitor->exceptionFor(refused), 7u);
+    visitor->subscribe(2, "Pause");
+    visitor->forget();
+    act("pause on");
+    visitor->fly(50);
+    ASSERT_EQ(visitor->count(kEventId), 1u);
+    EXPECT_EQ(visitor->packets(kEventId)[0].u32(16), 2u);
+    EXPECT_EQ(visitor->packets(kEventId)[0].u32(20), 1u);
+}
+
+TEST_F(PersonalityTest, StutteringSendsAndReadsNothingForTwoAndAHalfSeconds) {
+    begin("stutters");
+    visitor->define(1, "COM STANDBY FREQUENCY:1", "Hz");
+    visitor->request({1, 1, 0, kVisualFrame, 0, 0, 0, 0});
+    visitor->fly(2050);
+    visitor->forget();
+    write("COM_STBY_RADIO_SET_HZ", 119'000'000);
+    visitor->fly(2400);
+    EXPECT_EQ(visitor->count(kDataId), 0u);
+    EXPECT_EQ(simulator->aircraft().radios[0].standbyHz, 121'500'000u);
+    visitor->fly(150);
+    ASSERT_GE(visitor->count(kDataId), 1u);
+    EXPECT_EQ(visitor->packets(kDataId)[0].f64(40), 119'000'000.0);
+}
+
+TEST_F(PersonalityTest, StoppingToReadGoesOnSending) {
+    begin("stops_reading");
+    visitor->define(1, "SIMULATION TIME", "Seconds");
+    visitor->request({1, 1, 0, kVisualFrame, 0, 0, 0, 0});
+    visitor->fly(2050);
+    visitor->forget();
+    write("COM_STBY_RADIO_SET_HZ", 119'000'000);
+    visitor->send(0x99, "");
+    visitor->fly(2000);
+    EXPECT_EQ(visitor->count(kDataId), 60u);
+    EXPECT_EQ(visitor->count(kExceptionId), 0u);
+    EXPECT_EQ(simulator->aircraft().radios[0].standbyHz, 121'500'000u);
+    visitor->fly(18'100);
+    EXPECT_EQ(visitor->count(kExceptionId), 1u);
+    EXPECT_EQ(simulator->aircraft().radios[0].standbyHz, 119'000'000u);
+}
+
+TEST_F(PersonalityTest, FloodingReportsAircraftByTheThousandAndEndsRequests) {
+    begin("floods_aircraft");
+    visitor->subscribe(1, "AircraftLoaded");
+    visitor->define(1, "COM ACTIVE FREQUENCY:1", "Hz");
+    visitor->fly(2050);
+    visitor->request({1, 1, 0, kVisualFrame, 0, 0, 0, 0});
+    visitor->forget();
+    visitor->fly(1000);
+    EXPECT_EQ(visitor->count(kFileId), 1200u);
+    EXPECT_EQ(visitor->count(kDataId), 0u);
+    visitor->fly(2000);
+    visitor->forget();
+    visitor->fly(1000);
+    EXPECT_EQ(visitor->count(kFileId), 0u);
+}
+
 TEST_F(PersonalityTest, SilentAndGarbageNeverOpen) {
     begin("silent");
     visitor->fly(6000);

@@ -77,11 +77,63 @@ TEST_F(CommandHandling, AVolumeHalfAPercentOffIsNotReadBackYet) {
 
 TEST_F(CommandHandling, GivesUpOnTheReadBackAfterItsLimit) {
     send(1, kSlotVolume, 0.6);
+    for (std::uint64_t ms = 0; ms < kReadbackLimitMs; ms += 100) handler.pass(1000 + ms);
     handler.pass(1000 + kReadbackLimitMs - 1);
     EXPECT_TRUE(handler.isPending());
     handler.pass(1000 + kReadbackLimitMs);
     EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM2 volume not accepted by this aircraft"}));
     EXPECT_TRUE(logFile.has("failed after 1500 ms: COM2 volume not accepted"));
+}
+
+namespace {
+
+// Says when the simulator was last heard of.
+struct StutteringLink : ManualLink {
+    std::uint64_t unheardMs(std::uint64_t nowMs) const override { return nowMs - heardMs; }
+    std::uint64_t heardMs = 0;
+};
+
+}  // namespace
+
+TEST_F(CommandHandling, CountsOnlyTheTimeInWhichTheSimulatorIsHeardOf) {
+    for (const std::uint64_t beforeMs : {0, 500, 1400}) {  // the stutter begins so long after the write
+        StutteringLink stuttering;
+        CommandHandler held(stuttering, log);
+        std::uint64_t nowMs = 10'000;
+        const auto live = [&](std::uint64_t ms) {
+            for (const auto end = nowMs + ms; nowMs < end; held.pass(nowMs)) stuttering.heardMs = nowMs += 20;
+        };
+        stuttering.heardMs = nowMs;
+        held.accept({"1-2", {0, kSlotStandby, 118005}, 0.0}, nowMs);
+        live(beforeMs);
+        for (int i = 0; i < 60; i++) held.pass(nowMs += 20);
+        live(kReadbackLimitMs - beforeMs);
+        EXPECT_TRUE(held.isPending()) << beforeMs;
+        live(40);
+        EXPECT_FALSE(held.isPending()) << beforeMs;
+        EXPECT_FALSE(held.ack().ok);
+    }
+}
+
+TEST_F(CommandHandling, CountsNoTimeInWhichTheWorkerItselfWasHeldUp) {
+    send(0, kSlotStandby, 118005);
+    handler.pass(1020);
+    handler.pass(3500);
+    EXPECT_TRUE(handler.isPending());
+    link.sim.radios[0].standby = 118005;
+    handler.pass(3520);
+    EXPECT_TRUE(handler.ack().ok);
+}
+
+TEST_F(CommandHandling, AnswersWithinFourSecondsWhateverIsHeard) {
+    StutteringLink stuttering;
+    CommandHandler held(stuttering, log);
+    stuttering.heardMs = 10'000;
+    held.accept({"1-2", {0, kSlotStandby, 118005}, 0.0}, 10'000);
+    held.pass(10'000 + kReadbackLastMs - 1);
+    EXPECT_TRUE(held.isPending());
+    held.pass(10'000 + kReadbackLastMs);
+    EXPECT_EQ(held.ack(), (CommandAck{"1-2", false, "COM1 standby not accepted by this aircraft"}));
 }
 
 TEST_F(CommandHandling, RefusesAnUnwritableSlotAtOnce) {

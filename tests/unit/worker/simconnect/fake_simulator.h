@@ -108,6 +108,12 @@ class FakeSimulator {
     void simEvent(std::uint32_t running) {
         say(FakePacket(4).u32(0xFFFFFFFF).u32(u32At(lastOf(kSubscribe, "Sim"), 16)).u32(running));
     }
+    // name: "Pause_EX1" or "Pause".
+    void pauseEvent(const std::string& name, std::uint32_t state) {
+        say(FakePacket(4).u32(0xFFFFFFFF).u32(u32At(lastOf(kSubscribe, name), 16)).u32(state));
+    }
+    // To the latest question, however many there were.
+    void answerQuestion() { simState(1); }
     void loadAircraft(const std::string& file) {
         const auto id = u32At(lastOf(kSubscribe, "AircraftLoaded"), 16);
         say(FakePacket(6).u32(0xFFFFFFFF).u32(id).u32(0).text(file, 260).u32(0));

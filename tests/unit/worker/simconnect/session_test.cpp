@@ -1,52 +1,8 @@
 #include "worker/simconnect/session.h"
-#include <gtest/gtest.h>
-#include <algorithm>
-#include <array>
 #include <set>
-#include "tests/unit/worker/simconnect/fake_simulator.h"
-
-namespace sc = simconnect;
-
-namespace {
-
-constexpr std::array<sc::Variable, 3> kThree = {{{"ALPHA", "MHz", sc::DataType::kFloat64},
-                                                 {"BETA", "Enum", sc::DataType::kInt32},
-                                                 {"GAMMA", "Percent", sc::DataType::kFloat64}}};
-constexpr std::array<const char*, 2> kTwo = {"FIRST_SET", "SECOND_SET"};
-
-struct SimConnectSession : testing::Test {
-    FakeTransport transport;
-    FakeSimulator simulator{transport};
-    sc::Session session{transport, {kThree, kTwo}};
-    std::uint64_t nowMs = 100'000;
-    std::vector<std::string> notes;
-
-    void pass(std::uint64_t ms = 20) {
-        nowMs += ms;
-        session.poll(nowMs);
-        for (auto& line : session.takeNotes()) notes.push_back(std::move(line));
-    }
-    void open() {
-        pass();
-        simulator.open();
-        pass();
-    }
-    void fly() {
-        open();
-        simulator.simState(1);
-        pass();
-    }
-    std::uint32_t protocol() const { return u32At(transport.sent.at(0), 4); }
-    bool noted(const std::string& part) const {
-        return std::any_of(notes.begin(), notes.end(),
-                           [&](const std::string& line) { return line.find(part) != std::string::npos; });
-    }
-    sc::Reading::State stateOf(std::size_t variable) const { return session.reading(variable).state; }
-};
+#include "tests/unit/worker/simconnect/session_rig.h"
 
 using State = sc::Reading::State;
-
-}  // namespace
 
 TEST_F(SimConnectSession, SaysNothingButItsIntroductionUntilItIsAnswered) {
     pass();
@@ -66,7 +22,7 @@ TEST_F(SimConnectSession, SetsUpEverythingOnceOpen) {
     EXPECT_TRUE(noted("connected to KittyHawk 11.0, protocol 5"));
     EXPECT_EQ(simulator.all(FakeSimulator::kMap).size(), 2u);
     EXPECT_EQ(simulator.all(FakeSimulator::kVariable).size(), 3u);
-    EXPECT_EQ(simulator.all(FakeSimulator::kSubscribe).size(), 2u);
+    EXPECT_EQ(simulator.all(FakeSimulator::kSubscribe).size(), 3u);
     EXPECT_EQ(simulator.all(FakeSimulator::kState).size(), 1u);
     EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), 0u);  // in a menu the values mean nothing
     std::set<std::uint32_t> defines;
@@ -195,72 +151,6 @@ TEST_F(SimConnectSession, WaitsLongerFromFailureToFailure) {
     EXPECT_TRUE(notes.empty());
 }
 
-TEST_F(SimConnectSession, LeavesAConnectionThatIsBeingMadeToTheTransport) {
-    transport.onConnect = sc::TransportState::kConnecting;
-    pass();
-    pass(60'000);
-    EXPECT_EQ(session.status(), "waiting for the simulator");
-    EXPECT_EQ(transport.connects, 1);
-    transport.state = sc::TransportState::kClosed;
-    transport.reason = "the simulator's computer does not answer";
-    pass();
-    EXPECT_EQ(session.status(), "the simulator's computer does not answer");
-    EXPECT_EQ(transport.connects, 1);
-}
-
-TEST_F(SimConnectSession, NamesASimulatorThatReadsNothingAnyMore) {
-    fly();
-    transport.refusesSends = true;
-    transport.reason = sc::kDoesNotRead;  // as a transport says when too much is waiting
-    session.sendKeyEvent(0, 1);
-    pass();
-    EXPECT_FALSE(session.isOpen());
-    EXPECT_TRUE(noted("connection to the simulator lost: the simulator does not read what it is told"));
-}
-
-TEST_F(SimConnectSession, SetsUpAnewAfterQuitCrashAndNonsense) {
-    for (const int way : {0, 1, 2, 3}) {
-        notes.clear();
-        if (!session.isOpen()) fly();
-        simulator.tell("ALPHA", 122.8);
-        pass(10'000);  // the connection has lasted
-        ASSERT_EQ(stateOf(0), State::kKnown);
-        const auto aircraft = session.aircraft();
-        const int connects = transport.connects;
-        if (way == 0) simulator.quit();
-        if (way == 1) transport.state = sc::TransportState::kClosed;
-        if (way == 2) simulator.say(FakeBytes(64, 0xff));
-        if (way == 3) transport.refusesSends = true;
-        session.sendKeyEvent(0, 1);
-        pass();
-        pass();
-        EXPECT_FALSE(session.isOpen()) << way;
-        EXPECT_EQ(stateOf(0), State::kAwaited) << way;
-        EXPECT_EQ(session.dataMs(), std::nullopt) << way;
-        EXPECT_EQ(session.isSimRunning(), std::nullopt) << way;
-        EXPECT_TRUE(noted("connection to the simulator lost")) << way;
-        EXPECT_FALSE(session.sendKeyEvent(0, 1)) << way;
-        transport.refusesSends = false;
-        pass(900);
-        EXPECT_EQ(transport.connects, connects) << way;
-        pass(100);
-        EXPECT_EQ(transport.connects, connects + 1) << way;
-        fly();
-        EXPECT_GT(session.aircraft(), aircraft) << way;
-        EXPECT_EQ(simulator.all(FakeSimulator::kVariable).size(), 3u) << way;
-        EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), 7u) << way;
-    }
-}
-
-TEST_F(SimConnectSession, TakesInWhatCameBeforeTheEnd) {
-    fly();
-    simulator.quit();
-    transport.state = sc::TransportState::kClosed;
-    pass();
-    EXPECT_TRUE(noted("the simulator has quit"));
-    EXPECT_EQ(std::count_if(notes.begin(), notes.end(), [](auto& line) { return line.find("lost") != line.npos; }), 1);
-}
-
 TEST_F(SimConnectSession, AnUnknownVariableIsMissingAndTheRestWorks) {
     open();
     simulator.exception(7, simulator.sendIdOf(FakeSimulator::kVariable, "ALPHA"));
@@ -310,7 +200,7 @@ TEST_F(SimConnectSession, TracesExceptionsToWhatCausedThem) {
     pass();
     EXPECT_TRUE(session.isKeyEventKnown(0));
     EXPECT_FALSE(session.isKeyEventKnown(1));
-    EXPECT_FALSE(session.sendKeyEvent(1, 5));
+    EXPECT_FALSE(session.sendKeyEvent(1, 5, nowMs));
     EXPECT_TRUE(noted("the simulator refuses the key event SECOND_SET (exception 7, NAME_UNRECOGNIZED)"));
     EXPECT_TRUE(noted("the simulator refuses to report BETA (exception 24, OPERATION_INVALID_FOR_OBJECT_TYPE)"));
     EXPECT_EQ(std::count(notes.begin(), notes.end(), "the simulator reports exception 3, UNRECOGNIZED_ID"), 1);
@@ -319,10 +209,10 @@ TEST_F(SimConnectSession, TracesExceptionsToWhatCausedThem) {
 
 TEST_F(SimConnectSession, SendsKeyEventsByTheirIds) {
     open();
-    EXPECT_TRUE(session.sendKeyEvent(1, 118'005'000));
-    EXPECT_TRUE(session.sendKeyEvent(0, 0));
+    EXPECT_TRUE(session.sendKeyEvent(1, 118'005'000, nowMs));
+    EXPECT_TRUE(session.sendKeyEvent(0, 0, nowMs));
     EXPECT_EQ(simulator.keyEvents(), (std::vector<std::string>{"SECOND_SET 118005000", "FIRST_SET 0"}));
-    simulator.exception(24, u32At(transport.sent.back(), 12));
+    simulator.exception(24, u32At(simulator.all(FakeSimulator::kKeyEvent).back(), 12));
     pass();
     EXPECT_TRUE(noted("the simulator refuses the key event FIRST_SET (exception 24"));
     EXPECT_TRUE(session.isKeyEventKnown(0));
@@ -332,6 +222,7 @@ TEST_F(SimConnectSession, TakesNothingFromTheAircraftBeforeForTheNewOne) {
     fly();
     simulator.tell("ALPHA", 122.8);
     pass();
+    pass(1000);
     const auto old = simulator.changeRequestOf("ALPHA");
     const auto aircraft = session.aircraft();
     simulator.loadAircraft("SimObjects\\Airplanes\\C172\\aircraft.cfg");
@@ -358,25 +249,47 @@ TEST_F(SimConnectSession, ForgetsTheValuesWhenTheFlightEnds) {
     EXPECT_EQ(session.isSimRunning(), false);
     EXPECT_EQ(stateOf(0), State::kAwaited);
     const auto before = simulator.all(FakeSimulator::kRequest).size();
+    pass(1000);
     simulator.simEvent(1);
     pass();
     EXPECT_EQ(simulator.all(FakeSimulator::kRequest).size(), before + 7);
 }
 
-TEST_F(SimConnectSession, AsksForASignOfLifeAndGivesUpAfterTwoMinutes) {
-    fly();
-    pass(9'999);
-    EXPECT_EQ(simulator.all(FakeSimulator::kState).size(), 1u);
-    pass(1);
-    EXPECT_EQ(simulator.all(FakeSimulator::kState).size(), 2u);
-    simulator.simState(1);
+TEST_F(SimConnectSession, KnowsAPauseByItsKindsOrWithoutThem) {
+    open();
+    EXPECT_FALSE(session.isPaused());
+    for (const std::uint32_t kind : {1u, 4u, 9u}) {
+        simulator.pauseEvent("Pause_EX1", kind);
+        pass();
+        EXPECT_TRUE(session.isPaused()) << kind;
+        simulator.pauseEvent("Pause_EX1", 0);
+        pass();
+        EXPECT_FALSE(session.isPaused()) << kind;
+    }
+    EXPECT_EQ(simulator.sendIdOf(FakeSimulator::kSubscribe, "Pause"), 0u);  // not needed
+    simulator.exception(7, simulator.sendIdOf(FakeSimulator::kSubscribe, "Pause_EX1"));
     pass();
-    for (int i = 0; i < 119; i++) pass(1000);
-    EXPECT_TRUE(session.isOpen());
-    EXPECT_EQ(simulator.all(FakeSimulator::kState).size(), 13u);
-    pass(1000);
-    EXPECT_FALSE(session.isOpen());
-    EXPECT_TRUE(noted("nothing heard for two minutes"));
+    EXPECT_NE(simulator.sendIdOf(FakeSimulator::kSubscribe, "Pause"), 0u);
+    simulator.pauseEvent("Pause", 1);
+    pass();
+    EXPECT_TRUE(session.isPaused());
+    simulator.quit();
+    pass();
+    EXPECT_FALSE(session.isPaused());  // the next one begins without
+}
+
+TEST_F(SimConnectSession, IsAnotherFlightAfterTheMenu) {
+    fly();
+    const auto aircraft = session.aircraft();
+    simulator.simEvent(1);
+    pass();
+    EXPECT_EQ(session.aircraft(), aircraft);  // no news
+    simulator.simEvent(0);
+    pass();
+    EXPECT_EQ(session.aircraft(), aircraft);
+    simulator.simEvent(1);
+    pass();
+    EXPECT_GT(session.aircraft(), aircraft);
 }
 
 TEST_F(SimConnectSession, ReadsPacketsByTheByte) {
