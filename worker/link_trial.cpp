@@ -9,7 +9,7 @@ LinkTrial tryLink(SimLink& link, const Clock& clock, const std::function<void()>
         trial.isUp = link.snapshot().ok;
         trial.status = link.snapshot().status;
         trial.ms = clock.tickMs() - startMs;
-        if (trial.isUp || trial.ms >= kLinkTrialMs) return trial;
+        if (trial.isUp || link.isSettled() || trial.ms >= kLinkTrialMs) return trial;
         pause();
     }
 }

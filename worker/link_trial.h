@@ -7,7 +7,9 @@
 #include "base/clock.h"
 #include "worker/sim_link.h"
 
-inline constexpr std::uint64_t kLinkTrialMs = 4000;  // a simulator that is there answers well within it
+// Longer than a link takes to find out: 10 s for a name, 2 s for each of its addresses, 5 s for each version of the
+// introduction.
+inline constexpr std::uint64_t kLinkTrialMs = 40'000;
 
 struct LinkTrial {
     bool isUp = false;
@@ -16,5 +18,5 @@ struct LinkTrial {
     std::vector<std::string> notes;  // what the worker would have logged
 };
 
-// Polls the link until it is up, for kLinkTrialMs at most; pause is called between two polls.
+// Polls the link until it is up or has found out why not, for kLinkTrialMs at most; pause is called between two polls.
 LinkTrial tryLink(SimLink& link, const Clock& clock, const std::function<void()>& pause);

@@ -10,6 +10,7 @@
 #include "tests/client/fake_telemetry.h"
 #include "tests/client/worker_at_work_win.h"
 #include "tests/simulator/program_win.h"
+#include "tests/simulator/server.h"
 #include "worker/diagnosis.h"
 
 namespace {
@@ -129,6 +130,29 @@ TEST_F(Diagnose, FindsThePluginsDataFolderAndTheWorkerThatServesIt) {
     EXPECT_TRUE(has(report, "worker          one serves this folder; the link is its own and was not tried\r\n"));
     EXPECT_TRUE(has(report, "judgement       used by the plugin: it shows CONNECTED\r\n"));
     EXPECT_TRUE(has(report, "  link up: built-in aircraft\r\n"));
+}
+
+TEST_F(Diagnose, SaysWhatTheLinkWouldSay) {
+    prepare(L"jane");
+    ASSERT_TRUE(writeFile(data / "worker.ini", ""));
+    standin::Server simulator(*standin::findPersonality("stock"));
+    const auto port = simulator.listenTcp(0);
+    ASSERT_NE(port, 0);
+    simulator.start();
+    std::string error;
+    const struct {
+        const char* action;
+        const char* found;
+    } rows[] = {{"sim menu", " s: simulator in menu\r\n"},
+                {"sim running", " s: flying\r\n"},
+                {"exit", " s: waiting for the simulator\r\n"}};
+    for (const auto& row : rows) {
+        ASSERT_TRUE(simulator.act(row.action, error)) << error;
+        const auto outcome =
+            run(L"--diagnose --data-dir " + quoted(data) + L" --address 127.0.0.1:" + std::to_wstring(port));
+        EXPECT_TRUE(has(outcome.output, row.found)) << outcome.output;
+        EXPECT_FALSE(has(outcome.output, " after 40.")) << outcome.output;  // has found out, and not given up
+    }
 }
 
 // A worker goes on writing while the report is made.
