@@ -160,7 +160,7 @@ RadioReading SimConnectLink::describeRadio(std::size_t radio) const {
     values.active = toKHz(valueOf(session_, radio, kComActive));
     values.standby = toKHz(valueOf(session_, radio, kComStandby));
     values.spacing = toSpacing(valueOf(session_, radio, kComSpacing));
-    values.volume = toVolume(valueOf(session_, radio, kComVolume));
+    values.volume = static_cast<float>(toVolume(valueOf(session_, radio, kComVolume)));
     for (std::size_t i = 0; i < kSlotCount && fault.empty(); i++) {
         const auto slot = static_cast<RadioSlot>(i);
         values.writable[i] = isReadable(values, slot) && session_.isKeyEventKnown(keyEventOf(radio, slot)) &&
