@@ -55,14 +55,15 @@ void roundCorners(HWND window) {
     FreeLibrary(library);
 }
 
-void runInSlot(const DialogContext& context) {
+// The exit code of a quit message that was not for the dialog.
+std::optional<int> runInSlot(const DialogContext& context) {
     const WindowClass dialogClass(context.module, kDialogClass);
     DialogWindow dialog(context);
-    if (!dialog.create()) return;
+    if (!dialog.create()) return std::nullopt;
     // A shutdown that began before the handle was published found no window to close.
     if (context.link.slot.isClosing()) PostMessageW(context.link.window, WM_CLOSE, 0, 0);
     dialog.open();
-    serveMessages(context.link.window);
+    return serveMessages(context.link.window);
 }
 
 class EnteredSlot {
@@ -92,7 +93,7 @@ void runSettingsDialog(const DialogContext& context) {
     if (showOpenDialog(context.link) || !context.link.slot.enter()) return;
     const EnteredSlot entered(context.link.slot);
     context.prepare();
-    runInSlot(context);
+    if (const auto code = runInSlot(context)) PostQuitMessage(*code);
 }
 
 DialogWindow::DialogWindow(const DialogContext& context) : context_(context) {

@@ -181,14 +181,15 @@ TEST_F(DialogLife, OpensAgainOnTheSameThreadOfTheHosts) {
 TEST_F(DialogLife, AQuitMessageForTheHostsThreadEndsItAndReachesTheHost) {
     ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
     ASSERT_TRUE(session.start());
+    constexpr WPARAM kExitCode = 7;
     std::atomic<bool> isTold{false};
     std::thread hosts([&] {
         session.plugin.exports().configure(nullptr, nullptr);
         MSG message;
-        isTold = PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE;
+        isTold = PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) && message.wParam == kExitCode;
     });
     EXPECT_TRUE(becomesOpen());
-    PostThreadMessageW(GetWindowThreadProcessId(findDialog(), nullptr), WM_QUIT, 0, 0);
+    PostThreadMessageW(GetWindowThreadProcessId(findDialog(), nullptr), WM_QUIT, kExitCode, 0);
     hosts.join();
     EXPECT_EQ(findDialog(), nullptr);
     EXPECT_TRUE(isTold);
