@@ -67,7 +67,7 @@ void TcpTransport::takeAddresses() {
     }
     lookup_.reset();
     std::reverse(untried_.begin(), untried_.end());
-    if (untried_.empty()) return end(address_.host + " is not known on this network");
+    if (untried_.empty()) return end("no such computer: " + address_.host);
     tryNextAddress();
 }
 

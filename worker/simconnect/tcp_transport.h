@@ -26,6 +26,7 @@ class TcpTransport : public Transport {
     std::size_t receive(std::span<std::uint8_t> into) override;
     bool send(std::span<const std::uint8_t> packet) override;
     std::string problem() const override { return problem_; }
+    std::string silence() const override { return "no answer from " + address_.host; }
     void* wakeHandle() const override;
 
   private:

@@ -33,6 +33,9 @@ class Transport {
     // Why it is closed, in plain English; empty if there is nobody to connect to.
     virtual std::string problem() const = 0;
 
+    // What to call it if it has been connecting for too long.
+    virtual std::string silence() const { return "the simulator does not answer"; }
+
     // Something the system can wait for, signalled when bytes have arrived: an event handle, or null.
     virtual void* wakeHandle() const { return nullptr; }
 };

@@ -35,6 +35,7 @@ class FakeTransport : public simconnect::Transport {
         return true;
     }
     std::string problem() const override { return reason; }
+    std::string silence() const override { return "no answer from the transport"; }
 
     simconnect::TransportState state = simconnect::TransportState::kClosed;
     simconnect::TransportState onConnect = simconnect::TransportState::kOpen;

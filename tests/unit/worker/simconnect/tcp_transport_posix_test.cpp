@@ -188,7 +188,7 @@ TEST(TcpTransport, DoesNotGetPastAnAddressThatSaysNothing) {
     simconnect::Connection connection(transport, "test");
     std::uint64_t nowMs = 0;
     EXPECT_EQ(msUntilVisited(connection, listening, nowMs), std::nullopt);
-    EXPECT_EQ(connection.status(), "the simulator's computer does not answer");
+    EXPECT_EQ(connection.status(), "no answer from simpc");
     EXPECT_EQ(lookUps, 5);  // in a minute: after 0, 11, 23, 38 and 53 seconds
     addresses.erase(addresses.begin());
     EXPECT_TRUE(msUntilVisited(connection, listening, nowMs));  // it was listening all the time
@@ -219,7 +219,7 @@ TEST(TcpTransport, SaysThatANameIsNotKnown) {
     transport.close();
     transport.connect();  // while the name is still being looked up
     ASSERT_TRUE(becomes([&] { return transport.poll() == TransportState::kClosed; }));
-    EXPECT_EQ(transport.problem(), tooLong + " is not known on this network");
+    EXPECT_EQ(transport.problem(), "no such computer: " + tooLong);
 }
 
 TEST(TcpTransport, RefusesMoreOnceTooMuchIsWaiting) {
