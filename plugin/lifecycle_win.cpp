@@ -74,6 +74,7 @@ void runPollThread(PluginState& plugin) {
         .talk = plugin.talk,
         .tails = tails,
         .voice = plugin.voice,
+        .lookAtWorker = [&plugin] { return lookAtWorker(plugin.worker); },
     };
     PollMemory memory;
     while (!plugin.stopPolling) {
