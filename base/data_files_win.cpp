@@ -1,6 +1,7 @@
 #include "base/data_files_win.h"
 #include <windows.h>
 #include <algorithm>
+#include <limits>
 #include <span>
 
 namespace {
@@ -71,12 +72,20 @@ bool writeFile(const std::string& path, std::string_view bytes) {
 }  // namespace
 
 bool WindowsDataFiles::read(const std::string& path, std::string& bytes) {
+    return readBeginning(path, std::numeric_limits<std::size_t>::max(), bytes);
+}
+
+bool WindowsDataFiles::readBeginning(const std::string& path, std::size_t maxBytes, std::string& bytes) {
     bytes.clear();
     const File file(path, GENERIC_READ, OPEN_EXISTING);
     if (!file.isOpen()) return false;
     char chunk[4096];
-    DWORD got = 0;
-    while (ReadFile(file.handle(), chunk, sizeof chunk, &got, nullptr) && got > 0) bytes.append(chunk, got);
+    while (bytes.size() < maxBytes) {
+        const auto wanted = static_cast<DWORD>(std::min(sizeof chunk, maxBytes - bytes.size()));
+        DWORD got = 0;
+        if (!ReadFile(file.handle(), chunk, wanted, &got, nullptr) || got == 0) break;
+        bytes.append(chunk, got);
+    }
     return true;
 }
 

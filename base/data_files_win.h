@@ -7,5 +7,6 @@
 class WindowsDataFiles : public DataFiles {
   public:
     bool read(const std::string& path, std::string& bytes) override;
+    bool readBeginning(const std::string& path, std::size_t maxBytes, std::string& bytes) override;
     bool replace(const std::string& path, std::string_view bytes) override;
 };

@@ -152,7 +152,8 @@ struct PassRig {
                         .moves = moves,
                         .talk = talk,
                         .tails = tails,
-                        .voice = voice};
+                        .voice = voice,
+                        .lookAtWorker = [] { return WorkerLife{}; }};
 };
 
 void passUnchanged(benchmark::State& state) {

@@ -1,7 +1,9 @@
 #include "bridge/poll_loop.h"
 #include "audio/volume_policy.h"
+#include "base/log_line.h"
 #include "bridge/move_status.h"
 #include "bridge/telemetry_file.h"
+#include "exchange/support_files.h"
 
 namespace {
 
@@ -12,16 +14,38 @@ struct Pass {
     Settings settings;
     SelectedRadio selected;
     bool telemetryOk = false;
+    DisconnectReason reason;
     bool queueBusy = false;
 };
 
-void readSimulator(Pass& pass, PollContext& context) {
-    if (const auto reading = readTelemetry(context.files, context.dataFolder, context.clock)) {
+void logEndOnce(const WorkerLife& worker, PollMemory& memory, const HostFunctions& host) {
+    if (worker.state != WorkerLife::State::kEnded || memory.endLogged) return;
+    logToHost(host, workerEndLine(worker.code));
+    memory.endLogged = true;
+}
+
+void readSimulator(Pass& pass, PollMemory& memory, PollContext& context) {
+    const auto reading = readTelemetry(context.files, context.dataFolder, context.clock);
+    const WorkerLife worker = context.lookAtWorker();
+    logEndOnce(worker, memory, context.host);
+    pass.reason = reasonOf(worker, reading);
+    if (reading) {
         pass.selected = selectRadio(copySettings(context.settings), *reading);
         pass.telemetryOk = reading->fresh;
-        publishTelemetry(*reading, context.radios.sim, context.radios.status);
+        publishTelemetry(*reading, pass.reason, context.radios.sim, context.radios.status);
     }
-    if (!pass.telemetryOk) setDisconnected(context.radios.sim, context.radios.status);
+    if (!pass.telemetryOk) setDisconnected(pass.reason, context.radios.sim, context.radios.status);
+}
+
+// For the report for support, which cannot ask us. A file that cannot be written is not tried again before the state
+// changes.
+void writeLinkState(const Pass& pass, PollMemory& memory, PollContext& context) {
+    const std::string state = pass.telemetryOk ? std::string(kConnectedText) : disconnectedText(pass.reason);
+    if (state == memory.linkState) return;
+    if (memory.linkStateMs != 0 && pass.nowMs - memory.linkStateMs < kLinkStateGapMs) return;
+    context.files.replace(joinPath(context.dataFolder, kLinkStateFile), state + "\r\n");
+    memory.linkState = state;
+    memory.linkStateMs = pass.nowMs;
 }
 
 void sendCommands(Pass& pass, PollContext& context) {
@@ -105,7 +129,7 @@ void pollOnce(PollMemory& memory, PollContext& context) {
     pass.nowMs = context.clock.tickMs();
     pass.settings = copySettings(context.settings);
     pass.schid = context.currentServer;
-    readSimulator(pass, context);
+    readSimulator(pass, memory, context);
     sendCommands(pass, context);
     forgetWhatIsOver(pass, memory, context);
     followWhenStill(pass, memory, context);
@@ -113,11 +137,12 @@ void pollOnce(PollMemory& memory, PollContext& context) {
     trackOwnTalk(pass, memory, context);
     drainTails(context.talk, context.tails);
     readCaptureMode(pass, memory, context);
+    writeLinkState(pass, memory, context);
 }
 
 void losePass(SimRadios& radios) noexcept {
     try {
-        setDisconnected(radios.sim, radios.status);
+        setDisconnected({DisconnectCause::kOutOfMemory, 0, {}}, radios.sim, radios.status);
     } catch (...) {
         // No memory for a word: the panel shows what it showed.
     }

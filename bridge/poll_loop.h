@@ -2,10 +2,13 @@
 // receive gain, watch the user's own talk state, play tails. One pass is one call; the thread around it is plugin glue.
 #pragma once
 #include <atomic>
+#include <functional>
+#include <string>
 #include "audio/tail_player.h"
 #include "audio/talk_tracker.h"
 #include "audio/voice_levels.h"
 #include "bridge/command_queue.h"
+#include "bridge/disconnect_reason.h"
 #include "bridge/sim_state.h"
 #include "bridge/status_lines.h"
 #include "channels/follow_frequency.h"
@@ -14,6 +17,7 @@ inline constexpr std::uint32_t kPollPeriodMs = 50;
 inline constexpr std::uint64_t kStableMs = 350;          // a frequency is followed once it has been stable this long
 inline constexpr std::uint64_t kFollowSpacingMs = 2000;  // between two looks at a move
 inline constexpr std::uint64_t kCaptureReadMs = 1000;
+inline constexpr std::uint64_t kLinkStateGapMs = 1000;  // link_state.txt is written no more often
 
 // What the loop keeps from pass to pass. [poll] alone.
 struct PollMemory {
@@ -25,6 +29,9 @@ struct PollMemory {
     bool wasFollowing = true;             // connected, with master and AUTO on; at first: a line of before is cleared
     std::uint64_t ownSchid = 0;           // the server and the id under which the own talk was last reported; 0 none
     std::uint16_t ownClientId = 0;
+    bool endLogged = false;               // the worker's end is in the host's log
+    std::string linkState;                // last written to link_state.txt
+    std::uint64_t linkStateMs = 0;        // tick ms of that, 0 never
 };
 
 // What a pass works with. All of it outlives the poll thread.
@@ -41,6 +48,7 @@ struct PollContext {
     TalkTracker& talk;
     TailPlayer& tails;
     VoiceLevels& voice;
+    std::function<WorkerLife()> lookAtWorker;  // asked once a pass
 };
 
 // [poll] One pass. No lock is held across it, nor across a file or host call in it, except the settings-file mutex

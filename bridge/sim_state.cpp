@@ -3,9 +3,6 @@
 
 namespace {
 
-constexpr std::string_view kConnected = "CONNECTED";
-constexpr std::string_view kDisconnected = "DISCONNECTED";
-
 RadioReading unknownRadio(std::int32_t spacing) {
     RadioReading radio;
     radio.spacing = spacing;
@@ -13,10 +10,11 @@ RadioReading unknownRadio(std::int32_t spacing) {
 }
 
 // The status line for a reading, given the state before it; nothing: the line stays as it is.
-std::optional<std::string_view> statusOf(const TelemetryReading& reading, const SimState& before) {
-    if (!reading.fresh) return kDisconnected;
+std::optional<std::string> statusOf(const TelemetryReading& reading, const DisconnectReason& reason,
+                                    const SimState& before) {
+    if (!reading.fresh) return disconnectedText(reason);
     if (reading.telemetry.ackId != before.ackId) return reading.telemetry.ackMessage;
-    if (!before.connected) return kConnected;
+    if (!before.connected) return std::string(kConnectedText);
     return std::nullopt;
 }
 
@@ -27,13 +25,14 @@ SimState copySimState(SharedSimState& shared) {
     return shared.state;
 }
 
-void publishTelemetry(const TelemetryReading& reading, SharedSimState& sim, StatusLines& status) {
+void publishTelemetry(const TelemetryReading& reading, const DisconnectReason& reason, SharedSimState& sim,
+                      StatusLines& status) {
     const Telemetry& telemetry = reading.telemetry;
-    std::optional<std::string_view> statusText;
+    std::optional<std::string> statusText;
     {
         const MutexLock lock(sim.mutex);
         SimState& state = sim.state;
-        statusText = statusOf(reading, state);
+        statusText = statusOf(reading, reason, state);
         for (std::size_t i = 0; i < state.radios.size(); i++)
             state.radios[i] = reading.fresh ? telemetry.radios[i] : unknownRadio(telemetry.radios[i].spacing);
         state.connected = reading.fresh;
@@ -43,21 +42,23 @@ void publishTelemetry(const TelemetryReading& reading, SharedSimState& sim, Stat
         state.ackId = telemetry.ackId;
         state.ackOk = telemetry.ackOk;
         state.readTick = reading.readTickMs;
+        state.reason = reason;
     }
     if (statusText) setStatusText(status, *statusText);
 }
 
-void setDisconnected(SharedSimState& sim, StatusLines& status) {
+void setDisconnected(const DisconnectReason& reason, SharedSimState& sim, StatusLines& status) {
     {
         const MutexLock lock(sim.mutex);
         sim.state.connected = false;
+        sim.state.reason = reason;
         for (auto& radio : sim.state.radios) {
             radio.active = 0;
             radio.standby = 0;
             radio.volume = -1.0f;
         }
     }
-    setStatusText(status, kDisconnected);
+    setStatusText(status, disconnectedText(reason));
 }
 
 const RadioReading* radioOf(const SimState& state, std::int32_t com) {

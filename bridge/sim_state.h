@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include "base/mutex.h"
+#include "bridge/disconnect_reason.h"
 #include "bridge/status_lines.h"
 #include "bridge/telemetry_file.h"
 #include "exchange/com_radio.h"
@@ -17,6 +18,7 @@ struct SimState {
     std::string ackId;                             // the last command the worker handled
     bool ackOk = false;                            // whether that command succeeded
     std::uint64_t readTick = 0;                    // ms, when the file was parsed
+    DisconnectReason reason;                       // why it is not connected
 };
 
 // The state lock guards the one snapshot; every access is a copy or an assignment under it, nothing is called while it
@@ -29,12 +31,13 @@ struct SharedSimState {
 SimState copySimState(SharedSimState& shared);
 
 // [poll] Stores a reading and says in the status line what it means to the pilot. If it is not fresh, the radios become
-// unknown except for their spacing.
-void publishTelemetry(const TelemetryReading& reading, SharedSimState& sim, StatusLines& status);
+// unknown except for their spacing, and the line says the reason behind "DISCONNECTED".
+void publishTelemetry(const TelemetryReading& reading, const DisconnectReason& reason, SharedSimState& sim,
+                      StatusLines& status);
 
-// [poll] The bridge is gone: frequencies and volumes unknown, "DISCONNECTED". Spacing and writability keep their last
-// values until the next read.
-void setDisconnected(SharedSimState& sim, StatusLines& status);
+// [poll] The bridge is gone: frequencies and volumes unknown, "DISCONNECTED" with the reason. Spacing and writability
+// keep their last values until the next read.
+void setDisconnected(const DisconnectReason& reason, SharedSimState& sim, StatusLines& status);
 
 // The radio numbered com, 1 or 2; null for any other number.
 const RadioReading* radioOf(const SimState& state, std::int32_t com);

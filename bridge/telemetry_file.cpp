@@ -2,12 +2,15 @@
 
 std::optional<TelemetryReading> readTelemetry(DataFiles& files, const std::string& dataFolder, const Clock& clock) {
     std::string text;
-    if (!files.read(joinPath(dataFolder, kTelemetryFile), text) || text.empty()) return std::nullopt;
+    const std::string path = joinPath(dataFolder, kTelemetryFile);
+    if (!files.readBeginning(path, kMaxTelemetryFileBytes, text) || text.empty()) return std::nullopt;
     TelemetryReading reading;
     reading.readTickMs = clock.tickMs();
     reading.telemetry = parseTelemetry(text);
     // The clock is read after the file: a file written between the two must not seem to come from the future.
-    reading.fresh = isFresh(reading.telemetry, clock.unixSeconds());
+    const double nowUnixSeconds = clock.unixSeconds();
+    reading.timely = isTimely(reading.telemetry, nowUnixSeconds);
+    reading.fresh = isFresh(reading.telemetry, nowUnixSeconds);
     return reading;
 }
 

@@ -1,5 +1,6 @@
 // telemetry_file.h - telemetry.json read from the data folder, and the part of it that the bridge uses.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,8 +9,13 @@
 #include "exchange/telemetry_text.h"
 #include "settings/settings.h"
 
+// No more than this is read of telemetry.json, so that a file of any size costs a pass little. The worker's has about a
+// thousand bytes.
+inline constexpr std::size_t kMaxTelemetryFileBytes = 4'000'000;
+
 struct TelemetryReading {
     Telemetry telemetry;
+    bool timely = false;           // whatever it says, its worker wrote it just now
     bool fresh = false;            // by the clock when it was read
     std::uint64_t readTickMs = 0;  // when the file was parsed
 };

@@ -20,17 +20,8 @@ bool fileExists(const std::string& path) {
     return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-std::string commandLineFor(const std::string& pluginFolder, const std::string& dataFolder, const std::string& python) {
-    const bool programExists = fileExists(joinPath(pluginFolder, kWorkerProgram));
-    return workerCommandLine({.pluginFolder = pluginFolder,
-                              .dataFolder = dataFolder,
-                              .python = python,
-                              .hostProcessId = GetCurrentProcessId(),
-                              .programExists = programExists});
-}
-
-// The process handle, or null.
-HANDLE launchHidden(std::string commandLine, const std::string& folder) {
+// The process handle, or null with the system's error.
+HANDLE launchHidden(std::string commandLine, const std::string& folder, std::uint32_t& error) {
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESHOWWINDOW;
@@ -38,8 +29,10 @@ HANDLE launchHidden(std::string commandLine, const std::string& folder) {
     PROCESS_INFORMATION process = {};
     const char* currentFolder = folder.empty() ? nullptr : folder.c_str();
     if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, currentFolder,
-                        &startup, &process))
+                        &startup, &process)) {
+        error = GetLastError();
         return nullptr;
+    }
     CloseHandle(process.hThread);
     return process.hProcess;
 }
@@ -49,14 +42,30 @@ HANDLE launchHidden(std::string commandLine, const std::string& folder) {
 void startWorker(WorkerProcess& worker, const HostFunctions& host, const std::string& pluginFolder,
                  const std::string& dataFolder, const std::string& python) {
     stopWorker(worker);
+    const WorkerStart start{.pluginFolder = pluginFolder,
+                            .dataFolder = dataFolder,
+                            .python = python,
+                            .hostProcessId = GetCurrentProcessId(),
+                            .programExists = fileExists(joinPath(pluginFolder, kWorkerProgram))};
+    worker.isMissing = !start.programExists && !fileExists(joinPath(pluginFolder, kWorkerScript));
     worker.workerJob = createKillingJob();
-    worker.workerProcess = launchHidden(commandLineFor(pluginFolder, dataFolder, python), pluginFolder);
+    worker.startError = 0;
+    worker.workerProcess = launchHidden(workerCommandLine(start), pluginFolder, worker.startError);
     if (!worker.workerProcess) {
         logToHost(host, "无法启动 Python worker；请在设置中确认 Python 路径");
         return;
     }
     if (worker.workerJob) AssignProcessToJobObject(worker.workerJob, worker.workerProcess);
     logToHost(host, "SimConnect worker started");
+}
+
+WorkerLife lookAtWorker(const WorkerProcess& worker) {
+    using enum WorkerLife::State;
+    if (!worker.workerProcess) return {kNotStarted, worker.startError, worker.isMissing};
+    if (WaitForSingleObject(worker.workerProcess, 0) != WAIT_OBJECT_0) return {kRunning, 0, worker.isMissing};
+    DWORD exitCode = 0;
+    GetExitCodeProcess(worker.workerProcess, &exitCode);
+    return {kEnded, exitCode, worker.isMissing};
 }
 
 void stopWorker(WorkerProcess& worker) {

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <limits>
 #include "base/number_text.h"
+#include "base/utf8.h"
 #include "exchange/command_text.h"
 #include "exchange/flat_json.h"
 
@@ -120,7 +121,7 @@ std::string quotedText(std::string_view value) {
     if (open == std::string_view::npos) return {};
     const auto close = value.find('"', open + 1);
     if (close == std::string_view::npos) return {};
-    return std::string(value.substr(open + 1, close - open - 1));
+    return std::string(cutUtf8(value.substr(open + 1, close - open - 1), kMaxTelemetryTextBytes));
 }
 
 // A volume that does not fit into a float counts as absent.
@@ -189,9 +190,13 @@ Telemetry parseTelemetry(std::string_view text) {
     return telemetry;
 }
 
-bool isFresh(const Telemetry& telemetry, double nowUnixSeconds) {
+bool isTimely(const Telemetry& telemetry, double nowUnixSeconds) {
     const double age = nowUnixSeconds - telemetry.updated;
-    return telemetry.ok && age >= 0.0 && age < kTelemetryMaxAgeSeconds && telemetry.protocol == kTelemetryProtocol;
+    return age >= 0.0 && age < kTelemetryMaxAgeSeconds;
+}
+
+bool isFresh(const Telemetry& telemetry, double nowUnixSeconds) {
+    return telemetry.ok && isTimely(telemetry, nowUnixSeconds) && telemetry.protocol == kTelemetryProtocol;
 }
 
 std::string plainText(std::string_view text) {

@@ -3,6 +3,7 @@
 // fails as a whole. Values: copy them freely. [any]
 #pragma once
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,6 +12,10 @@
 inline constexpr const char* kTelemetryFile = "telemetry.json";
 inline constexpr double kTelemetryProtocol = 2.0;
 inline constexpr double kTelemetryMaxAgeSeconds = 3.0;  // exclusive
+
+// A text of the file is cut to this length, never inside a UTF-8 character. Ours have a quarter of it; whatever else
+// stands there is copied under locks and drawn.
+inline constexpr std::size_t kMaxTelemetryTextBytes = 256;
 
 // The keys of the file with their defaults for absent ones. The default is the safe state: no link, nothing known.
 struct Telemetry {
@@ -36,6 +41,9 @@ Telemetry parseTelemetry(std::string_view text);
 // decimal point in every locale. "updated" is truncated, not rounded, to milliseconds: a reader rejects a file from the
 // future, even by half a millisecond. The texts come last, since readers take the first match of a quoted key.
 std::string writeTelemetryText(const Telemetry& telemetry, double unixSeconds);
+
+// True if the worker wrote within the last three seconds, not in the future.
+bool isTimely(const Telemetry& telemetry, double nowUnixSeconds);
 
 // True if the worker is healthy, speaks our protocol and wrote within the last three seconds, not in the future.
 bool isFresh(const Telemetry& telemetry, double nowUnixSeconds);

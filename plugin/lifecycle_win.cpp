@@ -78,6 +78,7 @@ class Polling {
               .talk = plugin.talk,
               .tails = tails_,
               .voice = plugin.voice,
+              .lookAtWorker = [&plugin] { return lookAtWorker(plugin.worker); },
           } {}
     void pass() { pollOnce(memory_, context_); }
 

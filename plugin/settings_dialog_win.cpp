@@ -29,6 +29,7 @@ LiveRadio liveRadioOf(const SimState& sim, std::int32_t com) {
     LiveRadio live;
     live.isConnected = sim.connected;
     live.readTickMs = sim.readTick;
+    live.reason = reasonText(sim.reason);
     if (const RadioReading* radio = radioOf(sim, com)) {
         live.isKnown = true;
         live.activeKHz = radio->active;

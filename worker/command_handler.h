@@ -12,10 +12,12 @@ inline constexpr std::uint64_t kReadbackLimitMs = 1500;  // in which the simulat
 inline constexpr std::uint64_t kReadbackLastMs = 4000;   // in all; the plugin gives up after 4500, on all that waits
 inline constexpr double kVolumeTolerance = 0.005;        // half a percent: simulators keep volume in coarse steps
 
+// Without an id: none yet. The panel shows the message of an acknowledgement it has not seen, so after one of an
+// earlier worker it shows this one's first: a line that says something.
 struct CommandAck {
-    std::string id;  // empty: none yet
+    std::string id;
     bool ok = false;
-    std::string message;
+    std::string message = "CONNECTED";
     bool operator==(const CommandAck&) const = default;
 };
 

@@ -21,7 +21,7 @@ bool CommandInbox::readNewText(std::uint64_t nowMs) {
     std::string text;
     if (stamp.bytes > kMaxCommandBytes) {
         logProblem("command.json ignored: larger than a command");
-    } else if (!files_.read(path_, text)) {
+    } else if (!files_.readBeginning(path_, kMaxCommandBytes + 1, text)) {
         logProblem("command.json cannot be read");
         return false;  // the next pass tries again
     }

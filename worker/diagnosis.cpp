@@ -124,7 +124,10 @@ std::string judgeTelemetry(const Telemetry& telemetry, double nowUnixSeconds) {
     if (telemetry.protocol != kTelemetryProtocol) {
         return "not used by the plugin: protocol " + formatGeneral(telemetry.protocol);
     }
-    if (!telemetry.ok) return "not used by the plugin: the worker has no live data";
+    if (!telemetry.ok && isTimely(telemetry, nowUnixSeconds)) {
+        const std::string why = telemetry.status.empty() ? "" : " (" + telemetry.status + ')';
+        return "not used by the plugin: the worker has no live data" + why;
+    }
     return "not used by the plugin: updated " + ageText(telemetry.updated, nowUnixSeconds);
 }
 
@@ -230,6 +233,7 @@ std::string composeDiagnosis(const Diagnosis& found, const NarrowDecoder& decode
     showFile(report, "capture_mode.txt", found.captureMode, found);
     showFile(report, kHostInterfaceFile, found.hostInterface, found);
     showFile(report, kHostAnswerFile, found.hostAnswer, found);
+    showFile(report, kLinkStateFile, found.linkState, found);
     showTelemetry(report, found);
     showCommand(report, found);
     showLink(report, found, log);

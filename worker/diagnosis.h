@@ -56,6 +56,7 @@ struct Diagnosis {
     FoundFile captureMode;
     FoundFile hostInterface;  // the user's word on the version of the plugin interface
     FoundFile hostAnswer;     // what the plugin answered last
+    FoundFile linkState;      // what the plugin's panel last said of the link
     FoundFile telemetry;
     FoundFile command;
     FoundFile log;

@@ -124,6 +124,7 @@ void findFiles(const std::string& dataDir, const std::string& programFolder, Dia
     found.captureMode = findFile(inData("capture_mode.txt"));
     found.hostInterface = findFile(inData(kHostInterfaceFile));
     found.hostAnswer = findFile(inData(kHostAnswerFile));
+    found.linkState = findFile(inData(kLinkStateFile));
     found.telemetry = findFile(inData(kTelemetryFile));
     found.command = findFile(inData(kCommandFile));
     found.oldLog = findFile(inData("hopline_worker.old.log"), true);

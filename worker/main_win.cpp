@@ -1,7 +1,6 @@
 // main_win.cpp - hopline_worker.exe --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT] | --address HOST:PORT]
 //            or: hopline_worker.exe --diagnose [--data-dir DIR] [...]: diagnosis_win.h
-// Exit codes: 0 the watched process or the data folder is gone, 1 unexpected failure (in the log), 2 bad command line,
-// 3 another worker serves the folder.
+// Exit codes: 0 the watched process or the data folder is gone, 1 unexpected failure (in the log), 2 bad command line.
 #include <exception>
 #include "base/data_files_win.h"
 #include "base/identity.h"
@@ -21,7 +20,10 @@ int _dowildcard = 0;
 
 namespace {
 
-enum ExitCode { kEnded = 0, kFailed = 1, kBadArguments = 2, kSecondWorker = 3 };
+enum ExitCode { kEnded = 0, kFailed = 1, kBadArguments = 2 };
+
+// A reloaded plugin starts its new worker while the killed one is still ending: no line for the log.
+constexpr std::uint64_t kQuietClaimMs = 500;
 
 std::string describeOptions(const WorkerOptions& options) {
     std::string text = "data folder " + options.dataDir;
@@ -58,6 +60,29 @@ int runLoop(WorkerLoop& loop, const SimLink& link, WorkerSleep& sleep, const Clo
     }
 }
 
+// Two voice clients have two workers and one folder: the second waits until the first has gone. False if there is
+// nobody left to serve.
+bool waitForFolder(FolderClaim& claim, HANDLE watched, const std::string& dataDir, WorkerLog& log) {
+    bool isWaiting = false;
+    while (true) {
+        switch (claim.wait(watched, isWaiting ? kFolderCheckMs : kQuietClaimMs)) {
+            case FolderClaim::Outcome::kOurs:
+                if (isWaiting) log.line("the other worker has gone");
+                return true;
+            case FolderClaim::Outcome::kWatchedEnded:
+                log.line("ending: the watched process has ended");
+                return false;
+            case FolderClaim::Outcome::kTaken:
+                break;
+        }
+        if (!isWaiting) log.line("another worker already serves " + dataDir + "; waiting for it to go");
+        isWaiting = true;
+        if (WindowsFolder().folderExists(dataDir)) continue;
+        log.line("ending: the data folder is gone");
+        return false;
+    }
+}
+
 int serve(WorkerOptions options, WorkerLog& log, const Clock& clock) {
     OwnedHandle watched;
     if (options.watchPid) {
@@ -68,11 +93,8 @@ int serve(WorkerOptions options, WorkerLog& log, const Clock& clock) {
             return kEnded;
         }
     }
-    const auto claim = claimFolder(options.dataDir);
-    if (!claim) {
-        log.line("ending: another worker already serves " + options.dataDir);
-        return kSecondWorker;
-    }
+    FolderClaim claim(options.dataDir);
+    if (!waitForFolder(claim, watched.get(), options.dataDir, log)) return kEnded;
     WindowsDataFiles files;
     WindowsFolder folder;
     readIni(options, files, folder, log);

@@ -9,7 +9,6 @@ namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr DWORD kHighResolution = 2;  // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION
-constexpr DWORD kClaimWaitMs = 500;
 
 std::wstring finalPath(const std::string& folder) {
     const auto handle =
@@ -128,13 +127,23 @@ std::string fullPath(const std::string& path) {
     return full;
 }
 
-OwnedHandle claimFolder(const std::string& dataDir) {
-    const auto name = workerMutexName(canonicalPath(dataDir));
-    OwnedHandle mutex(CreateMutexA(nullptr, FALSE, name.c_str()));
-    if (!mutex) return nullptr;
-    const DWORD result = WaitForSingleObject(mutex.get(), kClaimWaitMs);
-    const bool ours = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
-    return ours ? std::move(mutex) : nullptr;
+FolderClaim::FolderClaim(const std::string& dataDir) : name_(workerMutexName(canonicalPath(dataDir))) {}
+
+FolderClaim::Outcome FolderClaim::wait(HANDLE watched, std::uint64_t ms) {
+    if (!mutex_) mutex_.reset(CreateMutexA(nullptr, FALSE, name_.c_str()));
+    HANDLE handles[2];
+    DWORD count = 0;
+    if (watched) handles[count++] = watched;  // the first one that is signalled counts
+    const DWORD mutexIndex = count;
+    if (mutex_) handles[count++] = mutex_.get();
+    const auto timeout = static_cast<DWORD>(ms);
+    const DWORD result = count > 0 ? WaitForMultipleObjects(count, handles, FALSE, timeout) : WAIT_FAILED;
+    if (watched && result == WAIT_OBJECT_0) return Outcome::kWatchedEnded;
+    // Abandoned: its owner was killed, as workers are.
+    if (mutex_ && (result == WAIT_OBJECT_0 + mutexIndex || result == WAIT_ABANDONED_0 + mutexIndex))
+        return Outcome::kOurs;
+    if (result == WAIT_FAILED) Sleep(timeout);
+    return Outcome::kTaken;
 }
 
 // The mutex lives as long as anybody has it open; that of a worker with more rights than ours denies us access.

@@ -81,9 +81,20 @@ class WorkerSleep {
 // Full path of the file or folder, relative to the current directory; the path unchanged if there is none.
 std::string fullPath(const std::string& path);
 
-// The mutex that says we serve this folder; null if another worker holds it. Waits up to half a second: a reloaded
-// plugin starts its new worker while the killed one is still ending.
-OwnedHandle claimFolder(const std::string& dataDir);
+// The right to serve a folder, which one worker at a time has: a mutex, ours until the process ends.
+class FolderClaim {
+  public:
+    enum class Outcome { kOurs, kTaken, kWatchedEnded };
+
+    explicit FolderClaim(const std::string& dataDir);
+    // Waits for at most ms milliseconds until it is ours or the watched process has ended. watched may be null; it is
+    // not owned.
+    Outcome wait(HANDLE watched, std::uint64_t ms);
+
+  private:
+    std::string name_;
+    OwnedHandle mutex_;  // null while a worker with more rights than ours keeps us from opening it
+};
 
 // Whether a worker holds that mutex or is about to. Only looks: a worker that starts meanwhile is not affected.
 bool isFolderServed(const std::string& dataDir);

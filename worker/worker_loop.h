@@ -6,7 +6,9 @@
 #include "worker/command_inbox.h"
 #include "worker/telemetry_writer.h"
 
-inline constexpr std::uint64_t kPassMs = 23;          // command.json is looked at this often: read within 25 ms
+// Between two passes: command.json is read within 25 ms. A link that may rest (SimLink::restMs) and a folder that can
+// be watched make it longer; then the new file itself begins the pass.
+inline constexpr std::uint64_t kPassMs = 23;
 inline constexpr std::uint64_t kFolderCheckMs = 230;  // the folder's disappearance shows within 500 ms
 
 struct PassResult {

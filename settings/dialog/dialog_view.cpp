@@ -118,6 +118,12 @@ void addLive(TextList& list, const DialogControl& control) {
     list.addTo(control, list.entry(live.stateEntry), list.band(control, 56, 16),
                {11, false, live.isConnected ? TextTone::kAccent : TextTone::kAmber});
     // 42 units below the frequency's line.
+    if (!live.reason.empty()) {
+        // Two lines of it, down to the row's end; there is no volume then.
+        list.addTo(control, live.reason, list.band(control, 72, 34), {11, false, TextTone::kDim});
+        list.texts.back().wraps = true;
+        return;
+    }
     if (!live.volume.empty()) list.addTo(control, live.volume, list.band(control, 72, 26), {13, false, TextTone::kDim});
 }
 
@@ -222,6 +228,7 @@ LiveStatus liveStatusOf(const LiveRadio& radio, std::int32_t com, LiveMemory& me
     const bool isOld = radio.isConnected && nowMs - radio.readTickMs > kFreshMs && nowMs > radio.readTickMs;
     const bool isJustLost =
         !radio.isConnected && memory.connectedMs != 0 && nowMs - memory.connectedMs < kRecentlyLostMs;
+    if (!radio.isConnected) live.reason = radio.reason;
     live.stateEntry = isOld || isJustLost ? kTextStaleData
                       : radio.isConnected ? kTextSimConnected
                                           : kTextSimNotConnected;

@@ -31,6 +31,7 @@ struct LiveRadio {
     std::int32_t activeKHz = 0;    // 0 unknown
     float volume = -1.0f;          // 0..1, -1 unknown
     std::uint64_t readTickMs = 0;  // when it was read
+    std::string reason;            // why it is not connected, one line of English, UTF-8
 };
 
 // The live row: the simulator's radio as the user reads it.
@@ -39,6 +40,7 @@ struct LiveStatus {
     std::string volume;     // "VOL 85%", empty when unknown
     int stateEntry = 72;    // text entry: connected, stale data or not connected
     bool isConnected = false;
+    std::string reason;  // why there is no connection, as the panel says it; empty while there is one
 
     bool operator==(const LiveStatus&) const = default;
 };

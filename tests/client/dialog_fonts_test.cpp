@@ -15,7 +15,7 @@ DialogLayout wholeDialog(unsigned dpi, int page) {
 DialogView viewIn(std::int32_t language) {
     DialogView view;
     view.language = language;
-    view.live = {"COM2   122.800 MHz", "VOL 100%", 70, true};
+    view.live = {"COM2   122.800 MHz", "VOL 100%", 70, true, ""};
     return view;
 }
 
@@ -41,6 +41,9 @@ TEST(DialogFontsTest, EveryTextFitsInTheFontsOfThisSystem) {
                 for (const int state : {kTextSimConnected, kTextStaleData, kTextSimNotConnected}) {
                     DialogView view = viewIn(language);
                     view.live.stateEntry = state;
+                    // The longest: with a blank to break at, and without.
+                    if (state == kTextStaleData) view.live.reason = "the simulator closes the connection at once";
+                    if (state == kTextSimNotConnected) view.live.reason = std::string(44, 'm');
                     for (const DialogText& text : dialogTexts(layout, view)) {
                         if (state == kTextSimConnected || text.id == kLiveRow) expectFitting(text);
                     }

@@ -1,5 +1,8 @@
 #include <windows.h>
 #include <atomic>
+#include <fstream>
+#include "base/data_files_win.h"
+#include "base/number_text.h"
 #include "bridge/poll_loop.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
@@ -49,6 +52,52 @@ TEST_F(FileTrouble, AHundredMegabytesOfTelemetryAreLivedThrough) {
     ASSERT_TRUE(session.waitPasses(2));  // the second pass began after the file was there
     session.tune(1, 122800);
     EXPECT_TRUE(session.waitForCalls("requestClientMove", 1, 30'000));
+}
+
+TEST_F(FileTrouble, NoMoreThanWantedIsReadOfAFile) {
+    std::filesystem::create_directories(session.dataFolder);
+    std::string whole;
+    for (int i = 0; whole.size() < 20'000; i++) whole += std::to_string(i);
+    ASSERT_TRUE(writeFile(telemetryFile(), whole));
+    const std::string path = toCodePage(telemetryFile().wstring());
+    WindowsDataFiles files;
+    for (const std::size_t bytes : {std::size_t{0}, std::size_t{1}, std::size_t{4096}, std::size_t{4097},
+                                    whole.size() - 1, whole.size(), whole.size() + 1}) {
+        std::string read = "what was there before";
+        ASSERT_TRUE(files.readBeginning(path, bytes, read));
+        EXPECT_EQ(read, whole.substr(0, bytes)) << bytes;
+    }
+    std::string read;
+    ASSERT_TRUE(files.read(path, read));
+    EXPECT_EQ(read, whole);
+    EXPECT_FALSE(files.readBeginning(path + ".none", 10, read));
+    EXPECT_EQ(read, "");
+}
+
+TEST_F(FileTrouble, AHundredMegabytesOfTextInFreshTelemetryAreLivedWith) {
+    FakeTelemetry hostile;
+    hostile.radios[0].activeKhz = 122800;
+    hostile.ackId = "4242-1";
+    hostile.ackMessage = std::string(100'000'000, 'x');
+    const std::string opening = "{\n \"updated\": ";
+    const std::string text = telemetryText(hostile, session.clock.unixSeconds());
+    ASSERT_TRUE(text.starts_with(opening));
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(replaceFile(telemetryFile(), text));
+    // Only the stamp is written anew: the whole file would be old before it is on the disk.
+    const auto stamp = [&] {
+        std::fstream file(telemetryFile(), std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(static_cast<std::streamoff>(opening.size()));
+        file << formatFixed(session.clock.unixSeconds(), 3);
+    };
+    EXPECT_TRUE(session.waitUntil(
+        [&] {
+            stamp();
+            return host.ownChannel(kSchid) == kTower122800;
+        },
+        30'000));
+    session.tune(1, 121500);
+    EXPECT_TRUE(session.waitForArrival(kGround121500));
 }
 
 TEST_F(FileTrouble, AFolderInThePlaceOfTheTelemetryIsLivedWith) {

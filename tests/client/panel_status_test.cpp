@@ -16,9 +16,18 @@
 namespace {
 
 // The longest lines that each side can show. A worker's own answers also come on the left.
-constexpr const char* kLongestLeft[] = {
-    "Radio spacing unavailable or frequency limit", "Write timed out; showing simulator readback",
-    "Writing; awaiting simulator readback", "Write unavailable / DISCONNECTED", "Volume controlled by simulator"};
+constexpr const char* kLongestLeft[] = {"Radio spacing unavailable or frequency limit",
+                                        "Write timed out; showing simulator readback",
+                                        "Writing; awaiting simulator readback",
+                                        "Write unavailable / DISCONNECTED",
+                                        "Volume controlled by simulator",
+                                        "DISCONNECTED: worker program missing",
+                                        "DISCONNECTED: worker not running (code 259)",
+                                        "DISCONNECTED: waiting for the simulator",
+                                        "DISCONNECTED: simulator in menu",
+                                        "DISCONNECTED: no answer from 192.168.1.20",
+                                        "DISCONNECTED: the simulator sends no data",
+                                        "DISCONNECTED: simulator link lost"};
 constexpr const char* kLongestRight[] = {"TS3 move requested; awaiting confirmation",
                                          "TS3 move pending; awaiting confirmation",
                                          "TS3 channel join failed (4294967295)", "TS3 channel join not confirmed"};

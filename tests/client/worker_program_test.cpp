@@ -6,7 +6,7 @@
 namespace {
 
 constexpr auto kDeadlineMs = static_cast<std::uint32_t>(kPatienceMs);
-constexpr std::uint32_t kEnded = 0, kBadArguments = 2, kSecondWorker = 3;
+constexpr std::uint32_t kEnded = 0, kBadArguments = 2;
 
 // A program that ends when it is told to, or is killed.
 class WatchedProgram {
@@ -29,6 +29,16 @@ class WorkerProgram : public ::testing::Test {
   protected:
     bool startWatching(std::uint32_t processId) {
         return worker.startWith(worker.dataDirArgument() + L" --simulate --watch-pid " + std::to_wstring(processId));
+    }
+
+    // A worker for the same folder under another name.
+    bool startSecond(standin::Program& second, std::uint32_t watchedId) {
+        const auto folder = worker.folder.path.wstring() + L"\\.";
+        return second.start(L"\"" + productFile("hopline_worker.exe").wstring() + L"\" --simulate --data-dir \"" +
+                            folder + L"\" --watch-pid " + std::to_wstring(watchedId));
+    }
+    std::string waitingLine() const {
+        return "another worker already serves " + toCodePage(worker.folder.path.wstring()) + "; waiting for it to go";
     }
 
     WatchedProgram watched;
@@ -65,23 +75,52 @@ TEST_F(WorkerProgram, ServesNobodyWhenTheProcessToWatchIsGoneAlready) {
     EXPECT_EQ(worker.telemetry().updated, 0.0);
 }
 
-TEST_F(WorkerProgram, LeavesAFolderToTheWorkerThatServesItAlready) {
+// Two voice clients with one data folder.
+TEST_F(WorkerProgram, WaitsForTheWorkerThatServesTheFolderAndThenServesIt) {
     ASSERT_TRUE(worker.start(L" --simulate"));
     ASSERT_TRUE(worker.waitOk()) << worker.log();
     standin::Program second;
-    // The same folder under another name.
-    const auto folder = worker.folder.path.wstring() + L"\\.";
-    ASSERT_TRUE(second.start(L"\"" + productFile("hopline_worker.exe").wstring() + L"\" --simulate --data-dir \"" +
-                             folder + L"\""));
-    EXPECT_EQ(second.waitForEnd(kDeadlineMs), kSecondWorker);
-    EXPECT_TRUE(worker.hasLogged("ending: another worker already serves " + toCodePage(worker.folder.path.wstring())))
-        << worker.log();
+    ASSERT_TRUE(startSecond(second, GetCurrentProcessId()));
+    ASSERT_TRUE(waitFor([&] { return worker.hasLogged(waitingLine()); }, kPatienceMs)) << worker.log();
     EXPECT_TRUE(worker.program.isRunning());
-    EXPECT_TRUE(worker.waitOk());  // goes on as before
+    EXPECT_TRUE(worker.command(1, "standby", "128855").ackOk) << worker.log();  // the first goes on as before
+    EXPECT_TRUE(second.isRunning());
 
-    worker.program.kill();  // and what a killed worker leaves behind locks nobody out
+    worker.program.kill();
+    ASSERT_TRUE(waitFor([&] { return worker.hasLogged("the other worker has gone"); }, kPatienceMs)) << worker.log();
+    const auto answer = worker.command(1, "standby", "121500");
+    EXPECT_TRUE(answer.ackOk) << worker.log();
+    EXPECT_EQ(answer.radios[0].standby, 121500);
+    EXPECT_TRUE(second.isRunning());
+}
+
+TEST_F(WorkerProgram, WaitsNoLongerThanItsWatchedProcessRuns) {
+    ASSERT_TRUE(watched.start());
     ASSERT_TRUE(worker.start(L" --simulate"));
-    EXPECT_TRUE(worker.waitOk()) << worker.log();
+    ASSERT_TRUE(worker.waitOk()) << worker.log();
+    standin::Program second;
+    ASSERT_TRUE(startSecond(second, watched.program.processId()));
+    ASSERT_TRUE(waitFor([&] { return worker.hasLogged(waitingLine()); }, kPatienceMs)) << worker.log();
+    watched.endByItself();
+    EXPECT_EQ(second.waitForEnd(kDeadlineMs), kEnded);
+    EXPECT_TRUE(worker.hasLogged("ending: the watched process has ended")) << worker.log();
+    EXPECT_TRUE(worker.program.isRunning());
+    EXPECT_TRUE(worker.waitOk());
+}
+
+TEST_F(WorkerProgram, WaitsNoLongerThanItsFolderIsThere) {
+    ASSERT_TRUE(worker.start(L" --simulate"));
+    ASSERT_TRUE(worker.waitOk()) << worker.log();
+    standin::Program second;
+    ASSERT_TRUE(startSecond(second, GetCurrentProcessId()));
+    ASSERT_TRUE(waitFor([&] { return worker.hasLogged(waitingLine()); }, kPatienceMs)) << worker.log();
+    // As long as the first one serves, so that the second still waits when it looks.
+    const auto elsewhere = worker.folder.path.wstring() + L" elsewhere";
+    ASSERT_TRUE(waitFor([&] { return MoveFileW(worker.folder.path.c_str(), elsewhere.c_str()) != 0; }, kPatienceMs));
+    EXPECT_EQ(second.waitForEnd(kDeadlineMs), kEnded);
+    EXPECT_EQ(worker.program.waitForEnd(kDeadlineMs), kEnded);
+    std::error_code ignored;
+    std::filesystem::remove_all(elsewhere, ignored);
 }
 
 TEST_F(WorkerProgram, RefusesABadCommandLine) {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <sstream>
 #include "bridge/worker_command_line.h"
+#include "exchange/support_files.h"
 #include "exchange/telemetry_text.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
@@ -94,6 +95,10 @@ class Worker : public PluginTest {
         EXPECT_TRUE(session.copyWorker(programFolder() / "fake_worker.exe"));
         EXPECT_TRUE(session.start());
         return waitForReport(session.pluginFolder);
+    }
+    std::string linkState() const { return readFile(session.dataFolder / kLinkStateFile); }
+    bool waitForLinkState(const std::string& text) {
+        return session.waitUntil([&] { return linkState() == text; }, kPatienceMs);
     }
     std::string commonArguments() const {
         return " --data-dir " + quoted(session.dataFolder) + " --watch-pid " + std::to_string(GetCurrentProcessId());
@@ -242,4 +247,38 @@ TEST_F(Worker, ThatIsNoProgramCountsAsNotStarted) {
     ASSERT_TRUE(session.start());
     EXPECT_TRUE(session.waitForLog("无法启动 Python worker；请在设置中确认 Python 路径", kPatienceMs));
     ASSERT_TRUE(session.waitPasses(2));
+    EXPECT_TRUE(waitForLinkState("DISCONNECTED: worker not started (error 193)\r\n")) << linkState();
+}
+
+// What the panel's left line says also stands in a file for support, where it is read here.
+TEST_F(Worker, ThatIsNotInThePackageIsSaidToBeMissing) {
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(waitForLinkState("DISCONNECTED: worker program missing\r\n")) << linkState();
+}
+
+TEST_F(Worker, IsSaidToBeMissingEvenIfAnInterpreterStarted) {
+    const auto interpreter = session.machine.path / "python.exe";
+    std::filesystem::copy_file(programFolder() / "fake_worker.exe", interpreter);
+    ASSERT_TRUE(session.writeSettings("python=" + toCodePage(interpreter.wstring()) + "\r\n"));
+    ASSERT_TRUE(session.start());
+    const StartReport report = waitForReport(session.machine.path);
+    EXPECT_TRUE(waitForLinkState("DISCONNECTED: waiting for the worker\r\n")) << linkState();
+    ASSERT_TRUE(killProcess(report.processId));
+    EXPECT_TRUE(waitForLinkState("DISCONNECTED: worker program missing\r\n")) << linkState();
+}
+
+TEST_F(Worker, ThatHasEndedIsSaidToHaveWithItsCodeAndLoggedOnce) {
+    const StartReport report = startWithWorker();
+    EXPECT_TRUE(waitForLinkState("DISCONNECTED: waiting for the worker\r\n")) << linkState();
+    ASSERT_TRUE(killProcess(report.processId));  // with code 9
+    EXPECT_TRUE(waitForLinkState("DISCONNECTED: worker not running (code 9)\r\n")) << linkState();
+    ASSERT_TRUE(session.waitPasses(5));
+    const auto lines = host.logLines();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "SimConnect worker ended (exit code 9)"), 1);
+}
+
+TEST_F(Worker, ThatFindsNoSimulatorSaysSo) {
+    ASSERT_TRUE(session.copyWorker(productFile(kWorkerProgram)));
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(waitForLinkState("DISCONNECTED: waiting for the simulator\r\n")) << linkState();
 }

@@ -23,7 +23,10 @@ bool isAtRest(const RadioReading& radio) {
 void checkPublished(const SimState& state, const StatusTexts& status, bool fresh) {
     if (state.connected != fresh) fail("connected is not what the reading says");
     if (fresh) return;
-    if (status.statusText != "DISCONNECTED") fail("a stale file shows a status of its own");
+    if (!status.statusText.starts_with(kDisconnectedText)) fail("a stale file shows a status of its own");
+    if (status.statusText.size() > kDisconnectedText.size() + 2 + kMaxReasonBytes) fail("a reason is too long");
+    for (const char c : status.statusText)
+        if (static_cast<unsigned char>(c) < 0x20) fail("a reason has a control character");
     for (const auto& radio : state.radios)
         if (!isAtRest(radio)) fail("a stale file leaves a radio known");
 }
@@ -45,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!text.empty()) fail("a file that can be read is not");
         return 0;
     }
-    publishTelemetry(*reading, sim, status);
+    publishTelemetry(*reading, reasonOf(WorkerLife{}, reading), sim, status);
     checkPublished(copySimState(sim), copyStatus(status), reading->fresh);
     if (!reading->fresh && selectRadio(Settings{}, *reading).frequencyKHz != 0)
         fail("a stale file selects a frequency");

@@ -66,9 +66,9 @@ void Connection::awaitReply(bool ended, std::uint64_t nowMs) {
         if (std::holds_alternative<QuitPacket>(*packet)) return retryLater({}, nowMs);
         const auto* exception = std::get_if<ExceptionPacket>(&*packet);
         if (!exception) continue;
-        return tryNextVersion("the simulator refuses the connection (exception " + std::to_string(exception->code) +
-                                  ", " + std::string(exceptionName(exception->code)) + ')',
-                              nowMs);
+        return tryNextVersion("the simulator refuses the connection", nowMs,
+                              " (exception " + std::to_string(exception->code) + ", " +
+                                  std::string(exceptionName(exception->code)) + ')');
     }
     if (stream_.isBroken()) return tryNextVersion("the simulator's answer makes no sense", nowMs);
     if (ended) return tryNextVersion("the simulator closes the connection at once", nowMs);
@@ -80,14 +80,15 @@ void Connection::onOpened(const OpenPacket& reply, std::uint64_t nowMs) {
     dueMs_ = nowMs;
     openings_++;
     versionsTried_ = 0;
+    isLost_ = false;
     problem_.clear();
     note("connected to " + (reply.application.empty() ? "a simulator without a name" : reply.application) + ' ' +
          std::to_string(reply.major) + '.' + std::to_string(reply.minor) + ", protocol " +
          std::to_string(version().protocol));
 }
 
-void Connection::tryNextVersion(const std::string& problem, std::uint64_t nowMs) {
-    note(problem + ", protocol " + std::to_string(version().protocol));
+void Connection::tryNextVersion(const std::string& problem, std::uint64_t nowMs, const std::string& detail) {
+    note(problem + detail + ", protocol " + std::to_string(version().protocol));
     versionIndex_ = (versionIndex_ + 1) % kClientVersions.size();
     if (++versionsTried_ == kClientVersions.size()) return retryLater(problem, nowMs);
     transport_.close();
@@ -107,6 +108,16 @@ void Connection::retryLater(const std::string& problem, std::uint64_t nowMs) {
 
 void Connection::drop(const std::string& reason, std::uint64_t nowMs) {
     note("connection to the simulator lost: " + reason);
+    end(nowMs);
+    isLost_ = true;
+}
+
+void Connection::quit(std::uint64_t nowMs) {
+    note("connection to the simulator lost: the simulator has quit");
+    end(nowMs);
+}
+
+void Connection::end(std::uint64_t nowMs) {
     if (nowMs - dueMs_ >= kLastingMs) failures_ = 0;
     retryLater({}, nowMs);
 }
@@ -116,7 +127,8 @@ std::string Connection::status() const {
     // Also between two versions: a line that changes back and forth says less.
     const bool connecting =
         state_ == ConnectionState::kOpening || state_ == ConnectionState::kOpen || versionsTried_ > 0;
-    return connecting ? "connecting to the simulator" : "waiting for the simulator";
+    if (connecting) return "connecting to the simulator";
+    return isLost_ ? "simulator link lost" : "waiting for the simulator";
 }
 
 // Nobody there counts at the second try: the first may fall between two turns of the simulator's pipe.

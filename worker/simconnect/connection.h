@@ -44,8 +44,10 @@ class Connection {
     Stamp stamp();
     void send(const Bytes& packet);
 
-    // Ends the connection for a reason of ours and tries again later.
+    // Ends a connection that has broken, for a reason that goes into the log, and tries again later.
     void drop(const std::string& reason, std::uint64_t nowMs);
+    // The same after the simulator has said goodbye: nothing is wrong.
+    void quit(std::uint64_t nowMs);
 
     // Lines for the log since the last call.
     std::vector<std::string> takeNotes() { return std::exchange(notes_, {}); }
@@ -56,7 +58,9 @@ class Connection {
     bool receive(std::uint64_t nowMs);
     void awaitReply(bool ended, std::uint64_t nowMs);
     void onOpened(const OpenPacket& reply, std::uint64_t nowMs);
-    void tryNextVersion(const std::string& problem, std::uint64_t nowMs);
+    // detail goes into the log only.
+    void tryNextVersion(const std::string& problem, std::uint64_t nowMs, const std::string& detail = {});
+    void end(std::uint64_t nowMs);
     void retryLater(const std::string& problem, std::uint64_t nowMs);
     void note(const std::string& line);
 
@@ -72,6 +76,7 @@ class Connection {
     std::uint32_t openings_ = 0;
     std::uint64_t heardMs_ = 0;
     bool sendFailed_ = false;
+    bool isLost_ = false;   // the last connection broke, and none has been made since
     std::string problem_;   // empty: there is just no simulator
     std::string lastNote_;  // a line that repeats is logged once
     std::vector<std::string> notes_;

@@ -6,7 +6,8 @@ namespace simconnect {
 
 namespace {
 
-constexpr int kMaxBusyTries = 50;  // a second's worth of passes
+// One a pass: half a second where the worker takes one every 23 ms, and five where it rests for 200 ms in between.
+constexpr int kMaxBusyTries = 25;
 
 bool isGone(DWORD error) {
     return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
@@ -39,8 +40,8 @@ void PipeTransport::tryOpen() {
     const DWORD error = GetLastError();
     if (error == ERROR_PIPE_BUSY && ++busyTries_ < kMaxBusyTries) return;  // the next pass tries again
     state_ = TransportState::kClosed;
-    if (error == ERROR_PIPE_BUSY) problem_ = "the simulator has no room for another program";
-    if (error == ERROR_ACCESS_DENIED) problem_ = "the simulator lets no program of this user in";
+    if (error == ERROR_PIPE_BUSY) problem_ = "the simulator takes no more programs";
+    if (error == ERROR_ACCESS_DENIED) problem_ = "the simulator refuses this user's programs";
     if (!problem_.empty() || error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return;
     problem_ = "the simulator cannot be reached (error " + std::to_string(error) + ')';
 }

@@ -174,7 +174,7 @@ Stamp Session::stampFor(Sent kind, std::size_t index) {
 }
 
 void Session::handle(const Received& packet, std::uint64_t nowMs) {
-    if (std::holds_alternative<QuitPacket>(packet)) connection_.drop("the simulator has quit", nowMs);
+    if (std::holds_alternative<QuitPacket>(packet)) connection_.quit(nowMs);
     if (const auto* data = std::get_if<DataPacket>(&packet)) onData(*data, nowMs);
     if (const auto* event = std::get_if<EventPacket>(&packet)) onEvent(*event);
     if (const auto* exception = std::get_if<ExceptionPacket>(&packet)) onException(*exception);

@@ -67,7 +67,7 @@ void TcpTransport::awaitAddresses(std::uint64_t nowMs) {
         lookup_.reset();
         turns_.begin(std::move(*found));
     }
-    if (isUnknown) end(address_.host + " is not known on this network");
+    if (isUnknown) end("no such computer: " + address_.host);
 }
 
 void TcpTransport::awaitConnection(std::uint64_t nowMs) {
@@ -96,7 +96,7 @@ void TcpTransport::tryNextAddress(std::uint64_t nowMs) {
         if (progress == ConnectProgress::kPending) return;
         someRefused_ = someRefused_ || progress == ConnectProgress::kRefused;
     }
-    end(someSilent_ && !someRefused_ ? "the simulator's computer does not answer" : "");
+    end(someSilent_ && !someRefused_ ? "no answer from " + address_.host : "");
 }
 
 std::size_t TcpTransport::receive(std::span<std::uint8_t> into) {

@@ -119,7 +119,7 @@ TEST_F(PollFollow, LostTelemetryStartsTheWaitingAnew) {
     rig.files.remove(pathOf(kTelemetryFile));
     rig.workerAlive = false;
     EXPECT_EQ(looksIn(3000), Times{});
-    EXPECT_EQ(rig.statusText(), "DISCONNECTED");
+    EXPECT_EQ(rig.statusText(), "DISCONNECTED: waiting for the worker");
     rig.workerAlive = true;
     const auto backAt = now();
     EXPECT_EQ(looksIn(1000), (Times{backAt + 350}));

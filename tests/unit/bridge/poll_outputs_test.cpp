@@ -73,7 +73,7 @@ TEST_F(PollOutputs, APassThatIsLostToMemoryShowsTheBridgeAsGoneUntilTheNextOne) 
     ASSERT_EQ(rig.statusText(), "Tuned");
     isScarce = true;
     pass();
-    EXPECT_EQ(rig.statusText(), "DISCONNECTED");
+    EXPECT_EQ(rig.statusText(), "DISCONNECTED: out of memory");
     EXPECT_FALSE(copySimState(rig.sim).connected);
     EXPECT_EQ(copySimState(rig.sim).radios[0].active, 0);
     isScarce = false;

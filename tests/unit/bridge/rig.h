@@ -152,6 +152,7 @@ struct PollRig {
     HostFunctions functions;
     TelemetryFile telemetry;
     bool workerAlive = true;  // the telemetry is rewritten before every pass
+    WorkerLife worker;        // what the plugin knows of the process
     std::atomic<std::uint64_t> server{1};
     SettingsStore settings{files};
     SimRadios radios;
@@ -173,5 +174,6 @@ struct PollRig {
                         .moves = moves,
                         .talk = talk,
                         .tails = tails,
-                        .voice = voice};
+                        .voice = voice,
+                        .lookAtWorker = [this] { return worker; }};
 };

@@ -20,7 +20,7 @@ class SimStateTest : public testing::Test {
     Reading read() {
         const auto read = readTelemetry(files, kFolder, clock);
         if (!read) return {};
-        publishTelemetry(*read, sim, status);
+        publishTelemetry(*read, reasonOf(WorkerLife{}, read), sim, status);
         return {read->fresh, selectRadio(copySettings(settings), *read), read->telemetry.status};
     }
     SimState state() { return copySimState(sim); }
@@ -111,7 +111,7 @@ TEST_F(SimStateTest, AClockSetBackMakesTheFileOneOfTheFuture) {
     EXPECT_TRUE(readText(file.text()).fresh);
     clock.seconds = clock.unixSeconds() - 3600.0;
     EXPECT_FALSE(read().fresh);
-    EXPECT_EQ(statusText(), "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED: waiting for the worker");
     EXPECT_TRUE(readText(file.writtenAt(clock.unixSeconds()).text()).fresh);
 }
 
@@ -149,7 +149,7 @@ TEST_F(SimStateTest, AStaleFileGivesUnknownRadiosButSpacingRangeAndAcknowledgeme
     EXPECT_FALSE(readText(file.text()).fresh);
     const SimState now = state();
     EXPECT_FALSE(now.connected);
-    EXPECT_EQ(statusText(), "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED: waiting for the worker");
     for (const auto& radio : now.radios) {
         expectUnknown(radio);
         EXPECT_EQ(radio.spacing, 1);
@@ -179,9 +179,10 @@ TEST_F(SimStateTest, AMissingOrEmptyFileLeavesTheStateUntouched) {
 
 TEST_F(SimStateTest, ALostBridgeResetsTheRadiosButKeepsSpacingAndWritability) {
     readText(file.text());
-    setDisconnected(sim, status);
+    setDisconnected({DisconnectCause::kWorkerSilent, 0, {}}, sim, status);
     EXPECT_FALSE(state().connected);
-    EXPECT_EQ(statusText(), "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED: waiting for the worker");
+    EXPECT_EQ(state().reason.cause, DisconnectCause::kWorkerSilent);
     expectUnknown(state().radios[0]);
     expectUnknown(state().radios[1]);
     EXPECT_EQ(state().radios[1].spacing, 1);
@@ -212,7 +213,7 @@ TEST_F(SimStateTest, AStaleFileSelectsNothing) {
     EXPECT_EQ(reading.selected.volume, -1.0f);
 }
 
-TEST_F(SimStateTest, TheWorkersStatusIsHandedOnAndNotShown) {
+TEST_F(SimStateTest, TheWorkersStatusIsHandedOnAndNotShownWhileConnected) {
     EXPECT_EQ(readText(file.text()).status, "flying");
     EXPECT_NE(statusText(), "flying");
 }
@@ -245,14 +246,14 @@ TEST_F(SimStateTest, ComingBackWithTheSameAcknowledgementShowsConnected) {
     readText(file.text());
     clock.advance(5000);
     readText(file.text());
-    EXPECT_EQ(statusText(), "DISCONNECTED");
+    EXPECT_EQ(statusText(), "DISCONNECTED: waiting for the worker");
     readText(file.writtenAt(clock.unixSeconds()).text());
     EXPECT_EQ(statusText(), "CONNECTED");
 }
 
 TEST_F(SimStateTest, AnAcknowledgementSeenInAStaleFileIsNotNewWhenItFreshens) {
-    readText(file.set("ok", "false").set("ack_id", "\"77\"").text());
-    EXPECT_EQ(statusText(), "DISCONNECTED");
+    readText(file.set("ok", "false").set("ack_id", "\"77\"").set("status", "\"simulator in menu\"").text());
+    EXPECT_EQ(statusText(), "DISCONNECTED: simulator in menu");
     readText(file.set("ok", "true").text());
     EXPECT_EQ(statusText(), "CONNECTED");
 }
@@ -261,7 +262,7 @@ TEST_F(SimStateTest, TheChannelStatusOutlivesEveryReading) {
     setChannelStatus(status, "TS3 channel confirmed");
     readText(file.text());
     readText(file.set("ok", "false").text());
-    setDisconnected(sim, status);
+    setDisconnected({}, sim, status);
     EXPECT_EQ(copyStatus(status).channelStatus, "TS3 channel confirmed");
 }
 

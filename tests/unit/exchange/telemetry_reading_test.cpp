@@ -224,6 +224,26 @@ TEST(TelemetryText, AStringRunsFromTheNextQuoteToTheOneAfter) {
     EXPECT_EQ(parseTelemetry("{\"ack_message\":\"two\nlines\"}").ackMessage, "two\nlines");
 }
 
+TEST(TelemetryText, TextsAreCutAt256BytesButNotInsideACharacter) {
+    const std::string letters(255, 'a');
+    const struct {
+        std::string text, read;
+    } rows[] = {{letters, letters},
+                {letters + "b", letters + "b"},
+                {letters + "bc", letters + "b"},
+                {letters + "\xc3\xa4", letters},
+                {letters + "\xe4\xb8\xad and more", letters},
+                {letters.substr(1) + "\xc3\xa4 and more", letters.substr(1) + "\xc3\xa4"}};
+    for (const auto& row : rows) {
+        const std::string quoted = ":\"" + row.text + "\"";
+        const Telemetry telemetry =
+            parseTelemetry("{\"ack_id\"" + quoted + ",\"ack_message\"" + quoted + ",\"status\"" + quoted + "}");
+        EXPECT_EQ(telemetry.ackId, row.read);
+        EXPECT_EQ(telemetry.ackMessage, row.read);
+        EXPECT_EQ(telemetry.status, row.read);
+    }
+}
+
 TEST(TelemetryText, ReadsTheSameUnderALocaleWithCommas) {
     const CommaLocale commas;
     expectFullFile(parseTelemetry(TelemetryFile().text()));

@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include "base/utf8.h"
 #include "exchange/telemetry_text.h"
 
 // Where the value of a key begins; nothing if the key, a colon after it or any text after that is missing.
@@ -44,7 +45,9 @@ inline std::string referenceText(const std::string& text, const std::string& key
     const auto open = value->find('"');
     if (open == std::string::npos) return {};
     const auto close = value->find('"', open + 1);
-    return close == std::string::npos ? std::string() : value->substr(open + 1, close - open - 1);
+    if (close == std::string::npos) return {};
+    const std::string whole = value->substr(open + 1, close - open - 1);
+    return std::string(cutUtf8(whole, 256));  // the rule of all texts, tested by itself
 }
 
 inline bool sameNumber(double a, double b) {

@@ -228,7 +228,7 @@ TEST_F(PanelWheel, SurvivesTheLargestTurns) {
 }
 
 TEST_F(PanelWheel, ADisconnectedRadioSaysSo) {
-    setDisconnected(sim, radios.status);
+    setDisconnected({}, sim, radios.status);
     wheel(kStandbyMhzDigits, 120);
     EXPECT_TRUE(queued().empty());
     EXPECT_EQ(status(), "Radio spacing unavailable or frequency limit");

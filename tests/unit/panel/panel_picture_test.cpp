@@ -44,7 +44,7 @@ TEST_F(PanelPictureTest, ShowsTheSelectedRadiosFrequencies) {
 
 TEST_F(PanelPictureTest, ShowsZeroWhileDisconnected) {
     order(1, kSlotStandby, 121600);
-    setDisconnected(sim, radios.status);
+    setDisconnected({}, sim, radios.status);
     expectShown(0, kDisconnected, 0, kDisconnected);
     setState(sim, connectedState());
     changeState([](SimState& state) { state.connected = false; });  // readings are still there

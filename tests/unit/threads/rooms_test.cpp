@@ -135,7 +135,8 @@ class RoomsTest : public testing::Test {
                             .moves = moves,
                             .talk = talk,
                             .tails = tails,
-                            .voice = voice};
+                            .voice = voice,
+                            .lookAtWorker = [] { return WorkerLife{}; }};
         while (!stop) {
             pollOnce(memory, context);
             clock.advance(kPollPeriodMs);

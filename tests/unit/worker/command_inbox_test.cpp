@@ -121,6 +121,26 @@ TEST_F(WatchingCommands, DoesNotReadAHugeFile) {
     EXPECT_TRUE(next());
 }
 
+// A file that has grown since its size was asked for.
+TEST_F(WatchingCommands, ReadsNoMoreThanACommandCanHave) {
+    struct CountingFiles : MemoryFiles {
+        bool readBeginning(const std::string& path, std::size_t maxBytes, std::string& bytes) override {
+            asked = maxBytes;
+            return MemoryFiles::readBeginning(path, maxBytes, bytes);
+        }
+        std::size_t asked = 0;
+    } counting;
+    MemoryFolder growing{counting};
+    CommandInbox watching{kPath, counting, growing, log};
+    counting.put(kPath, std::string(1'000'000, ' ') + commandText("1-1", 1, "swap", "0", clock.unixSeconds()));
+    growing.pretendBytes[kPath] = 100;
+    EXPECT_FALSE(watching.next(1, clock.unixSeconds()));
+    EXPECT_EQ(counting.asked, kMaxCommandBytes + 1);
+    EXPECT_EQ(logFile.count("command.json ignored: not a whole command"), 1);
+    counting.put(kPath, commandText("1-2", 1, "swap", "0", clock.unixSeconds()));
+    EXPECT_TRUE(watching.next(26, clock.unixSeconds()));
+}
+
 TEST_F(WatchingCommands, TriesALockedFileAgainOnTheNextPass) {
     struct LockedFiles : MemoryFiles {
         bool read(const std::string& path, std::string& bytes) override {

@@ -88,6 +88,8 @@ TEST(Diagnosis, OfAnEmptyFolderIsWhole) {
         "\r\n"
         "== host_api_answer.txt: there is none\r\n"
         "\r\n"
+        "== link_state.txt: there is none\r\n"
+        "\r\n"
         "== telemetry.json: there is none\r\n"
         "\r\n"
         "== command.json: there is none\r\n"
@@ -112,6 +114,7 @@ TEST(Diagnosis, ShowsTheFilesAsTheyStand) {
     found.workerIni = fileOf("link=simulate\nspeed=3");
     found.iniRemarks = {"worker.ini line 2 ignored: it has an unknown key"};
     found.captureMode = fileOf("2", 3.0 * 3600.0);
+    found.linkState = fileOf("DISCONNECTED: worker not running (code 3)\r\n", 60.0);
     found.entries = {{"settings.ini", false, 1234, kNow - 300.0}, {"old", true, 0, kNow + 20.0}};
     found.moreEntries = 7;
     const auto text = report(found);
@@ -122,6 +125,10 @@ TEST(Diagnosis, ShowsTheFilesAsTheyStand) {
     EXPECT_TRUE(has(text, "link=simulate\r\nspeed=3\r\n"));
     EXPECT_TRUE(has(text, "worker.ini      worker.ini line 2 ignored: it has an unknown key\r\n"));
     EXPECT_TRUE(has(text, "== capture_mode.txt: 1 bytes, written 2026-09-21 11:13:20.000 UTC (3 h ago)\r\n2\r\n"));
+    EXPECT_TRUE(has(text,
+                    "== link_state.txt: 43 bytes, written 2026-09-21 14:12:20.000 UTC (60 s ago)\r\n"
+                    "DISCONNECTED: worker not running (code 3)\r\n"))
+        << text;
     EXPECT_TRUE(has(text, "  1234          settings.ini, 2026-09-21 14:08:20.000 UTC (5 min ago)\r\n"));
     EXPECT_TRUE(has(text, "  folder        old, 2026-09-21 14:13:40.000 UTC (20 s in the future)\r\n"));
     EXPECT_TRUE(has(text, "  ... (7 more)\r\n"));
@@ -168,6 +175,9 @@ TEST(Diagnosis, JudgesTheTelemetryAsThePluginDoes) {
         {telemetry("true", kNow - 4.0, ""), "not used by the plugin: updated 4.0 s ago"},
         {telemetry("true", kNow + 4.0, ""), "not used by the plugin: updated 4.0 s in the future"},
         {telemetry("false", kNow - 1.0, ""), "not used by the plugin: the worker has no live data"},
+        {telemetry("false", kNow - 4.0, ""), "not used by the plugin: updated 4.0 s ago"},
+        {"{\"updated\":" + formatFixed(kNow, 3) + ",\"ok\":false,\"protocol\":2,\"status\":\"simulator in menu\"}",
+         "not used by the plugin: the worker has no live data (simulator in menu)"},
         {"{\"updated\":1e308,\"ok\":true,\"protocol\":1}", "not used by the plugin: protocol 1"},
         {"", "not used by the plugin: protocol 0"},
         {"{\"updated\":nan,\"ok\":true,\"protocol\":2}", "not used by the plugin: updated "},
@@ -253,7 +263,7 @@ TEST(Diagnosis, MasksOtherComputersInEveryPartOfIt) {
     found.commandLineProblem = "unknown argument --address=cockpit:500";
     found.workerIni = fileOf("link=auto\naddress=attic:500\n");
     found.oldLog = fileOf("data folder D:\\x, link auto, simulator at cellar:500\n");
-    found.log = fileOf("  link down: CELLAR is not known on this network\n  link down: attic is silent\n");
+    found.log = fileOf("  link down: no such computer: CELLAR\n  link down: attic is silent\n");
     found.telemetry = fileOf("{\"status\":\"no answer from gaming\"}");
     found.settings = fileOf("python=\\\\nas\\python.exe\n");
     found.dataFolder = "\\\\profiles.corp\\cockpit\\Corvalis";
@@ -262,7 +272,7 @@ TEST(Diagnosis, MasksOtherComputersInEveryPartOfIt) {
     for (const char* name : {"gaming", "cockpit", "attic", "cellar", "CELLAR", "nas\\", "profiles"})
         EXPECT_FALSE(has(text, name)) << name << " in " << text;
     EXPECT_TRUE(has(text, "set to          link auto, simulator at <host>:500\r\n"));
-    EXPECT_TRUE(has(text, "  link down: <host> is not known on this network\r\n"));
+    EXPECT_TRUE(has(text, "  link down: no such computer: <host>\r\n"));
     EXPECT_TRUE(has(text, "tried           <host> has two addresses\r\n"));
     EXPECT_TRUE(has(text, "folder          \\\\<host>\\<host>\\Corvalis\r\n"));
 }

@@ -74,7 +74,7 @@ TEST(HostNames, AreMaskedWhereAnAddressIsSet) {
 TEST(HostNames, ThatAreKnownAreMaskedEverywhere) {
     expectMasked(
         {
-            {"link down: SIMPC is not known on this network", "link down: <host> is not known on this network"},
+            {"link down: no such computer: SIMPC", "link down: no such computer: <host>"},
             {"no answer from simpc.", "no answer from <host>."},
             {"{\"status\":\"no answer from simpc\"}", "{\"status\":\"no answer from <host>\"}"},
             {"simpc.home:500, simpc:500", "<host>:500, <host>:500"},

@@ -93,3 +93,12 @@ TEST_F(TelemetryWriting, SaysNothingOfASingleFailure) {
     EXPECT_FALSE(passWrites(51));
     EXPECT_EQ(logFile.text, "");
 }
+
+TEST(TelemetryOfTheWorker, SaysConnectedBeforeAnyAcknowledgement) {
+    SimSnapshot sim;
+    sim.ok = true;
+    const Telemetry telemetry = telemetryOf(sim, false, CommandAck{});
+    EXPECT_EQ(telemetry.ackId, "");
+    EXPECT_EQ(telemetry.ackMessage, "CONNECTED");
+    EXPECT_FALSE(telemetry.ackOk);
+}

@@ -59,7 +59,7 @@ std::int32_t generousWidth(const DialogText& style, const std::string& piece) {
 DialogView viewIn(std::int32_t language) {
     DialogView view;
     view.language = language;
-    view.live = {"COM2   122.800 MHz", "VOL 100%", 72, true};
+    view.live = {"COM2   122.800 MHz", "VOL 100%", 72, true, ""};
     return view;
 }
 

@@ -66,6 +66,37 @@ TEST(DialogLive, CallsAConnectionJustLostStaleForTenSeconds) {
     EXPECT_EQ(liveStatusOf(radio, 1, memory, 20'000).stateEntry, 72);
 }
 
+TEST(DialogLive, SaysWhyThereIsNoConnection) {
+    LiveRadio radio;
+    radio.reason = "simulator in menu";
+    EXPECT_EQ(lookAt(radio, 1).reason, "simulator in menu");
+    radio = flying();
+    radio.reason = "of long ago";
+    EXPECT_EQ(lookAt(radio, 1).reason, "");
+}
+
+TEST(DialogLive, TheReasonStandsBelowTheStateWhereTheVolumeIsOtherwise) {
+    const DialogLayout layout = layoutDialog(kDialogWidth, kDialogHeight, 96, 0, 0);
+    const auto lastOfRow = [&](const LiveStatus& live) {
+        DialogView view;
+        view.language = 2;
+        view.live = live;
+        std::vector<DialogText> row;
+        for (const DialogText& text : dialogTexts(layout, view))
+            if (text.id == kLiveRow) row.push_back(text);
+        EXPECT_EQ(row.size(), 4U);
+        return row.back();
+    };
+    LiveRadio radio;
+    radio.reason = "simulator in menu";
+    const DialogText reason = lastOfRow(lookAt(radio, 1));
+    EXPECT_EQ(reason.text, "simulator in menu");
+    EXPECT_TRUE(reason.wraps);
+    const DialogText volume = lastOfRow(lookAt(flying(), 1));
+    EXPECT_EQ(volume.text, "VOL 85%");
+    EXPECT_EQ(reason.rect.top, volume.rect.top);
+}
+
 TEST(DialogViewTexts, BreakAtSpacesAndBetweenIdeographs) {
     DialogText text;
     text.wraps = true;

@@ -10,9 +10,9 @@ TEST_F(SimConnectSession, LeavesAConnectionThatIsBeingMadeToTheTransport) {
     EXPECT_EQ(session.status(), "waiting for the simulator");
     EXPECT_EQ(transport.connects, 1);
     transport.state = sc::TransportState::kClosed;
-    transport.reason = "the simulator's computer does not answer";
+    transport.reason = "no answer from simpc";
     pass();
-    EXPECT_EQ(session.status(), "the simulator's computer does not answer");
+    EXPECT_EQ(session.status(), "no answer from simpc");
     EXPECT_EQ(transport.connects, 1);
 }
 
@@ -43,6 +43,7 @@ TEST_F(SimConnectSession, SetsUpAnewAfterQuitCrashAndNonsense) {
         pass();
         pass();
         EXPECT_FALSE(session.isOpen()) << way;
+        EXPECT_EQ(session.status(), way == 0 ? "waiting for the simulator" : "simulator link lost") << way;
         EXPECT_EQ(stateOf(0), State::kAwaited) << way;
         EXPECT_EQ(session.dataMs(), std::nullopt) << way;
         EXPECT_EQ(session.isSimRunning(), std::nullopt) << way;
@@ -256,7 +257,7 @@ TEST_F(SimConnectSession, KnowsWhereItStandsAtTheSecondFailureOrTheFirstWithARea
 
     FakeTransport full;
     full.onConnect = sc::TransportState::kClosed;
-    full.reason = "the simulator has no room for another program";
+    full.reason = "the simulator takes no more programs";
     sc::Session other(full, {kThree, kTwo});
     other.poll(1000);
     EXPECT_TRUE(other.isSettled());

@@ -34,6 +34,25 @@ TEST_F(SimConnectRadios, SaysWhereItStandsOnTheWayToTheRadios) {
     EXPECT_EQ(sim().radios[0], RadioReading());
 }
 
+TEST_F(SimConnectRadios, SayThatTheLinkIsLostUntilThereIsAnother) {
+    fly();
+    transport->state = simconnect::TransportState::kClosed;  // no word of farewell
+    transport->onConnect = simconnect::TransportState::kClosed;
+    for (const std::uint64_t ms : {0, 1000, 2000, 60'000}) {
+        pass(ms);
+        EXPECT_EQ(sim().status, "simulator link lost") << ms;
+    }
+    transport->onConnect = simconnect::TransportState::kOpen;
+    pass(5000);
+    EXPECT_EQ(sim().status, "connecting to the simulator");
+    fly();
+    EXPECT_EQ(sim().status, "flying");
+    simulator.quit();
+    transport->onConnect = simconnect::TransportState::kClosed;
+    pass(5000);
+    EXPECT_EQ(sim().status, "waiting for the simulator");
+}
+
 TEST_F(SimConnectRadios, ShowsBothRadios) {
     fly();
     const std::array<bool, kSlotCount> all = {true, true, true, true};
