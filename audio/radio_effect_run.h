@@ -4,7 +4,7 @@
 #include <cstdint>
 #include "audio/radio_effect.h"
 
-inline constexpr int kRadioRun = 960;    // longest run: 20 ms, a block as hosts hand it over
+inline constexpr int kRadioRun = 480;    // longest run, 10 ms; each value of it takes 19 bytes of the stack
 inline constexpr int kRadioPadding = 4;  // arrays worked on in groups of four have room for a whole last group
 
 // Processes n (1..kRadioRun) values of x. noise holds the generator's -1..1 for each value, and at noise[-1] that of
