@@ -93,7 +93,7 @@ int main(int argc, char** argv) {
     options.dataDir = options.dataDir.empty() ? "" : fullPath(options.dataDir);
     options.script = options.script.empty() ? "" : fullPath(options.script);
     if (options.diagnose) return diagnose(options, error, makeTransport) ? kEnded : kBadArguments;
-    if (options.dataDir.empty() || !WindowsFolder().folderExists(options.dataDir)) return kBadArguments;
+    if (options.dataDir.empty() || !WindowsFolder::folderExists(options.dataDir)) return kBadArguments;
     leaveCurrentDirectory();
 
     const FineClock clock;

@@ -23,7 +23,9 @@ class FineClock : public SystemClock {
 
 class WindowsFolder : public WorkerFolder {
   public:
-    bool folderExists(const std::string& path) override;
+    // Also one to which we have no access, or which cannot be looked at just now.
+    static bool folderExists(const std::string& path);
+    bool isGone(const std::string& path) override;
     FileStamp stamp(const std::string& path) override;
 };
 

@@ -7,7 +7,8 @@
 #include "worker/telemetry_writer.h"
 
 inline constexpr std::uint64_t kPassMs = 23;          // command.json is looked at this often: read within 25 ms
-inline constexpr std::uint64_t kFolderCheckMs = 230;  // the folder's disappearance shows within 500 ms
+inline constexpr std::uint64_t kFolderCheckMs = 230;  // the folder's disappearance shows within 500 ms,
+inline constexpr std::uint64_t kFolderAgainMs = 46;   // once a second look, so soon after the first, finds none either
 
 struct PassResult {
     bool folderGone = false;    // the worker has nothing left to do
@@ -24,6 +25,7 @@ class WorkerLoop {
 
   private:
     bool isFolderGone(std::uint64_t nowMs);
+    std::uint64_t msUntilFolderLook(std::uint64_t nowMs) const;
     void logLink();
 
     std::string dataDir_;
@@ -34,6 +36,7 @@ class WorkerLoop {
     CommandHandler handler_;
     TelemetryWriter writer_;
     std::uint64_t folderCheckedMs_ = 0;
+    int folderMisses_ = 0;  // looks in a row that found no folder
     bool linkLogged_ = false;
     bool loggedOk_ = false;
     std::string loggedStatus_;

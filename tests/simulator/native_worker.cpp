@@ -48,7 +48,7 @@ class NativeFiles : public DataFiles {
 
 class NativeFolder : public WorkerFolder {
   public:
-    bool folderExists(const std::string& path) override { return std::filesystem::is_directory(toPath(path)); }
+    bool isGone(const std::string& path) override { return !std::filesystem::is_directory(toPath(path)); }
     FileStamp stamp(const std::string& path) override {
         std::error_code error;
         const auto file = toPath(path);
