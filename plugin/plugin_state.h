@@ -4,11 +4,13 @@
 #include <windows.h>
 #include <atomic>
 #include <string>
+#include <string_view>
 #include <thread>
 #include "audio/talk_tracker.h"
 #include "audio/voice_levels.h"
 #include "base/clock_win.h"
 #include "base/data_files_win.h"
+#include "base/log_line.h"
 #include "bridge/command_queue.h"
 #include "bridge/worker_process_win.h"
 #include "channels/follow_frequency.h"
@@ -66,7 +68,7 @@ struct PluginState {
     // The rooms' records.
     WindowsDataFiles files;
     SystemClock clock;
-    SettingsStore settings{files};
+    SettingsStore settings{files, [this](std::string_view line) { logToHost(host, line); }};
     SimRadios radios;
     MoveTracker moves;
     TalkTracker talk;

@@ -4,7 +4,9 @@
 // 3 another worker serves the folder.
 #include <exception>
 #include "base/data_files_win.h"
+#include "base/data_folder_win.h"
 #include "base/identity.h"
+#include "exchange/telemetry_text.h"
 #include "worker/diagnosis_win.h"
 #include "worker/make_link.h"
 #include "worker/simconnect/pipe_win.h"
@@ -73,7 +75,8 @@ int serve(WorkerOptions options, WorkerLog& log, const Clock& clock) {
         log.line("ending: another worker already serves " + options.dataDir);
         return kSecondWorker;
     }
-    WindowsDataFiles files;
+    removeOldTemporaries(options.dataDir, kTelemetryFile);
+    WindowsDataFiles files(MoveOnto::kCache);
     WindowsFolder folder;
     readIni(options, files, folder, log);
     log.line(describeOptions(options));

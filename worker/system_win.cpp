@@ -127,15 +127,6 @@ bool WorkerSleep::sleep(const PassResult& pass, HANDLE wake) {
     return watched_ && result == WAIT_OBJECT_0;
 }
 
-std::string fullPath(const std::string& path) {
-    const DWORD needed = GetFullPathNameA(path.c_str(), 0, nullptr, nullptr);
-    std::string full(needed, '\0');
-    const DWORD length = needed > 0 ? GetFullPathNameA(path.c_str(), needed, full.data(), nullptr) : 0;
-    if (length == 0 || length >= needed) return path;
-    full.resize(length);
-    return full;
-}
-
 OwnedHandle claimFolder(const std::string& dataDir) {
     const auto name = workerMutexName(canonicalPath(dataDir));
     OwnedHandle mutex(CreateMutexA(nullptr, FALSE, name.c_str()));

@@ -80,9 +80,6 @@ class WorkerSleep {
     OwnedHandle timer_;  // null before Windows 10 1803: the sleep then ends with the system's own 16 ms tick
 };
 
-// Full path of the file or folder, relative to the current directory; the path unchanged if there is none.
-std::string fullPath(const std::string& path);
-
 // The mutex that says we serve this folder; null if another worker holds it. Waits up to half a second: a reloaded
 // plugin starts its new worker while the killed one is still ending.
 OwnedHandle claimFolder(const std::string& dataDir);

@@ -122,18 +122,14 @@ TEST_F(WatchingCommands, DoesNotReadAHugeFile) {
 }
 
 TEST_F(WatchingCommands, TriesALockedFileAgainOnTheNextPass) {
-    struct LockedFiles : MemoryFiles {
-        bool read(const std::string& path, std::string& bytes) override {
-            return !locked && MemoryFiles::read(path, bytes);
-        }
-        bool locked = true;
-    } locking;
+    MemoryFiles locking;
+    locking.trouble = [](FileStep, const std::string&) { return FileResult{FileState::kHeld, 32}; };
     MemoryFolder lockedFolder{locking};
     CommandInbox lockedInbox{kPath, locking, lockedFolder, log};
     locking.put(kPath, commandText("1-1", 1, "swap", "0", clock.unixSeconds()));
     EXPECT_FALSE(lockedInbox.next(1, clock.unixSeconds()));
     EXPECT_FALSE(lockedInbox.next(26, clock.unixSeconds()));
-    locking.locked = false;
+    locking.trouble = {};
     EXPECT_TRUE(lockedInbox.next(51, clock.unixSeconds()));
     EXPECT_EQ(logFile.count("command.json cannot be read"), 1);
 }
