@@ -1,5 +1,6 @@
 // poll_loop.h - what the bridge does every 50 ms: read the simulator, send commands, follow the frequency, set the
-// receive gain, watch the user's own talk state, play tails. One pass is one call; the thread around it is plugin glue.
+// receive gain, watch the user's own talk state, play tails, save what is due. One pass is one call; the thread around
+// it is plugin glue.
 #pragma once
 #include <atomic>
 #include "audio/tail_player.h"
