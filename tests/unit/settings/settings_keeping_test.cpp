@@ -1,7 +1,6 @@
 // settings_keeping_test.cpp - settings.ini in bad times: held, damaged, on a full disk, written late. Nobody's settings
 // are lost, and the log says what happened.
 #include <gtest/gtest.h>
-#include <thread>
 #include <vector>
 #include "settings/settings_store.h"
 #include "settings/settings_text.h"
@@ -291,23 +290,4 @@ TEST_F(SettingsKeeping, ATurnDuringASaveIsSavedAfterIt) {
     EXPECT_EQ(saved().receive_volume, 80.0f);
     saveWhenDue(store, 1300);
     EXPECT_EQ(saved().receive_volume, 50.0f);
-}
-
-TEST_F(SettingsKeeping, NoTurnIsForgottenThatMeetsASave) {
-    constexpr int kTurns = 300;
-    std::thread clicks([&] {
-        for (int i = 0; i < kTurns; i++) updateSettings(store, [](Settings& live) { live.panel_x++; });
-    });
-    std::thread passes([&] {
-        for (int i = 0; i < kTurns; i++) saveWhenDue(store, 5);
-    });
-    for (int i = 0; i < kTurns; i++)
-        changeSettings(
-            store, [](Settings& live) { live.panel_y++; }, i % 2 == 0 ? 5 : 9);
-    clicks.join();
-    passes.join();
-    savePendingSettings(store);
-    EXPECT_EQ(saved().panel_x, Settings{}.panel_x + kTurns);
-    EXPECT_EQ(saved().panel_y, Settings{}.panel_y + kTurns);
-    EXPECT_EQ(files.text(kFile), writeSettingsText(copySettings(store)));
 }
