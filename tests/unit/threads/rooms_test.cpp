@@ -161,6 +161,9 @@ class RoomsTest : public testing::Test {
             live.enabled = turn % 10 != 0;
             live.radio = 1 + turn % 2;
         });
+        changeSettings(
+            settings, [&](Settings& live) { live.text_scale = 12.0f + static_cast<float>(turn % 10); },
+            clock.tickMs() + 100);
         if (!fitsTogether(copySimState(sim))) torn++;
         pendingCommand(copyCommands(commands), 1, kSlotActive);
         if (commandsOf(commands).size() > kMaxCommands) tooMany++;
