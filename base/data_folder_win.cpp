@@ -2,6 +2,7 @@
 #include <windows.h>
 #include "base/code_page_win.h"
 #include "base/data_files.h"
+#include "base/wide_text_win.h"
 
 namespace {
 
@@ -22,8 +23,22 @@ std::string findDataFolder() {
     return joinPath(applicationData(), kFolderName);
 }
 
-void createDataFolder(const std::string& folder) {
-    CreateDirectoryA(folder.c_str(), nullptr);
+std::uint32_t createDataFolder(const std::string& folder) {
+    if (CreateDirectoryA(folder.c_str(), nullptr)) return 0;
+    const DWORD error = GetLastError();
+    const DWORD attributes = GetFileAttributesA(folder.c_str());
+    const bool isThere = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return isThere ? 0 : error;
+}
+
+std::string fullPath(const std::string& path) {
+    const std::wstring wide = wideFromUtf8(utf8FromNarrow(path));
+    const DWORD needed = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
+    std::wstring full(needed, L'\0');
+    const DWORD length = needed > 0 ? GetFullPathNameW(wide.c_str(), needed, full.data(), nullptr) : 0;
+    if (length == 0 || length >= needed) return path;
+    full.resize(length);
+    return narrowPath(full).value_or(path);
 }
 
 std::string findModuleFolder() {

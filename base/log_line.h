@@ -7,6 +7,6 @@
 
 inline constexpr std::size_t kLogLineBytes = 512;  // buffer with its final zero: at most 511 bytes of text
 
-// [host][poll] Logs text at level information on channel "Corvalis", cut to bufferBytes - 1 bytes.
+// [any] Logs text at level information on channel "Corvalis", cut to bufferBytes - 1 bytes.
 // Does nothing when the host has no logMessage.
 void logToHost(const HostFunctions& host, std::string_view text, std::size_t bufferBytes = kLogLineBytes);

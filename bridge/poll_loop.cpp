@@ -136,6 +136,7 @@ void pollOnce(PollMemory& memory, PollContext& context) {
     context.voice.ReceiveGain = receiveGainOf(copySettings(context.settings), pass.selected.volume);
     trackOwnTalk(pass, memory, context);
     drainTails(context.talk, context.tails);
+    saveWhenDue(context.settings, pass.nowMs);
     readCaptureMode(pass, memory, context);
     writeLinkState(pass, memory, context);
 }

@@ -1,5 +1,6 @@
 // poll_loop.h - what the bridge does every 50 ms: read the simulator, send commands, follow the frequency, set the
-// receive gain, watch the user's own talk state, play tails. One pass is one call; the thread around it is plugin glue.
+// receive gain, watch the user's own talk state, play tails, save what is due. One pass is one call; the thread around
+// it is plugin glue.
 #pragma once
 #include <atomic>
 #include <functional>
@@ -29,9 +30,9 @@ struct PollMemory {
     bool wasFollowing = true;             // connected, with master and AUTO on; at first: a line of before is cleared
     std::uint64_t ownSchid = 0;           // the server and the id under which the own talk was last reported; 0 none
     std::uint16_t ownClientId = 0;
-    bool endLogged = false;               // the worker's end is in the host's log
-    std::string linkState;                // last written to link_state.txt
-    std::uint64_t linkStateMs = 0;        // tick ms of that, 0 never
+    bool endLogged = false;         // the worker's end is in the host's log
+    std::string linkState;          // last written to link_state.txt
+    std::uint64_t linkStateMs = 0;  // tick ms of that, 0 never
 };
 
 // What a pass works with. All of it outlives the poll thread.

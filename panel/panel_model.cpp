@@ -1,6 +1,7 @@
 #include "panel/panel_model.h"
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include "panel/panel_volume.h"
 
 namespace {
@@ -52,7 +53,8 @@ void dragVolume(PanelModel& model, const PanelContext& context, std::int64_t dy,
     if (dy == 0) return;
     const float turned = static_cast<float>(dy) / (usableScale(model.panel_scale_factor) * kPixelsPerPercent);
     model.drag_volume = std::clamp(model.drag_volume + turned, 0.0f, 100.0f);
-    set_panel_volume(context.radios, context.settings, model.drag_radio, model.drag_volume, nowMs);
+    set_panel_volume(context.radios, context.settings, model.drag_radio, model.drag_volume, nowMs,
+                     VolumeSave::kWithNextSave);
 }
 
 void dragTuning(PanelModel& model, const PanelContext& context, std::int64_t dy, std::uint64_t nowMs) {
@@ -70,6 +72,13 @@ void dragKnob(PanelModel& model, const PanelContext& context, PixelPoint at, std
         dragVolume(model, context, dy, nowMs);
     else
         dragTuning(model, context, dy, nowMs);
+}
+
+// Returns what was pressed. A volume that was dragged is saved now, not with each step of the drag.
+std::int32_t endPress(PanelModel& model, const PanelContext& context) {
+    const std::int32_t pressed = std::exchange(model.drag_element, kBackground);
+    if (pressed == kVolumeKnob && model.drag_moved) savePendingSettings(context.settings);
+    return pressed;
 }
 
 // The whole notches of this turn plus what earlier ones left over; the remainder is kept.
@@ -97,6 +106,7 @@ std::int32_t hoverPanel(PanelModel& model, const PanelContext& context, PixelPoi
 }
 
 PressResult pressPanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::uint64_t /*nowMs*/) {
+    endPress(model, context);  // the release of an earlier one may have been lost
     const Settings settings = copySettings(context.settings);
     model.drag_element = hitUnder(model, settings, at);
     if (model.drag_element == kBackground) return PressResult::kMoveWindow;
@@ -115,14 +125,13 @@ void movePanel(PanelModel& model, const PanelContext& context, PixelPoint at, st
 }
 
 void releasePanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::uint64_t nowMs) {
-    const std::int32_t pressed = model.drag_element;
-    model.drag_element = kBackground;
+    const std::int32_t pressed = endPress(model, context);
     const std::int32_t released = hoverPanel(model, context, at);
     if (pressed == released && !model.drag_moved && !isKnob(pressed)) clickElement(context, pressed, nowMs);
 }
 
-void cancelPress(PanelModel& model) {
-    model.drag_element = kBackground;
+void cancelPress(PanelModel& model, const PanelContext& context) {
+    endPress(model, context);
 }
 
 void wheelPanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::int32_t delta,

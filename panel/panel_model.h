@@ -1,6 +1,6 @@
 // panel_model.h - what the mouse does to the radio panel: presses, drags, the wheel, and what the knobs show of it.
-// [ui] One model, on the thread of its window. Settings change through updateSettings, the radios through the command
-// queue; both are copied under their own locks and nothing is called while one is held.
+// [ui] One model, on the thread of its window. Settings change through the settings store, the radios through the
+// command queue; both are copied under their own locks and nothing is called while one is held.
 #pragma once
 #include <cstdint>
 #include "bridge/command_queue.h"
@@ -68,7 +68,7 @@ void movePanel(PanelModel& model, const PanelContext& context, PixelPoint at, st
 // cancels the press.
 void releasePanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::uint64_t nowMs);
 // The press is over without a click: capture lost, focus lost, mode cancelled.
-void cancelPress(PanelModel& model);
+void cancelPress(PanelModel& model, const PanelContext& context);
 // A turn of the wheel by delta (120 per notch, away from the user positive).
 void wheelPanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::int32_t delta, std::uint64_t nowMs);
 // The mouse has left the window.

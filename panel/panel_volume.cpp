@@ -13,10 +13,12 @@ float panel_volume(const Commands& commands, const SimState& sim, const Settings
 }
 
 void set_panel_volume(SimRadios& radios, SettingsStore& settings, std::int32_t radio, float percent,
-                      std::uint64_t nowMs) {
+                      std::uint64_t nowMs, VolumeSave save) {
     const float volume = clampVolumePercent(percent);
     if (!copySettings(settings).follow_volume) {
-        updateSettings(settings, [&](Settings& live) { live.receive_volume = volume; });
+        const std::uint64_t saveAtMs = save == VolumeSave::kAfterPause ? nowMs + kVolumeSaveMs : kNoSaveDue;
+        changeSettings(
+            settings, [&](Settings& live) { live.receive_volume = volume; }, saveAtMs);
         return;
     }
     // enqueue says "Volume controlled by simulator" when the slot is not writable.

@@ -154,12 +154,12 @@ LRESULT PanelWindow::onWheel(int delta, POINT screen) {
 }
 
 LRESULT PanelWindow::onCaptureChanged() {
-    cancelPress(model_);
+    cancelPress(model_, panelContext());
     return 0;
 }
 
 LRESULT PanelWindow::onCancel() {
-    cancelPress(model_);
+    cancelPress(model_, panelContext());
     ReleaseCapture();
     tooltip_.hide();
     return 0;

@@ -7,6 +7,7 @@
 #include "base/identity.h"
 #include "base/log_line.h"
 #include "bridge/poll_loop.h"
+#include "exchange/command_text.h"
 #include "panel/panel_window_win.h"
 #include "plugin/host_program_win.h"
 #include "plugin/settings_dialog_win.h"
@@ -15,11 +16,37 @@
 
 namespace {
 
-void findFolders(PluginState& plugin) REQUIRES(plugin.foldersMutex) {
+// What went wrong with the folder and the settings file; goes into the log behind the line "Corvalis loaded".
+struct FileTroubles {
+    std::uint32_t folderError = 0;  // the data folder is not there and cannot be made
+    FileResult settings;
+};
+
+FileTroubles findFilesAndLoad(PluginState& plugin) REQUIRES(plugin.foldersMutex) {
+    FileTroubles troubles;
     plugin.dataFolder = findDataFolder();
-    createDataFolder(plugin.dataFolder);
+    troubles.folderError = createDataFolder(plugin.dataFolder);
     plugin.moduleFolder = findModuleFolder();
     setSettingsFolders(plugin.settings, plugin.dataFolder, plugin.moduleFolder);
+    troubles.settings = loadSettings(plugin.settings);
+    return troubles;
+}
+
+void tellFileTroubles(PluginState& plugin, const FileTroubles& troubles) {
+    const std::string folder = copyDataFolder(plugin);
+    if (folder == kFallbackDataFolder)
+        logToHost(plugin.host, "Corvalis cannot use APPDATA: its data folder is " + utf8FromNarrow(fullPath(folder)) +
+                                   ", below the working folder");
+    if (troubles.folderError != 0)
+        logToHost(plugin.host, "Corvalis cannot make its data folder (error " + std::to_string(troubles.folderError) +
+                                   "): " + utf8FromNarrow(folder));
+    const std::string line = unreadSettingsLine(troubles.settings);
+    if (!line.empty()) logToHost(plugin.host, line);
+}
+
+void removeOldTemporariesOfOurs(const std::string& folder) {
+    for (const char* name : {kSettingsFile, kCommandFile, kTailFile, kAlertFile, kHostAnswerFile})
+        removeOldTemporaries(folder, name);
 }
 
 void writeSounds(PluginState& plugin) {
@@ -154,20 +181,24 @@ void answerHost(PluginState& plugin) {
 void startPlugin(PluginState& plugin) {
     if (!plugin.running) forgetSession(plugin);  // what the host has told us before
     stopPollThread(plugin);                      // on a second start its folders and host handles are about to change
+    savePendingSettings(plugin.settings);        // they are about to be read again
+    FileTroubles troubles;
     {
         const MutexLock lock(plugin.foldersMutex);
-        findFolders(plugin);
-        loadSettings(plugin.settings);
+        troubles = findFilesAndLoad(plugin);
     }
     plugin.dialog.slot.reopen();
+    removeOldTemporariesOfOurs(copyDataFolder(plugin));
     writeSounds(plugin);
     const Settings settings = copySettings(plugin.settings);
     plugin.languageIndex = chooseLanguage(settings.language, GetUserDefaultUILanguage());
     askHost(plugin);
     logLoaded(plugin);
     tellHostInterface(plugin);
+    tellFileTroubles(plugin, troubles);
     applySettings(plugin.settings);
-    startWorker(plugin.worker, plugin.host, copyModuleFolder(plugin), copyDataFolder(plugin), settings.python);
+    startWorker(plugin.worker, plugin.host, copyModuleFolder(plugin), fullPath(copyDataFolder(plugin)),
+                settings.python);
     startPollThread(plugin);
     startUiThread(plugin);
     plugin.running = true;
@@ -180,6 +211,7 @@ void stopPlugin(PluginState& plugin) {
     stopPollThread(plugin);
     stopWorker(plugin.worker);
     closeSettingsDialog(plugin);
+    savePendingSettings(plugin.settings);
     forgetSession(plugin);
     std::free(plugin.pluginId);
     plugin.pluginId = nullptr;
@@ -187,7 +219,5 @@ void stopPlugin(PluginState& plugin) {
 
 void loadSettingsOnce(PluginState& plugin) {
     const MutexLock lock(plugin.foldersMutex);
-    if (!plugin.dataFolder.empty()) return;
-    findFolders(plugin);
-    loadSettings(plugin.settings);
+    if (plugin.dataFolder.empty()) findFilesAndLoad(plugin);  // init will do it again, and tell what is wrong
 }

@@ -12,7 +12,8 @@ void answerHost(PluginState& plugin);
 // keeps the UI thread.
 void startPlugin(PluginState& plugin);
 
-// [host] UI thread, poll thread, worker, settings dialog, plugin id. Always ends; harmless without a start.
+// [host] UI thread, poll thread, worker, settings dialog, settings not yet saved, plugin id. Always ends; harmless
+// without a start.
 void stopPlugin(PluginState& plugin);
 
 // [dialog] Finds the folders and reads the settings unless init has done so: the host may offer the dialog before init.

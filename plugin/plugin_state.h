@@ -4,10 +4,12 @@
 #include <windows.h>
 #include <atomic>
 #include <string>
+#include <string_view>
 #include "audio/talk_tracker.h"
 #include "audio/voice_levels.h"
 #include "base/clock_win.h"
 #include "base/data_files_win.h"
+#include "base/log_line.h"
 #include "bridge/command_queue.h"
 #include "bridge/worker_process_win.h"
 #include "channels/follow_frequency.h"
@@ -43,7 +45,7 @@ struct PluginState {
     // The rooms' records.
     WindowsDataFiles files;
     SystemClock clock;
-    SettingsStore settings{files};
+    SettingsStore settings{files, [this](std::string_view line) { logToHost(host, line); }};
     SimRadios radios;
     MoveTracker moves;
     TalkTracker talk;

@@ -1,15 +1,40 @@
 #include "settings/settings_store.h"
 #include <cmath>
+#include <optional>
 #include "settings/settings_text.h"
 
 namespace {
 
-constexpr const char* kSettingsFile = "settings.ini";
-
-Settings changeLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
+void changeLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
     MutexLock lock(store.mutex);
     change(store.live);
-    return store.live;
+}
+
+// What a save has to tell the log.
+struct SaveReport {
+    std::string asideName;               // what settings.ini is called now that could not be read; mostly empty
+    std::optional<std::uint32_t> error;  // of the first save that failed
+
+    void tell(const SettingsStore& store) const {
+        if (!store.logLine) return;
+        if (!asideName.empty()) store.logLine("Corvalis keeps the settings.ini it could not read as " + asideName);
+        if (error) store.logLine("Corvalis cannot save settings.ini (error " + std::to_string(*error) + ")");
+    }
+};
+
+SaveReport saveLive(SettingsStore& store) REQUIRES(store.fileMutex) {
+    store.saveDueMs = kNoSaveDue;
+    store.isUnsaved = false;
+    const std::string text = writeSettingsText(copySettings(store));
+    const FileResult saved = store.files.replaceKept(joinPath(store.dataFolder, kSettingsFile), text, store.unread);
+    SaveReport report;
+    report.asideName = std::exchange(store.unread.path, {});
+    report.asideName.erase(0, report.asideName.rfind('\\') + 1);  // without a folder, 0
+    if (saved) return report;
+    store.isUnsaved = true;
+    if (!store.isFailureLogged) report.error = saved.error;
+    store.isFailureLogged = true;
+    return report;
 }
 
 }  // namespace
@@ -39,15 +64,29 @@ void setSettingsFolders(SettingsStore& store, const std::string& dataFolder, con
     store.moduleFolder = moduleFolder;
 }
 
-void loadSettings(SettingsStore& store) {
+FileResult loadSettings(SettingsStore& store) {
     MutexLock fileLock(store.fileMutex);
     std::string text;
-    bool found = store.files.read(joinPath(store.dataFolder, kSettingsFile), text);
-    if (!found && !store.moduleFolder.empty())
-        found = store.files.read(joinPath(store.moduleFolder, kSettingsFile), text);
-    const Settings loaded = found ? readSettingsText(text) : Settings{};
+    const FileResult found = store.files.readKept(joinPath(store.dataFolder, kSettingsFile), text);
+    const bool isUnread = !found && found.state != FileState::kMissing;
+    if (isUnread) text.resize(text.rfind('\n') + 1);  // the whole lines; without any, 0
+    store.unread = {};
+    if (isUnread) store.unread.wantedPath = joinPath(store.dataFolder, kSettingsBackup);
+    if (!found && text.empty() && !store.moduleFolder.empty())
+        store.files.read(joinPath(store.moduleFolder, kSettingsFile), text);
+    store.isFailureLogged = false;
+    store.saveDueMs = kNoSaveDue;
+    store.isUnsaved = false;
+    const Settings loaded = readSettingsText(text);
     MutexLock lock(store.mutex);
     store.live = loaded;
+    return found;
+}
+
+std::string unreadSettingsLine(const FileResult& loaded) {
+    if (loaded || loaded.state == FileState::kMissing) return {};
+    return "Corvalis cannot read settings.ini (error " + std::to_string(loaded.error) +
+           "); what could not be read has its default, and the next save keeps the file as settings.bak";
 }
 
 void saveSettings(SettingsStore& store, const Settings& record) {
@@ -55,17 +94,43 @@ void saveSettings(SettingsStore& store, const Settings& record) {
 }
 
 void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& change) {
-    MutexLock fileLock(store.fileMutex);
-    const Settings changed = changeLive(store, change);
-    store.files.replace(joinPath(store.dataFolder, kSettingsFile), writeSettingsText(changed));
+    SaveReport report;
+    {
+        MutexLock fileLock(store.fileMutex);
+        changeLive(store, change);
+        report = saveLive(store);
+        applySettings(store);
+    }
+    report.tell(store);
+}
+
+void changeSettings(SettingsStore& store, const std::function<void(Settings&)>& change, std::uint64_t saveAtMs) {
+    changeLive(store, change);
     applySettings(store);
+    store.saveDueMs = saveAtMs;
+    store.isUnsaved = true;
+}
+
+void saveWhenDue(SettingsStore& store, std::uint64_t nowMs) {
+    const std::uint64_t dueMs = store.saveDueMs;
+    if (dueMs != kNoSaveDue && nowMs >= dueMs) savePendingSettings(store);
+}
+
+void savePendingSettings(SettingsStore& store) {
+    if (!store.isUnsaved) return;
+    SaveReport report;
+    {
+        MutexLock fileLock(store.fileMutex);
+        if (store.isUnsaved) report = saveLive(store);
+    }
+    report.tell(store);
 }
 
 void applySettings(SettingsStore& store) {
-    const Settings settings = copySettings(store);
-    const std::uint32_t flags = audioFlagsOf(settings);
+    MutexLock lock(store.mutex);  // throughout, so that of two threads the one with the newer record publishes last
+    const std::uint32_t flags = audioFlagsOf(store.live);
     const bool isOther = store.AudioFlags.exchange(flags) != flags;
-    store.TransmitGain = transmitGainOf(settings);
+    store.TransmitGain = transmitGainOf(store.live);
     // After the switches are published: a voice that sees the new generation starts afresh under them, not before.
     if (isOther) store.DspGeneration.fetch_add(1);
 }

@@ -1,10 +1,13 @@
 // settings_store.h - the one live Settings record, its file, and what the audio threads read of it.
-// Locks: fileMutex is taken first and mutex inside it, the only nesting anywhere; mutex is held for a copy or an
-// assignment, fileMutex for the file work of a save or a load.
+// Locks: fileMutex is taken first and mutex inside it; mutex is held for a copy, an assignment or the publication,
+// fileMutex for the file work of a save or a load. Lines for the log are handed over when neither is held.
 #pragma once
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
 #include "base/data_files.h"
 #include "base/mutex.h"
 #include "settings/settings.h"
@@ -22,15 +25,30 @@ std::uint32_t audioFlagsOf(const Settings& settings);
 // transmit_gain as a linear factor: 10^(dB / 20), 1.0 at 0 dB.
 float transmitGainOf(const Settings& settings);
 
+inline constexpr const char* kSettingsFile = "settings.ini";
+inline constexpr const char* kSettingsBackup = "settings.bak";  // a settings.ini that could not be read
+
+// A tick that never comes: the file follows with the next save.
+inline constexpr std::uint64_t kNoSaveDue = 0;
+
 struct SettingsStore {
-    explicit SettingsStore(DataFiles& dataFiles) : files(dataFiles) {}
+    using LogLine = std::function<void(std::string_view)>;  // [any]
+    explicit SettingsStore(DataFiles& dataFiles, LogLine log = {}) : files(dataFiles), logLine(std::move(log)) {}
 
     Mutex fileMutex;  // [any] serialises loads and saves; guards the folders
     Mutex mutex;      // [any] guards the live record
     Settings live GUARDED_BY(mutex);
     std::string dataFolder GUARDED_BY(fileMutex);    // where settings.ini is read and written
     std::string moduleFolder GUARDED_BY(fileMutex);  // the older place it is read from; may be empty
+    SetAside unread GUARDED_BY(fileMutex);  // where the next save puts a settings.ini that could not be read at load
+    bool isFailureLogged GUARDED_BY(fileMutex) = false;  // a save has failed since the last load
     DataFiles& files;
+    const LogLine logLine;  // may be empty
+
+    // The file's arrears. Set after a change of the live record and cleared before a save copies it, so that no change
+    // is forgotten; a save too many is the worst.
+    std::atomic<bool> isUnsaved{false};
+    std::atomic<std::uint64_t> saveDueMs{kNoSaveDue};  // tick
 
     // Published for the audio threads, which take no lock. The first two are stored by applySettings.
     std::atomic<std::uint32_t> AudioFlags{kAudioMaster | kAudioDistortSelf | kAudioDistortOthers};
@@ -45,15 +63,29 @@ Settings copySettings(SettingsStore& store);
 void setSettingsFolders(SettingsStore& store, const std::string& dataFolder, const std::string& moduleFolder);
 
 // [host] Resets the live record to the defaults and reads settings.ini into it: from the data folder, else from the
-// module folder. Without a file the defaults stand.
-void loadSettings(SettingsStore& store);
+// module folder. Without a file the defaults stand. What cannot be read to its end is read as far as possible; the
+// first save afterwards moves the file to settings.bak. Returns how reading the file in the data folder ended.
+FileResult loadSettings(SettingsStore& store);
 
-// [any] Makes record the live one, writes it to settings.ini and publishes it. A failed write is silent: the old file
-// stays as it was.
+// What the log says of that; empty if there is nothing to say.
+std::string unreadSettingsLine(const FileResult& loaded);
+
+// [any] Makes record the live one, writes it to settings.ini and publishes it. If it cannot be written the old file
+// stays as it was; the first failure since the last load is logged.
 void saveSettings(SettingsStore& store, const Settings& record);
 
 // [any] Changes the live record and saves the result as one step, so that the file ends up with the newest record.
 void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& change);
+
+// [any] Changes the live record and publishes it at once, for what changes many times in a row. The file follows at
+// saveAtMs (a tick, or kNoSaveDue), by saveWhenDue, unless another save comes first. Waits for no file.
+void changeSettings(SettingsStore& store, const std::function<void(Settings&)>& change, std::uint64_t saveAtMs);
+
+// [poll] Saves once the tick that changeSettings was given has come.
+void saveWhenDue(SettingsStore& store, std::uint64_t nowMs);
+
+// [any] Saves if the file lags behind the live record: after changeSettings, or because a save has failed.
+void savePendingSettings(SettingsStore& store);
 
 // [any] Publishes AudioFlags and TransmitGain of the live record, and a new DspGeneration when the flags are others
 // than those published last: also at a start that finds another file than the end before it left.

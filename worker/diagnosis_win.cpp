@@ -60,11 +60,12 @@ FoundFile findFile(const std::string& path, bool isLog = false) {
     FoundFile file;
     WindowsFolder folder;
     const auto stamp = folder.stamp(path);
-    if (!stamp.exists && !folder.folderExists(path)) return file;
+    if (!stamp.exists && !WindowsFolder::folderExists(path)) return file;
     file.size = stamp.bytes;
     file.writtenUnixSeconds = unixSecondsOfFileTime(stamp.written);
-    const bool isRead = stamp.exists && (stamp.bytes > kMaxFoundBytes ? readPart(path, isLog, file.bytes)
-                                                                      : WindowsDataFiles().read(path, file.bytes));
+    const bool isRead =
+        stamp.exists && (stamp.bytes > kMaxFoundBytes ? readPart(path, isLog, file.bytes)
+                                                      : static_cast<bool>(WindowsDataFiles().read(path, file.bytes)));
     file.state = isRead ? FoundFile::State::kRead : FoundFile::State::kUnreadable;
     return file;
 }
@@ -108,7 +109,7 @@ void findDataFolderOf(WorkerOptions& options, Diagnosis& found) {
         options.dataDir = fullPath(folder);
     }
     found.dataFolder = utf8FromNarrow(options.dataDir);
-    found.folderExists = WindowsFolder().folderExists(options.dataDir);
+    found.folderExists = WindowsFolder::folderExists(options.dataDir);
     found.folderWritable = found.folderExists && isWritable(options.dataDir);
     listFolder(found, options.dataDir);
 }

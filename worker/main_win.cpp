@@ -3,7 +3,9 @@
 // Exit codes: 0 the watched process or the data folder is gone, 1 unexpected failure (in the log), 2 bad command line.
 #include <exception>
 #include "base/data_files_win.h"
+#include "base/data_folder_win.h"
 #include "base/identity.h"
+#include "exchange/telemetry_text.h"
 #include "worker/diagnosis_win.h"
 #include "worker/make_link.h"
 #include "worker/simconnect/pipe_win.h"
@@ -95,7 +97,8 @@ int serve(WorkerOptions options, WorkerLog& log, const Clock& clock) {
     }
     FolderClaim claim(options.dataDir);
     if (!waitForFolder(claim, watched.get(), options.dataDir, log)) return kEnded;
-    WindowsDataFiles files;
+    removeOldTemporaries(options.dataDir, kTelemetryFile);
+    WindowsDataFiles files(MoveOnto::kCache);
     WindowsFolder folder;
     readIni(options, files, folder, log);
     log.line(describeOptions(options));
@@ -115,7 +118,7 @@ int main(int argc, char** argv) {
     options.dataDir = options.dataDir.empty() ? "" : fullPath(options.dataDir);
     options.script = options.script.empty() ? "" : fullPath(options.script);
     if (options.diagnose) return diagnose(options, error, makeTransport) ? kEnded : kBadArguments;
-    if (options.dataDir.empty() || !WindowsFolder().folderExists(options.dataDir)) return kBadArguments;
+    if (options.dataDir.empty() || !WindowsFolder::folderExists(options.dataDir)) return kBadArguments;
     leaveCurrentDirectory();
 
     const FineClock clock;

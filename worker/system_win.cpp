@@ -32,6 +32,11 @@ std::string canonicalPath(const std::string& folder) {
     return utf8FromWide(wide);
 }
 
+// Anything else, from access denied to a network drive that is away for a moment, says nothing about the folder.
+bool isNotFound(DWORD error) {
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
 }  // namespace
 
 std::uint64_t FineClock::tickMs() const {
@@ -41,9 +46,12 @@ std::uint64_t FineClock::tickMs() const {
 
 bool WindowsFolder::folderExists(const std::string& path) {
     const DWORD attributes = GetFileAttributesA(path.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES) return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    const DWORD error = GetLastError();
-    return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+    if (attributes == INVALID_FILE_ATTRIBUTES) return !isNotFound(GetLastError());
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool WindowsFolder::isGone(const std::string& path) {
+    return GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES && isNotFound(GetLastError());
 }
 
 FileStamp WindowsFolder::stamp(const std::string& path) {
@@ -116,15 +124,6 @@ bool WorkerSleep::sleep(const PassResult& pass, HANDLE wake) {
     if (result == WAIT_FAILED) Sleep(static_cast<DWORD>(ms));
     folder_.watchOn(folder_.handle() && result == WAIT_OBJECT_0 + folderIndex);
     return watched_ && result == WAIT_OBJECT_0;
-}
-
-std::string fullPath(const std::string& path) {
-    const DWORD needed = GetFullPathNameA(path.c_str(), 0, nullptr, nullptr);
-    std::string full(needed, '\0');
-    const DWORD length = needed > 0 ? GetFullPathNameA(path.c_str(), needed, full.data(), nullptr) : 0;
-    if (length == 0 || length >= needed) return path;
-    full.resize(length);
-    return full;
 }
 
 FolderClaim::FolderClaim(const std::string& dataDir) : name_(workerMutexName(canonicalPath(dataDir))) {}

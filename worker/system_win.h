@@ -23,7 +23,9 @@ class FineClock : public SystemClock {
 
 class WindowsFolder : public WorkerFolder {
   public:
-    bool folderExists(const std::string& path) override;
+    // Also one to which we have no access, or which cannot be looked at just now.
+    static bool folderExists(const std::string& path);
+    bool isGone(const std::string& path) override;
     FileStamp stamp(const std::string& path) override;
 };
 
@@ -77,9 +79,6 @@ class WorkerSleep {
     FolderWatch folder_;
     OwnedHandle timer_;  // null before Windows 10 1803: the sleep then ends with the system's own 16 ms tick
 };
-
-// Full path of the file or folder, relative to the current directory; the path unchanged if there is none.
-std::string fullPath(const std::string& path);
 
 // The right to serve a folder, which one worker at a time has: a mutex, ours until the process ends.
 class FolderClaim {

@@ -24,7 +24,7 @@ std::uint64_t TelemetryWriter::msUntilDue(const Telemetry& telemetry, std::uint6
 void TelemetryWriter::pass(const Telemetry& telemetry, std::uint64_t nowMs, double unixSeconds) {
     if (msUntilDue(telemetry, nowMs) > 0) return;
     const bool failedBefore = tried_ && !succeeded_;
-    succeeded_ = files_.replace(path_, writeTelemetryText(telemetry, unixSeconds));
+    succeeded_ = static_cast<bool>(files_.replace(path_, writeTelemetryText(telemetry, unixSeconds)));
     tried_ = true;
     triedMs_ = nowMs;
     if (succeeded_) written_ = telemetry;

@@ -13,7 +13,8 @@ struct FileStamp {
 class WorkerFolder {
   public:
     virtual ~WorkerFolder() = default;
-    // False once the folder is gone; a folder to which we have no access still exists.
-    virtual bool folderExists(const std::string& path) = 0;
+    // True if the system knows no folder, nor anything else, by this path. One look may be wrong: a network drive that
+    // is being connected again has no folders for a moment.
+    virtual bool isGone(const std::string& path) = 0;
     virtual FileStamp stamp(const std::string& path) = 0;
 };

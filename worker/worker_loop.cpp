@@ -43,14 +43,23 @@ PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     writer_.pass(telemetry, nowMs, unixSeconds);
     const auto dueMs = std::max<std::uint64_t>(writer_.msUntilDue(telemetry, nowMs), 1);
     result.waitMs = std::min(dueMs, kPassMs);
-    result.quietMs = std::min(dueMs, handler_.isPending() ? kPassMs : std::max(kPassMs, link_.restMs()));
+    const bool isBusy = handler_.isPending() || folderMisses_ > 0;
+    result.quietMs = std::min(dueMs, isBusy ? kPassMs : std::max(kPassMs, link_.restMs()));
     return result;
 }
 
 bool WorkerLoop::isFolderGone(std::uint64_t nowMs) {
-    if (folderCheckedMs_ != 0 && nowMs - folderCheckedMs_ < kFolderCheckMs) return false;
+    if (msUntilFolderLook(nowMs) > 0) return false;
     folderCheckedMs_ = nowMs;
-    return !folder_.folderExists(dataDir_);
+    folderMisses_ = folder_.isGone(dataDir_) ? folderMisses_ + 1 : 0;
+    return folderMisses_ >= 2;
+}
+
+std::uint64_t WorkerLoop::msUntilFolderLook(std::uint64_t nowMs) const {
+    if (folderCheckedMs_ == 0) return 0;
+    const auto gapMs = folderMisses_ > 0 ? kFolderAgainMs : kFolderCheckMs;
+    const auto sinceMs = nowMs - folderCheckedMs_;
+    return sinceMs >= gapMs ? 0 : gapMs - sinceMs;
 }
 
 void WorkerLoop::logLink() {

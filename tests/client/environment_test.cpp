@@ -38,6 +38,23 @@ TEST_F(Environment, WithoutAppDataTheDataFolderIsBelowTheWorkingFolder) {
     EXPECT_TRUE(hasPluginFiles(work.path / "Corvalis"));
 }
 
+TEST_F(Environment, WithoutAppDataTheWorkerServesThatFolderTooAndTheLogSaysOnceWhereItIs) {
+    const FreshFolder work;
+    const WorkingFolder here(work.path);
+    const EnvironmentValue unset(L"APPDATA", std::nullopt);
+    const auto folder = work.path / "Corvalis";
+    std::filesystem::create_directories(folder);
+    ASSERT_TRUE(writeFile(folder / "worker.ini", "link=simulate\n"));
+    ASSERT_TRUE(session.copyWorker(productFile("hopline_worker.exe")));
+    ASSERT_TRUE(session.start());
+    EXPECT_TRUE(waitFor([&] { return std::filesystem::exists(folder / "telemetry.json"); }, 30'000));
+    session.stop();
+    const std::string said = "Corvalis cannot use APPDATA: its data folder is " + toUtf8(folder.wstring()) + ",";
+    int lines = 0;
+    for (const std::string& line : host.logLines()) lines += line.starts_with(said);
+    EXPECT_EQ(lines, 1);
+}
+
 TEST_F(Environment, AnEmptyAppDataCountsAsMissing) {
     const FreshFolder work;
     const WorkingFolder here(work.path);
@@ -76,6 +93,8 @@ TEST_F(Environment, AFolderThatCannotBeMadeLeavesThePluginRunning) {
     ASSERT_TRUE(session.start());
     session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
     EXPECT_TRUE(session.waitPasses(3));
+    EXPECT_TRUE(session.waitForLog("Corvalis cannot make its data folder (error 3): "));
+    EXPECT_TRUE(session.waitForLog("Corvalis cannot save settings.ini (error 3)"));
 }
 
 // A user name that the system's code page lacks.

@@ -179,8 +179,17 @@ TEST_F(FileTrouble, AFileInThePlaceOfTheDataFolderIsLivedWith) {
     ASSERT_TRUE(session.start());
     session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
     ASSERT_TRUE(session.waitPasses(5));
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
     session.stop();
     EXPECT_EQ(readFile(session.dataFolder), "in the way");
+    int folderLines = 0;
+    int saveLines = 0;
+    for (const std::string& line : host.logLines()) {
+        folderLines += line.starts_with("Corvalis cannot make its data folder (error 183): ");
+        saveLines += line.starts_with("Corvalis cannot save settings.ini (error ");
+    }
+    EXPECT_EQ(folderLines, 1);
+    EXPECT_EQ(saveLines, 1);
 }
 
 TEST_F(FileTrouble, ADataFolderThatVanishesAndComesBackIsLivedWith) {

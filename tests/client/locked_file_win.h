@@ -1,4 +1,5 @@
-// locked_file_win.h - a file that another program keeps open, like a virus scanner or a backup.
+// locked_file_win.h - files that cannot be replaced: kept open by another program, like a virus scanner or a backup, or
+// read-only.
 // [any] Its own handle and nothing else.
 #pragma once
 #include <windows.h>
@@ -22,3 +23,12 @@ class LockedFile {
   private:
     HANDLE handle_;
 };
+
+// In place of MoveFileExA: denies what Windows denies and Wine may grant.
+inline BOOL WINAPI moveButNotOntoReadOnly(const char* from, const char* to, DWORD flags) {
+    const DWORD attributes = GetFileAttributesA(to);
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY) == 0)
+        return MoveFileExA(from, to, flags);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+}

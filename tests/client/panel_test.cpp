@@ -118,6 +118,13 @@ TEST_F(Panel, AWheelTurnOverTheVolumeKnobIsAPercentANotch) {
     }
 }
 
+TEST_F(Panel, AVolumeTurnedJustBeforeTheEndIsSaved) {
+    ASSERT_TRUE(show(kBoeingTheme, "follow_volume=0\r\nreceive_volume=50\r\n"));
+    panel().wheel(kVolumeKnob, 120);
+    session.stop();
+    EXPECT_TRUE(isSaved("receive_volume=51"));
+}
+
 TEST_F(Panel, AFollowedVolumeIsWrittenToTheSimulator) {
     ASSERT_TRUE(show(kAirbusTheme, "follow_volume=1\r\n"));
     panel().wheel(kVolumeKnob, -120);

@@ -1,5 +1,8 @@
+#include <windows.h>
 #include <atomic>
 #include "tests/client/client_session_win.h"
+#include "tests/client/host_thread_win.h"
+#include "tests/client/locked_file_win.h"
 
 namespace {
 
@@ -102,6 +105,29 @@ TEST_F(StartUp, WritesItsSoundsOverOldOnes) {
     EXPECT_EQ(alert.size(), 48044u);
     EXPECT_EQ(tail.substr(0, 4) + tail.substr(8, 8), "RIFFWAVEfmt ");
     EXPECT_EQ(alert.substr(0, 4) + alert.substr(8, 8), "RIFFWAVEfmt ");
+}
+
+TEST_F(StartUp, LosesNoTimeOverSoundsThatCannotBeReplacedAndLeavesNoneBesideThem) {
+    const auto tail = session.dataFolder / "radio_tail.wav";
+    const auto alert = session.dataFolder / "text_alert.wav";
+    std::filesystem::create_directories(session.dataFolder);
+    ASSERT_TRUE(writeFile(tail, "my own"));
+    ASSERT_TRUE(writeFile(alert, "my own"));
+    ASSERT_TRUE(SetFileAttributesW(tail.c_str(), FILE_ATTRIBUTE_READONLY));
+    LockedFile lock(alert);
+    ASSERT_TRUE(lock.isHeld());
+    ASSERT_TRUE(session.load());
+    {
+        const ImportPatch move(L"corvalis_win64.dll", "MoveFileExA", reinterpret_cast<void*>(moveButNotOntoReadOnly));
+        ASSERT_TRUE(move.isInPlace());
+        const HostPauses pauses(L"corvalis_win64.dll");
+        ASSERT_TRUE(session.start());
+        EXPECT_LE(pauses.ms(), 6u);  // between the three tries of the open one
+    }
+    lock.release();
+    SetFileAttributesW(tail.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(readFile(tail) + readFile(alert), "my ownmy own");
+    EXPECT_FALSE(hasTemporaryFiles(session.dataFolder));
 }
 
 TEST_F(StartUp, LogsThatNoWorkerCouldBeStarted) {

@@ -106,6 +106,12 @@ bool replaceFile(const std::filesystem::path& file, std::string_view bytes) {
     return waitFor([&] { return MoveFileExW(beside.c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING) != 0; });
 }
 
+bool hasTemporaryFiles(const std::filesystem::path& folder) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().extension() == ".tmp") return true;
+    return false;
+}
+
 std::uintmax_t fileBytes(const std::filesystem::path& file) {
     std::error_code error;
     const std::uintmax_t bytes = std::filesystem::file_size(file, error);

@@ -49,6 +49,7 @@ std::string readFile(const std::filesystem::path& file);
 bool writeFile(const std::filesystem::path& file, std::string_view bytes);
 // Writes a temporary file and moves it over file, as the other process does; retries while a reader holds it.
 bool replaceFile(const std::filesystem::path& file, std::string_view bytes);
+bool hasTemporaryFiles(const std::filesystem::path& folder);  // any *.tmp
 std::uintmax_t fileBytes(const std::filesystem::path& file);  // 0 if there is none
 
 // Checks condition every few milliseconds; false if it does not hold by the deadline.

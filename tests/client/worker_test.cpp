@@ -115,6 +115,17 @@ TEST_F(Worker, IsStartedHiddenInThePluginFolderWithDataFolderAndHost) {
     EXPECT_EQ(lines[2], kStarted);
 }
 
+TEST_F(Worker, IsGivenTheWholePathOfADataFolderBelowTheWorkingFolder) {
+    const FreshFolder work;
+    const WorkingFolder here(work.path);
+    const EnvironmentValue unset(L"APPDATA", std::nullopt);
+    const StartReport report = startWithWorker();
+    EXPECT_EQ(report.commandLine, quoted(session.pluginFolder / "hopline_worker.exe") + " --data-dir " +
+                                      quoted(work.path / "Corvalis") + " --watch-pid " +
+                                      std::to_string(GetCurrentProcessId()));
+    session.stop();
+}
+
 TEST_F(Worker, ProgramIsPreferredToTheScript) {
     ASSERT_TRUE(writeFile(session.pluginFolder / "hopline_worker.py", "raise SystemExit"));
     const StartReport report = startWithWorker();

@@ -22,33 +22,43 @@ std::filesystem::path toPath(std::string path) {
     return path;
 }
 
+// Each call either works or fails for good: nobody else looks at these files.
 class NativeFiles : public DataFiles {
-  public:
-    bool read(const std::string& path, std::string& bytes) override {
+  protected:
+    FileResult readOnce(const std::string& path, std::size_t maxBytes, std::string& bytes) override {
         bytes.clear();
         std::ifstream stream(toPath(path), std::ios::binary);
-        if (!stream) return false;
+        if (!stream) return {FileState::kMissing};
         std::ostringstream text;
         text << stream.rdbuf();
-        bytes = text.str();
-        return true;
+        bytes = text.str().substr(0, maxBytes);
+        return {};
     }
-    bool replace(const std::string& path, std::string_view bytes) override {
-        const auto target = toPath(path);
-        auto beside = target;
-        beside += ".tmp";
-        std::ofstream stream(beside, std::ios::binary | std::ios::trunc);
+    FileResult writeOnce(const std::string& path, std::string_view bytes, bool /*isFlushed*/) override {
+        std::ofstream stream(toPath(path), std::ios::binary | std::ios::trunc);
         stream << bytes;
         stream.close();
-        std::error_code error;
-        std::filesystem::rename(beside, target, error);
-        return stream.good() && !error;
+        return {stream.good() ? FileState::kDone : FileState::kFailed};
     }
+    FileResult moveOnce(const std::string& from, const std::string& to, bool /*isReplacing*/) override {
+        std::error_code error;
+        std::filesystem::rename(toPath(from), toPath(to), error);
+        return {error ? FileState::kFailed : FileState::kDone, static_cast<std::uint32_t>(error.value())};
+    }
+    void remove(const std::string& path) override {
+        std::error_code error;
+        std::filesystem::remove(toPath(path), error);
+    }
+    std::uint32_t pause(std::uint32_t ms) override {
+        ::poll(nullptr, 0, static_cast<int>(ms));
+        return ms;
+    }
+    std::uint32_t processId() const override { return static_cast<std::uint32_t>(::getpid()); }
 };
 
 class NativeFolder : public WorkerFolder {
   public:
-    bool folderExists(const std::string& path) override { return std::filesystem::is_directory(toPath(path)); }
+    bool isGone(const std::string& path) override { return !std::filesystem::is_directory(toPath(path)); }
     FileStamp stamp(const std::string& path) override {
         std::error_code error;
         const auto file = toPath(path);

@@ -83,6 +83,18 @@ TEST_F(PollOutputs, APassThatIsLostToMemoryShowsTheBridgeAsGoneUntilTheNextOne) 
     tryPass(rig.radios, [] { throw 7; });  // nothing gets past it
 }
 
+TEST_F(PollOutputs, AVolumeTurnedOnThePanelIsSavedWhenItsTimeHasComeNotWithEveryPass) {
+    const std::uint64_t dueMs = rig.clock.tickMs() + 300;
+    changeSettings(
+        rig.settings, [](Settings& live) { live.receive_volume = 33.0f; }, dueMs);
+    rig.passFor(300);  // the last pass is 50 ms early
+    EXPECT_EQ(rig.files.replaces, 0);
+    rig.pass();
+    EXPECT_EQ(rig.files.replaces, 1);
+    rig.passFor(1000);
+    EXPECT_EQ(rig.files.replaces, 1);
+}
+
 TEST_F(PollOutputs, AfterTheLastPassReceivedVoicesAreLeftAsTheyAre) {
     rig.pass();
     ASSERT_NE(gain(), 1.0f);

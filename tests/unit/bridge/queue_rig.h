@@ -7,12 +7,14 @@
 // Does something at the moment a file is written, as another thread might.
 class InterruptedFiles : public MemoryFiles {
   public:
-    bool replace(const std::string& path, std::string_view bytes) override {
+    std::function<void()> whileWriting;  // once
+
+  protected:
+    FileResult writeOnce(const std::string& path, std::string_view bytes, bool isFlushed) override {
         const auto meanwhile = std::exchange(whileWriting, {});
         if (meanwhile) meanwhile();
-        return MemoryFiles::replace(path, bytes);
+        return MemoryFiles::writeOnce(path, bytes, isFlushed);
     }
-    std::function<void()> whileWriting;  // once
 };
 
 class QueueTest : public testing::Test {

@@ -41,17 +41,17 @@ void expectUnknown(const RadioReading& radio) {
 }
 
 // The clock moves on, or is set back, while the file is being read.
-class ClockFiles : public DataFiles {
+class ClockFiles : public MemoryFiles {
   public:
-    ClockFiles(MemoryFiles& files, ManualClock& clock, std::uint64_t ms) : files_(files), clock_(clock), ms_(ms) {}
-    bool read(const std::string& path, std::string& bytes) override {
+    ClockFiles(ManualClock& clock, std::uint64_t ms) : clock_(clock), ms_(ms) {}
+
+  protected:
+    FileResult readOnce(const std::string& path, std::size_t maxBytes, std::string& bytes) override {
         clock_.advance(ms_);
-        return files_.read(path, bytes);
+        return MemoryFiles::readOnce(path, maxBytes, bytes);
     }
-    bool replace(const std::string& path, std::string_view bytes) override { return files_.replace(path, bytes); }
 
   private:
-    MemoryFiles& files_;
     ManualClock& clock_;
     std::uint64_t ms_;
 };
@@ -116,8 +116,8 @@ TEST_F(SimStateTest, AClockSetBackMakesTheFileOneOfTheFuture) {
 }
 
 TEST_F(SimStateTest, AFileWrittenAtTheMomentOfReadingIsNotOfTheFuture) {
-    ClockFiles slow(files, clock, 20);
-    files.put(pathOf(kTelemetryFile), file.writtenAt(clock.unixSeconds() + 0.015).text());
+    ClockFiles slow(clock, 20);
+    slow.put(pathOf(kTelemetryFile), file.writtenAt(clock.unixSeconds() + 0.015).text());
     const auto reading = readTelemetry(slow, kFolder, clock);
     ASSERT_TRUE(reading);
     EXPECT_TRUE(reading->fresh);

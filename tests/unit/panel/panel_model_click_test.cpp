@@ -208,7 +208,7 @@ TEST_F(PanelClick, AReleaseWithoutAPressPerformsNothing) {
     release(middleOf(kCom2Key));
     expectUntouched(before);
     press(kCom2Key);
-    cancelPress(model);  // another window took the capture
+    cancelPress(model, context);  // another window took the capture
     release(middleOf(kCom2Key));
     expectUntouched(before);
     press(kCom2Key);
@@ -310,7 +310,7 @@ TEST_F(PanelClick, ThePressedKeyArrivesWithinADozenTicks) {
     for (; model.press_level != 1.0f && down < 100; down++) tickPanel(model);
     EXPECT_GT(down, 5);  // eased, not thrown
     EXPECT_LE(down, 12);
-    cancelPress(model);
+    cancelPress(model, context);
     int up = 0;
     for (; model.press_level != 0.0f && up < 100; up++) tickPanel(model);
     EXPECT_EQ(up, down);

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <limits>
 #include "panel/panel_volume.h"
+#include "settings/settings_text.h"
 #include "tests/unit/panel/panel_rig.h"
 
 namespace {
@@ -60,6 +61,42 @@ TEST_F(PanelDrag, AVolumeDragChangesTheReceiveVolumeWhenTheRadioIsNotFollowed) {
     dragUp(15);
     EXPECT_FLOAT_EQ(now().receive_volume, 35.0f);
     EXPECT_TRUE(queued().empty());
+}
+
+TEST_F(PanelDrag, AVolumeIsSavedOnceWhenTheDragEndsHoweverItEnds) {
+    change([](Settings& live) {
+        live.follow_volume = false;
+        live.receive_volume = 30;
+    });
+    const std::function<void()> ends[] = {
+        [&] { release(kNowhere); }, [&] { release(middleOf(kVolumeKnob)); }, [&] { cancelPress(model, context); },
+        [&] {
+            press(PixelPoint{0, 0});
+        },  // the release was lost
+    };
+    for (const auto& end : ends) {
+        const int before = files.replaces;
+        press(kVolumeKnob);
+        for (int i = 0; i < 20; i++) {
+            dragUp(3);
+            clock.advance(400);
+            saveWhenDue(settings, clock.tickMs());  // what the poll thread does
+        }
+        EXPECT_EQ(files.replaces, before);
+        end();
+        EXPECT_EQ(files.replaces, before + 1);
+        EXPECT_EQ(files.text("settings.ini"), writeSettingsText(now()));
+        cancelPress(model, context);
+        EXPECT_EQ(files.replaces, before + 1);
+    }
+}
+
+TEST_F(PanelDrag, APressOfTheVolumeKnobAloneSavesNothing) {
+    change([](Settings& live) { live.follow_volume = false; });
+    const int before = files.replaces;
+    press(kVolumeKnob);
+    release(middleOf(kVolumeKnob));
+    EXPECT_EQ(files.replaces, before);
 }
 
 TEST_F(PanelDrag, AVolumeTheSimulatorControlsSaysSo) {
@@ -181,7 +218,7 @@ TEST_F(PanelDrag, KeysAndDigitsAreNotDragged) {
 
 TEST_F(PanelDrag, EndsWithThePress) {
     press(kSmallKnob);
-    cancelPress(model);
+    cancelPress(model, context);
     dragUp(50);
     EXPECT_TRUE(queued().empty());
     press(kSmallKnob);

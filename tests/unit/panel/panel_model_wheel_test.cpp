@@ -1,4 +1,5 @@
 #include <limits>
+#include "panel/panel_volume.h"
 #include "tests/unit/panel/panel_rig.h"
 
 namespace {
@@ -148,6 +149,22 @@ TEST_F(PanelWheel, ATurnOverAnElementThatTakesNoneIsNoTurn) {
     EXPECT_EQ(model.wheel_remainder, 60);
     wheel(kStandbyMhzDigits, 60);
     EXPECT_EQ(queued().size(), 1U);
+}
+
+TEST_F(PanelWheel, ATurnedVolumeIsSavedAPauseAfterTheLastNotch) {
+    change([](Settings& live) { live.follow_volume = false; });
+    const int before = files.replaces;
+    for (int i = 0; i < 10; i++) {
+        wheel(kVolumeKnob, -120);
+        clock.advance(kVolumeSaveMs - 1);
+        saveWhenDue(settings, clock.tickMs());
+    }
+    EXPECT_EQ(now().receive_volume, 70.0f);
+    EXPECT_EQ(files.replaces, before);
+    clock.advance(1);
+    saveWhenDue(settings, clock.tickMs());
+    EXPECT_EQ(files.replaces, before + 1);
+    EXPECT_NE(files.text("settings.ini").find("receive_volume=70\r\n"), std::string::npos);
 }
 
 TEST_F(PanelWheel, TheRestOfATurnIsKeptWithItsSign) {

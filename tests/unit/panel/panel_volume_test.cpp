@@ -52,8 +52,19 @@ TEST_F(PanelVolume, ChangesTheReceiveVolumeWhenTheRadioIsNotFollowed) {
         EXPECT_EQ(copySettings(settings).receive_volume, row.stored) << row.turned;
     }
     EXPECT_EQ(queued(), 0u);
-    EXPECT_NE(files.text("settings.ini").find("receive_volume=0\r\n"), std::string::npos);  // and saves it
     EXPECT_EQ(status(), "CONNECTED");
+}
+
+TEST_F(PanelVolume, IsSavedAPauseAfterTheLastTurn) {
+    follow(false);
+    const int before = files.replaces;
+    turn(2, 50);
+    turn(2, 49);
+    saveWhenDue(settings, 1000 + kVolumeSaveMs - 1);
+    EXPECT_EQ(files.replaces, before);
+    saveWhenDue(settings, 1000 + kVolumeSaveMs);
+    EXPECT_EQ(files.replaces, before + 1);
+    EXPECT_NE(files.text("settings.ini").find("receive_volume=49\r\n"), std::string::npos);
 }
 
 TEST_F(PanelVolume, AsksTheSimulatorForUnityAt80AndForNoMoreAbove) {

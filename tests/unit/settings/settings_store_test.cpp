@@ -19,11 +19,13 @@ constexpr const char* kModuleFile = "C:\\Plugins\\settings.ini";
 // Looks around in the middle of a write.
 class ObservingFiles : public MemoryFiles {
   public:
-    bool replace(const std::string& path, std::string_view bytes) override {
-        if (onReplace) onReplace(bytes);
-        return MemoryFiles::replace(path, bytes);
-    }
     std::function<void(std::string_view)> onReplace;
+
+  protected:
+    FileResult writeOnce(const std::string& path, std::string_view bytes, bool isFlushed) override {
+        if (onReplace) onReplace(bytes);
+        return MemoryFiles::writeOnce(path, bytes, isFlushed);
+    }
 };
 
 }  // namespace

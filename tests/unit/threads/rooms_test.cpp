@@ -72,15 +72,17 @@ class LockProbe {
 // Calls back before each file is touched.
 class WatchedFiles : public MemoryFiles {
   public:
-    bool read(const std::string& path, std::string& bytes) override {
-        if (onTouch) onTouch(path);
-        return MemoryFiles::read(path, bytes);
-    }
-    bool replace(const std::string& path, std::string_view bytes) override {
-        if (onTouch) onTouch(path);
-        return MemoryFiles::replace(path, bytes);
-    }
     std::function<void(const std::string&)> onTouch;  // set before the threads start
+
+  protected:
+    FileResult readOnce(const std::string& path, std::size_t maxBytes, std::string& bytes) override {
+        if (onTouch) onTouch(path);
+        return MemoryFiles::readOnce(path, maxBytes, bytes);
+    }
+    FileResult moveOnce(const std::string& from, const std::string& to, bool isReplacing) override {
+        if (onTouch) onTouch(to);
+        return MemoryFiles::moveOnce(from, to, isReplacing);
+    }
 };
 
 bool isSettingsFile(const std::string& path) {
@@ -160,6 +162,9 @@ class RoomsTest : public testing::Test {
             live.enabled = turn % 10 != 0;
             live.radio = 1 + turn % 2;
         });
+        changeSettings(
+            settings, [&](Settings& live) { live.text_scale = 12.0f + static_cast<float>(turn % 10); },
+            clock.tickMs() + 100);
         if (!fitsTogether(copySimState(sim))) torn++;
         pendingCommand(copyCommands(commands), 1, kSlotActive);
         if (commandsOf(commands).size() > kMaxCommands) tooMany++;
@@ -299,14 +304,16 @@ TEST(SettingsOrder, TheFileIsWrittenInTheOrderOfTheChanges) {
     // Panel coordinates only grow, so an older record written late has a smaller sum than the one before it.
     class OrderedFiles : public MemoryFiles {
       public:
-        bool replace(const std::string& path, std::string_view bytes) override {
+        std::atomic<int> late{0};
+
+      protected:
+        FileResult writeOnce(const std::string& path, std::string_view bytes, bool isFlushed) override {
             for (int i = 0; i < 20; i++) std::this_thread::yield();  // a slow disk
             const Settings written = readSettingsText(bytes);
             const std::int32_t sum = written.panel_x + written.panel_y;
             if (newest_.exchange(sum) >= sum) late++;
-            return MemoryFiles::replace(path, bytes);
+            return MemoryFiles::writeOnce(path, bytes, isFlushed);
         }
-        std::atomic<int> late{0};
 
       private:
         std::atomic<std::int32_t> newest_{0};

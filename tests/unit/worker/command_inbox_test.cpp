@@ -124,9 +124,9 @@ TEST_F(WatchingCommands, DoesNotReadAHugeFile) {
 // A file that has grown since its size was asked for.
 TEST_F(WatchingCommands, ReadsNoMoreThanACommandCanHave) {
     struct CountingFiles : MemoryFiles {
-        bool readBeginning(const std::string& path, std::size_t maxBytes, std::string& bytes) override {
+        FileResult readOnce(const std::string& path, std::size_t maxBytes, std::string& bytes) override {
             asked = maxBytes;
-            return MemoryFiles::readBeginning(path, maxBytes, bytes);
+            return MemoryFiles::readOnce(path, maxBytes, bytes);
         }
         std::size_t asked = 0;
     } counting;
@@ -142,18 +142,14 @@ TEST_F(WatchingCommands, ReadsNoMoreThanACommandCanHave) {
 }
 
 TEST_F(WatchingCommands, TriesALockedFileAgainOnTheNextPass) {
-    struct LockedFiles : MemoryFiles {
-        bool read(const std::string& path, std::string& bytes) override {
-            return !locked && MemoryFiles::read(path, bytes);
-        }
-        bool locked = true;
-    } locking;
+    MemoryFiles locking;
+    locking.trouble = [](FileStep, const std::string&) { return FileResult{FileState::kHeld, 32}; };
     MemoryFolder lockedFolder{locking};
     CommandInbox lockedInbox{kPath, locking, lockedFolder, log};
     locking.put(kPath, commandText("1-1", 1, "swap", "0", clock.unixSeconds()));
     EXPECT_FALSE(lockedInbox.next(1, clock.unixSeconds()));
     EXPECT_FALSE(lockedInbox.next(26, clock.unixSeconds()));
-    locking.locked = false;
+    locking.trouble = {};
     EXPECT_TRUE(lockedInbox.next(51, clock.unixSeconds()));
     EXPECT_EQ(logFile.count("command.json cannot be read"), 1);
 }

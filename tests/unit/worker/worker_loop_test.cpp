@@ -196,6 +196,30 @@ TEST(WorkerLoop, EndsWithinHalfASecondOfTheFolder) {
     while (!worker.pass().folderGone) ASSERT_LT(worker.clock.tickMs() - start, 500u);
 }
 
+TEST(WorkerLoop, GoesOnWhenASingleLookDoesNotFindTheFolder) {
+    Worker worker;
+    for (int i = 0; i < 3; i++) {
+        worker.run(1000);
+        worker.folder.missesToCome = 1;
+        for (const auto end = worker.clock.tickMs() + 1000; worker.clock.tickMs() < end;)
+            ASSERT_FALSE(worker.pass().folderGone);
+        EXPECT_EQ(worker.folder.missesToCome, 0);
+    }
+}
+
+TEST(WorkerLoop, LooksASecondTimeSoonAfterTheFirstFindsNoFolder) {
+    Worker worker;
+    worker.run(1000);
+    worker.folder.gone = true;
+    const int before = worker.folder.checks;
+    while (worker.folder.checks == before) worker.pass();
+    const auto first = worker.clock.tickMs();
+    auto result = worker.pass();
+    for (; !result.folderGone; result = worker.pass()) EXPECT_LE(result.quietMs, kPassMs);
+    EXPECT_LE(worker.clock.tickMs() - first, kFolderAgainMs + kPassMs);
+    EXPECT_EQ(worker.folder.checks, before + 2);
+}
+
 TEST(WorkerLoop, SurvivesAReadOnlyFolderAndALogThatCannotBeWritten) {
     Worker worker;
     worker.files.readOnly = true;
