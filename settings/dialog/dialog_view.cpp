@@ -120,7 +120,7 @@ void addLive(TextList& list, const DialogControl& control) {
     // 42 units below the frequency's line.
     if (!live.reason.empty()) {
         // Two lines of it, down to the row's end; there is no volume then.
-        list.addTo(control, live.reason, list.band(control, 72, 34), {11, false, TextTone::kDim});
+        list.addTo(control, live.reason, list.band(control, 71, 35), {11, false, TextTone::kDim});
         list.texts.back().wraps = true;
         return;
     }

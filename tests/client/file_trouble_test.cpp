@@ -11,6 +11,13 @@
 class FileTrouble : public PluginTest {
   protected:
     std::filesystem::path telemetryFile() const { return session.dataFolder / "telemetry.json"; }
+    // Writes the present time where the text of a telemetry begins: the whole of a large file would be old before it is
+    // on the disk.
+    void stampAnew(std::size_t textBegins) const {
+        std::fstream file(telemetryFile(), std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(static_cast<std::streamoff>(textBegins + std::string_view("{\n \"updated\": ").size()));
+        file << formatFixed(session.clock.unixSeconds(), 3);
+    }
     // The file is there for some passes without effect; then a good one is followed.
     void expectIgnoredThenRecovered(const std::string& bytes) {
         std::filesystem::create_directories(session.dataFolder);
@@ -74,28 +81,35 @@ TEST_F(FileTrouble, NoMoreThanWantedIsReadOfAFile) {
     EXPECT_EQ(read, "");
 }
 
-TEST_F(FileTrouble, AHundredMegabytesOfTextInFreshTelemetryAreLivedWith) {
+TEST_F(FileTrouble, AFreshTelemetryWithAHundredMegabytesOfTextIsUsed) {
     FakeTelemetry hostile;
     hostile.radios[0].activeKhz = 122800;
     hostile.ackId = "4242-1";
     hostile.ackMessage = std::string(100'000'000, 'x');
-    const std::string opening = "{\n \"updated\": ";
-    const std::string text = telemetryText(hostile, session.clock.unixSeconds());
-    ASSERT_TRUE(text.starts_with(opening));
     ASSERT_TRUE(session.start());
-    ASSERT_TRUE(replaceFile(telemetryFile(), text));
-    // Only the stamp is written anew: the whole file would be old before it is on the disk.
-    const auto stamp = [&] {
-        std::fstream file(telemetryFile(), std::ios::in | std::ios::out | std::ios::binary);
-        file.seekp(static_cast<std::streamoff>(opening.size()));
-        file << formatFixed(session.clock.unixSeconds(), 3);
-    };
+    ASSERT_TRUE(replaceFile(telemetryFile(), telemetryText(hostile, session.clock.unixSeconds())));
     EXPECT_TRUE(session.waitUntil(
         [&] {
-            stamp();
+            stampAnew(0);
             return host.ownChannel(kSchid) == kTower122800;
         },
         30'000));
+    session.tune(1, 121500);
+    EXPECT_TRUE(session.waitForArrival(kGround121500));
+}
+
+TEST_F(FileTrouble, OfATelemetryOnlyTheFirstMegabytesCount) {
+    const std::size_t blanks = 5'000'000;
+    FakeTelemetry behind;
+    behind.radios[0].activeKhz = 122800;
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(
+        replaceFile(telemetryFile(), std::string(blanks, ' ') + telemetryText(behind, session.clock.unixSeconds())));
+    for (int pass = 0; pass < 14; pass++) {  // twice as long as a fresh frequency must stand still
+        stampAnew(blanks);
+        ASSERT_TRUE(session.waitPasses(1));
+    }
+    EXPECT_EQ(host.ownChannel(kSchid), kLobby);
     session.tune(1, 121500);
     EXPECT_TRUE(session.waitForArrival(kGround121500));
 }
