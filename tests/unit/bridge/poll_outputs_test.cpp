@@ -84,15 +84,20 @@ TEST_F(PollOutputs, APassThatIsLostToMemoryShowsTheBridgeAsGoneUntilTheNextOne) 
 }
 
 TEST_F(PollOutputs, AVolumeTurnedOnThePanelIsSavedWhenItsTimeHasComeNotWithEveryPass) {
+    int saves = 0;
+    rig.files.trouble = [&](FileStep step, const std::string& path) {
+        if (step == FileStep::kMove && path.ends_with("settings.ini")) saves++;
+        return FileResult{};
+    };
     const std::uint64_t dueMs = rig.clock.tickMs() + 300;
     changeSettings(
         rig.settings, [](Settings& live) { live.receive_volume = 33.0f; }, dueMs);
     rig.passFor(300);  // the last pass is 50 ms early
-    EXPECT_EQ(rig.files.replaces, 0);
+    EXPECT_EQ(saves, 0);
     rig.pass();
-    EXPECT_EQ(rig.files.replaces, 1);
+    EXPECT_EQ(saves, 1);
     rig.passFor(1000);
-    EXPECT_EQ(rig.files.replaces, 1);
+    EXPECT_EQ(saves, 1);
 }
 
 TEST_F(PollOutputs, AfterTheLastPassReceivedVoicesAreLeftAsTheyAre) {
