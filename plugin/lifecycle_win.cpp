@@ -45,7 +45,7 @@ void tellFileTroubles(PluginState& plugin, const FileTroubles& troubles) {
 }
 
 void removeOldTemporariesOfOurs(const std::string& folder) {
-    for (const char* name : {kSettingsFile, kCommandFile, kTailFile, kAlertFile, kHostAnswerFile})
+    for (const char* name : {kSettingsFile, kCommandFile, kTailFile, kAlertFile, kHostAnswerFile, kLinkStateFile})
         removeOldTemporaries(folder, name);
 }
 

@@ -1,4 +1,16 @@
 #include "tests/client/command_reader.h"
+#include <windows.h>
+
+namespace {
+
+// When the file was written, without opening it; 0 if it is not there.
+std::uint64_t writtenAt(const std::filesystem::path& file) {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &data)) return 0;
+    return ULARGE_INTEGER{{data.ftLastWriteTime.dwLowDateTime, data.ftLastWriteTime.dwHighDateTime}}.QuadPart;
+}
+
+}  // namespace
 
 std::string jsonValue(const std::string& json, const std::string& key) {
     const std::size_t at = json.find("\"" + key + "\":");
@@ -10,10 +22,14 @@ std::string jsonValue(const std::string& json, const std::string& key) {
 }
 
 std::string CommandReader::next(std::uint64_t deadlineMs) {
+    const auto file = session_.dataFolder / "command.json";
     std::string command;
     session_.waitUntil(
         [&] {
-            command = readFile(session_.dataFolder / "command.json");
+            const auto written = writtenAt(file);
+            if (written == lastWritten_) return false;
+            command = readFile(file);
+            lastWritten_ = command.empty() ? 0 : written;
             return !command.empty() && jsonValue(command, "id") != lastId_;
         },
         deadlineMs);

@@ -11,7 +11,8 @@ class CommandReader {
   public:
     explicit CommandReader(ClientSession& session) : session_(session) {}
 
-    // Waits for a command other than the last one seen; empty if none comes.
+    // Waits for a command other than the last one seen; empty if none comes. Opens the file only when it is a new one,
+    // as the worker does: a file that is open cannot be replaced, and the plugin does not try for long.
     std::string next(std::uint64_t deadlineMs = 5000);
     // Answers the last command seen.
     void acknowledge(bool ok);
@@ -19,4 +20,5 @@ class CommandReader {
   private:
     ClientSession& session_;
     std::string lastId_;
+    std::uint64_t lastWritten_ = 0;  // the system's time of the file last read, 100 ns; 0 none
 };

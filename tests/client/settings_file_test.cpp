@@ -263,11 +263,13 @@ TEST_F(SettingsFile, LosesItsOldTemporaryFilesAtAStartButNotThoseOfAClientAtWork
     ASSERT_TRUE(session.writeSettings("theme=2\r\n"));
     const auto old = make("settings.ini.99998.tmp", 2);
     const auto oldSound = make("radio_tail.wav.99998.tmp", 2000);
+    const auto oldState = make("link_state.txt.99998.tmp", 2);
     const auto fresh = make("settings.ini.99999.tmp", 0);
     const auto notOurs = make("settings.ini.mine.tmp", 2);
     ASSERT_TRUE(session.start());
     EXPECT_FALSE(std::filesystem::exists(old));
     EXPECT_FALSE(std::filesystem::exists(oldSound));
+    EXPECT_FALSE(std::filesystem::exists(oldState));
     EXPECT_TRUE(std::filesystem::exists(fresh));
     EXPECT_TRUE(std::filesystem::exists(notOurs));
 }
