@@ -2,7 +2,7 @@
 # test.sh - installs what is missing, builds everything and runs all tests: the real DLL in the stand-in voice client
 # and the unit tests under Wine, while the unit tests are built and run under the address and undefined-behaviour
 # sanitizers, those with threads under the thread sanitizer, and without one those that no sanitizer allows; the
-# stand-in simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (2) each on new ones;
+# stand-in simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (1) each on new ones;
 # the documents' links and quotes; the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
 # test.sh --full - the same with every unit test under Wine too, otherwise those whose results depend on the compiler;
 # and with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT).
@@ -23,7 +23,7 @@ case "${1:-}" in
     *) echo "usage: ./test.sh [--full | --lint]" >&2; exit 2 ;;
 esac
 
-fuzz_seconds=${FUZZ_SECONDS:-2}
+fuzz_seconds=${FUZZ_SECONDS:-1}
 fuzz_jobs=$(nproc)
 wine_slots=6  # client tests mostly wait, so more of them than there are cores
 logs=build/test-logs

@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::size_t kDash = 10;
 constexpr std::size_t kPoint = 11;
-constexpr float kGlowReach = 0.20f;  // of the digit's height
-constexpr float kGlowStrength = 0.34f;
+constexpr float kDigitGlowReach = 0.20f;  // of the digit's height
+constexpr float kDigitGlowStrength = 0.34f;
 constexpr float kUnderlineThickness = 0.05f;  // of the digit's height
 constexpr float kUnderlineDistance = 0.09f;   // below the digits, of their height
 
@@ -30,7 +30,7 @@ std::uint32_t digitColour(std::int32_t theme, FrequencyState state) {
 
 // A dead display does not shine.
 float glowStrength(FrequencyState state) {
-    return state == FrequencyState::kDisconnected ? 0.0f : kGlowStrength;
+    return state == FrequencyState::kDisconnected ? 0.0f : kDigitGlowStrength;
 }
 
 std::int32_t roundToPixel(float x) {
@@ -69,7 +69,7 @@ DisplayFace::DisplayFace(std::int32_t theme, float scale) : theme_(theme) {
     // Both displays of a theme have the same height, which decides the digits' size.
     const FrequencyCells cells = layoutFrequency(rects_[0]);
     const float height = cells.digits[0].height;
-    margin_ = static_cast<std::int32_t>(std::ceil(kGlowReach * height)) + 1;
+    margin_ = static_cast<std::int32_t>(std::ceil(kDigitGlowReach * height)) + 1;
     pitch_ = roundToPixel(cells.digits[1].x - cells.digits[0].x);
     pointPitch_ = roundToPixel(cells.digits[3].x - cells.point.x);
     const auto inset = static_cast<float>(margin_);
@@ -87,7 +87,7 @@ ArgbImage DisplayFace::paintDigit(std::size_t index, FrequencyState state) const
         outlines[static_cast<std::size_t>(i)] = segmentOutline(cell_, i, style.slant);
     const std::uint8_t lit = segmentsOf(characterOf(index));
     const std::uint32_t colour = digitColour(theme_, state);
-    const float reach = kGlowReach * cell_.height;
+    const float reach = kDigitGlowReach * cell_.height;
     forEachPixel(image.bounds(), [&](std::int32_t x, std::int32_t y, UnitPoint point) {
         const float unlit = coverageOf(segmentsDistance(outlines, static_cast<std::uint8_t>(~lit), point));
         const std::uint32_t ground = premultiplied(colour, style.unlitShare * unlit);
@@ -102,7 +102,7 @@ ArgbImage DisplayFace::paintPoint(FrequencyState state) const {
     ArgbImage image(static_cast<std::int32_t>(std::ceil(point_.width)) + 2 * margin_,
                     static_cast<std::int32_t>(std::ceil(cell_.height)) + 2 * margin_);
     const std::uint32_t colour = digitColour(theme_, state);
-    const float reach = kGlowReach * cell_.height;
+    const float reach = kDigitGlowReach * cell_.height;
     forEachPixel(image.bounds(), [&](std::int32_t x, std::int32_t y, UnitPoint point) {
         const float distance = roundedRectDistance(point_, point_.width * 0.25f, point);
         image.row(y)[x] = litPixel(colour, distance, reach, glowStrength(state));

@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr float kGlowReach = 22.0f;  // logical units from the glass to where the glow ends
-constexpr float kGlowStrength = 0.42f;
+constexpr float kLampGlowReach = 22.0f;  // logical units from the glass to where the glow ends
+constexpr float kLampGlowStrength = 0.42f;
 constexpr float kHotShare = 0.62f;  // how near to white the middle of the glass is
 constexpr float kBarRadius = 3.0f;  // logical units, corners
 constexpr float kSquareRadius = 3.5f;
@@ -32,13 +32,13 @@ std::uint32_t lightOf(std::uint32_t argb, float strength) {
 
 float glowAt(float distance, float reach) {
     const float share = std::clamp(1.0f - std::max(distance, 0.0f) / reach, 0.0f, 1.0f);
-    return kGlowStrength * share * share * share;
+    return kLampGlowStrength * share * share * share;
 }
 
 }  // namespace
 
 PlacedImage makeLitLamp(const UnitRect& lamp, std::int32_t style, std::uint32_t colour, float scale) {
-    const float reach = std::max(1.0f, kGlowReach * scale);
+    const float reach = std::max(1.0f, kLampGlowReach * scale);
     const PixelRect area = pixelsAround(lamp, reach);
     PlacedImage lit{ArgbImage(area.right - area.left, area.bottom - area.top), area.left, area.top};
     if (lit.image.isEmpty()) return lit;

@@ -5,7 +5,6 @@ namespace standin {
 
 namespace {
 
-constexpr std::size_t kNameBytes = 256;
 constexpr std::size_t kFileBytes = 260;
 
 class Answer {

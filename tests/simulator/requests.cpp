@@ -7,8 +7,6 @@ namespace standin {
 
 namespace {
 
-constexpr std::size_t kNameBytes = 256;
-
 // clang-format off
 constexpr RequestKind kRequestKinds[] = {
     {kOpen,                       296, false, "Open"},

@@ -8,6 +8,8 @@
 
 namespace standin {
 
+inline constexpr std::size_t kNameBytes = 256;  // of a name or a title in a packet
+
 // The field must lie inside the packet: the caller has checked the packet's size.
 std::uint32_t u32At(std::string_view packet, std::size_t offset);
 float f32At(std::string_view packet, std::size_t offset);

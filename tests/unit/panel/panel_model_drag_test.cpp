@@ -1,13 +1,7 @@
 #include <cmath>
-#include <limits>
 #include "panel/panel_volume.h"
 #include "settings/settings_text.h"
 #include "tests/unit/panel/panel_rig.h"
-
-namespace {
-constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-}  // namespace
 
 class PanelDrag : public PanelTest {
   protected:

@@ -1,11 +1,5 @@
-#include <limits>
 #include "panel/panel_volume.h"
 #include "tests/unit/panel/panel_rig.h"
-
-namespace {
-constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-}  // namespace
 
 class PanelWheel : public PanelTest {};
 

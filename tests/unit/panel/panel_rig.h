@@ -2,8 +2,12 @@
 // that press, drag and turn at the middle of an element.
 #pragma once
 #include <gtest/gtest.h>
+#include <limits>
 #include "panel/panel_model.h"
 #include "tests/unit/bridge/rig.h"
+
+inline constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+inline constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
 
 class CountedActions : public PanelActions {
   public:
