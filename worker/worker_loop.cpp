@@ -19,8 +19,7 @@ std::string handledBefore(const std::string& path, DataFiles& files, WorkerFolde
 
 WorkerLoop::WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolder& folder, SimLink& link,
                        WorkerLog& log)
-    : dataDir_(dataDir),
-      folder_(folder),
+    : folderLook_(folder, dataDir),
       link_(link),
       log_(log),
       inbox_(joinPath(dataDir, kCommandFile), files, folder, log),
@@ -31,7 +30,7 @@ WorkerLoop::WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolde
 
 PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     PassResult result;
-    result.folderGone = isFolderGone(nowMs);
+    result.folderGone = folderLook_.isGone(nowMs);
     if (result.folderGone) return result;
     link_.poll(nowMs);
     logLink();
@@ -43,23 +42,9 @@ PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     writer_.pass(telemetry, nowMs, unixSeconds);
     const auto dueMs = std::max<std::uint64_t>(writer_.msUntilDue(telemetry, nowMs), 1);
     result.waitMs = std::min(dueMs, kPassMs);
-    const bool isBusy = handler_.isPending() || folderMisses_ > 0;
+    const bool isBusy = handler_.isPending() || folderLook_.isInDoubt();
     result.quietMs = std::min(dueMs, isBusy ? kPassMs : std::max(kPassMs, link_.restMs()));
     return result;
-}
-
-bool WorkerLoop::isFolderGone(std::uint64_t nowMs) {
-    if (msUntilFolderLook(nowMs) > 0) return false;
-    folderCheckedMs_ = nowMs;
-    folderMisses_ = folder_.isGone(dataDir_) ? folderMisses_ + 1 : 0;
-    return folderMisses_ >= 2;
-}
-
-std::uint64_t WorkerLoop::msUntilFolderLook(std::uint64_t nowMs) const {
-    if (folderCheckedMs_ == 0) return 0;
-    const auto gapMs = folderMisses_ > 0 ? kFolderAgainMs : kFolderCheckMs;
-    const auto sinceMs = nowMs - folderCheckedMs_;
-    return sinceMs >= gapMs ? 0 : gapMs - sinceMs;
 }
 
 void WorkerLoop::logLink() {

@@ -4,13 +4,12 @@
 #include <string>
 #include "worker/command_handler.h"
 #include "worker/command_inbox.h"
+#include "worker/folder_look.h"
 #include "worker/telemetry_writer.h"
 
 // Between two passes: command.json is read within 25 ms. A link that may rest (SimLink::restMs) and a folder that can
 // be watched make it longer; then the new file itself begins the pass.
 inline constexpr std::uint64_t kPassMs = 23;
-inline constexpr std::uint64_t kFolderCheckMs = 230;  // the folder's disappearance shows within 500 ms,
-inline constexpr std::uint64_t kFolderAgainMs = 46;   // once a second look, so soon after the first, finds none either
 
 struct PassResult {
     bool folderGone = false;    // the worker has nothing left to do
@@ -26,19 +25,14 @@ class WorkerLoop {
     PassResult pass(std::uint64_t nowMs, double unixSeconds);
 
   private:
-    bool isFolderGone(std::uint64_t nowMs);
-    std::uint64_t msUntilFolderLook(std::uint64_t nowMs) const;
     void logLink();
 
-    std::string dataDir_;
-    WorkerFolder& folder_;
+    FolderLook folderLook_;
     SimLink& link_;
     WorkerLog& log_;
     CommandInbox inbox_;
     CommandHandler handler_;
     TelemetryWriter writer_;
-    std::uint64_t folderCheckedMs_ = 0;
-    int folderMisses_ = 0;  // looks in a row that found no folder
     bool linkLogged_ = false;
     bool loggedOk_ = false;
     std::string loggedStatus_;
