@@ -33,7 +33,7 @@ PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     result.folderGone = folderLook_.isGone(nowMs);
     if (result.folderGone) return result;
     link_.poll(nowMs);
-    logLink();
+    logLink(nowMs);
     handler_.pass(nowMs);
     if (!handler_.isPending()) {
         if (auto command = inbox_.next(nowMs, unixSeconds)) handler_.accept(std::move(*command), nowMs);
@@ -47,12 +47,18 @@ PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     return result;
 }
 
-void WorkerLoop::logLink() {
+void WorkerLoop::logLink(std::uint64_t nowMs) {
     for (const auto& note : link_.takeNotes()) log_.line(note);
     const auto& sim = link_.snapshot();
-    if (linkLogged_ && sim.ok == loggedOk_ && sim.status == loggedStatus_) return;
-    linkLogged_ = true;
-    loggedOk_ = sim.ok;
-    loggedStatus_ = sim.status;
-    log_.line(std::string(sim.ok ? "link up: " : "link down: ") + sim.status);
+    const LinkState state{sim.ok, sim.status};
+    if (seenLink_ != state) {
+        seenLink_ = state;
+        linkSinceMs_ = nowMs;
+    }
+    const bool lasts = nowMs - linkSinceMs_ >= kLastingLinkMs;
+    if (lasts) hastyLinkLines_ = 0;
+    if (loggedLink_ == state || hastyLinkLines_ >= kHastyLinkLines) return;
+    if (!lasts) hastyLinkLines_++;
+    loggedLink_ = state;
+    log_.line(std::string(state.ok ? "link up: " : "link down: ") + state.status);
 }

@@ -1,6 +1,7 @@
 // worker_loop.h - one pass of the worker: the link, the command, the telemetry. Whoever runs it sleeps in between.
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
 #include "worker/command_handler.h"
 #include "worker/command_inbox.h"
@@ -10,6 +11,10 @@
 // Between two passes: command.json is read within 25 ms. A link that may rest (SimLink::restMs) and a folder that can
 // be watched make it longer; then the new file itself begins the pass.
 inline constexpr std::uint64_t kPassMs = 23;
+
+// A link that comes and goes all the time does not fill the log: after so many lines on states that did not last,
+inline constexpr int kHastyLinkLines = 6;
+inline constexpr std::uint64_t kLastingLinkMs = 1500;  // only one that has lasted so long has a line again
 
 struct PassResult {
     bool folderGone = false;    // the worker has nothing left to do
@@ -25,7 +30,7 @@ class WorkerLoop {
     PassResult pass(std::uint64_t nowMs, double unixSeconds);
 
   private:
-    void logLink();
+    void logLink(std::uint64_t nowMs);
 
     FolderLook folderLook_;
     SimLink& link_;
@@ -33,7 +38,12 @@ class WorkerLoop {
     CommandInbox inbox_;
     CommandHandler handler_;
     TelemetryWriter writer_;
-    bool linkLogged_ = false;
-    bool loggedOk_ = false;
-    std::string loggedStatus_;
+    struct LinkState {
+        bool ok = false;
+        std::string status;
+        bool operator==(const LinkState&) const = default;
+    };
+    std::optional<LinkState> seenLink_, loggedLink_;
+    std::uint64_t linkSinceMs_ = 0;  // when seenLink_ began
+    int hastyLinkLines_ = 0;         // since a state has lasted
 };
