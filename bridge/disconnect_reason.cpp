@@ -13,7 +13,7 @@ std::string codeText(std::uint32_t code) {
     return digits;
 }
 
-std::string wording(const DisconnectReason& reason) {
+std::string wordsOf(const DisconnectReason& reason) {
     switch (reason.cause) {
         case DisconnectCause::kNone:
             return {};
@@ -35,6 +35,10 @@ std::string wording(const DisconnectReason& reason) {
     return {};
 }
 
+std::string lineWith(const std::string& why) {
+    return std::string(kDisconnectedText) + (why.empty() ? "" : ": " + why);
+}
+
 }  // namespace
 
 DisconnectReason reasonOf(const WorkerLife& worker, const std::optional<TelemetryReading>& reading) {
@@ -51,7 +55,7 @@ DisconnectReason reasonOf(const WorkerLife& worker, const std::optional<Telemetr
 }
 
 std::string reasonText(const DisconnectReason& reason) {
-    const std::string text = wording(reason);
+    const std::string text = wordsOf(reason);
     return std::string(cutUtf8(text, kMaxReasonBytes));
 }
 
@@ -60,6 +64,9 @@ std::string workerEndLine(std::uint32_t exitCode) {
 }
 
 std::string disconnectedText(const DisconnectReason& reason) {
-    const std::string why = reasonText(reason);
-    return std::string(kDisconnectedText) + (why.empty() ? "" : ": " + why);
+    return lineWith(reasonText(reason));
+}
+
+std::string wholeDisconnectedText(const DisconnectReason& reason) {
+    return lineWith(wordsOf(reason));
 }

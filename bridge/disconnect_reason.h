@@ -42,11 +42,11 @@ struct DisconnectReason {
     bool operator==(const DisconnectReason&) const = default;
 };
 
-// A fresh reading has no reason. Otherwise a worker that is gone comes first: what it wrote looks fresh for some
+// A fresh reading has no reason. Otherwise a worker that is gone comes first: what it wrote looks timely for some
 // seconds.
 DisconnectReason reasonOf(const WorkerLife& worker, const std::optional<TelemetryReading>& reading);
 
-// Longer reasons are cut: the status line has no room for more.
+// Longer reasons are cut for the eye: neither the panel's line nor the dialog's has room for more.
 inline constexpr std::size_t kMaxReasonBytes = 44;
 
 // "worker not running (code 3)"; at most kMaxReasonBytes of UTF-8 on one line, empty for kNone.
@@ -58,5 +58,9 @@ std::string workerEndLine(std::uint32_t exitCode);
 inline constexpr std::string_view kConnectedText = "CONNECTED";
 inline constexpr std::string_view kDisconnectedText = "DISCONNECTED";
 
-// "DISCONNECTED: worker not running (code 3)"; the bare word for kNone.
+// For the panel: "DISCONNECTED: worker not running (code 3)", the reason as in reasonText; the bare word for kNone.
 std::string disconnectedText(const DisconnectReason& reason);
+
+// The same with the whole reason, kMaxTelemetryTextBytes at most, for the report for support: that masks the names of
+// other computers, and half a name is hard to tell for one.
+std::string wholeDisconnectedText(const DisconnectReason& reason);

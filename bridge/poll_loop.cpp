@@ -40,7 +40,7 @@ void readSimulator(Pass& pass, PollMemory& memory, PollContext& context) {
 // For the report for support, which cannot ask us. A file that cannot be written is not tried again before the state
 // changes.
 void writeLinkState(const Pass& pass, PollMemory& memory, PollContext& context) {
-    const std::string state = pass.telemetryOk ? std::string(kConnectedText) : disconnectedText(pass.reason);
+    const std::string state = pass.telemetryOk ? std::string(kConnectedText) : wholeDisconnectedText(pass.reason);
     if (state == memory.linkState) return;
     if (memory.linkStateMs != 0 && pass.nowMs - memory.linkStateMs < kLinkStateGapMs) return;
     context.files.replace(joinPath(context.dataFolder, kLinkStateFile), state + "\r\n");

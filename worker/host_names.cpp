@@ -13,16 +13,28 @@ constexpr std::string_view kBeforePaths = " \t\"'=,;([{|";  // anything else is 
 constexpr std::string_view kIniKey = "address";
 constexpr std::string_view kThisComputer[] = {"localhost", "127.0.0.1", "::1"};
 
-// What the worker writes in front of an address, in worker_options.cpp.
+enum class Naming {
+    kAddress,  // HOST:PORT
+    kRefused,  // what was refused as an address, up to the line's end: it may hold blanks
+    kHost,     // a host alone, perhaps cut
+};
+
+// What the worker writes in front of a computer, in worker_options.cpp and simconnect/tcp_transport.cpp.
 struct Lead {
     std::string_view text;
-    bool isToLineEnd;  // what was refused as an address may hold blanks
+    Naming naming;
 };
-constexpr Lead kLeads[] = {{"simulator at ", false}, {"as in simpc:500 or [fe80::1]:500, not ", true}};
+constexpr Lead kLeads[] = {
+    {"simulator at ", Naming::kAddress},   {"as in simpc:500 or [fe80::1]:500, not ", Naming::kRefused},
+    {"no answer from ", Naming::kHost},    {"no such computer: ", Naming::kHost},
+    {"no thread to look ", Naming::kHost},
+};
+constexpr std::string_view kBehindHost = " \t\r\"',";
 
 // A part of a line: first byte and the one behind the last.
 struct Span {
     std::size_t begin, end;
+    bool isHost = false;  // and no address
 };
 
 char lowerOf(char c) {
@@ -62,17 +74,27 @@ std::optional<Span> iniAddress(std::string_view line) {
     return trimmedSpan(line, skip(line, " \t\"", equals + 1), line.size());
 }
 
-// The addresses in a line, in the order in which they stand there.
-std::vector<Span> addressesIn(std::string_view line) {
+// The computer that is named from here on.
+Span spanBehind(std::string_view line, std::size_t begin, Naming naming) {
+    if (naming == Naming::kRefused) return trimmedSpan(line, begin, line.size());
+    if (naming == Naming::kAddress) return trimmedSpan(line, begin, std::min(line.find(' ', begin), line.size()));
+    auto end = std::min(line.find_first_of(kBehindHost, begin), line.size());
+    while (end > begin && line[end - 1] == '.') end--;  // the sentence's
+    return {begin, end, true};
+}
+
+// The computers named in a line, in the order in which they stand there.
+std::vector<Span> computersIn(std::string_view line) {
     std::vector<Span> spans;
     if (const auto span = iniAddress(line)) return {*span};
     for (const auto& lead : kLeads) {
-        const auto at = findFrom(line, lead.text, 0);
-        if (at == std::string_view::npos) continue;
-        const auto begin = at + lead.text.size();
-        spans.push_back(
-            trimmedSpan(line, begin, lead.isToLineEnd ? line.size() : std::min(line.find(' ', begin), line.size())));
+        for (auto at = findFrom(line, lead.text, 0); at != std::string_view::npos;) {
+            const auto span = spanBehind(line, at + lead.text.size(), lead.naming);
+            spans.push_back(span);
+            at = findFrom(line, lead.text, span.end);
+        }
     }
+    std::sort(spans.begin(), spans.end(), [](const Span& left, const Span& right) { return left.begin < right.begin; });
     return spans;
 }
 
@@ -93,13 +115,18 @@ std::string maskedAddress(std::string_view address) {
     return hostPortText({std::string(kMask), parsed->port});
 }
 
-std::string maskAddresses(std::string_view line) {
+std::string maskedHost(std::string_view host) {
+    const bool staysAsItIs = host.empty() || host.starts_with(kMask) || isThisComputer(host);
+    return std::string(staysAsItIs ? host : kMask);
+}
+
+std::string maskComputers(std::string_view line) {
     std::string masked;
     std::size_t at = 0;
-    for (const auto& span : addressesIn(line)) {
+    for (const auto& span : computersIn(line)) {
         if (span.begin < at) continue;
-        masked.append(line.substr(at, span.begin - at))
-            .append(maskedAddress(line.substr(span.begin, span.end - span.begin)));
+        const auto text = line.substr(span.begin, span.end - span.begin);
+        masked.append(line.substr(at, span.begin - at)).append(span.isHost ? maskedHost(text) : maskedAddress(text));
         at = span.end;
     }
     return masked.append(line.substr(at));
@@ -150,7 +177,8 @@ std::size_t hostBytes(char before, std::string_view text, const std::vector<std:
 
 std::vector<std::string> findHostNames(std::string_view line) {
     std::vector<std::string> names;
-    for (const auto& span : addressesIn(line)) {
+    for (const auto& span : computersIn(line)) {
+        if (span.isHost) continue;  // perhaps half a name
         const auto address = parseHostPort(line.substr(span.begin, span.end - span.begin));
         if (address && !isThisComputer(address->host) && !isNumber(address->host)) names.push_back(address->host);
     }
@@ -163,7 +191,7 @@ std::string maskHostNames(std::string_view line, const std::vector<std::string>&
     // The longest first: simpc.home before simpc.
     std::sort(names.begin(), names.end(),
               [](const std::string& left, const std::string& right) { return left.size() > right.size(); });
-    const auto text = maskServers(maskAddresses(line));
+    const auto text = maskServers(maskComputers(line));
     std::string masked;
     for (std::size_t at = 0; at < text.size();) {
         const char before = at > 0 ? text[at - 1] : ' ';

@@ -12,6 +12,7 @@ std::vector<std::string> findHostNames(std::string_view line);
 // [any] One line of UTF-8 with "<host>" in place of
 // - each of hostNames that stands as a whole between two characters that are neither letters nor digits;
 // - the host of an address as findHostNames finds it; of one that is no HOST:PORT everything goes;
+// - the host that the worker names when it says that it cannot be reached ("no answer from simpc"), even if it is cut;
 // - the server of a network path: \\server\share, also with doubled or forward separators.
 // Upper and lower case make no difference.
 std::string maskHostNames(std::string_view line, const std::vector<std::string>& hostNames);

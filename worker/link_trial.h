@@ -7,8 +7,8 @@
 #include "base/clock.h"
 #include "worker/sim_link.h"
 
-// Longer than a link takes to find out: 10 s for a name, 2 s for each of its addresses, 5 s for each version of the
-// introduction.
+// Longer than a link takes to find out: 10 s for a name, 2 s for each of its addresses, 5 s for each of the three
+// versions of the introduction. Only a name with more than seven dead addresses may take longer.
 inline constexpr std::uint64_t kLinkTrialMs = 40'000;
 
 struct LinkTrial {

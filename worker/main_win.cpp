@@ -7,6 +7,7 @@
 #include "base/identity.h"
 #include "exchange/telemetry_text.h"
 #include "worker/diagnosis_win.h"
+#include "worker/folder_look.h"
 #include "worker/make_link.h"
 #include "worker/simconnect/pipe_win.h"
 #include "worker/simconnect/tcp_transport.h"
@@ -64,10 +65,12 @@ int runLoop(WorkerLoop& loop, const SimLink& link, WorkerSleep& sleep, const Clo
 
 // Two voice clients have two workers and one folder: the second waits until the first has gone. False if there is
 // nobody left to serve.
-bool waitForFolder(FolderClaim& claim, HANDLE watched, const std::string& dataDir, WorkerLog& log) {
+bool waitForFolder(FolderClaim& claim, HANDLE watched, const std::string& dataDir, const Clock& clock, WorkerLog& log) {
+    WindowsFolder folder;
+    FolderLook look(folder, dataDir);
     bool isWaiting = false;
     while (true) {
-        switch (claim.wait(watched, isWaiting ? kFolderCheckMs : kQuietClaimMs)) {
+        switch (claim.wait(watched, isWaiting ? look.msUntilDue(clock.tickMs()) : kQuietClaimMs)) {
             case FolderClaim::Outcome::kOurs:
                 if (isWaiting) log.line("the other worker has gone");
                 return true;
@@ -79,7 +82,7 @@ bool waitForFolder(FolderClaim& claim, HANDLE watched, const std::string& dataDi
         }
         if (!isWaiting) log.line("another worker already serves " + dataDir + "; waiting for it to go");
         isWaiting = true;
-        if (WindowsFolder().folderExists(dataDir)) continue;
+        if (!look.isGone(clock.tickMs())) continue;
         log.line("ending: the data folder is gone");
         return false;
     }
@@ -96,7 +99,7 @@ int serve(WorkerOptions options, WorkerLog& log, const Clock& clock) {
         }
     }
     FolderClaim claim(options.dataDir);
-    if (!waitForFolder(claim, watched.get(), options.dataDir, log)) return kEnded;
+    if (!waitForFolder(claim, watched.get(), options.dataDir, clock, log)) return kEnded;
     removeOldTemporaries(options.dataDir, kTelemetryFile);
     WindowsDataFiles files(MoveOnto::kCache);
     WindowsFolder folder;

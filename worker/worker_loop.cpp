@@ -19,8 +19,7 @@ std::string handledBefore(const std::string& path, DataFiles& files, WorkerFolde
 
 WorkerLoop::WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolder& folder, SimLink& link,
                        WorkerLog& log)
-    : dataDir_(dataDir),
-      folder_(folder),
+    : folderLook_(folder, dataDir),
       link_(link),
       log_(log),
       inbox_(joinPath(dataDir, kCommandFile), files, folder, log),
@@ -31,10 +30,10 @@ WorkerLoop::WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolde
 
 PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     PassResult result;
-    result.folderGone = isFolderGone(nowMs);
+    result.folderGone = folderLook_.isGone(nowMs);
     if (result.folderGone) return result;
     link_.poll(nowMs);
-    logLink();
+    logLink(nowMs);
     handler_.pass(nowMs);
     if (!handler_.isPending()) {
         if (auto command = inbox_.next(nowMs, unixSeconds)) handler_.accept(std::move(*command), nowMs);
@@ -43,31 +42,23 @@ PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
     writer_.pass(telemetry, nowMs, unixSeconds);
     const auto dueMs = std::max<std::uint64_t>(writer_.msUntilDue(telemetry, nowMs), 1);
     result.waitMs = std::min(dueMs, kPassMs);
-    const bool isBusy = handler_.isPending() || folderMisses_ > 0;
+    const bool isBusy = handler_.isPending() || folderLook_.isInDoubt();
     result.quietMs = std::min(dueMs, isBusy ? kPassMs : std::max(kPassMs, link_.restMs()));
     return result;
 }
 
-bool WorkerLoop::isFolderGone(std::uint64_t nowMs) {
-    if (msUntilFolderLook(nowMs) > 0) return false;
-    folderCheckedMs_ = nowMs;
-    folderMisses_ = folder_.isGone(dataDir_) ? folderMisses_ + 1 : 0;
-    return folderMisses_ >= 2;
-}
-
-std::uint64_t WorkerLoop::msUntilFolderLook(std::uint64_t nowMs) const {
-    if (folderCheckedMs_ == 0) return 0;
-    const auto gapMs = folderMisses_ > 0 ? kFolderAgainMs : kFolderCheckMs;
-    const auto sinceMs = nowMs - folderCheckedMs_;
-    return sinceMs >= gapMs ? 0 : gapMs - sinceMs;
-}
-
-void WorkerLoop::logLink() {
+void WorkerLoop::logLink(std::uint64_t nowMs) {
     for (const auto& note : link_.takeNotes()) log_.line(note);
     const auto& sim = link_.snapshot();
-    if (linkLogged_ && sim.ok == loggedOk_ && sim.status == loggedStatus_) return;
-    linkLogged_ = true;
-    loggedOk_ = sim.ok;
-    loggedStatus_ = sim.status;
-    log_.line(std::string(sim.ok ? "link up: " : "link down: ") + sim.status);
+    const LinkState state{sim.ok, sim.status};
+    if (seenLink_ != state) {
+        seenLink_ = state;
+        linkSinceMs_ = nowMs;
+    }
+    const bool lasts = nowMs - linkSinceMs_ >= kLastingLinkMs;
+    if (lasts) hastyLinkLines_ = 0;
+    if (loggedLink_ == state || hastyLinkLines_ >= kHastyLinkLines) return;
+    if (!lasts) hastyLinkLines_++;
+    loggedLink_ = state;
+    log_.line(std::string(state.ok ? "link up: " : "link down: ") + state.status);
 }

@@ -1,16 +1,20 @@
 // worker_loop.h - one pass of the worker: the link, the command, the telemetry. Whoever runs it sleeps in between.
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
 #include "worker/command_handler.h"
 #include "worker/command_inbox.h"
+#include "worker/folder_look.h"
 #include "worker/telemetry_writer.h"
 
 // Between two passes: command.json is read within 25 ms. A link that may rest (SimLink::restMs) and a folder that can
 // be watched make it longer; then the new file itself begins the pass.
 inline constexpr std::uint64_t kPassMs = 23;
-inline constexpr std::uint64_t kFolderCheckMs = 230;  // the folder's disappearance shows within 500 ms,
-inline constexpr std::uint64_t kFolderAgainMs = 46;   // once a second look, so soon after the first, finds none either
+
+// A link that comes and goes all the time does not fill the log: after so many lines on states that did not last,
+inline constexpr int kHastyLinkLines = 6;
+inline constexpr std::uint64_t kLastingLinkMs = 1500;  // only one that has lasted so long has a line again
 
 struct PassResult {
     bool folderGone = false;    // the worker has nothing left to do
@@ -26,20 +30,20 @@ class WorkerLoop {
     PassResult pass(std::uint64_t nowMs, double unixSeconds);
 
   private:
-    bool isFolderGone(std::uint64_t nowMs);
-    std::uint64_t msUntilFolderLook(std::uint64_t nowMs) const;
-    void logLink();
+    void logLink(std::uint64_t nowMs);
 
-    std::string dataDir_;
-    WorkerFolder& folder_;
+    FolderLook folderLook_;
     SimLink& link_;
     WorkerLog& log_;
     CommandInbox inbox_;
     CommandHandler handler_;
     TelemetryWriter writer_;
-    std::uint64_t folderCheckedMs_ = 0;
-    int folderMisses_ = 0;  // looks in a row that found no folder
-    bool linkLogged_ = false;
-    bool loggedOk_ = false;
-    std::string loggedStatus_;
+    struct LinkState {
+        bool ok = false;
+        std::string status;
+        bool operator==(const LinkState&) const = default;
+    };
+    std::optional<LinkState> seenLink_, loggedLink_;
+    std::uint64_t linkSinceMs_ = 0;  // when seenLink_ began
+    int hastyLinkLines_ = 0;         // since a state has lasted
 };

@@ -22,7 +22,7 @@ void TcpTransport::connect() {
     close();
     problem_.clear();
     beganMs_.reset();
-    someRefused_ = someSilent_ = false;
+    someRefused_ = someUnreached_ = false;
     state_ = TransportState::kConnecting;
     auto known = lookUp_(address_, true);
     const bool isLiteral = !known.empty();
@@ -75,7 +75,7 @@ void TcpTransport::awaitConnection(std::uint64_t nowMs) {
     switch (socket_.connectProgress()) {
         case ConnectProgress::kPending:
             if (!turns_.isOver(nowMs)) return;
-            someSilent_ = true;
+            someUnreached_ = true;
             return tryNextAddress(nowMs);
         case ConnectProgress::kReady:
             state_ = TransportState::kOpen;
@@ -84,6 +84,7 @@ void TcpTransport::awaitConnection(std::uint64_t nowMs) {
             someRefused_ = true;
             return tryNextAddress(nowMs);
         case ConnectProgress::kFailed:
+            someUnreached_ = true;
             return tryNextAddress(nowMs);
     }
 }
@@ -94,9 +95,9 @@ void TcpTransport::tryNextAddress(std::uint64_t nowMs) {
         socket_.close();
         const auto progress = socket_.startConnect(*address);
         if (progress == ConnectProgress::kPending) return;
-        someRefused_ = someRefused_ || progress == ConnectProgress::kRefused;
+        (progress == ConnectProgress::kRefused ? someRefused_ : someUnreached_) = true;
     }
-    end(someSilent_ && !someRefused_ ? "no answer from " + address_.host : "");
+    end(someUnreached_ && !someRefused_ ? "no answer from " + address_.host : "");
 }
 
 std::size_t TcpTransport::receive(std::span<std::uint8_t> into) {

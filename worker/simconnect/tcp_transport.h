@@ -46,8 +46,8 @@ class TcpTransport : public Transport {
     std::shared_ptr<Lookup> lookup_;
     std::optional<std::uint64_t> beganMs_;  // the first poll of this connection
     AddressTurns turns_;
-    bool someRefused_ = false;  // of the addresses tried for this connection
-    bool someSilent_ = false;
+    bool someRefused_ = false;    // of the addresses tried for this connection
+    bool someUnreached_ = false;  // silent until its time was over, or no way leads there
     Socket socket_;
     TransportState state_ = TransportState::kClosed;
     std::vector<std::uint8_t> unsent_;

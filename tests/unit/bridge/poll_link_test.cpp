@@ -87,6 +87,16 @@ TEST_F(PollLink, TheStateIsInTheFileForTheReport) {
     EXPECT_EQ(linkState(), "CONNECTED\r\n");
 }
 
+// The report masks the names of other computers; half a name would not be known for one.
+TEST_F(PollLink, TheFileHasTheWholeReasonAndThePanelItsBeginning) {
+    const std::string reason = "no answer from johannes-flight-simulator.fritz.box";
+    rig.pass();
+    ground(reason);
+    rig.passFor(1000);
+    EXPECT_EQ(linkState(), "DISCONNECTED: " + reason + "\r\n");
+    EXPECT_EQ(rig.statusText(), "DISCONNECTED: " + reason.substr(0, kMaxReasonBytes));
+}
+
 TEST_F(PollLink, TheFileIsWrittenForANewStateOnlyAndAtMostOnceASecond) {
     rig.passFor(10'000);
     EXPECT_EQ(rig.files.replaces, 1);

@@ -184,6 +184,21 @@ TEST_F(WorkerFlight, KeepsCalmInAFloodOfAircraft) {
     EXPECT_EQ(heard("COM1_RADIO_SWAP"), 1);
 }
 
+// The radios are read in between, and forgotten again.
+TEST_F(WorkerFlight, LogsTheLinkAFewTimesOnlyWhileAircraftComeThreeTimesASecond) {
+    beginAndRead("stock");
+    fly(3000);
+    const int before = logFile.count("  link ");
+    for (int i = 0; i < 60; i++) {  // twenty seconds
+        act("aircraft twin");
+        fly(333);
+    }
+    EXPECT_GE(logFile.count("  link ") - before, 2) << logFile.text;
+    EXPECT_LE(logFile.count("  link ") - before, 12) << logFile.text;
+    fly(4000);
+    EXPECT_GT(logFile.text.rfind("  link up: "), logFile.text.rfind("  link down: ")) << logFile.text;
+}
+
 TEST_F(WorkerFlight, ComesBackAfterEveryLoss) {
     beginAndRead("stock");
     for (const char* loss : {"drop 2", "quit 3", "crash 1", "drop 0"}) {

@@ -265,14 +265,16 @@ TEST(Diagnosis, MasksOtherComputersInEveryPartOfIt) {
     found.oldLog = fileOf("data folder D:\\x, link auto, simulator at cellar:500\n");
     found.log = fileOf("  link down: no such computer: CELLAR\n  link down: attic is silent\n");
     found.telemetry = fileOf("{\"status\":\"no answer from gaming\"}");
+    found.linkState = fileOf("DISCONNECTED: no answer from johannes-flight-simulator-with-a-long-na");  // cut
     found.settings = fileOf("python=\\\\nas\\python.exe\n");
     found.dataFolder = "\\\\profiles.corp\\cockpit\\Corvalis";
     found.trial = LinkTrial{false, "no answer from gaming", 0, {"gaming has two addresses"}};
     const auto text = report(found);
-    for (const char* name : {"gaming", "cockpit", "attic", "cellar", "CELLAR", "nas\\", "profiles"})
+    for (const char* name : {"gaming", "cockpit", "attic", "cellar", "CELLAR", "nas\\", "profiles", "johannes"})
         EXPECT_FALSE(has(text, name)) << name << " in " << text;
     EXPECT_TRUE(has(text, "set to          link auto, simulator at <host>:500\r\n"));
     EXPECT_TRUE(has(text, "  link down: no such computer: <host>\r\n"));
+    EXPECT_TRUE(has(text, "DISCONNECTED: no answer from <host>\r\n"));
     EXPECT_TRUE(has(text, "tried           <host> has two addresses\r\n"));
     EXPECT_TRUE(has(text, "folder          \\\\<host>\\<host>\\Corvalis\r\n"));
 }

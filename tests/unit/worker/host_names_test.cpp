@@ -85,6 +85,27 @@ TEST(HostNames, ThatAreKnownAreMaskedEverywhere) {
         {"", "simpc", "simpc.home", "192.168.1.2", "fe80::1"});
 }
 
+// Also of a name that nobody knows any more, or half a name.
+TEST(HostNames, AreMaskedBehindWhatTheWorkerSaysOfTheLink) {
+    expectMasked(
+        {
+            {"DISCONNECTED: no answer from johannes-flight-sim.frit", "DISCONNECTED: no answer from <host>"},
+            {"link down: no such computer: my-pc.", "link down: no such computer: <host>."},
+            {"link down: no answer from fe80::1", "link down: no answer from <host>"},
+            {"link down: no thread to look simpc up", "link down: no thread to look <host> up"},
+            {"\"status\":\"no answer from simpc\",\"ack_message\":\"not written: no answer from simpc, or\"",
+             "\"status\":\"no answer from <host>\",\"ack_message\":\"not written: no answer from <host>, or\""},
+            {"no such computer: a, no answer from b and 'no answer from c'",
+             "no such computer: <host>, no answer from <host> and 'no answer from <host>'"},
+            {"no answer from LocalHost", "no answer from LocalHost"},
+            {"no answer from ::1", "no answer from ::1"},
+            {"no answer from ", "no answer from "},
+            {"no such computer: ,", "no such computer: ,"},
+        },
+        kNobody);
+    EXPECT_EQ(findHostNames("no answer from simpc:500"), kNobody);  // no address: it may be cut
+}
+
 TEST(HostNames, AreMaskedInNetworkPaths) {
     expectMasked(
         {
@@ -113,7 +134,8 @@ TEST(HostNames, MaskedTwiceAreAsMaskedOnce) {
     const Names names = {"simpc", "host", "user", "address"};
     for (const std::string line :
          {"address=simpc:500", "address=sim pc", "at <user> and simpc", "\\\\host\\x", "simulator at host:500",
-          "simpc\\\\x", "as in simpc:500 or [fe80::1]:500, not my pc", "address=address:500", "<host> host"}) {
+          "simpc\\\\x", "as in simpc:500 or [fe80::1]:500, not my pc", "address=address:500", "<host> host",
+          "no answer from simpc, no such computer: no"}) {
         const auto once = maskHostNames(line, names);
         EXPECT_EQ(maskHostNames(once, names), once) << line;
     }

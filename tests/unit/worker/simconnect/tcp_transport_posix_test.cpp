@@ -227,6 +227,21 @@ TEST(TcpTransport, ASilentAddressBesideOneThatRefusesIsNoProblemWorthAWord) {
     EXPECT_EQ(transport.problem(), "");
 }
 
+// No network leads there, or the computer is off: the system says so at once, and nobody has refused anything.
+TEST(TcpTransport, SaysThatNobodyAnswersWhereTheSystemKnowsNoWay) {
+    const auto broadcast = simconnect::lookUp({"255.255.255.255", 500}, true).at(0);  // no connection leads there
+    Listener refusing;
+    refusing.stop();
+    const auto problemOf = [](const std::vector<NetAddress>& addresses) {
+        TcpTransport transport({"simpc", 500}, [&](const HostPort&, bool) { return addresses; });
+        EXPECT_FALSE(opens(transport));
+        return transport.problem();
+    };
+    EXPECT_EQ(problemOf({broadcast}), "no answer from simpc");
+    EXPECT_EQ(problemOf({broadcast, broadcast}), "no answer from simpc");
+    EXPECT_EQ(problemOf({broadcast, addressOf(refusing).at(0)}), "");  // it is there, only without a simulator
+}
+
 TEST(TcpTransport, BeginsWithTheAddressThatAnsweredTheLastTime) {
     const SilentListener silent;
     Listener listening;
