@@ -62,8 +62,8 @@ FileResult DataFiles::replace(const std::string& path, std::string_view bytes) {
     return result;
 }
 
-FileResult DataFiles::replaceKept(const std::string& path, std::string_view bytes, SetAside& aside) {
-    std::uint32_t patienceMs = kKeptPatienceMs;
+FileResult DataFiles::replaceKept(const std::string& path, std::string_view bytes, SetAside& aside,
+                                  std::uint32_t patienceMs) {
     const std::string temporary = temporaryOf(path);
     FileResult result = tryAgain(patienceMs, [&] { return writeOnce(temporary, bytes, true); });
     // Only now: a disk that is full leaves the old file where it is.

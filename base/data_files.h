@@ -48,13 +48,15 @@ class DataFiles {
     FileResult replace(const std::string& path, std::string_view bytes);
 
     // The same for what people have made and keep. While another program holds the file it is tried for up to
-    // kKeptPatienceMs in all, and the new text is on the disk before it takes the old one's place.
+    // kKeptPatienceMs in all (or patienceMs, where 0 is three tries), and the new text is on the disk before it takes
+    // the old one's place.
 
     // [any] If the file could not be read to its end, bytes holds what came before the error.
     FileResult readKept(const std::string& path, std::string& bytes);
 
     // [any] Sets the old file aside first if that is wanted. One that cannot be set aside is not replaced.
-    FileResult replaceKept(const std::string& path, std::string_view bytes, SetAside& aside);
+    FileResult replaceKept(const std::string& path, std::string_view bytes, SetAside& aside,
+                           std::uint32_t patienceMs = kKeptPatienceMs);
 
     // Of this process: two of them never write the same one.
     std::string temporaryOf(const std::string& path) const;

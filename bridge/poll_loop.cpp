@@ -145,7 +145,8 @@ void losePass(SimRadios& radios) noexcept {
     try {
         setDisconnected({DisconnectCause::kOutOfMemory, 0, {}}, radios.sim, radios.status);
     } catch (...) {
-        // No memory for a word: the panel shows what it showed.
+        // No memory for a reason. The word alone fits into any string without some.
+        setStatusText(radios.status, kDisconnectedText);
     }
 }
 

@@ -117,7 +117,7 @@ void ts3plugin_currentServerConnectionChanged(std::uint64_t schid) {
 
 void ts3plugin_onConnectStatusChangeEvent(std::uint64_t schid, int newStatus, unsigned /*error*/) {
     guarded([=] {
-        connectStatusChanged(gPlugin.currentServer, gPlugin.talk, gPlugin.host, schid, newStatus,
+        connectStatusChanged(gPlugin.currentServer, gPlugin.talk, hostWhileRunning(gPlugin), schid, newStatus,
                              gPlugin.clock.tickMs());
     });
 }

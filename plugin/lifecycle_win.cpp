@@ -18,14 +18,17 @@ namespace {
 
 // What went wrong with the folder and the settings file; goes into the log behind the line "Corvalis loaded".
 struct FileTroubles {
+    std::string folderName;         // of the data folder, as that line has it; may be relative
     std::uint32_t folderError = 0;  // the data folder is not there and cannot be made
-    FileResult settings;
+    SettingsLoad settings;
 };
 
 FileTroubles findFilesAndLoad(PluginState& plugin) REQUIRES(plugin.foldersMutex) {
     FileTroubles troubles;
-    plugin.dataFolder = findDataFolder();
-    troubles.folderError = createDataFolder(plugin.dataFolder);
+    troubles.folderName = findDataFolder();
+    troubles.folderError = createDataFolder(troubles.folderName);
+    // The same folder when somebody changes the working folder later. Only one that is there may have a short name.
+    plugin.dataFolder = fullPath(troubles.folderName);
     plugin.moduleFolder = findModuleFolder();
     setSettingsFolders(plugin.settings, plugin.dataFolder, plugin.moduleFolder);
     troubles.settings = loadSettings(plugin.settings);
@@ -34,8 +37,8 @@ FileTroubles findFilesAndLoad(PluginState& plugin) REQUIRES(plugin.foldersMutex)
 
 void tellFileTroubles(PluginState& plugin, const FileTroubles& troubles) {
     const std::string folder = copyDataFolder(plugin);
-    if (folder == kFallbackDataFolder)
-        logToHost(plugin.host, "Corvalis cannot use APPDATA: its data folder is " + utf8FromNarrow(fullPath(folder)) +
+    if (troubles.folderName == kFallbackDataFolder)
+        logToHost(plugin.host, "Corvalis cannot use APPDATA: its data folder is " + utf8FromNarrow(folder) +
                                    ", below the working folder");
     if (troubles.folderError != 0)
         logToHost(plugin.host, "Corvalis cannot make its data folder (error " + std::to_string(troubles.folderError) +
@@ -69,11 +72,12 @@ void askHost(PluginState& plugin) {
     plugin.moves.moveReturnCode = code;
 }
 
-void logLoaded(PluginState& plugin) {
-    const auto tail = plugin.tailTonePath.empty() ? std::string("(none)") : utf8FromNarrow(plugin.tailTonePath);
+void logLoaded(PluginState& plugin, const std::string& folderName) {
+    const auto tail =
+        plugin.tailTonePath.empty() ? std::string("(none)") : utf8FromNarrow(joinPath(folderName, kTailFile));
     logToHost(plugin.host, "Corvalis loaded: version=" + std::string(kPluginVersion) +
                                " dll=" + utf8FromNarrow(joinPath(copyModuleFolder(plugin), kDllName)) +
-                               " dataDir=" + utf8FromNarrow(copyDataFolder(plugin)) + " tailTone=" + tail);
+                               " dataDir=" + utf8FromNarrow(folderName) + " tailTone=" + tail);
 }
 
 // In the log, and in a file that the report for support shows.
@@ -172,6 +176,11 @@ std::string copyModuleFolder(PluginState& plugin) {
     return plugin.moduleFolder;
 }
 
+const HostFunctions& hostWhileRunning(const PluginState& plugin) {
+    static const HostFunctions kNone;
+    return plugin.running ? plugin.host : kNone;
+}
+
 void answerHost(PluginState& plugin) {
     std::string userText;
     plugin.files.read(joinPath(findDataFolder(), kHostInterfaceFile), userText);
@@ -181,7 +190,8 @@ void answerHost(PluginState& plugin) {
 void startPlugin(PluginState& plugin) {
     if (!plugin.running) forgetSession(plugin);  // what the host has told us before
     stopPollThread(plugin);                      // on a second start its folders and host handles are about to change
-    savePendingSettings(plugin.settings);        // they are about to be read again
+    // They are about to be read again, and only one of the two waits for whoever holds the file.
+    savePendingSettings(plugin.settings, 0);
     FileTroubles troubles;
     {
         const MutexLock lock(plugin.foldersMutex);
@@ -193,12 +203,11 @@ void startPlugin(PluginState& plugin) {
     const Settings settings = copySettings(plugin.settings);
     plugin.languageIndex = chooseLanguage(settings.language, GetUserDefaultUILanguage());
     askHost(plugin);
-    logLoaded(plugin);
+    logLoaded(plugin, troubles.folderName);
     tellHostInterface(plugin);
     tellFileTroubles(plugin, troubles);
     applySettings(plugin.settings);
-    startWorker(plugin.worker, plugin.host, copyModuleFolder(plugin), fullPath(copyDataFolder(plugin)),
-                settings.python);
+    startWorker(plugin.worker, plugin.host, copyModuleFolder(plugin), copyDataFolder(plugin), settings.python);
     startPollThread(plugin);
     startUiThread(plugin);
     plugin.running = true;

@@ -16,5 +16,9 @@ void startPlugin(PluginState& plugin);
 // without a start.
 void stopPlugin(PluginState& plugin);
 
+// [host] The host's functions between init and shutdown, else none of them: the host is not called then, and they may
+// be gone.
+const HostFunctions& hostWhileRunning(const PluginState& plugin);
+
 // [dialog] Finds the folders and reads the settings unless init has done so: the host may offer the dialog before init.
 void loadSettingsOnce(PluginState& plugin);

@@ -2,6 +2,7 @@
 #include "audio/tones.h"
 #include "base/code_page_win.h"
 #include "base/data_files.h"
+#include "plugin/lifecycle_win.h"
 
 namespace {
 
@@ -16,15 +17,11 @@ class MessageWindowOpener final : public NewestMessageOpener {
     const MessageWindowLink& link_;
 };
 
-// Before init and after shutdown the host is not called: its functions may be gone.
-const HostFunctions kNoHost;
-
 template <class Body>
 void withAlertContext(PluginState& plugin, Body body) {
     const std::string alertPath = utf8FromNarrow(joinPath(copyDataFolder(plugin), kAlertFile));
     MessageWindowOpener window(plugin.messageWindow);
-    const HostFunctions& host = plugin.running ? plugin.host : kNoHost;
-    body(AlertContext{.host = host,
+    body(AlertContext{.host = hostWhileRunning(plugin),
                       .settings = plugin.settings,
                       .schid = plugin.currentServer,
                       .alertPath = alertPath,

@@ -22,11 +22,21 @@ struct SaveReport {
     }
 };
 
-SaveReport saveLive(SettingsStore& store) REQUIRES(store.fileMutex) {
+FileResult writeLive(SettingsStore& store, std::uint32_t patienceMs) REQUIRES(store.fileMutex) {
+    const std::string text = writeSettingsText(copySettings(store));
+    return store.files.replaceKept(joinPath(store.dataFolder, kSettingsFile), text, store.unread, patienceMs);
+}
+
+SaveReport saveLive(SettingsStore& store, std::uint32_t patienceMs) REQUIRES(store.fileMutex) {
     store.saveDueMs = kNoSaveDue;
     store.isUnsaved = false;
-    const std::string text = writeSettingsText(copySettings(store));
-    const FileResult saved = store.files.replaceKept(joinPath(store.dataFolder, kSettingsFile), text, store.unread);
+    FileResult saved;
+    try {
+        saved = writeLive(store, patienceMs);
+    } catch (...) {  // mostly no memory: the file lags behind as after any other failure
+        store.isUnsaved = true;
+        throw;
+    }
     SaveReport report;
     report.asideName = std::exchange(store.unread.path, {});
     report.asideName.erase(0, report.asideName.rfind('\\') + 1);  // without a folder, 0
@@ -64,29 +74,31 @@ void setSettingsFolders(SettingsStore& store, const std::string& dataFolder, con
     store.moduleFolder = moduleFolder;
 }
 
-FileResult loadSettings(SettingsStore& store) {
+SettingsLoad loadSettings(SettingsStore& store) {
     MutexLock fileLock(store.fileMutex);
     std::string text;
     const FileResult found = store.files.readKept(joinPath(store.dataFolder, kSettingsFile), text);
     const bool isUnread = !found && found.state != FileState::kMissing;
-    if (isUnread) text.resize(text.rfind('\n') + 1);  // the whole lines; without any, 0
     store.unread = {};
     if (isUnread) store.unread.wantedPath = joinPath(store.dataFolder, kSettingsBackup);
+    store.isFailureLogged = false;
+    if (std::exchange(store.isLoaded, true) && isUnread) return {found, true};
+    if (isUnread) text.resize(text.rfind('\n') + 1);  // the whole lines; without any, 0
     if (!found && text.empty() && !store.moduleFolder.empty())
         store.files.read(joinPath(store.moduleFolder, kSettingsFile), text);
-    store.isFailureLogged = false;
     store.saveDueMs = kNoSaveDue;
     store.isUnsaved = false;
     const Settings loaded = readSettingsText(text);
     MutexLock lock(store.mutex);
     store.live = loaded;
-    return found;
+    return {found, false};
 }
 
-std::string unreadSettingsLine(const FileResult& loaded) {
+std::string unreadSettingsLine(const SettingsLoad& loaded) {
     if (loaded || loaded.state == FileState::kMissing) return {};
     return "Corvalis cannot read settings.ini (error " + std::to_string(loaded.error) +
-           "); what could not be read has its default, and the next save keeps the file as settings.bak";
+           (loaded.isLiveKept ? "); the settings stay as they are" : "); what could not be read has its default") +
+           ", and the next save keeps the file as settings.bak";
 }
 
 void saveSettings(SettingsStore& store, const Settings& record) {
@@ -98,7 +110,7 @@ void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& 
     {
         MutexLock fileLock(store.fileMutex);
         changeLive(store, change);
-        report = saveLive(store);
+        report = saveLive(store, kKeptPatienceMs);
         applySettings(store);
     }
     report.tell(store);
@@ -116,12 +128,12 @@ void saveWhenDue(SettingsStore& store, std::uint64_t nowMs) {
     if (dueMs != kNoSaveDue && nowMs >= dueMs) savePendingSettings(store);
 }
 
-void savePendingSettings(SettingsStore& store) {
+void savePendingSettings(SettingsStore& store, std::uint32_t patienceMs) {
     if (!store.isUnsaved) return;
     SaveReport report;
     {
         MutexLock fileLock(store.fileMutex);
-        if (store.isUnsaved) report = saveLive(store);
+        if (store.isUnsaved) report = saveLive(store, patienceMs);
     }
     report.tell(store);
 }

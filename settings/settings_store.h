@@ -42,6 +42,7 @@ struct SettingsStore {
     std::string moduleFolder GUARDED_BY(fileMutex);  // the older place it is read from; may be empty
     SetAside unread GUARDED_BY(fileMutex);  // where the next save puts a settings.ini that could not be read at load
     bool isFailureLogged GUARDED_BY(fileMutex) = false;  // a save has failed since the last load
+    bool isLoaded GUARDED_BY(fileMutex) = false;         // by a first load, however it ended
     DataFiles& files;
     const LogLine logLine;  // may be empty
 
@@ -62,13 +63,18 @@ Settings copySettings(SettingsStore& store);
 // [host] Where the file is from now on.
 void setSettingsFolders(SettingsStore& store, const std::string& dataFolder, const std::string& moduleFolder);
 
+// How reading the file in the data folder ended.
+struct SettingsLoad : FileResult {
+    bool isLiveKept = false;  // the live record of before stands, and whatever of it is not saved yet
+};
+
 // [host] Resets the live record to the defaults and reads settings.ini into it: from the data folder, else from the
-// module folder. Without a file the defaults stand. What cannot be read to its end is read as far as possible; the
-// first save afterwards moves the file to settings.bak. Returns how reading the file in the data folder ended.
-FileResult loadSettings(SettingsStore& store);
+// module folder. Without a file the defaults stand. What cannot be read to its end is read as far as possible the first
+// time; a later load leaves the live record as it is then. The first save afterwards moves the file to settings.bak.
+SettingsLoad loadSettings(SettingsStore& store);
 
 // What the log says of that; empty if there is nothing to say.
-std::string unreadSettingsLine(const FileResult& loaded);
+std::string unreadSettingsLine(const SettingsLoad& loaded);
 
 // [any] Makes record the live one, writes it to settings.ini and publishes it. If it cannot be written the old file
 // stays as it was; the first failure since the last load is logged.
@@ -84,8 +90,9 @@ void changeSettings(SettingsStore& store, const std::function<void(Settings&)>& 
 // [poll] Saves once the tick that changeSettings was given has come.
 void saveWhenDue(SettingsStore& store, std::uint64_t nowMs);
 
-// [any] Saves if the file lags behind the live record: after changeSettings, or because a save has failed.
-void savePendingSettings(SettingsStore& store);
+// [any] Saves if the file lags behind the live record: after changeSettings, or because a save has failed. A file that
+// another program holds is waited for up to patienceMs; 0: three tries.
+void savePendingSettings(SettingsStore& store, std::uint32_t patienceMs = kKeptPatienceMs);
 
 // [any] Publishes AudioFlags and TransmitGain of the live record, and a new DspGeneration when the flags are others
 // than those published last: also at a start that finds another file than the end before it left.

@@ -118,6 +118,7 @@ void DialogWindow::open() {
     refresh();
     UpdateWindow(window());
     SetForegroundWindow(window());
+    isOpened_ = true;
 }
 
 LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -164,7 +165,8 @@ LRESULT DialogWindow::onCreate() {
 
 void DialogWindow::onDestroyed() {
     context_.link.window = nullptr;
-    PostQuitMessage(0);
+    // Nobody would take it back from a thread of the host's that serves no messages for us yet.
+    if (isOpened_) PostQuitMessage(0);
 }
 
 LRESULT DialogWindow::onPaint() {

@@ -50,4 +50,5 @@ class DialogWindow final : private Window {
     DialogPainter painter_;
     MemorySurface surface_;
     std::optional<DialogPicture> drawn_;  // what the surface shows
+    bool isOpened_ = false;               // its messages are about to be served
 };

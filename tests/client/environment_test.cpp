@@ -55,6 +55,24 @@ TEST_F(Environment, WithoutAppDataTheWorkerServesThatFolderTooAndTheLogSaysOnceW
     EXPECT_EQ(lines, 1);
 }
 
+TEST_F(Environment, WithoutAppDataALaterChangeOfTheWorkingFolderMovesNoFile) {
+    const FreshFolder work, elsewhere;
+    const EnvironmentValue unset(L"APPDATA", std::nullopt);
+    {
+        const WorkingFolder here(work.path);
+        ASSERT_TRUE(session.start());
+    }
+    const WorkingFolder there(elsewhere.path);
+    const auto& plugin = session.plugin.exports();
+    plugin.onMenuItemEvent(kSchid, 0, 2, 0);  // saves
+    EXPECT_TRUE(std::filesystem::exists(work.path / "Corvalis" / "settings.ini"));
+    plugin.onTalkStatusChangeEvent(kSchid, 1, 0, kOtherClient);
+    ASSERT_TRUE(session.waitTicks(200));
+    plugin.onTalkStatusChangeEvent(kSchid, 0, 0, kOtherClient);
+    ASSERT_TRUE(session.waitForCalls("playWaveFile", 1));
+    EXPECT_EQ(host.playedSounds()[0], toUtf8((work.path / "Corvalis" / "radio_tail.wav").wstring()));
+}
+
 TEST_F(Environment, AnEmptyAppDataCountsAsMissing) {
     const FreshFolder work;
     const WorkingFolder here(work.path);

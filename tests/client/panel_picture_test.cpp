@@ -79,6 +79,24 @@ TEST_F(PanelLamps, StayDarkWhereTheyAreNotWanted) {
     EXPECT_EQ(lampsAfter(kBoeingTheme, kOtherClient, true), dark);
 }
 
+// Whoever talks when the plugin ends talks to nobody after a new start: no lamp is lit, and the end has no tail.
+TEST_F(PanelLamps, AreDarkAfterARestartWhoeverTalkedBeforeIt) {
+    ASSERT_TRUE(show(kAirbusTheme));
+    ASSERT_TRUE(session.waitPasses(1));
+    presentNow();
+    const Lamps dark = lamps(kAirbusTheme);
+    ASSERT_TRUE(isGreen(lampsAfter(kAirbusTheme, kOtherClient, true).rx));
+    ASSERT_TRUE(session.waitTicks(150));  // long enough for a tail
+    session.stop();
+    ASSERT_TRUE(show(kAirbusTheme));
+    ASSERT_TRUE(session.waitPasses(1));
+    presentNow();
+    EXPECT_EQ(lamps(kAirbusTheme), dark);
+    EXPECT_EQ(lampsAfter(kAirbusTheme, kOtherClient, false), dark);
+    ASSERT_TRUE(session.waitPasses(2));
+    EXPECT_TRUE(host.playedSounds().empty());
+}
+
 // Between two ticks of the panel's timer there is time for hundreds of these: if the picture waited for the next tick,
 // most would find the old one.
 TEST_F(PanelLamps, ShowAtOnceWhatIsNewWhenTheResolutionOrTheScreenChanges) {

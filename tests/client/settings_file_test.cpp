@@ -145,6 +145,26 @@ TEST_F(SettingsFile, ThatIsLockedAtInitIsKeptAsABackupByTheFirstSave) {
     EXPECT_EQ(linesWith("Corvalis keeps the settings.ini it could not read as settings.bak"), 1);
 }
 
+TEST_F(SettingsFile, ThatIsLockedAtASecondInitLeavesTheSettingsAndIsWaitedForOnce) {
+    const std::string before = "theme=2\r\npanel_visible=0\r\n";
+    ASSERT_TRUE(session.writeSettings(before));
+    ASSERT_TRUE(session.start());
+    LockedFile lock(file);
+    ASSERT_TRUE(lock.isHeld());
+    saveByTheMenu();  // cannot
+    {
+        const HostPauses pauses(kLibrary);
+        ASSERT_TRUE(session.start());
+        EXPECT_LE(pauses.ms(), 106u);  // three tries to save, then the patience for reading
+    }
+    lock.release();
+    session.stop();  // saves what is not saved yet
+    Settings airbus;
+    airbus.theme = 2;
+    EXPECT_EQ(session.settings(), savedAfter(airbus));
+    EXPECT_EQ(readFile(backup), before);
+}
+
 TEST_F(SettingsFile, ThatIsLockedForAMomentAtInitIsRead) {
     const std::string before = "theme=2\r\nopacity=60\r\n";
     ASSERT_TRUE(session.writeSettings(before));

@@ -120,6 +120,7 @@ TEST_F(Shutdown, NoHostFunctionIsCalledAfterwards) {
     plugin().onEditPlaybackVoiceDataEvent(kSchid, kOtherClient, samples, 480, 1);
     plugin().onEditCapturedVoiceDataEvent(kSchid, samples, 480, 1, &edited);
     plugin().onConnectStatusChangeEvent(kSchid, 0, 0);
+    plugin().onConnectStatusChangeEvent(kSchid, 4, 0);  // no server is current: which one is in front?
     plugin().shutdown();
     // All of that returned at once, and no thread is left that could call later.
     EXPECT_EQ(threads.count(), made);

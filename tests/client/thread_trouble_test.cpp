@@ -8,7 +8,7 @@
 namespace {
 
 // Which threads' calls of malloc in the DLL get nothing, and how many have.
-enum class Starved { kNobody, kMainThread, kOthers };
+enum class Starved { kNobody, kMainThread, kMainThreadAtWork, kOthers };
 std::atomic<Starved> gStarved{Starved::kNobody};
 std::atomic<int> gRefusals{0};
 DWORD gMainThread = 0;
@@ -21,11 +21,19 @@ void* scarceMalloc(std::size_t bytes) {
     // With less than that the C++ library could not even say that memory has run out.
     constexpr std::size_t kAlwaysThere = 48;
     const bool isMain = GetCurrentThreadId() == gMainThread;
-    const bool isRefused = isMain ? gStarved == Starved::kMainThread && bytes <= kBeginning
-                                  : gStarved == Starved::kOthers && bytes >= kAlwaysThere;
+    const bool isLarge = bytes >= kAlwaysThere;
+    const bool isRefused = isMain ? (gStarved == Starved::kMainThread && bytes <= kBeginning) ||
+                                        (gStarved == Starved::kMainThreadAtWork && isLarge)
+                                  : gStarved == Starved::kOthers && isLarge;
     if (!isRefused) return gMalloc(bytes);
     gRefusals++;
     return nullptr;
+}
+
+// The dialog's window is there, and is about to be seen.
+BOOL WINAPI starveAndShow(HWND window, int how) {
+    gStarved = Starved::kMainThreadAtWork;
+    return ShowWindow(window, how);
 }
 
 // While it lives, starve decides who gets memory.
@@ -161,6 +169,22 @@ TEST_F(ThreadTrouble, WithoutMemoryForTheSettingsThreadTheDialogOpensAtTheNextCh
     EXPECT_FALSE(hasDialog());
     choose(1);
     EXPECT_TRUE(session.waitUntil([] { return hasDialog(); }));
+}
+
+// The host's thread goes on afterwards: a quit message would end the host.
+TEST_F(ThreadTrouble, WithoutMemoryToOpenTheDialogTheHostsThreadGetsNoQuitMessage) {
+    load(2, 0);  // nobody else shows a window
+    if (IsSkipped() || HasFatalFailure()) return;
+    ASSERT_TRUE(session.start());
+    const ScarceMemory memory;
+    const ImportPatch show(L"corvalis_win64.dll", "ShowWindow", reinterpret_cast<void*>(&starveAndShow));
+    if (!memory.isInPlace() || !show.isInPlace()) GTEST_SKIP() << "the plugin has its memory from elsewhere";
+    session.plugin.exports().configure(nullptr, nullptr);
+    gStarved = Starved::kNobody;
+    EXPECT_GT(gRefusals, 0);
+    EXPECT_FALSE(hasDialog());
+    MSG message;
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
 
 TEST_F(ThreadTrouble, WithoutMemoryForItsThreadsItIsStartedNeverthelessAndTheNextInitIsWhole) {

@@ -1,6 +1,7 @@
 // settings_keeping_test.cpp - settings.ini in bad times: held, damaged, on a full disk, written late. Nobody's settings
 // are lost, and the log says what happened.
 #include <gtest/gtest.h>
+#include <new>
 #include <vector>
 #include "settings/settings_store.h"
 #include "settings/settings_text.h"
@@ -35,7 +36,7 @@ class SettingsKeeping : public testing::Test {
         };
     }
     FileResult load() {
-        const FileResult result = loadSettings(store);
+        const SettingsLoad result = loadSettings(store);
         if (const std::string line = unreadSettingsLine(result); !line.empty()) log.push_back(line);
         return result;
     }
@@ -127,6 +128,41 @@ TEST_F(SettingsKeeping, AFileThatCannotBeKeptAsACopyIsNotReplaced) {
     EXPECT_TRUE(saved().pin);
 }
 
+// Where what the live record holds is newer or was only ever there.
+TEST_F(SettingsKeeping, AFileThatCannotBeReadAtALaterStartLeavesTheSettingsOfBefore) {
+    files.put(kFile, kMine);
+    load();
+    fillTheDisk();
+    turnVolume(50, kNoSaveDue);
+    savePendingSettings(store);
+    files.put(kModuleFile, "theme=1\r\n");
+    log.clear();
+    fail(FileStep::kRead, kFile, {FileState::kHeld, 32});
+    files.halfRead = "theme=1\r\n";
+    EXPECT_TRUE(loadSettings(store).isLiveKept);
+    load();
+    EXPECT_EQ(copySettings(store).theme, 2);
+    EXPECT_EQ(copySettings(store).opacity, 60.0f);
+    EXPECT_EQ(copySettings(store).receive_volume, 50.0f);
+    EXPECT_EQ(log,
+              Lines{"Corvalis cannot read settings.ini (error 32); the settings stay as they are, and the next save "
+                    "keeps the file as settings.bak"});
+    files.trouble = {};
+    savePendingSettings(store);  // the turn still waits for its save
+    EXPECT_EQ(saved().receive_volume, 50.0f);
+    EXPECT_EQ(saved().theme, 2);
+    EXPECT_EQ(files.text(kBackup), kMine);
+}
+
+TEST_F(SettingsKeeping, ASaveWithoutPatienceTriesThreeTimes) {
+    fail(FileStep::kMove, kFile, {FileState::kHeld, 32});
+    turnVolume(50, kNoSaveDue);
+    savePendingSettings(store, 0);
+    EXPECT_EQ(files.paused, 6u);
+    savePendingSettings(store);
+    EXPECT_GE(files.paused, 96u);
+}
+
 TEST_F(SettingsKeeping, AFileThatIsReadAtTheNextStartIsNotSetAside) {
     loadUnreadable();
     EXPECT_TRUE(load());
@@ -203,6 +239,17 @@ TEST_F(SettingsKeeping, WhatCouldNotBeSavedIsSavedAtTheEnd) {
     const int before = files.replaces;
     savePendingSettings(store);
     EXPECT_EQ(files.replaces, before);
+}
+
+TEST_F(SettingsKeeping, WhatMemoryDidNotSufficeToSaveIsSavedAtTheEnd) {
+    files.trouble = [](FileStep step, const std::string&) -> FileResult {
+        if (step == FileStep::kWrite) throw std::bad_alloc();
+        return {};
+    };
+    EXPECT_THROW(click(), std::bad_alloc);
+    files.trouble = {};
+    savePendingSettings(store);
+    EXPECT_TRUE(saved().pin);
 }
 
 TEST_F(SettingsKeeping, ATurnIsLiveAtOnceAndInTheFileWhenItIsDue) {
