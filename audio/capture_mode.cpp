@@ -1,5 +1,5 @@
 #include "audio/capture_mode.h"
-#include <algorithm>
+#include "base/ascii_text.h"
 
 namespace {
 
@@ -8,12 +8,6 @@ std::string_view secondLineOf(std::string_view text) {
     if (end == std::string_view::npos) return {};
     text.remove_prefix(end + 1);
     return text.substr(0, text.find('\n'));
-}
-
-std::string_view withoutBlanks(std::string_view text) {
-    constexpr const char* kBlanks = " \t\r";
-    const auto begin = std::min(text.find_first_not_of(kBlanks), text.size());
-    return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
 }  // namespace

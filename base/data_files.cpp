@@ -54,18 +54,19 @@ FileResult DataFiles::readKept(const std::string& path, std::string& bytes) {
 }
 
 FileResult DataFiles::replace(const std::string& path, std::string_view bytes) {
-    std::uint32_t patienceMs = 0;
-    const std::string temporary = temporaryOf(path);
-    FileResult result = tryAgain(patienceMs, [&] { return writeOnce(temporary, bytes, false); });
-    if (result) result = tryAgain(patienceMs, [&] { return moveOnce(temporary, path, true); });
-    if (!result) remove(temporary);
-    return result;
+    SetAside nowhere;
+    return put(path, bytes, false, nowhere, 0);
 }
 
 FileResult DataFiles::replaceKept(const std::string& path, std::string_view bytes, SetAside& aside,
                                   std::uint32_t patienceMs) {
+    return put(path, bytes, true, aside, patienceMs);
+}
+
+FileResult DataFiles::put(const std::string& path, std::string_view bytes, bool isFlushed, SetAside& aside,
+                          std::uint32_t patienceMs) {
     const std::string temporary = temporaryOf(path);
-    FileResult result = tryAgain(patienceMs, [&] { return writeOnce(temporary, bytes, true); });
+    FileResult result = tryAgain(patienceMs, [&] { return writeOnce(temporary, bytes, isFlushed); });
     // Only now: a disk that is full leaves the old file where it is.
     if (result && !aside.wantedPath.empty()) result = setAside(path, aside, patienceMs);
     if (result) result = tryAgain(patienceMs, [&] { return moveOnce(temporary, path, true); });

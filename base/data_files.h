@@ -74,6 +74,8 @@ class DataFiles {
   private:
     template <class Attempt>
     FileResult tryAgain(std::uint32_t& patienceMs, Attempt attempt);
+    FileResult put(const std::string& path, std::string_view bytes, bool isFlushed, SetAside& aside,
+                   std::uint32_t patienceMs);
     FileResult setAside(const std::string& path, SetAside& aside, std::uint32_t& patienceMs);
 };
 

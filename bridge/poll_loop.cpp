@@ -33,8 +33,9 @@ void readSimulator(Pass& pass, PollMemory& memory, PollContext& context) {
         pass.selected = selectRadio(copySettings(context.settings), *reading);
         pass.telemetryOk = reading->fresh;
         publishTelemetry(*reading, pass.reason, context.radios.sim, context.radios.status);
+    } else {
+        setDisconnected(pass.reason, context.radios.sim, context.radios.status);
     }
-    if (!pass.telemetryOk) setDisconnected(pass.reason, context.radios.sim, context.radios.status);
 }
 
 // For the report for support, which cannot ask us. A file that cannot be written is not tried again before the state

@@ -23,3 +23,15 @@ function(has_precompiled_headers target)
         <algorithm> <array> <atomic> <cmath> <cstdint> <cstring> <filesystem> <fstream> <functional>
         <map> <memory> <optional> <random> <sstream> <string> <string_view> <utility> <vector> ${ARGN})
 endfunction()
+
+# For a target of the product: precompiles its headers, with those named behind it, or takes them from their owner.
+function(shares_precompiled_headers target owner)
+    if(NOT CORVALIS_PRECOMPILED)
+        return()
+    endif()
+    if(target STREQUAL owner)
+        has_precompiled_headers(${target} ${ARGN})
+    else()
+        target_precompile_headers(${target} REUSE_FROM ${owner})
+    endif()
+endfunction()

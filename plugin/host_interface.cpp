@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include "base/ascii_text.h"
 #include "base/utf8.h"
 
 namespace {
@@ -10,14 +11,10 @@ constexpr std::string_view kClientName = "ts3client";
 constexpr int kLowestAnswer = 23;
 constexpr int kHighestAnswer = 99;
 
-char lowerOf(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool isClient(std::string_view fileName) {
     return fileName.size() >= kClientName.size() &&
            std::equal(kClientName.begin(), kClientName.end(), fileName.begin(),
-                      [](char wanted, char c) { return wanted == lowerOf(c); });
+                      [](char wanted, char c) { return wanted == lowerAscii(c); });
 }
 
 bool isFrom36(const ProgramVersion& version) {
@@ -27,9 +24,7 @@ bool isFrom36(const ProgramVersion& version) {
 // The whole first line, without blanks around it.
 std::optional<int> wordOfUser(std::string_view text) {
     text = withoutUtf8Mark(text);
-    auto line = text.substr(0, text.find_first_of("\r\n"));
-    const auto begin = std::min(line.find_first_not_of(" \t"), line.size());
-    line = line.substr(begin, line.find_last_not_of(" \t") + 1 - begin);
+    const auto line = withoutBlanks(text.substr(0, text.find_first_of("\r\n")));
     int number = 0;
     const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), number);
     if (line.empty() || error != std::errc{} || end != line.data() + line.size()) return std::nullopt;

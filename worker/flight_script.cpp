@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 #include <utility>
+#include "base/ascii_text.h"
 #include "base/number_text.h"
 #include "base/utf8.h"
 #include "exchange/frequency_grid.h"
@@ -18,10 +19,6 @@ struct Words {
     std::array<std::string, kMaxWords> word;  // lower case
     std::size_t count = 0;                    // kMaxWords + 1: more than any action has
 };
-
-char lowerAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 Words splitWords(std::string_view line) {
     Words words;

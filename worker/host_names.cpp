@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include "base/ascii_text.h"
 #include "worker/host_port.h"
 #include "worker/masked_text.h"
 
@@ -37,12 +38,8 @@ struct Span {
     bool isHost = false;  // and no address
 };
 
-char lowerOf(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool isSame(char left, char right) {
-    return lowerOf(left) == lowerOf(right);
+    return lowerAscii(left) == lowerAscii(right);
 }
 
 bool startsWith(std::string_view text, std::string_view wanted) {

@@ -46,3 +46,9 @@ bool isTunable(const SimSnapshot& sim, std::size_t radio, RadioSlot slot, double
     const auto stands = slot == kSlotActive ? values.active : values.standby;
     return whole && hasGrid && (*whole - stands) % kMegahertz == 0;
 }
+
+bool isValueFor(const SimSnapshot& sim, const RadioWrite& write) {
+    if (write.slot == kSlotSwap) return true;
+    if (write.slot == kSlotVolume) return write.value >= 0.0 && write.value <= 1.0;
+    return isTunable(sim, write.radio, write.slot, write.value);
+}

@@ -41,3 +41,6 @@ bool isChannelOf(const SimSnapshot& sim, std::size_t radio, double khz);
 // whole megahertz away from where the slot stands. A cockpit may leave it off the radio's grid; what becomes of whole
 // megahertz from there is for the aircraft to decide.
 bool isTunable(const SimSnapshot& sim, std::size_t radio, RadioSlot slot, double khz);
+
+// True if the slot can take the value of the write: a volume within 0..1, a frequency that is tunable; a swap has none.
+bool isValueFor(const SimSnapshot& sim, const RadioWrite& write);

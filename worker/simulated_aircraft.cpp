@@ -96,10 +96,7 @@ void SimulatedAircraft::setSpacing(Radio& radio, std::int32_t spacing) {
 bool SimulatedAircraft::write(const RadioWrite& write, std::uint64_t nowMs) {
     if (!linkUp_ || !snapshot_.radios[write.radio].writable[write.slot] || pending_.size() >= kMaxPendingWrites)
         return false;
-    const bool valid = write.slot == kSlotSwap ||
-                       (write.slot == kSlotVolume ? write.value >= 0.0 && write.value <= 1.0
-                                                  : isTunable(snapshot_, write.radio, write.slot, write.value));
-    if (!valid) return false;
+    if (!isValueFor(snapshot_, write)) return false;
     if (radios_[write.radio].obeys[write.slot]) pending_.push_back({write, nowMs + readbackMs_});
     return true;
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <charconv>
 #include <utility>
+#include "base/ascii_text.h"
 #include "base/data_files.h"
 #include "base/utf8.h"
 
@@ -22,13 +23,6 @@ bool parsePid(const std::string& text, std::uint32_t& pid) {
     return true;
 }
 
-std::string_view trim(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r";
-    const auto start = text.find_first_not_of(kBlanks);
-    return start == std::string_view::npos ? std::string_view{}
-                                           : text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
-}
-
 std::string_view unquoted(std::string_view text) {
     const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
     return quoted ? text.substr(1, text.size() - 2) : text;
@@ -38,8 +32,8 @@ std::string_view unquoted(std::string_view text) {
 std::string readIniLine(std::string_view line, WorkerOptions& file) {
     const auto equals = line.find('=');
     if (equals == std::string_view::npos) return "has no =";
-    const auto key = trim(line.substr(0, equals));
-    const auto value = unquoted(trim(line.substr(equals + 1)));
+    const auto key = withoutBlanks(line.substr(0, equals));
+    const auto value = unquoted(withoutBlanks(line.substr(equals + 1)));
     if (key == "script") {
         file.script = value;
         return {};
@@ -107,7 +101,7 @@ std::vector<std::string> applyIni(std::string_view text, WorkerOptions& options)
     WorkerOptions file;
     for (int number = 1; !text.empty(); number++) {
         const auto end = std::min(text.find('\n'), text.size());
-        const auto line = trim(text.substr(0, end));
+        const auto line = withoutBlanks(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
         if (isIgnoredLine(line)) continue;
         const auto reason = readIniLine(line, file);

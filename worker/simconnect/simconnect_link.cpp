@@ -194,10 +194,7 @@ std::string SimConnectLink::radioStatus() const {
 
 bool SimConnectLink::write(const RadioWrite& write, std::uint64_t nowMs) {
     const auto& radio = snapshot_.radios[write.radio];
-    const bool valid = write.slot == kSlotSwap ||
-                       (write.slot == kSlotVolume ? write.value >= 0.0 && write.value <= 1.0
-                                                  : isTunable(snapshot_, write.radio, write.slot, write.value));
-    if (!snapshot_.ok || !radio.writable[write.slot] || !valid) return false;
+    if (!snapshot_.ok || !radio.writable[write.slot] || !isValueFor(snapshot_, write)) return false;
     const bool isSent = session_.sendKeyEvent(keyEventOf(write.radio, write.slot), eventData(write), nowMs);
     written_[write.radio] = {radio, session_.question(), session_.isPaused(), unheardMs(nowMs) >= kStutterMs};
     return isSent;
