@@ -144,13 +144,18 @@ check() {
     say "$(tail -1 "$log")"
 }
 
+# What the address sanitizer's build is for; runs and waits more than it computes.
+test_with_asan() {
+    run_tests asan 2
+    check_simulator
+    fuzz_all
+}
+
 # What is tested on this machine itself; mostly builds.
 test_natively() {
     # shellcheck disable=SC2046  # words are what is wanted
     if build asan unit_tests stand_in_simulator native_worker $(cd tests/fuzz && echo *_fuzz.cpp | sed 's/\.cpp//g'); then
-        run_tests asan 2
-        check_simulator
-        fuzz_all
+        test_with_asan &
     fi
     build tsan unit_tests && run_tests tsan 2
     build native realtime_tests &&
@@ -160,6 +165,7 @@ test_natively() {
     check rooms "a room uses one that it may not" /usr/bin/python3 tools/check_rooms.py
     check docs "a document names what is not there" /usr/bin/python3 tools/check_docs.py
     check format "the formatting is not the house's" tools/format.sh --check
+    wait
 }
 
 say "Installing what is missing"

@@ -11,7 +11,7 @@ endfunction()
 # Whether the product itself uses precompiled headers. GCC 14 takes what they hold of the library for ours, and warns
 # falsely about it.
 set(CORVALIS_PRECOMPILED OFF)
-if(CORVALIS_SANITIZE OR
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" OR
    (WIN32 AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13))
     set(CORVALIS_PRECOMPILED ON)
 endif()

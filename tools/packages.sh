@@ -6,7 +6,7 @@ set -euo pipefail
 # The plugin and all that loads it.
 product_packages=(ca-certificates cmake ninja-build git python3-minimal g++-mingw-w64-x86-64-posix googletest zip)
 # The tests of this machine itself, and the benchmarks with their peers.
-native_packages=(g++ clang libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev)
+native_packages=(g++ clang libgtest-dev libbenchmark-dev nlohmann-json3-dev libspeexdsp-dev libkissfft-dev libfftw3-dev)
 # Including the fonts that stand in for Windows' (wine.sh).
 wine_packages=(wine wine64 xvfb xauth sox fonts-noto-cjk fonts-open-sans fonts-dejavu-core fonts-liberation)
 pictures_packages=(xcompmgr)
