@@ -38,15 +38,13 @@ void readSimulator(Pass& pass, PollMemory& memory, PollContext& context) {
     }
 }
 
-// For the report for support, which cannot ask us. A file that cannot be written is not tried again before the state
-// changes.
+// For the report for support, which cannot ask us.
 void writeLinkState(const Pass& pass, PollMemory& memory, PollContext& context) {
     const std::string state = pass.telemetryOk ? std::string(kConnectedText) : wholeDisconnectedText(pass.reason);
-    if (state == memory.linkState) return;
-    if (memory.linkStateMs != 0 && pass.nowMs - memory.linkStateMs < kLinkStateGapMs) return;
-    context.files.replace(joinPath(context.dataFolder, kLinkStateFile), state + "\r\n");
-    memory.linkState = state;
-    memory.linkStateMs = pass.nowMs;
+    if (state == memory.linkState || pass.nowMs < memory.linkStateDueMs) return;
+    const bool isWritten{context.files.replace(joinPath(context.dataFolder, kLinkStateFile), state + "\r\n")};
+    if (isWritten) memory.linkState = state;
+    memory.linkStateDueMs = pass.nowMs + (isWritten ? kLinkStateGapMs : kLinkStateRetryMs);
 }
 
 void sendCommands(Pass& pass, PollContext& context) {

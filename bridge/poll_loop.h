@@ -18,7 +18,8 @@ inline constexpr std::uint32_t kPollPeriodMs = 50;
 inline constexpr std::uint64_t kStableMs = 350;          // a frequency is followed once it has been stable this long
 inline constexpr std::uint64_t kFollowSpacingMs = 2000;  // between two looks at a move
 inline constexpr std::uint64_t kCaptureReadMs = 1000;
-inline constexpr std::uint64_t kLinkStateGapMs = 1000;  // link_state.txt is written no more often
+inline constexpr std::uint64_t kLinkStateGapMs = 1000;    // link_state.txt is written no more often
+inline constexpr std::uint64_t kLinkStateRetryMs = 5000;  // and tried again after a failure: a reader will have gone
 
 // What the loop keeps from pass to pass. [poll] alone.
 struct PollMemory {
@@ -30,9 +31,9 @@ struct PollMemory {
     bool wasFollowing = true;             // connected, with master and AUTO on; at first: a line of before is cleared
     std::uint64_t ownSchid = 0;           // the server and the id under which the own talk was last reported; 0 none
     std::uint16_t ownClientId = 0;
-    bool endLogged = false;         // the worker's end is in the host's log
-    std::string linkState;          // last written to link_state.txt
-    std::uint64_t linkStateMs = 0;  // tick ms of that, 0 never
+    bool endLogged = false;            // the worker's end is in the host's log
+    std::string linkState;             // last written to link_state.txt
+    std::uint64_t linkStateDueMs = 0;  // tick ms before which it is left alone
 };
 
 // What a pass works with. All of it outlives the poll thread.

@@ -112,8 +112,21 @@ TEST_F(PollLink, TheFileIsWrittenForANewStateOnlyAndAtMostOnceASecond) {
 
 TEST_F(PollLink, AFileThatCannotBeWrittenIsNotTriedAtEachPass) {
     rig.files.readOnly = true;
-    rig.passFor(10'000);
+    rig.passFor(4900);
     EXPECT_EQ(rig.files.replaces, 1);
+    rig.passFor(10'000);
+    EXPECT_EQ(rig.files.replaces, 3);
+}
+
+TEST_F(PollLink, AFileThatCouldNotBeWrittenGetsTheStateLater) {
+    rig.pass();
+    ground("simulator in menu");
+    rig.files.readOnly = true;
+    rig.passFor(2000);
+    EXPECT_EQ(linkState(), "CONNECTED\r\n");
+    rig.files.readOnly = false;
+    rig.passFor(5000);
+    EXPECT_EQ(linkState(), "DISCONNECTED: simulator in menu\r\n");
 }
 
 TEST_F(PollLink, NoMoreThanFourMegabytesOfTheTelemetryAreRead) {
