@@ -86,7 +86,8 @@ enum TextId : int {
     kTextNoMessages,
     kTextPageKeys,
     kTextEmpty,
-    kTextEnd,  // no text: one behind the last
+    kTextSupportLine,  // the value beside kTextSupport
+    kTextEnd,          // no text: one behind the last
 };
 inline constexpr int kTextCount = kTextEnd;
 

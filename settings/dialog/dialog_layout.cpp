@@ -110,7 +110,7 @@ constexpr TextPlacement kAboutTexts[] = {
     {DialogTextStyle::kAboutLabel, kTextPlatform,       nullptr,                                    {kLeft, 300, 160, 36}},
     {DialogTextStyle::kAboutLabel, kTextLicence,        nullptr,                                    {kLeft, 340, 160, 36}},
     {DialogTextStyle::kAboutValue, kNoText,             kPluginAuthor,                              {kLeft + 170, 220, kWide - 170, 36}},
-    {DialogTextStyle::kAboutValue, kNoText,             "Attach what hopline_worker.exe --diagnose writes", {kLeft + 170, 260, kWide - 170, 36}},
+    {DialogTextStyle::kAboutValue, kTextSupportLine,    nullptr,                                    {kLeft + 170, 260, kWide - 170, 36}},
     {DialogTextStyle::kAboutValue, kNoText,             "MSFS 2024 · TeamSpeak 3 · Windows x64",    {kLeft + 170, 300, kWide - 170, 36}},
     {DialogTextStyle::kAboutValue, kNoText,             "MIT",                                      {kLeft + 170, 340, kWide - 170, 36}},
     {DialogTextStyle::kNote,       kTextLanguageNames,  nullptr,                                    {kLeft, 400, kWide, 40}},

@@ -8,6 +8,7 @@
 #include "settings/interface_texts.h"
 
 inline constexpr int kLanguageNames = 68;
+inline constexpr std::string_view kReportCommand = "hopline_worker.exe --diagnose";
 
 // The characters of a text, or nothing when it is not UTF-8 in its shortest form.
 inline std::optional<std::u32string> charactersOf(std::string_view text) {
@@ -68,10 +69,13 @@ inline bool isOwnLetter(std::int32_t language, char32_t c) {
     }
 }
 
-// A text without the names of the languages, which are foreign on purpose.
+// A text without what is foreign on purpose: the names of the languages; in place of the command for the report stands
+// a name that every language keeps, so that the spaces around it still count.
 inline std::string ownText(std::int32_t language, int entry) {
     std::string text(textOf(language, entry));
     if (entry == kLanguageNames) text.erase(std::min(text.find("简体中文 / "), text.size()));
+    const auto command = text.find(kReportCommand);
+    if (command != std::string::npos) text.replace(command, kReportCommand.size(), "PDC");
     return text;
 }
 

@@ -1,5 +1,6 @@
 #include "settings/dialog/dialog_view.h"
 #include <gtest/gtest.h>
+#include "settings/interface_texts.h"
 #include "settings/language.h"
 
 namespace {
@@ -130,4 +131,21 @@ TEST(DialogViewTexts, ShowWhatIsSetInTheLanguageChosen) {
     EXPECT_TRUE(hasOpacity);
     EXPECT_TRUE(hasLabel);
     EXPECT_TRUE(hasOwnFont);
+}
+
+TEST(DialogViewTexts, SayInTheLanguageChosenWhatSupportNeeds) {
+    for (std::int32_t language = 0; language < kLanguageCount; language++) {
+        DialogView view;
+        view.language = language;
+        const DialogText *label = nullptr, *value = nullptr;
+        const auto texts = dialogTexts(layoutDialog(kDialogWidth, kDialogHeight, 96, kPageCount - 1, 0), view);
+        for (const DialogText& text : texts) {
+            if (text.text == textOf(language, kTextSupport)) label = &text;
+            if (text.text.find("hopline_worker.exe --diagnose") != std::string::npos) value = &text;
+        }
+        ASSERT_TRUE(label && value) << language;
+        EXPECT_EQ(value->text, textOf(language, kTextSupportLine));
+        EXPECT_EQ(value->rect.top, label->rect.top) << language;
+        EXPECT_GE(value->rect.left, label->rect.right) << language;
+    }
 }
