@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 #include "audio/volume_policy.h"
+#include "base/number_text.h"
 #include "exchange/command_text.h"
 #include "exchange/frequency_grid.h"
 
@@ -17,22 +18,29 @@ bool isSlotWritable(const SimState& state, std::int32_t com, std::int32_t slot) 
     return radio->writable[static_cast<std::size_t>(slot)];
 }
 
+// Which waiting commands a new one for the same slot may replace.
+enum class Merge {
+    kWithAny,
+    kBehindSwaps,  // none from before a swap of that radio: what was tuned then is the other frequency afterwards
+};
+
 // Puts the new value into a waiting command for the same slot; false if there is none.
-bool mergeLocked(CommandQueue& queue, const Command& command) REQUIRES(queue.mutex) {
+bool mergeLocked(CommandQueue& queue, const Command& command, Merge merge) REQUIRES(queue.mutex) {
     if (command.slot == kSlotSwap) return false;
-    for (auto& waiting : queue.commands) {
-        if (!isFor(waiting, command.com, command.slot) || waiting.writtenAt != 0) continue;
-        waiting.value = command.value;
-        waiting.localVolume = command.localVolume;
-        waiting.notBefore = command.notBefore;
+    for (auto waiting = queue.commands.rbegin(); waiting != queue.commands.rend(); ++waiting) {
+        if (merge == Merge::kBehindSwaps && isFor(*waiting, command.com, kSlotSwap)) return false;
+        if (!isFor(*waiting, command.com, command.slot) || waiting->writtenAt != 0) continue;
+        waiting->value = command.value;
+        waiting->localVolume = command.localVolume;
+        waiting->notBefore = command.notBefore;
         return true;
     }
     return false;
 }
 
-bool add(CommandQueue& queue, const Command& command, std::uint64_t nowMs) {
+bool add(CommandQueue& queue, const Command& command, Merge merge, std::uint64_t nowMs) {
     MutexLock lock(queue.mutex);
-    if (!mergeLocked(queue, command)) {
+    if (!mergeLocked(queue, command, merge)) {
         if (queue.commands.size() >= kMaxCommands) return false;
         queue.commands.push_back(command);
     }
@@ -107,9 +115,26 @@ void keepBoost(SettingsStore& settings, const Command& command) {
     updateSettings(settings, [&](Settings& live) { live.receive_volume = boostPercentOf(command.localVolume); });
 }
 
-std::int32_t startFrequency(const Commands& commands, const RadioReading& radio, std::int32_t com, std::int32_t slot) {
-    if (const auto pending = pendingCommand(commands, com, slot)) return static_cast<std::int32_t>(pending->value);
-    return slot == kSlotActive ? radio.active : radio.standby;
+// What the radio has once this command is carried out, too.
+void applyCommand(FoldedFrequencies& folded, const Command& command) {
+    if (command.slot == kSlotActive) folded.active = {truncateToInt32(command.value), true};
+    if (command.slot == kSlotStandby) folded.standby = {truncateToInt32(command.value), true};
+    if (command.slot == kSlotSwap) {
+        std::swap(folded.active, folded.standby);
+        folded.active.isPending = folded.standby.isPending = true;
+    }
+}
+
+bool queueCommand(SimRadios& radios, Command command, Merge merge, std::uint64_t nowMs) {
+    if (!isSlotWritable(copySimState(radios.sim), command.com, command.slot)) {
+        setStatusText(radios.status, command.slot == kSlotVolume ? "Volume controlled by simulator"
+                                                                 : "Write unavailable / DISCONNECTED");
+        return false;
+    }
+    command.notBefore = command.slot == kSlotSwap ? nowMs : nowMs + kCoalesceMs;
+    if (add(radios.commands, command, merge, nowMs)) return true;
+    setStatusText(radios.status, "Command queue busy");
+    return false;
 }
 
 }  // namespace
@@ -132,20 +157,12 @@ void forgetRadios(SimRadios& radios) {
 
 bool enqueue(SimRadios& radios, std::int32_t com, std::int32_t slot, double value, float localVolume,
              std::uint64_t nowMs) {
-    if (!isSlotWritable(copySimState(radios.sim), com, slot)) {
-        setStatusText(radios.status,
-                      slot == kSlotVolume ? "Volume controlled by simulator" : "Write unavailable / DISCONNECTED");
-        return false;
-    }
     Command command;
     command.com = com;
     command.slot = slot;
     command.value = value;
     command.localVolume = localVolume;
-    command.notBefore = slot == kSlotSwap ? nowMs : nowMs + kCoalesceMs;
-    if (add(radios.commands, command, nowMs)) return true;
-    setStatusText(radios.status, "Command queue busy");
-    return false;
+    return queueCommand(radios, command, Merge::kWithAny, nowMs);
 }
 
 void stepFrequency(SimRadios& radios, std::int32_t com, std::int32_t slot, bool wholeMegahertz, std::int32_t steps,
@@ -153,15 +170,18 @@ void stepFrequency(SimRadios& radios, std::int32_t com, std::int32_t slot, bool 
     const SimState state = copySimState(radios.sim);
     std::int32_t next = 0;
     if (const RadioReading* radio = radioOf(state, com)) {
-        const auto start = startFrequency(copyCommands(radios.commands), *radio, com, slot);
+        const auto folded = foldFrequencies(*radio, copyCommands(radios.commands), com, state.ackId);
+        const auto start = (slot == kSlotActive ? folded.active : folded.standby).frequencyKHz;
         const FrequencyRange range{state.rangeMin, state.rangeMax};
         next = wholeMegahertz ? stepMegahertz(start, radio->spacing, range, steps)
                               : stepChannel(start, radio->spacing, range, steps);
     }
-    if (next == 0)
-        setStatusText(radios.status, "Radio spacing unavailable or frequency limit");
-    else
-        enqueue(radios, com, slot, next, -1.0f, nowMs);
+    if (next == 0) return setStatusText(radios.status, "Radio spacing unavailable or frequency limit");
+    Command command;
+    command.com = com;
+    command.slot = slot;
+    command.value = next;
+    queueCommand(radios, command, Merge::kBehindSwaps, nowMs);
 }
 
 bool isBusy(CommandQueue& queue, std::uint64_t nowMs) {
@@ -173,6 +193,16 @@ bool isBusy(CommandQueue& queue, std::uint64_t nowMs) {
 Commands copyCommands(CommandQueue& queue) {
     const MutexLock lock(queue.mutex);
     return queue.commands;
+}
+
+FoldedFrequencies foldFrequencies(const RadioReading& reading, const Commands& commands, std::int32_t com,
+                                  const std::string& ackId) {
+    FoldedFrequencies folded = {{reading.active, false}, {reading.standby, false}};
+    for (const Command& command : commands) {
+        const bool isAnswered = command.writtenAt != 0 && command.id == ackId;
+        if (command.com == com && !isAnswered) applyCommand(folded, command);
+    }
+    return folded;
 }
 
 std::optional<Command> pendingCommand(const Commands& commands, std::int32_t com, std::int32_t slot) {

@@ -53,8 +53,9 @@ void forgetRadios(SimRadios& radios);
 bool enqueue(SimRadios& radios, std::int32_t com, std::int32_t slot, double value, float localVolume,
              std::uint64_t nowMs);
 
-// [ui] A turn of a frequency knob: steps on from the slot's last queued frequency, else from the simulator's. A step
-// that leads to no channel sets a status text.
+// [ui] A turn of a frequency knob: steps on from what the radio will have there (foldFrequencies) and queues the result
+// as enqueue does, except that a command from before a swap keeps its value. A step that leads to no channel sets a
+// status text.
 void stepFrequency(SimRadios& radios, std::int32_t com, std::int32_t slot, bool wholeMegahertz, std::int32_t steps,
                    std::uint64_t nowMs);
 
@@ -63,6 +64,20 @@ bool isBusy(CommandQueue& queue, std::uint64_t nowMs);
 
 // [any] What is queued and what is on its way to the simulator.
 Commands copyCommands(CommandQueue& queue);
+
+// One of a radio's two frequencies once all writes on their way are carried out.
+struct FoldedFrequency {
+    std::int32_t frequencyKHz = 0;  // 0 unknown
+    bool isPending = false;         // a write has changed or moved it
+};
+struct FoldedFrequencies {
+    FoldedFrequency active;
+    FoldedFrequency standby;
+};
+// Those of the radio com (1, 2), whose reading is the first argument: what the panel shows, and what a knob starts
+// from. A command that ackId, the simulator's latest answer, belongs to is part of the reading already.
+FoldedFrequencies foldFrequencies(const RadioReading& reading, const Commands& commands, std::int32_t com,
+                                  const std::string& ackId);
 
 // The last command of this radio and slot, if any.
 std::optional<Command> pendingCommand(const Commands& commands, std::int32_t com, std::int32_t slot);

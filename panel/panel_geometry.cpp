@@ -79,3 +79,10 @@ PanelPlacement placePanel(const Settings& settings, const PixelRect& workArea, s
     placement.alpha = alphaOf(settings.opacity);
     return placement;
 }
+
+PanelPlacement placeMovedPanel(const Settings& settings, const PixelRect& workArea, std::uint32_t dpi, PixelPoint at) {
+    PanelPlacement placement = placePanel(settings, workArea, dpi);
+    placement.x = at.x;
+    placement.y = at.y;
+    return placement;
+}

@@ -19,3 +19,7 @@ struct PanelPlacement {
 // of 900 pixels at 96 DPI, no larger than fits; the stored position, moved into the work area. A work area without size
 // (some remote sessions report one) limits nothing, so the panel keeps its wanted size.
 PanelPlacement placePanel(const Settings& settings, const PixelRect& workArea, std::uint32_t dpi);
+
+// The same while the pilot moves it onto a monitor with this work area and DPI: as large as it will be there, at the
+// place where the system holds it below the mouse, which may be partly outside.
+PanelPlacement placeMovedPanel(const Settings& settings, const PixelRect& workArea, std::uint32_t dpi, PixelPoint at);

@@ -156,6 +156,12 @@ void leavePanel(PanelModel& model) {
     model.hover_element = kBackground;
 }
 
+std::int32_t tipElement(const PanelModel& model, bool isPanelVisible) {
+    if (!isPanelVisible) return kBackground;
+    if (isKnob(model.drag_element)) return model.drag_element;
+    return model.mouse_tracking ? model.hover_element : kBackground;
+}
+
 void tickPanel(PanelModel& model) {
     const float target = model.drag_element != kBackground ? 1.0f : 0.0f;
     model.press_level += (target - model.press_level) * kPressEase;

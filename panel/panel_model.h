@@ -73,6 +73,9 @@ void cancelPress(PanelModel& model, const PanelContext& context);
 void wheelPanel(PanelModel& model, const PanelContext& context, PixelPoint at, std::int32_t delta, std::uint64_t nowMs);
 // The mouse has left the window.
 void leavePanel(PanelModel& model);
+// The element whose tip belongs on the screen; kBackground for none. A held knob keeps its tip whatever passes below
+// the mouse, also outside the window; a hidden panel has none.
+std::int32_t tipElement(const PanelModel& model, bool isPanelVisible);
 // One tick of 33 ms: eases press_level towards 1 while an element is held, else towards 0; within 1/1024 it arrives, so
 // that an idle panel stands still.
 void tickPanel(PanelModel& model);

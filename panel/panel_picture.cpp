@@ -1,41 +1,17 @@
 #include "panel/panel_picture.h"
-#include <algorithm>
-#include <utility>
-#include "base/number_text.h"
 #include "panel/panel_volume.h"
 
 namespace {
 
-using Frequencies = std::array<FrequencyPicture, 2>;
-
-void setPending(FrequencyPicture& picture, double frequencyKHz) {
-    picture = {truncateToInt32(frequencyKHz), FrequencyState::kPending};
+FrequencyPicture pictureOf(const FoldedFrequency& folded) {
+    return {folded.frequencyKHz, folded.isPending ? FrequencyState::kPending : FrequencyState::kConfirmed};
 }
 
-// What the radio shows once this order is carried out.
-void applyOrder(Frequencies& frequencies, const Command& command) {
-    auto& [active, standby] = frequencies;
-    if (command.slot == kSlotActive) setPending(active, command.value);
-    if (command.slot == kSlotStandby) setPending(standby, command.value);
-    if (command.slot == kSlotSwap) {
-        std::swap(active, standby);
-        active.state = standby.state = FrequencyState::kPending;
-    }
-}
-
-// The snapshot already holds the simulator's answer to this command; the poll loop is about to drop it.
-bool isAnswered(const Command& command, const SimState& sim) {
-    return command.writtenAt != 0 && command.id == sim.ackId;
-}
-
-Frequencies frequenciesOf(const SimState& sim, const Commands& commands, std::int32_t radio) {
+std::array<FrequencyPicture, 2> frequenciesOf(const SimState& sim, const Commands& commands, std::int32_t radio) {
     const RadioReading* reading = radioOf(sim, radio);
     if (!sim.connected || !reading) return {};
-    Frequencies frequencies = {FrequencyPicture{reading->active, FrequencyState::kConfirmed},
-                               FrequencyPicture{reading->standby, FrequencyState::kConfirmed}};
-    for (const Command& command : commands)
-        if (command.com == radio && !isAnswered(command, sim)) applyOrder(frequencies, command);
-    return frequencies;
+    const FoldedFrequencies folded = foldFrequencies(*reading, commands, radio, sim.ackId);
+    return {pictureOf(folded.active), pictureOf(folded.standby)};
 }
 
 // Whether what the element stands for is on; a custom key counts as the element bound to it.

@@ -28,15 +28,14 @@ void PanelWindow::present() {
     const Settings settings = copySettings(context_.settings);
     // Nobody sees a hidden panel change; it is drawn before it is shown again.
     if (settings.panel_visible)
-        showPicture(settings);
+        showPicture(settings, findPlacement(settings));
     else
         screenAge_ = 0;
     applyStacking(settings.pin);
     applyVisibility(settings.panel_visible);
 }
 
-void PanelWindow::showPicture(const Settings& settings) {
-    const PanelPlacement placement = findPlacement(settings);
+void PanelWindow::showPicture(const Settings& settings, const PanelPlacement& placement) {
     model_.panel_scale_factor = placement.scale;
     const PanelPicture picture = makePicture(gatherInputs(settings), model_, placement);
     const bool isDrawn = drawn_ && *drawn_ == picture;
@@ -50,12 +49,24 @@ void PanelWindow::showPicture(const Settings& settings) {
 }
 
 PanelPlacement PanelWindow::findPlacement(const Settings& settings) {
+    if (storedPlace_ != PixelPoint{settings.panel_x, settings.panel_y}) goToStoredPlace(settings);
     if (screenAge_ == 0) {
         screen_ = {workAreaOf(window()), dpi()};
         screenAge_ = kScreenTicks;
     }
     screenAge_--;
     return placePanel(settings, screen_.workArea, screen_.dpi);
+}
+
+// Somebody else has stored another place, such as the settings dialog's reset: the monitor is the one nearest to that,
+// no longer the window's. The window goes there first, because it has the DPI of the monitor that it is on.
+void PanelWindow::goToStoredPlace(const Settings& settings) {
+    storedPlace_ = {settings.panel_x, settings.panel_y};  // first: a change of the DPI presents during the move
+    const PixelRect workArea = workAreaOf(storedPlace_);
+    const PanelPlacement there = placePanel(settings, workArea, dpi());
+    moveTo(PixelPoint{there.x, there.y});
+    screen_ = {workArea, dpi()};
+    screenAge_ = kScreenTicks;
 }
 
 PanelInputs PanelWindow::gatherInputs(const Settings& settings) const {

@@ -10,6 +10,13 @@ namespace {
 constexpr std::int32_t kCursorGapX = 14;  // pixels from the cursor to the tip
 constexpr std::int32_t kCursorGapY = 22;
 
+// Along one axis: behind the cursor, or before it where the tip would pass the area's end; within the area if it fits.
+std::int32_t besideCursor(std::int32_t cursor, std::int32_t gap, std::int32_t length, std::int32_t start,
+                          std::int32_t end) {
+    if (cursor + gap + length <= end) return std::max(cursor + gap, start);
+    return std::max(std::min(cursor - gap, end) - length, start);
+}
+
 // A linear value as whole percent; unknown ones (negative) count as 0.
 std::string percentText(float share) {
     return formatFixed(std::max(0.0, static_cast<double>(share) * 100.0), 0) + '%';
@@ -84,6 +91,8 @@ std::string panelTooltip(std::int32_t element, const TooltipInputs& inputs) {
     }
 }
 
-PixelPoint tipPlace(PixelPoint cursor) {
-    return {cursor.x + kCursorGapX, cursor.y + kCursorGapY};
+PixelPoint tipPlace(PixelPoint cursor, PixelSize tip, const PixelRect& workArea) {
+    if (workArea.isEmpty()) return {cursor.x + kCursorGapX, cursor.y + kCursorGapY};
+    return {besideCursor(cursor.x, kCursorGapX, tip.width, workArea.left, workArea.right),
+            besideCursor(cursor.y, kCursorGapY, tip.height, workArea.top, workArea.bottom)};
 }

@@ -20,6 +20,7 @@ struct TooltipInputs {
 // UTF-8, lines parted by \n; empty where an element has none.
 std::string panelTooltip(std::int32_t element, const TooltipInputs& inputs);
 
-// The tip's top left corner: right of and below the cursor (both screen pixels), so that it covers nothing of what it
-// explains.
-PixelPoint tipPlace(PixelPoint cursor);
+// The tip's top left corner, screen pixels: right of and below the cursor, so that it covers nothing of what it
+// explains. Where that would leave the work area (of the cursor's monitor; without size: unknown) it is on the cursor's
+// other side, as far as it fits.
+PixelPoint tipPlace(PixelPoint cursor, PixelSize tip, const PixelRect& workArea);

@@ -2,6 +2,7 @@
 #include <commctrl.h>
 #include "base/wide_text_win.h"
 #include "panel/panel_tooltip.h"
+#include "ui/monitor_win.h"
 
 namespace {
 
@@ -45,13 +46,10 @@ void PanelTooltip::destroy() {
 void PanelTooltip::show(std::string_view text) {
     if (text.empty()) return hide();
     if (!tooltip_window_) return;
-    setText(text);
+    const bool isOther = setText(text);
     POINT cursor = {};
     GetCursorPos(&cursor);
-    const PixelPoint place = tipPlace({cursor.x, cursor.y});
-    const LPARAM position = MAKELPARAM(place.x, place.y);
-    if (position != position_ || !isShown_) SendMessageW(tooltip_window_, TTM_TRACKPOSITION, 0, position);
-    position_ = position;
+    if (isOther || !isShown_ || cursor.x != cursor_.x || cursor.y != cursor_.y) moveBeside(cursor);
     activate(true);
 }
 
@@ -59,13 +57,23 @@ void PanelTooltip::hide() {
     activate(false);
 }
 
-void PanelTooltip::setText(std::string_view text) {
-    if (text == text_) return;
+bool PanelTooltip::setText(std::string_view text) {
+    if (text == text_) return false;
     text_ = text;
     std::wstring wide = wideFromUtf8(text);
     TTTOOLINFOW tool = toolOf(owner_);
     tool.lpszText = wide.data();
     SendMessageW(tooltip_window_, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+    return true;
+}
+
+void PanelTooltip::moveBeside(const POINT& cursor) {
+    TTTOOLINFOW tool = toolOf(owner_);
+    const LRESULT size = SendMessageW(tooltip_window_, TTM_GETBUBBLESIZE, 0, reinterpret_cast<LPARAM>(&tool));
+    const PixelPoint at{cursor.x, cursor.y};
+    const PixelPoint place = tipPlace(at, {LOWORD(size), HIWORD(size)}, workAreaOf(at));
+    SendMessageW(tooltip_window_, TTM_TRACKPOSITION, 0, MAKELPARAM(place.x, place.y));
+    cursor_ = cursor;
 }
 
 void PanelTooltip::activate(bool on) {

@@ -15,17 +15,19 @@ class PanelTooltip {
 
     void create(HWND owner, HINSTANCE module);
     void destroy();
-    // Shows the text (UTF-8, lines parted by \n) beside the cursor; hides the tip when it is empty.
+    // Shows the text (UTF-8, lines parted by \n) beside the cursor, within the work area; hides the tip when it is
+    // empty.
     void show(std::string_view text);
     void hide();  // the text is kept
 
   private:
-    void setText(std::string_view text);
+    bool setText(std::string_view text);  // true if it is another
+    void moveBeside(const POINT& cursor);
     void activate(bool on);
 
     HWND owner_ = nullptr;
     HWND tooltip_window_ = nullptr;
     std::string text_;
-    LPARAM position_ = 0;  // where the tip was last put, as TTM_TRACKPOSITION takes it
+    POINT cursor_ = {};  // beside which the tip was last put
     bool isShown_ = false;
 };

@@ -4,6 +4,8 @@
 #include "panel/panel_tooltip.h"
 #include "panel/panel_volume.h"
 #include "settings/interface_texts.h"
+#include "ui/monitor_win.h"
+#include "ui/mouse_activation_win.h"
 #include "ui/pointer_argument_win.h"
 
 namespace {
@@ -11,7 +13,8 @@ namespace {
 constexpr const wchar_t* kPanelTitle = L"Corvalis Radio";
 constexpr PixelSize kFirstSize{900, 350};  // until the first presentation
 constexpr UINT kTimerMs = 33;
-constexpr UINT kHiddenTimerMs = 66;  // nothing moves: it only looks for settings that show it again
+constexpr UINT kHiddenTimerMs = 66;   // nothing moves, and what shows it again comes by kPanelSettingsMessage
+constexpr UINT kGetDpiSize = 0x02E4;  // WM_GETDPISCALEDSIZE; older headers lack it
 
 std::array<std::string_view, 8> actionTextsOf(std::int32_t language) {
     std::array<std::string_view, 8> texts;
@@ -27,12 +30,13 @@ PanelWindow::PanelWindow(const PanelWindowContext& context, const ThemeArt& them
 
 bool PanelWindow::create() {
     const Settings settings = copySettings(context_.settings);
+    storedPlace_ = {settings.panel_x, settings.panel_y};
     return createWindow({.module = context_.module,
                          .className = kPanelClass,
                          .title = kPanelTitle,
                          .style = WS_POPUP,
                          .extendedStyle = WS_EX_LAYERED | WS_EX_TOOLWINDOW,
-                         .place = {settings.panel_x, settings.panel_y},
+                         .place = storedPlace_,
                          .size = kFirstSize});
 }
 
@@ -46,14 +50,19 @@ LRESULT PanelWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return onPrint(pointerFrom<HDC__>(static_cast<LONG_PTR>(wParam)));
         case WM_CLOSE:
             return onClose(wParam);
+        case WM_MOUSEACTIVATE:
+            return onMouseActivate(wParam, lParam);
         case WM_KILLFOCUS:
         case WM_CANCELMODE:
             return onCancel();
         case WM_WINDOWPOSCHANGED:
             return onWindowPosChanged(wParam, lParam);
         case WM_DISPLAYCHANGE:
-        case WM_DPICHANGED:
             return onDisplayChange();
+        case WM_DPICHANGED:
+            return onDpiChanged(LOWORD(wParam), pointerFrom<const RECT>(lParam));
+        case kGetDpiSize:
+            return onGetDpiSize(static_cast<unsigned>(wParam), pointerFrom<SIZE>(lParam));
         case WM_SETTINGCHANGE:
             return onSettingChange(wParam, lParam);
         case WM_TIMER:
@@ -80,6 +89,8 @@ LRESULT PanelWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return onVolume(wParam, lParam);
         case kPanelSwapMessage:
             return onSwap(wParam);
+        case kPanelSettingsMessage:
+            return onSettings();
         default:
             return doDefault(message, wParam, lParam);
     }
@@ -113,10 +124,17 @@ LRESULT PanelWindow::onClose(WPARAM reason) {
     return 0;
 }
 
+// The pilot's keys belong to the aircraft.
+LRESULT PanelWindow::onMouseActivate(WPARAM wParam, LPARAM lParam) {
+    if (doesClickActivate()) return doDefault(WM_MOUSEACTIVATE, wParam, lParam);
+    raise();  // as an activation would: it is in no task bar that could bring it to the front
+    return MA_NOACTIVATE;
+}
+
 LRESULT PanelWindow::onTimer() {
     tickPanel(model_);
     present_panel();
-    if (model_.mouse_tracking) showTooltip();
+    updateTooltip();
     return 0;
 }
 
@@ -128,7 +146,7 @@ LRESULT PanelWindow::onMouseMove(PixelPoint at) {
 
 LRESULT PanelWindow::onMouseLeave() {
     leavePanel(model_);
-    tooltip_.hide();
+    hideTooltipUnlessHeld();
     return 0;
 }
 
@@ -166,7 +184,12 @@ LRESULT PanelWindow::onCancel() {
 }
 
 LRESULT PanelWindow::onWindowPosChanged(WPARAM wParam, LPARAM lParam) {
-    if (!IsWindowVisible(window())) tooltip_.hide();
+    isVisible_ = IsWindowVisible(window()) != FALSE;
+    if (!isVisible_) {
+        leavePanel(model_);
+        forgetMouseLeave();
+        tooltip_.hide();
+    }
     return doDefault(WM_WINDOWPOSCHANGED, wParam, lParam);
 }
 
@@ -175,6 +198,24 @@ LRESULT PanelWindow::onDisplayChange() {
     screenAge_ = 0;
     present_panel();
     return 0;
+}
+
+// While the system moves it, the panel takes its new size at once, at the place the system has chosen so that the mouse
+// still holds it.
+LRESULT PanelWindow::onDpiChanged(unsigned dpi, const RECT* suggested) {
+    if (!isMoving_ || !suggested) return onDisplayChange();
+    screen_ = {workAreaOf(pixelRectOf(*suggested)), dpi};
+    const Settings settings = copySettings(context_.settings);
+    showPicture(settings, placeMovedPanel(settings, screen_.workArea, screen_.dpi, {suggested->left, suggested->top}));
+    return 0;
+}
+
+// The system asks how large the panel will be, before it chooses that place.
+LRESULT PanelWindow::onGetDpiSize(unsigned dpi, SIZE* size) {
+    if (!isMoving_ || !size) return doDefault(kGetDpiSize, dpi, reinterpret_cast<LPARAM>(size));
+    const PanelPlacement there = placePanel(copySettings(context_.settings), workAreaUnderCursor({}), dpi);
+    *size = {there.width, there.height};
+    return TRUE;
 }
 
 LRESULT PanelWindow::onSettingChange(WPARAM wParam, LPARAM lParam) {
@@ -193,6 +234,7 @@ LRESULT PanelWindow::onExitMove() {
     screenAge_ = 0;
     const PixelRect rect = screenRect();
     if (!rect.isEmpty()) {
+        storedPlace_ = {rect.left, rect.top};
         updateSettings(context_.settings, [&](Settings& live) {
             live.panel_x = rect.left;
             live.panel_y = rect.top;
@@ -221,11 +263,18 @@ LRESULT PanelWindow::onSwap(WPARAM com) {
     return 0;
 }
 
+LRESULT PanelWindow::onSettings() {
+    present_panel();
+    return 0;
+}
+
 void PanelWindow::keepPace() {
     startTimer(IsWindowVisible(window()) ? kTimerMs : kHiddenTimerMs);
 }
 
-void PanelWindow::showTooltip() {
+void PanelWindow::updateTooltip() {
+    const std::int32_t element = tipElement(model_, isVisible_);
+    if (element == kBackground) return tooltip_.hide();
     TooltipInputs inputs;
     inputs.settings = copySettings(context_.settings);
     inputs.sim = copySimState(context_.radios.sim);
@@ -233,5 +282,9 @@ void PanelWindow::showTooltip() {
                                         selectedRadio(inputs.settings));
     inputs.receiveGain = context_.voice.ReceiveGain;
     inputs.actionTexts = actionTextsOf(context_.languageIndex);
-    tooltip_.show(panelTooltip(model_.hover_element, inputs));
+    tooltip_.show(panelTooltip(element, inputs));
+}
+
+void PanelWindow::hideTooltipUnlessHeld() {
+    if (tipElement(model_, isVisible_) == kBackground) tooltip_.hide();
 }

@@ -58,6 +58,7 @@ class PanelWindow final : private Window {
     LRESULT onCreate();
     LRESULT onPrint(HDC dc) const;
     LRESULT onClose(WPARAM reason);
+    LRESULT onMouseActivate(WPARAM wParam, LPARAM lParam);
     LRESULT onTimer();
     LRESULT onMouseMove(PixelPoint at);
     LRESULT onMouseLeave();
@@ -68,27 +69,32 @@ class PanelWindow final : private Window {
     LRESULT onCancel();
     LRESULT onWindowPosChanged(WPARAM wParam, LPARAM lParam);
     LRESULT onDisplayChange();
+    LRESULT onDpiChanged(unsigned dpi, const RECT* suggested);
+    LRESULT onGetDpiSize(unsigned dpi, SIZE* size);
     LRESULT onSettingChange(WPARAM wParam, LPARAM lParam);
     LRESULT onEnterMove();
     LRESULT onExitMove();
     LRESULT onStep(WPARAM knob, LPARAM steps);
     LRESULT onVolume(WPARAM com, LPARAM percent);
     LRESULT onSwap(WPARAM com);
+    LRESULT onSettings();
 
     PanelContext panelContext() const {
         return {.settings = context_.settings, .radios = context_.radios, .actions = context_.actions};
     }
     std::uint64_t nowMs() const { return context_.clock.tickMs(); }
     void keepPace();  // sets the timer, slower while hidden
-    void showTooltip();
+    void updateTooltip();
+    void hideTooltipUnlessHeld();
 
     void present();
-    void showPicture(const Settings& settings);
+    void showPicture(const Settings& settings, const PanelPlacement& placement);
     PixelRect drawPicture(const PanelPicture& picture);
     void paintStatus(const PanelLayers& layers, const PanelPicture& picture);
     bool pushPicture(const PanelPlacement& placement, const PixelRect& changed);
     bool isWhereItBelongs(const PanelPlacement& placement) const;
     PanelPlacement findPlacement(const Settings& settings);
+    void goToStoredPlace(const Settings& settings);
     PanelInputs gatherInputs(const Settings& settings) const;
     void applyStacking(bool pin);
     void applyVisibility(bool visible);
@@ -96,9 +102,11 @@ class PanelWindow final : private Window {
     PanelWindowContext context_;
     PanelModel model_;
     PanelTooltip tooltip_;
+    PixelPoint storedPlace_;  // panel_x, panel_y when they were last this window's own or followed
     ScreenPlace screen_;
     int screenAge_ = 0;             // ticks until screen_ is asked for again
     bool isMoving_ = false;         // the system moves the window
+    bool isVisible_ = false;        // as the system last told
     bool applied_topmost_ = false;  // the stacking last set
 
     LayerCache layers_;

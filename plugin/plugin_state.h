@@ -15,6 +15,7 @@
 #include "channels/follow_frequency.h"
 #include "messages/message_requests_win.h"
 #include "messages/message_store.h"
+#include "panel/panel_requests.h"
 #include "plugin/host_interface.h"
 #include "plugin/host_table.h"
 #include "plugin/panel_actions_win.h"
@@ -45,7 +46,11 @@ struct PluginState {
     // The rooms' records.
     WindowsDataFiles files;
     SystemClock clock;
-    SettingsStore settings{files, [this](std::string_view line) { logToHost(host, line); }};
+    SettingsStore settings{files, [this](std::string_view line) { logToHost(host, line); },
+                           [this](const Settings& before, const Settings& now) {
+                               const HWND panel = panel_window;
+                               if (panel && isPanelAsked(before, now)) PostMessageW(panel, kPanelSettingsMessage, 0, 0);
+                           }};
     SimRadios radios;
     MoveTracker moves;
     TalkTracker talk;

@@ -37,8 +37,7 @@ MessageWindowContext messageContextOf(PluginState& plugin) {
 
 void serveWindows(PluginState& plugin) {
     useMonitorDpi();
-    const GdiPlusSession gdiPlus;
-    const ComApartment com;
+    const GraphicsSession graphics;
     const ThemeArt theme_art = loadThemeArt(plugin.module);
     const WindowClass panelClass(plugin.module, kPanelClass);
     const WindowClass messageClass(plugin.module, kMessageClass);

@@ -6,8 +6,14 @@
 namespace {
 
 void changeLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
-    MutexLock lock(store.mutex);
-    change(store.live);
+    Settings before, now;
+    {
+        MutexLock lock(store.mutex);
+        before = store.live;
+        change(store.live);
+        now = store.live;
+    }
+    if (store.onChanged) store.onChanged(before, now);
 }
 
 // What a save has to tell the log.
@@ -89,8 +95,7 @@ SettingsLoad loadSettings(SettingsStore& store) {
     store.saveDueMs = kNoSaveDue;
     store.isUnsaved = false;
     const Settings loaded = readSettingsText(text);
-    MutexLock lock(store.mutex);
-    store.live = loaded;
+    changeLive(store, [&](Settings& live) { live = loaded; });
     return {found, false};
 }
 

@@ -32,8 +32,10 @@ inline constexpr const char* kSettingsBackup = "settings.bak";  // a settings.in
 inline constexpr std::uint64_t kNoSaveDue = 0;
 
 struct SettingsStore {
-    using LogLine = std::function<void(std::string_view)>;  // [any]
-    explicit SettingsStore(DataFiles& dataFiles, LogLine log = {}) : files(dataFiles), logLine(std::move(log)) {}
+    using LogLine = std::function<void(std::string_view)>;                             // [any]
+    using Changed = std::function<void(const Settings& before, const Settings& now)>;  // [any]
+    explicit SettingsStore(DataFiles& dataFiles, LogLine log = {}, Changed change = {})
+        : files(dataFiles), logLine(std::move(log)), onChanged(std::move(change)) {}
 
     Mutex fileMutex;  // [any] serialises loads and saves; guards the folders
     Mutex mutex;      // [any] guards the live record
@@ -45,6 +47,10 @@ struct SettingsStore {
     bool isLoaded GUARDED_BY(fileMutex) = false;         // by a first load, however it ended
     DataFiles& files;
     const LogLine logLine;  // may be empty
+    // Told of each change of the live record, also by a load, on the thread that makes it and before the file is
+    // written; may be empty. fileMutex may be held: it may copy the settings, must not change them, and waits for
+    // nothing.
+    const Changed onChanged;
 
     // The file's arrears. Set after a change of the live record and cleared before a save copies it, so that no change
     // is forgotten; a save too many is the worst.

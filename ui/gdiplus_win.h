@@ -1,6 +1,7 @@
-// gdiplus_win.h - GDI+ and COM for one thread, each as an owner. <gdiplus.h> needs the headers included before it here.
+// gdiplus_win.h - GDI+ and COM for one thread, as owners. <gdiplus.h> needs the headers included before it here.
 #pragma once
 #include <algorithm>
+#include <optional>
 // clang-format off
 #include <windows.h>
 #include <objbase.h>
@@ -43,4 +44,18 @@ class ComApartment {
 
   private:
     bool isEntered_;
+};
+
+// Both, in the order in which they need each other: GDI+ starts first, and it ends first as well, because it may use
+// COM until then.
+class GraphicsSession {
+  public:
+    GraphicsSession() {
+        gdiPlus_.emplace();
+        com_.emplace();
+    }
+
+  private:
+    std::optional<ComApartment> com_;  // destroyed last
+    std::optional<GdiPlusSession> gdiPlus_;
 };

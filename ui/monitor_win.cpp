@@ -15,6 +15,15 @@ PixelRect workAreaOf(HWND window) {
     return workAreaOf(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), {});
 }
 
+PixelRect workAreaOf(const PixelRect& rect) {
+    const RECT screen = {rect.left, rect.top, rect.right, rect.bottom};
+    return workAreaOf(MonitorFromRect(&screen, MONITOR_DEFAULTTONEAREST), {});
+}
+
+PixelRect workAreaOf(PixelPoint point) {
+    return workAreaOf(MonitorFromPoint({point.x, point.y}, MONITOR_DEFAULTTONEAREST), {});
+}
+
 PixelRect workAreaUnderCursor(const PixelRect& otherwise) {
     POINT cursor = {};
     GetCursorPos(&cursor);

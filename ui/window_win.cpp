@@ -82,7 +82,9 @@ LRESULT Window::dragByCaption(PixelPoint at) {
     POINT screen = {at.x, at.y};
     ClientToScreen(window_, &screen);
     ReleaseCapture();
-    return SendMessageW(window_, WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(screen.x, screen.y));
+    // What the default procedure makes of a press on a caption, but for activating the window: whether a click does
+    // that has been decided by the answer to WM_MOUSEACTIVATE.
+    return SendMessageW(window_, WM_SYSCOMMAND, SC_MOVE | HTCAPTION, MAKELPARAM(screen.x, screen.y));
 }
 
 PixelSize Window::clientSize() const {
@@ -102,6 +104,14 @@ PixelRect Window::screenRect() const {
 
 void Window::moveTo(const PixelRect& rect) {
     SetWindowPos(window_, nullptr, rect.left, rect.top, rect.width(), rect.height(), SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Window::moveTo(PixelPoint place) {
+    SetWindowPos(window_, nullptr, place.x, place.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Window::raise() {
+    SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 PixelPoint pointOf(LPARAM position) {

@@ -58,13 +58,18 @@ class Window {
     void stopTimer();
     // Asks for WM_MOUSELEAVE when the mouse leaves. True if that message will come.
     bool trackMouseLeave();
-    // Drags the window as if a caption were pressed at this client point; returns when the system has moved it.
+    // The window is hidden: that message may never come, and the next trackMouseLeave asks again.
+    void forgetMouseLeave() { isTrackingMouse_ = false; }
+    // Drags the window as if a caption were pressed at this client point, without activating it; returns when the
+    // system has moved it.
     LRESULT dragByCaption(PixelPoint at);
 
     PixelSize clientSize() const;
     unsigned dpi() const;                // of the monitor that it is on
     PixelRect screenRect() const;        // empty when unknown
     void moveTo(const PixelRect& rect);  // screen pixels; neither raised nor activated
+    void moveTo(PixelPoint place);       // the same in its present size
+    void raise();                        // above the windows that cover it; not activated
 
   private:
     friend class WindowClass;

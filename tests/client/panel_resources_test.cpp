@@ -1,14 +1,19 @@
 // panel_resources_test.cpp - the radio panel must leave nothing behind. Counts must grow by less than one per step:
 // what other threads take and free stays far below that, a leak does not.
+#include <string>
+#include "base/mutex.h"
+#include "tests/client/import_patch_win.h"
 #include "tests/client/panel_test.h"
 #include "tests/client/resource_count_win.h"
 
 namespace {
 
+constexpr const wchar_t* kLibrary = L"corvalis_win64.dll";
+
 bool hasPanelClass() {
     WNDCLASSEXW description = {};
     description.cbSize = sizeof description;
-    return GetClassInfoExW(GetModuleHandleW(L"corvalis_win64.dll"), L"CorvalisRadioPanel", &description) != 0;
+    return GetClassInfoExW(GetModuleHandleW(kLibrary), L"CorvalisRadioPanel", &description) != 0;
 }
 
 void expectLessThanOneAStep(const ResourceCount& before, const ResourceCount& after, int steps) {
@@ -18,6 +23,56 @@ void expectLessThanOneAStep(const ResourceCount& before, const ResourceCount& af
     // A step's pictures take more than a megabyte.
     EXPECT_LT(static_cast<double>(after.privateBytes) - static_cast<double>(before.privateBytes), 0.5e6 * steps);
 }
+
+// What the UI thread starts and ends, in order, a letter for each: G and g GDI+, C and c COM.
+class GraphicsOrder {
+  public:
+    GraphicsOrder() {
+        const MutexLock lock(sMutex);
+        sOrder.clear();
+        sStartGdiPlus = startGdiPlus_.original();
+        sEndGdiPlus = endGdiPlus_.original();
+        sEnterCom = enterCom_.original();
+        sLeaveCom = leaveCom_.original();
+    }
+    bool isWatching() const {
+        return startGdiPlus_.isInPlace() && endGdiPlus_.isInPlace() && enterCom_.isInPlace() && leaveCom_.isInPlace();
+    }
+    static std::string order() {
+        const MutexLock lock(sMutex);
+        return sOrder;
+    }
+
+  private:
+    static void note(char step) {
+        const MutexLock lock(sMutex);
+        sOrder += step;
+    }
+    static int WINAPI startGdiPlus(ULONG_PTR* token, const void* input, void* output) {
+        note('G');
+        return reinterpret_cast<decltype(&startGdiPlus)>(sStartGdiPlus)(token, input, output);
+    }
+    static void WINAPI endGdiPlus(ULONG_PTR token) {
+        note('g');
+        reinterpret_cast<decltype(&endGdiPlus)>(sEndGdiPlus)(token);
+    }
+    static HRESULT WINAPI enterCom(void* reserved, DWORD kind) {
+        note('C');
+        return reinterpret_cast<decltype(&enterCom)>(sEnterCom)(reserved, kind);
+    }
+    static void WINAPI leaveCom() {
+        note('c');
+        reinterpret_cast<decltype(&leaveCom)>(sLeaveCom)();
+    }
+
+    static inline Mutex sMutex;
+    static inline std::string sOrder GUARDED_BY(sMutex);
+    static inline void *sStartGdiPlus = nullptr, *sEndGdiPlus = nullptr, *sEnterCom = nullptr, *sLeaveCom = nullptr;
+    const ImportPatch startGdiPlus_{kLibrary, "GdiplusStartup", reinterpret_cast<void*>(&startGdiPlus)};
+    const ImportPatch endGdiPlus_{kLibrary, "GdiplusShutdown", reinterpret_cast<void*>(&endGdiPlus)};
+    const ImportPatch enterCom_{kLibrary, "CoInitializeEx", reinterpret_cast<void*>(&enterCom)};
+    const ImportPatch leaveCom_{kLibrary, "CoUninitialize", reinterpret_cast<void*>(&leaveCom)};
+};
 
 }  // namespace
 
@@ -82,6 +137,16 @@ TEST_F(PanelResources, NoClassAndNoWindowIsLeftOverTwoLoads) {
         EXPECT_EQ(findPanel(), nullptr);
         EXPECT_EQ(findPanelTip(), nullptr);
         session.plugin.unload();
-        EXPECT_EQ(GetModuleHandleW(L"corvalis_win64.dll"), nullptr);
+        EXPECT_EQ(GetModuleHandleW(kLibrary), nullptr);
     }
+}
+
+TEST_F(PanelResources, GdiPlusStartsBeforeComAndEndsBeforeIt) {
+    ASSERT_TRUE(session.load());
+    const GraphicsOrder graphics;
+    ASSERT_TRUE(graphics.isWatching());
+    ASSERT_TRUE(show(kBoeingTheme));
+    EXPECT_EQ(GraphicsOrder::order(), "GC");
+    session.stop();
+    EXPECT_EQ(GraphicsOrder::order(), "GCgc");
 }

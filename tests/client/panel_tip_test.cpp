@@ -97,6 +97,58 @@ TEST_F(PanelTip, GoesWithTheMouseWithTheFocusAndWithItsPanel) {
     EXPECT_EQ(tipText(), L"Select COM1 (ACTIVE + STANDBY)");  // kept while hidden
 }
 
+TEST_F(PanelTip, IsNotShownOverAHiddenPanel) {
+    ASSERT_TRUE(show(kBoeingTheme));
+    stopTicks();
+    ASSERT_TRUE(showTip(kCom1Key));
+    ShowWindow(findPanel(), SW_HIDE);
+    for (int i = 0; i < 5; i++) {
+        hover(kCom1Key);
+        EXPECT_FALSE(isTipShown());
+    }
+    ShowWindow(findPanel(), SW_SHOWNOACTIVATE);
+    EXPECT_TRUE(showTip(kCom1Key));
+}
+
+TEST_F(PanelTip, IsThatOfTheHeldKnobWhateverLiesUnderTheMouse) {
+    ASSERT_TRUE(show(kBoeingTheme));
+    stopTicks();
+    const std::wstring knobText = L"LARGE KNOB \u2014 whole MHz.\nScroll or drag vertically";
+    sendAt(WM_LBUTTONDOWN, panel().pointOn(kLargeKnob));
+    for (const std::int32_t below : {kCom1Key, kVolumeKnob, kBackground}) {
+        hover(below);
+        EXPECT_TRUE(isTipShown()) << below;
+        EXPECT_EQ(toUtf8(tipText()), toUtf8(knobText)) << below;
+    }
+    send(WM_MOUSELEAVE);
+    EXPECT_TRUE(isTipShown());
+    sendAt(WM_LBUTTONUP, panel().pointOn(kCom1Key));
+    EXPECT_TRUE(session.waitUntil([&] {
+        hover(kCom1Key);
+        return isTipShown() && tipText() == L"Select COM1 (ACTIVE + STANDBY)";
+    })) << toUtf8(tipText());
+}
+
+TEST_F(PanelTip, GoesToTheCursorsOtherSideAtTheWorkAreasEnd) {
+    ASSERT_TRUE(show(kBoeingTheme));
+    stopTicks();
+    MONITORINFO monitor = {};
+    monitor.cbSize = sizeof monitor;
+    ASSERT_TRUE(GetMonitorInfoW(MonitorFromWindow(findPanel(), MONITOR_DEFAULTTONEAREST), &monitor));
+    ASSERT_TRUE(SetCursorPos(monitor.rcWork.right - 10, monitor.rcWork.bottom - 10));
+    RECT tip = {};
+    POINT cursor = {};
+    const bool isBefore = session.waitUntil([&] {
+        POINT after = {};
+        if (!GetCursorPos(&cursor)) return false;
+        hover(kSettingsKey);
+        if (!isTipShown() || !GetWindowRect(findPanelTip(), &tip) || !GetCursorPos(&after)) return false;
+        return cursor.x == after.x && std::abs(tip.right - (cursor.x - 14)) <= 2 &&
+               std::abs(tip.bottom - (cursor.y - 22)) <= 2;
+    });
+    EXPECT_TRUE(isBefore) << "to " << tip.right << ',' << tip.bottom << " at " << cursor.x << ',' << cursor.y;
+}
+
 TEST_F(PanelTip, IsNotShownWhereThereIsNothingToTell) {
     ASSERT_TRUE(show(kBoeingTheme));
     stopTicks();

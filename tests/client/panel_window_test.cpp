@@ -1,5 +1,6 @@
 // panel_window_test.cpp - the radio panel's window: size, place, stacking and visibility.
 #include <cmath>
+#include "tests/client/import_patch_win.h"
 #include "tests/client/panel_test.h"
 
 namespace {
@@ -32,6 +33,11 @@ class TopmostWindow {
 
 bool isTopmost() {
     return (GetWindowLongW(findPanel(), GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+}
+
+// A panel that gets it in place of SetTimer has no ticks.
+UINT_PTR WINAPI startNoTimer(HWND, UINT_PTR timer, UINT, TIMERPROC) {
+    return timer;
 }
 
 BOOL CALLBACK countPanel(HWND window, LPARAM count) {
@@ -153,6 +159,19 @@ TEST_F(PanelWindow, ClosedByTheUserItOnlyHides) {
     EXPECT_TRUE(session.waitUntil([&] { return findPanel() && !isShown(); }));
     session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
     EXPECT_TRUE(session.waitUntil([&] { return isShown(); }));
+}
+
+TEST_F(PanelWindow, IsHiddenAndShownAtOnceNotWithATick) {
+    ASSERT_TRUE(session.load());
+    const ImportPatch patch(L"corvalis_win64.dll", "SetTimer", reinterpret_cast<void*>(startNoTimer));
+    ASSERT_TRUE(patch.isInPlace());
+    ASSERT_TRUE(show(kAirbusTheme));
+    for (int i = 0; i < 3; i++) {
+        panel().post(WM_CLOSE);
+        ASSERT_TRUE(session.waitUntil([&] { return !isShown(); }));
+        session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);
+        ASSERT_TRUE(session.waitUntil([&] { return isShown(); }));
+    }
 }
 
 TEST_F(PanelWindow, StaysHiddenWhenTheSettingsSaySo) {

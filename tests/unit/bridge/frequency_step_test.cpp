@@ -21,6 +21,14 @@ class FrequencyStep : public QueueTest {
         const auto pending = pendingCommand(copyCommands(queue), 1, kSlotActive);
         return pending ? pending->value : 0.0;
     }
+    void swap() { add(1, kSlotSwap, 0.0); }
+    // The last command and what it is for.
+    void expectLast(std::int32_t slot, double value) {
+        const auto commands = commandsOf(queue);
+        ASSERT_FALSE(commands.empty());
+        EXPECT_EQ(commands.back().slot, slot);
+        EXPECT_EQ(commands.back().value, value);
+    }
     void expectRefused() {
         EXPECT_EQ(size(), 0U);
         EXPECT_EQ(status(), kNoStep);
@@ -94,6 +102,65 @@ TEST_F(FrequencyStep, GoesOnFromTheNewestOfTwoOnTheirWay) {
     ASSERT_EQ(commands.size(), 2U);
     EXPECT_EQ(commands[0].value, 122825.0);
     EXPECT_EQ(commands[1].value, 122875.0);
+}
+
+// COM1 has 122800 ACTIVE and 121500 STANDBY.
+TEST_F(FrequencyStep, StartsFromTheNumbersThatAPendingSwapWillLeave) {
+    swap();
+    step(1, kSlotStandby, true, 1);
+    expectLast(kSlotStandby, 123800.0);
+    step(1, kSlotActive, true, -1);
+    expectLast(kSlotActive, 120500.0);
+    step(2, kSlotStandby, false, 1);  // a radio that is not swapped
+    expectLast(kSlotStandby, 127255.0);
+}
+
+TEST_F(FrequencyStep, StartsFromTheSwappedNumbersAlsoWhileTheSwapIsInTheSimulatorsHands) {
+    swap();
+    process();
+    step(1, kSlotStandby, true, 1);
+    expectLast(kSlotStandby, 123800.0);
+}
+
+TEST_F(FrequencyStep, TwoPendingSwapsLeaveTheNumbersWhereTheyWere) {
+    swap();
+    swap();
+    step(1, kSlotStandby, true, 1);
+    expectLast(kSlotStandby, 122500.0);
+}
+
+TEST_F(FrequencyStep, AnAnsweredSwapIsInTheReadingAlready) {
+    swap();
+    process();
+    {
+        MutexLock lock(sim.mutex);
+        std::swap(sim.state.radios[0].active, sim.state.radios[0].standby);
+    }
+    acknowledge(true);
+    step(1, kSlotStandby, true, 1);  // before the pass that drops the command
+    expectLast(kSlotStandby, 123800.0);
+}
+
+TEST_F(FrequencyStep, WhatWasTunedBeforeASwapGoesWithIt) {
+    step(1, kSlotStandby, true, 2);  // 123500
+    swap();
+    step(1, kSlotActive, true, 1);
+    expectLast(kSlotActive, 124500.0);
+}
+
+TEST_F(FrequencyStep, WhatWasTunedBeforeASwapKeepsItsValue) {
+    step(1, kSlotStandby, true, 2);
+    step(2, kSlotStandby, true, 1);
+    swap();
+    step(1, kSlotStandby, true, 1);
+    step(1, kSlotStandby, true, 1);  // of the same side of the swap
+    step(2, kSlotStandby, true, 1);  // of a radio that is not swapped
+    const auto commands = commandsOf(queue);
+    ASSERT_EQ(commands.size(), 4U);
+    EXPECT_EQ(commands[0].value, 123500.0);
+    EXPECT_EQ(commands[1].value, 129250.0);
+    EXPECT_EQ(commands[2].slot, kSlotSwap);
+    EXPECT_EQ(commands[3].value, 124800.0);
 }
 
 TEST_F(FrequencyStep, AStepTheSimulatorDoesNotAcceptSaysSo) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <cmath>
 #include <limits>
+#include "panel/panel_layout.h"
 
 namespace {
 
@@ -193,4 +194,39 @@ TEST(PanelPlacement, OpacityBecomesAConstantAlphaRoundedToTheNearestWithHalvesUp
     } rows[] = {{100, 255}, {50, 128}, {30, 77}, {70, 179},   {90, 230}, {33, 84},     {99, 252},
                 {10, 26},   {0, 0},    {-20, 0}, {1000, 255}, {51, 130}, {99.9f, 255}, {49.9f, 127}};
     for (const auto& row : rows) EXPECT_EQ(alphaOf(row.percent), row.alpha) << row.percent;
+}
+
+TEST(PanelPlacement, OnTheWayToAMonitorOfAnotherDpiItHasTheSizeThatItKeepsThere) {
+    constexpr PixelRect kSharp{1920, 0, 4480, 1400};  // 144 DPI, right of the other
+    const struct {
+        const char* way;
+        PixelRect workArea;
+        std::uint32_t dpi;
+        PixelPoint held, dropped;  // dropped: brought wholly onto that monitor
+        std::int32_t width, height;
+    } rows[] = {
+        {"96 to 144", kSharp, 144, {1700, 300}, {1920, 300}, 1350, 598},
+        {"144 to 96", kFullHd, 96, {1500, 900}, {1020, 641}, 900, 399},
+    };
+    for (const auto& row : rows) {
+        Settings settings = settingsOf(kBoeingTheme);
+        const PanelPlacement moved = placeMovedPanel(settings, row.workArea, row.dpi, row.held);
+        EXPECT_EQ((PixelPoint{moved.x, moved.y}), row.held) << row.way;
+        EXPECT_EQ(moved.width, row.width) << row.way;
+        EXPECT_EQ(moved.height, row.height) << row.way;
+        settings.panel_x = row.held.x;
+        settings.panel_y = row.held.y;
+        PanelPlacement dropped = placePanel(settings, row.workArea, row.dpi);
+        EXPECT_EQ((PixelPoint{dropped.x, dropped.y}), row.dropped) << row.way;
+        dropped.x = moved.x;
+        dropped.y = moved.y;
+        EXPECT_EQ(moved, dropped) << row.way;  // but for the place
+    }
+}
+
+TEST(PanelPlacement, OnTheWayToASmallMonitorItIsNoLargerThanFitsThere) {
+    constexpr PixelRect kSmall{-1280, 0, 0, 680};
+    const PanelPlacement moved = placeMovedPanel(settingsOf(kAirbusTheme, 200), kSmall, 144, {-300, 50});
+    EXPECT_EQ(moved.height, 680);
+    EXPECT_EQ((PixelPoint{moved.x, moved.y}), (PixelPoint{-300, 50}));
 }

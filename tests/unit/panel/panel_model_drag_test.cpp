@@ -260,3 +260,39 @@ TEST_F(PanelDrag, AVanishingScaleTurnsToTheEnd) {
     dragUp(1);
     EXPECT_EQ(only().localVolume, 100.0f);
 }
+
+TEST_F(PanelDrag, AHeldKnobKeepsItsTipWhateverPassesBelowTheMouse) {
+    for (const std::int32_t knob : {kVolumeKnob, kSmallKnob, kLargeKnob}) {
+        press(knob);
+        model.mouse_tracking = true;
+        move(middleOf(kSwapKey));
+        EXPECT_EQ(model.hover_element, kSwapKey);
+        EXPECT_EQ(tipElement(model, true), knob);
+        move(kNowhere);
+        leavePanel(model);  // the mouse is held outside
+        EXPECT_EQ(tipElement(model, true), knob);
+        release(middleOf(kSwapKey));
+        model.mouse_tracking = true;
+        EXPECT_EQ(tipElement(model, true), kSwapKey);
+        leavePanel(model);
+        EXPECT_EQ(tipElement(model, true), kBackground);
+    }
+}
+
+TEST_F(PanelDrag, AHeldKeyLeavesTheTipToWhatLiesBelowTheMouse) {
+    press(kSwapKey);
+    model.mouse_tracking = true;
+    move(middleOf(kPinKey));
+    EXPECT_EQ(tipElement(model, true), kPinKey);
+    leavePanel(model);
+    EXPECT_EQ(tipElement(model, true), kBackground);
+}
+
+TEST_F(PanelDrag, AHiddenPanelHasNoTip) {
+    model.mouse_tracking = true;
+    move(middleOf(kSwapKey));
+    EXPECT_EQ(tipElement(model, true), kSwapKey);
+    EXPECT_EQ(tipElement(model, false), kBackground);
+    press(kVolumeKnob);
+    EXPECT_EQ(tipElement(model, false), kBackground);
+}

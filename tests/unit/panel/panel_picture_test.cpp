@@ -85,6 +85,28 @@ TEST_F(PanelPictureTest, OrdersShowInTheOrderInWhichTheyWillBeCarriedOut) {
     expectShown(119000, kPending, 122800, kPending);
 }
 
+TEST_F(PanelPictureTest, AStepChangesTheNumberThatIsShownAndNoOther) {
+    const std::vector<std::vector<std::int32_t>> pendingSlots = {
+        {},
+        {kSlotSwap},
+        {kSlotStandby, kSlotSwap},
+        {kSlotActive, kSlotSwap, kSlotSwap},
+        {kSlotSwap, kSlotStandby},
+        {kSlotStandby, kSlotSwap, kSlotActive, kSlotSwap},
+    };
+    for (const auto& slots : pendingSlots)
+        for (const std::int32_t tuned : {kSlotActive, kSlotStandby}) {
+            forgetCommands();
+            double frequency = 130000;
+            for (const std::int32_t slot : slots) order(1, slot, slot == kSlotSwap ? 0.0 : frequency += 500);
+            auto expected = picture().frequencies;
+            auto& turned = expected[static_cast<std::size_t>(tuned)];
+            turned = {turned.frequencyKHz + 1000, kPending};
+            tune_step(context, 1, tuned, 1, true, clock.tickMs());
+            EXPECT_EQ(picture().frequencies, expected) << slots.size() << " pending, slot " << tuned;
+        }
+}
+
 TEST_F(PanelPictureTest, AnOrderTheSimulatorHasAnsweredIsNotPendingAnyMore) {
     order(1, kSlotSwap);
     markOldestWritten("4242-7");

@@ -143,7 +143,41 @@ TEST(PanelTooltip, AnUnknownRadioIsCom1) {
 
 TEST(PanelTooltip, Stands14PixelsRightOfAnd22BelowTheCursorOnEveryMonitor) {
     const struct {
+        PixelRect workArea;
         PixelPoint cursor, tip;
-    } rows[] = {{{0, 0}, {14, 22}}, {{959, 540}, {973, 562}}, {{-1920, -300}, {-1906, -278}}, {{3839, 20}, {3853, 42}}};
-    for (const auto& row : rows) EXPECT_EQ(tipPlace(row.cursor), row.tip) << row.cursor.x << ',' << row.cursor.y;
+    } rows[] = {{{0, 0, 1920, 1040}, {0, 0}, {14, 22}},
+                {{0, 0, 1920, 1040}, {959, 540}, {973, 562}},
+                {{-1920, -300, 0, 780}, {-1920, -300}, {-1906, -278}},
+                {{1920, 0, 3840, 1080}, {3000, 20}, {3014, 42}},
+                {{}, {5000, 4000}, {5014, 4022}}};  // unknown
+    for (const auto& row : rows)
+        EXPECT_EQ(tipPlace(row.cursor, {200, 60}, row.workArea), row.tip) << row.cursor.x << ',' << row.cursor.y;
+}
+
+TEST(PanelTooltip, GoesToTheCursorsOtherSideWhereItWouldLeaveTheWorkArea) {
+    constexpr PixelRect kArea{-1920, 100, 0, 1140};
+    const struct {
+        PixelPoint cursor, tip;
+    } rows[] = {{{-214, 500}, {-200, 522}},  // it just fits
+                {{-213, 500}, {-427, 522}},  // left of the cursor: -213 - 14 - 200
+                {{-900, 1058}, {-886, 1080}},
+                {{-900, 1059}, {-886, 977}},  // above it: 1059 - 22 - 60
+                {{-1, 1139}, {-215, 1057}}};  // both
+    for (const auto& row : rows)
+        EXPECT_EQ(tipPlace(row.cursor, {200, 60}, kArea), row.tip) << row.cursor.x << ',' << row.cursor.y;
+}
+
+TEST(PanelTooltip, IsInsideTheWorkAreaWhereverTheCursorIs) {
+    constexpr PixelRect kArea{60, 40, 700, 400};  // task bars on all sides
+    constexpr PixelSize kTip{300, 80};
+    for (std::int32_t x = -50; x <= 800; x += 10)
+        for (std::int32_t y = -50; y <= 500; y += 10) {
+            const PixelPoint place = tipPlace({x, y}, kTip, kArea);
+            const PixelRect tip{place.x, place.y, place.x + kTip.width, place.y + kTip.height};
+            EXPECT_EQ(intersectRects(tip, kArea), tip) << x << ',' << y;
+        }
+}
+
+TEST(PanelTooltip, ThatFitsNowhereBeginsWhereTheWorkAreaDoes) {
+    EXPECT_EQ(tipPlace({100, 50}, {400, 200}, {10, 20, 300, 150}), (PixelPoint{10, 20}));
 }

@@ -304,3 +304,30 @@ TEST_F(SettingsStoreTest, LosesNoUpdateAndEndsWithTheNewestRecordInTheFileWhenTh
     EXPECT_EQ(store.AudioFlags, 7u);
     EXPECT_EQ(files.text(kDataFile), writeSettingsText(live));
 }
+
+TEST_F(SettingsStoreTest, TellsOfEachChangeOnceBeforeTheFileIsWritten) {
+    std::vector<std::string> steps;
+    std::function<void()> look = [] {};
+    SettingsStore told(files, {}, [&](const Settings& before, const Settings& now) {
+        steps.push_back(std::to_string(before.radio) + " to " + std::to_string(now.radio));
+        look();
+    });
+    files.onReplace = [&](std::string_view) { steps.emplace_back("written"); };
+    setSettingsFolders(told, kData, kModule);
+    look = [&] { EXPECT_EQ(copySettings(told).radio, 2); };  // the live record already has it
+    updateSettings(told, [](Settings& live) { live.radio = 2; });
+    EXPECT_EQ(steps, (std::vector<std::string>{"1 to 2", "written"}));
+    steps.clear();
+    look = [] {};
+    changeSettings(
+        told, [](Settings& live) { live.radio = 1; }, kNoSaveDue);
+    EXPECT_EQ(steps, (std::vector<std::string>{"2 to 1"}));
+    steps.clear();
+    files.put(kDataFile, "radio=COM2\r\n");
+    loadSettings(told);
+    EXPECT_EQ(steps, (std::vector<std::string>{"1 to 2"}));
+    steps.clear();
+    Settings record;
+    saveSettings(told, record);
+    EXPECT_EQ(steps, (std::vector<std::string>{"2 to 1", "written"}));
+}
