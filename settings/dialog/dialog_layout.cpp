@@ -185,6 +185,15 @@ float usableDpiScale(unsigned dpi) {
     return static_cast<float>(dpi == 0 ? kBaseDpi : dpi) / static_cast<float>(kBaseDpi);
 }
 
+// The window's size at a resolution, at most the work area's.
+PixelSize sizeIn(const PixelRect& workArea, unsigned dpi) {
+    const float scale = usableDpiScale(dpi);
+    const auto wanted = [&](int units) {
+        return static_cast<std::int32_t>(std::lround(static_cast<float>(units) * scale));
+    };
+    return {std::min(wanted(kDialogWidth), workArea.width()), std::min(wanted(kDialogHeight), workArea.height())};
+}
+
 int partCount(const DialogControl& control) {
     if (control.look == ControlLook::kSegments) return optionCount(*findRow(control.id));
     return control.look == ControlLook::kSelector ? 2 : 1;
@@ -307,19 +316,23 @@ std::int32_t scrollTo(const DialogLayout& layout, const DialogControl& control) 
 }
 
 PixelRect placeDialog(const PixelRect& workArea, unsigned dpi) {
-    const float scale = usableDpiScale(dpi);
-    const auto wanted = [&](int units) {
-        return static_cast<std::int32_t>(std::lround(static_cast<float>(units) * scale));
-    };
-    const std::int32_t width = std::min(wanted(kDialogWidth), workArea.right - workArea.left);
-    const std::int32_t height = std::min(wanted(kDialogHeight), workArea.bottom - workArea.top);
-    const std::int32_t x = (workArea.left + workArea.right - width) / 2;
-    const std::int32_t y = (workArea.top + workArea.bottom - height) / 2;
-    return {x, y, x + width, y + height};
+    const PixelSize size = sizeIn(workArea, dpi);
+    const std::int32_t x = (workArea.left + workArea.right - size.width) / 2;
+    const std::int32_t y = (workArea.top + workArea.bottom - size.height) / 2;
+    return {x, y, x + size.width, y + size.height};
 }
 
-PixelRect placeSuggested(const PixelRect& suggested, const PixelRect& workArea) {
-    const std::int32_t width = std::min(suggested.right - suggested.left, workArea.right - workArea.left);
-    const std::int32_t height = std::min(suggested.bottom - suggested.top, workArea.bottom - workArea.top);
-    return {suggested.left, suggested.top, suggested.left + width, suggested.top + height};
+PixelRect placeForResolution(const PixelRect& suggested, const PixelRect& workArea, unsigned dpi, bool isHeld) {
+    if (workArea.isEmpty()) return suggested;
+    if (!isHeld) return placeDialog(workArea, dpi);
+    const PixelSize size = sizeIn(workArea, dpi);
+    const std::int32_t x = suggested.left + (suggested.width() - size.width) / 2;
+    return {x, suggested.top, x + size.width, suggested.top + size.height};
+}
+
+PixelRect moveInto(const PixelRect& rect, const PixelRect& workArea) {
+    if (workArea.isEmpty()) return rect;
+    const std::int32_t x = std::max(workArea.left, std::min(rect.left, workArea.right - rect.width()));
+    const std::int32_t y = std::max(workArea.top, std::min(rect.top, workArea.bottom - rect.height()));
+    return {x, y, x + rect.width(), y + rect.height()};
 }

@@ -96,5 +96,10 @@ std::int32_t scrollTo(const DialogLayout& layout, const DialogControl& control);
 
 // The window in a monitor's work area: its size at this resolution, at most the work area's, and centred.
 PixelRect placeDialog(const PixelRect& workArea, unsigned dpi);
-// The window where the system suggests it for another resolution, at most as large as the work area.
-PixelRect placeSuggested(const PixelRect& suggested, const PixelRect& workArea);
+// The window where the resolution under it is another from now on: centred in the work area; while the mouse holds it
+// by its title bar, where the system suggests it, so that it stays under the pointer. An empty work area is an unknown
+// one: the suggestion as it is.
+PixelRect placeForResolution(const PixelRect& suggested, const PixelRect& workArea, unsigned dpi, bool isHeld);
+// Moved as little as it takes to be inside the work area, as far as it has room; from an unknown (empty) one not at
+// all.
+PixelRect moveInto(const PixelRect& rect, const PixelRect& workArea);

@@ -112,7 +112,12 @@ bool DialogWindow::create() {
 }
 
 void DialogWindow::open() {
-    moveTo(placeDialog(workAreaUnderCursor({0, 0, kDialogWidth, kDialogHeight}), dpi()));
+    const PixelRect workArea = workAreaUnderCursor({0, 0, kDialogWidth, kDialogHeight});
+    // The monitor's resolution is known once the window is on it: its size there is not the one it comes with.
+    for (int i = 0; i < 2; i++) {
+        dpi_ = dpi();
+        moveTo(placeDialog(workArea, dpi_));
+    }
     roundCorners(window());
     ShowWindow(window(), SW_SHOW);
     refresh();
@@ -151,7 +156,11 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CANCELMODE:
             return onCaptureChanged();
         case WM_DPICHANGED:
-            return onDpiChanged(*pointerFrom<const RECT>(lParam));
+            return onDpiChanged(LOWORD(wParam), *pointerFrom<const RECT>(lParam));
+        case WM_ENTERSIZEMOVE:
+            return onHeld();
+        case WM_EXITSIZEMOVE:
+            return onReleased();
         default:
             return doDefault(message, wParam, lParam);
     }
@@ -267,9 +276,25 @@ LRESULT DialogWindow::onCaptureChanged() {
     return 0;
 }
 
-LRESULT DialogWindow::onDpiChanged(const RECT& suggested) {
-    moveTo(placeSuggested(pixelRectOf(suggested), workAreaOf(window())));
+LRESULT DialogWindow::onDpiChanged(unsigned dpi, const RECT& suggested) {
+    dpi_ = dpi;
+    isResized_ = isHeld_;
+    moveTo(placeForResolution(pixelRectOf(suggested), workAreaOf(window()), dpi_, isHeld_));
     refresh();
+    return 0;
+}
+
+LRESULT DialogWindow::onHeld() {
+    isHeld_ = true;
+    isResized_ = false;
+    return 0;
+}
+
+// In another size than it was taken in, it may have come to hang over an edge.
+LRESULT DialogWindow::onReleased() {
+    isHeld_ = false;
+    if (isResized_) moveTo(moveInto(screenRect(), workAreaOf(window())));
+    isResized_ = false;
     return 0;
 }
 
@@ -279,12 +304,12 @@ std::int32_t DialogWindow::language() const {
 
 DialogLayout DialogWindow::layout() const {
     const PixelSize client = clientSize();
-    return layoutDialog(client.width, client.height, dpi(), model_.page, input_.scroll);
+    return layoutDialog(client.width, client.height, dpi_, model_.page, input_.scroll);
 }
 
 DialogPicture DialogWindow::currentPicture() {
     const PixelSize client = clientSize();
-    DialogPicture picture{client.width, client.height, dpi(), model_.page, {}, input_};
+    DialogPicture picture{client.width, client.height, dpi_, model_.page, {}, input_};
     picture.view.settings = model_.working;
     picture.view.language = language();
     const std::int32_t com = model_.working.radio;

@@ -33,7 +33,9 @@ class DialogWindow final : private Window {
     LRESULT onLeftUp(PixelPoint at);
     LRESULT onWheel(int delta, POINT screen);
     LRESULT onCaptureChanged();
-    LRESULT onDpiChanged(const RECT& suggested);
+    LRESULT onDpiChanged(unsigned dpi, const RECT& suggested);
+    LRESULT onHeld();
+    LRESULT onReleased();
 
     DialogLayout layout() const;
     std::int32_t language() const;
@@ -50,5 +52,8 @@ class DialogWindow final : private Window {
     DialogPainter painter_;
     MemorySurface surface_;
     std::optional<DialogPicture> drawn_;  // what the surface shows
+    unsigned dpi_ = 96;                   // of the monitor it is on, as the system told last; its picture's
+    bool isHeld_ = false;                 // the system moves it with the mouse
+    bool isResized_ = false;              // another resolution since it is held
     bool isOpened_ = false;               // its messages are about to be served
 };

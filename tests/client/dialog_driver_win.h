@@ -13,7 +13,8 @@ int countDialogs();  // of this process
 
 class DialogDriver {
   public:
-    DialogDriver(HWND dialog, int page) : dialog_(dialog), page_(page) {}
+    // dpi: what the dialog was told last, 0 for the window's own.
+    DialogDriver(HWND dialog, int page, unsigned dpi = 0) : dialog_(dialog), page_(page), dpi_(dpi) {}
 
     HWND window() const { return dialog_; }
     // The dialog's present layout, not scrolled.
@@ -51,4 +52,5 @@ class DialogDriver {
 
     HWND dialog_;
     int page_;
+    unsigned dpi_;
 };
