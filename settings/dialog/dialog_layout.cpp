@@ -66,7 +66,8 @@ constexpr Placement kVoicePage[] = {
 };
 constexpr Placement kRadioPage[] = {
     {kCom1Option,      ControlLook::kOption,   {kLeft,  46, 146, 36}, 4, 2, 154, 44},
-    {kKeyASelector,    ControlLook::kSelector, {kLeft,  182, kKeyColumn, 36}, 5, 1, 0, 42},
+    {kKeyASelector,    ControlLook::kFixedKey, {kLeft,  182, kKeyColumn, 36}},
+    {kKeyBSelector,    ControlLook::kSelector, {kLeft,  224, kKeyColumn, 36}, 4, 1, 0, 42},
     {kPinToggle,       ControlLook::kToggle,   {kTextLeft, 46, kTextColumn, 54}, 2, 1, 0, 60},
     {kTextAlertToggle, ControlLook::kToggle,   {kTextLeft, 210, kTextColumn, 54}, 2, 1, 0, 60},
     {kTextScaleSlider, ControlLook::kSlider,   {kTextLeft, 334, kTextColumn, 54}},
@@ -94,12 +95,11 @@ constexpr TextPlacement kVoiceTexts[] = {
     {DialogTextStyle::kHeading, kTextOther,          nullptr, {kRight, 262, kColumn, 20}},
 };
 constexpr TextPlacement kRadioTexts[] = {
-    {DialogTextStyle::kHeading,   kTextRadio,        nullptr, {kLeft,  18, kKeyColumn, 20}},
-    {DialogTextStyle::kHeading,   kTextCustomKeys,   nullptr, {kLeft,  154, kKeyColumn, 20}},
-    {DialogTextStyle::kNoteTitle, kTextKeyAFixed,    nullptr, {kLeft + kKeyLetter, 396, kKeyColumn - kKeyLetter, 20}},
-    {DialogTextStyle::kNote,      kTextKeyANote,     nullptr, {kLeft + kKeyLetter, 418, kKeyColumn - kKeyLetter, 76}},
-    {DialogTextStyle::kHeading,   kTextPanel,        nullptr, {kTextLeft, 18, kTextColumn, 20}},
-    {DialogTextStyle::kHeading,   kTextTextMessages, nullptr, {kTextLeft, 182, kTextColumn, 20}},
+    {DialogTextStyle::kHeading, kTextRadio,        nullptr, {kLeft,  18, kKeyColumn, 20}},
+    {DialogTextStyle::kHeading, kTextCustomKeys,   nullptr, {kLeft,  154, kKeyColumn, 20}},
+    {DialogTextStyle::kNote,    kTextKeyANote,     nullptr, {kLeft + kKeyLetter, 398, kKeyColumn - kKeyLetter, 76}},
+    {DialogTextStyle::kHeading, kTextPanel,        nullptr, {kTextLeft, 18, kTextColumn, 20}},
+    {DialogTextStyle::kHeading, kTextTextMessages, nullptr, {kTextLeft, 182, kTextColumn, 20}},
 };
 constexpr TextPlacement kAboutTexts[] = {
     {DialogTextStyle::kAppName,    kNoText,             kPluginName,                                {kLeft, 24, kWide, 40}},
@@ -185,6 +185,15 @@ float usableDpiScale(unsigned dpi) {
     return static_cast<float>(dpi == 0 ? kBaseDpi : dpi) / static_cast<float>(kBaseDpi);
 }
 
+// The window's size at a resolution, at most the work area's.
+PixelSize sizeIn(const PixelRect& workArea, unsigned dpi) {
+    const float scale = usableDpiScale(dpi);
+    const auto wanted = [&](int units) {
+        return static_cast<std::int32_t>(std::lround(static_cast<float>(units) * scale));
+    };
+    return {std::min(wanted(kDialogWidth), workArea.width()), std::min(wanted(kDialogHeight), workArea.height())};
+}
+
 int partCount(const DialogControl& control) {
     if (control.look == ControlLook::kSegments) return optionCount(*findRow(control.id));
     return control.look == ControlLook::kSelector ? 2 : 1;
@@ -263,6 +272,8 @@ PixelRect partRect(const DialogLayout& layout, const DialogControl& control, int
         const std::int32_t width = rect.right - rect.left;
         rect.right = rect.left + width * (part + 1) / count;
         rect.left += width * part / count;
+    } else if (control.look == ControlLook::kFixedKey) {
+        rect.left += layout.px(kKeyLetter);
     } else if (control.look == ControlLook::kSelector) {
         rect.left += layout.px(kKeyLetter);
         if (part == 0) rect.right = rect.left + layout.px(kArrow);
@@ -307,19 +318,23 @@ std::int32_t scrollTo(const DialogLayout& layout, const DialogControl& control) 
 }
 
 PixelRect placeDialog(const PixelRect& workArea, unsigned dpi) {
-    const float scale = usableDpiScale(dpi);
-    const auto wanted = [&](int units) {
-        return static_cast<std::int32_t>(std::lround(static_cast<float>(units) * scale));
-    };
-    const std::int32_t width = std::min(wanted(kDialogWidth), workArea.right - workArea.left);
-    const std::int32_t height = std::min(wanted(kDialogHeight), workArea.bottom - workArea.top);
-    const std::int32_t x = (workArea.left + workArea.right - width) / 2;
-    const std::int32_t y = (workArea.top + workArea.bottom - height) / 2;
-    return {x, y, x + width, y + height};
+    const PixelSize size = sizeIn(workArea, dpi);
+    const std::int32_t x = (workArea.left + workArea.right - size.width) / 2;
+    const std::int32_t y = (workArea.top + workArea.bottom - size.height) / 2;
+    return {x, y, x + size.width, y + size.height};
 }
 
-PixelRect placeSuggested(const PixelRect& suggested, const PixelRect& workArea) {
-    const std::int32_t width = std::min(suggested.right - suggested.left, workArea.right - workArea.left);
-    const std::int32_t height = std::min(suggested.bottom - suggested.top, workArea.bottom - workArea.top);
-    return {suggested.left, suggested.top, suggested.left + width, suggested.top + height};
+PixelRect placeForResolution(const PixelRect& suggested, const PixelRect& workArea, unsigned dpi, bool isHeld) {
+    if (workArea.isEmpty()) return suggested;
+    if (!isHeld) return placeDialog(workArea, dpi);
+    const PixelSize size = sizeIn(workArea, dpi);
+    const std::int32_t x = suggested.left + (suggested.width() - size.width) / 2;
+    return {x, suggested.top, x + size.width, suggested.top + size.height};
+}
+
+PixelRect moveInto(const PixelRect& rect, const PixelRect& workArea) {
+    if (workArea.isEmpty()) return rect;
+    const std::int32_t x = std::max(workArea.left, std::min(rect.left, workArea.right - rect.width()));
+    const std::int32_t y = std::max(workArea.top, std::min(rect.top, workArea.bottom - rect.height()));
+    return {x, y, x + rect.width(), y + rect.height()};
 }

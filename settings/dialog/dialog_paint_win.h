@@ -1,23 +1,10 @@
-// dialog_paint_win.h - how the settings dialog looks: shapes by our own code (ui/shapes.h: smooth on every system),
-// words with GDI, onto a surface that shows the whole client area.
+// dialog_paint_win.h - the settings dialog's picture: shapes by our own code (dialog_shapes.h), words with GDI, onto a
+// surface that shows the whole client area.
 #pragma once
 #include <windows.h>
-#include "settings/dialog/dialog_interaction.h"
-#include "settings/dialog/dialog_view.h"
+#include "settings/dialog/dialog_shapes.h"
 #include "ui/memory_surface_win.h"
 #include "ui/text_fonts_win.h"
-
-// Everything a picture of the dialog depends on.
-struct DialogPicture {
-    std::int32_t width = 0;  // of the client area
-    std::int32_t height = 0;
-    unsigned dpi = 96;
-    int page = 0;
-    DialogView view;
-    DialogInput input;
-
-    bool operator==(const DialogPicture&) const = default;
-};
 
 // How a text of the dialog is drawn.
 TextStyle styleOf(const DialogText& text);

@@ -112,7 +112,12 @@ bool DialogWindow::create() {
 }
 
 void DialogWindow::open() {
-    moveTo(placeDialog(workAreaUnderCursor({0, 0, kDialogWidth, kDialogHeight}), dpi()));
+    const PixelRect workArea = workAreaUnderCursor({0, 0, kDialogWidth, kDialogHeight});
+    // The monitor's resolution is known once the window is on it: its size there is not the one it comes with.
+    for (int i = 0; i < 2; i++) {
+        dpi_ = dpi();
+        moveTo(placeDialog(workArea, dpi_));
+    }
     roundCorners(window());
     ShowWindow(window(), SW_SHOW);
     refresh();
@@ -136,7 +141,7 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_COMMAND:
             return onCommand({LOWORD(wParam), static_cast<int>(HIWORD(wParam)) - 1});
         case WM_KEYDOWN:
-            return onKey(wParam);
+            return onKey(wParam, (HIWORD(lParam) & KF_REPEAT) != 0);
         case WM_MOUSEMOVE:
             return onMouseMove(pointOf(lParam));
         case WM_MOUSELEAVE:
@@ -151,7 +156,13 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CANCELMODE:
             return onCaptureChanged();
         case WM_DPICHANGED:
-            return onDpiChanged(*pointerFrom<const RECT>(lParam));
+            return onDpiChanged(LOWORD(wParam), *pointerFrom<const RECT>(lParam));
+        case WM_ENTERSIZEMOVE:
+            return onHeld();
+        case WM_EXITSIZEMOVE:
+            return onReleased();
+        case WM_PRINTCLIENT:
+            return onPrint(reinterpret_cast<HDC>(wParam));
         default:
             return doDefault(message, wParam, lParam);
     }
@@ -177,13 +188,23 @@ LRESULT DialogWindow::onPaint() {
     return 0;
 }
 
+LRESULT DialogWindow::onPrint(HDC dc) {
+    const PixelSize client = clientSize();
+    surface_.copyTo(dc, {0, 0, client.width, client.height});
+    return 0;
+}
+
 LRESULT DialogWindow::onCommand(const DialogCommand& command) {
+    run(command);
+    if (window()) refresh();
+    return 0;
+}
+
+void DialogWindow::run(const DialogCommand& command) {
     const std::int32_t before = language();
     const DialogAction action = runCommand(input_, model_, command, GetUserDefaultUILanguage());
     if (language() != before) SetWindowTextW(window(), wideFromUtf8(textOf(language(), kTextWindowTitle)).c_str());
     carryOut(action);
-    if (window()) refresh();
-    return 0;
 }
 
 void DialogWindow::carryOut(DialogAction action) {
@@ -214,10 +235,10 @@ void DialogWindow::commit(const char* logLine) {
     context_.logCommit(logLine);
 }
 
-LRESULT DialogWindow::onKey(WPARAM key) {
+LRESULT DialogWindow::onKey(WPARAM key, bool isRepeated) {
     const auto pressed = keyOf(key);
     if (!pressed) return 0;
-    if (const auto command = pressKey(input_, model_, layout(), *pressed)) return onCommand(*command);
+    if (const auto command = pressKey(input_, model_, layout(), *pressed, isRepeated)) return onCommand(*command);
     refresh();
     return 0;
 }
@@ -249,7 +270,10 @@ LRESULT DialogWindow::onLeftDown(PixelPoint at) {
 LRESULT DialogWindow::onLeftUp(PixelPoint at) {
     const auto command = releaseMouse(input_, model_, layout(), at);
     ReleaseCapture();
-    if (command) return onCommand(*command);
+    if (command) run(*command);
+    if (!window()) return 0;
+    // A new page or language has forgotten the mouse, which is still here.
+    moveMouse(input_, model_, layout(), at);
     refresh();
     return 0;
 }
@@ -262,14 +286,30 @@ LRESULT DialogWindow::onWheel(int delta, POINT screen) {
 }
 
 LRESULT DialogWindow::onCaptureChanged() {
-    forgetMouse(input_);
+    letGo(input_);
     refresh();
     return 0;
 }
 
-LRESULT DialogWindow::onDpiChanged(const RECT& suggested) {
-    moveTo(placeSuggested(pixelRectOf(suggested), workAreaOf(window())));
+LRESULT DialogWindow::onDpiChanged(unsigned dpi, const RECT& suggested) {
+    dpi_ = dpi;
+    isResized_ = isHeld_;
+    moveTo(placeForResolution(pixelRectOf(suggested), workAreaOf(window()), dpi_, isHeld_));
     refresh();
+    return 0;
+}
+
+LRESULT DialogWindow::onHeld() {
+    isHeld_ = true;
+    isResized_ = false;
+    return 0;
+}
+
+// In another size than it was taken in, it may have come to hang over an edge.
+LRESULT DialogWindow::onReleased() {
+    isHeld_ = false;
+    if (isResized_) moveTo(moveInto(screenRect(), workAreaOf(window())));
+    isResized_ = false;
     return 0;
 }
 
@@ -279,12 +319,12 @@ std::int32_t DialogWindow::language() const {
 
 DialogLayout DialogWindow::layout() const {
     const PixelSize client = clientSize();
-    return layoutDialog(client.width, client.height, dpi(), model_.page, input_.scroll);
+    return layoutDialog(client.width, client.height, dpi_, model_.page, input_.scroll);
 }
 
 DialogPicture DialogWindow::currentPicture() {
     const PixelSize client = clientSize();
-    DialogPicture picture{client.width, client.height, dpi(), model_.page, {}, input_};
+    DialogPicture picture{client.width, client.height, dpi_, model_.page, {}, input_};
     picture.view.settings = model_.working;
     picture.view.language = language();
     const std::int32_t com = model_.working.radio;

@@ -26,17 +26,21 @@ class DialogWindow final : private Window {
     LRESULT onCreate();
     LRESULT onPaint();
     LRESULT onCommand(const DialogCommand& command);
-    LRESULT onKey(WPARAM key);
+    LRESULT onKey(WPARAM key, bool isRepeated);
     LRESULT onMouseMove(PixelPoint at);
     LRESULT onMouseLeave();
     LRESULT onLeftDown(PixelPoint at);
     LRESULT onLeftUp(PixelPoint at);
     LRESULT onWheel(int delta, POINT screen);
     LRESULT onCaptureChanged();
-    LRESULT onDpiChanged(const RECT& suggested);
+    LRESULT onDpiChanged(unsigned dpi, const RECT& suggested);
+    LRESULT onHeld();
+    LRESULT onReleased();
+    LRESULT onPrint(HDC dc);
 
     DialogLayout layout() const;
     std::int32_t language() const;
+    void run(const DialogCommand& command);
     void carryOut(DialogAction action);
     void commit(const char* logLine);
     // Follows the live settings and the simulator, and paints what has changed.
@@ -50,5 +54,8 @@ class DialogWindow final : private Window {
     DialogPainter painter_;
     MemorySurface surface_;
     std::optional<DialogPicture> drawn_;  // what the surface shows
+    unsigned dpi_ = 96;                   // of the monitor it is on, as the system told last; its picture's
+    bool isHeld_ = false;                 // the system moves it with the mouse
+    bool isResized_ = false;              // another resolution since it is held
     bool isOpened_ = false;               // its messages are about to be served
 };

@@ -43,7 +43,7 @@ int countDialogs() {
 DialogLayout DialogDriver::layout() const {
     RECT client = {};
     GetClientRect(dialog_, &client);
-    return layoutDialog(client.right, client.bottom, GetDpiForWindow(dialog_), page_, 0);
+    return layoutDialog(client.right, client.bottom, dpi_ != 0 ? dpi_ : GetDpiForWindow(dialog_), page_, 0);
 }
 
 POINT DialogDriver::pointOn(int id, int part) const {

@@ -37,7 +37,7 @@ class DialogFixture : public PanelTest {
     bool isGone() {
         return session.waitUntil([] { return !findDialog(); }, kPatienceMs);
     }
-    DialogDriver dialog(int page = 0) const { return {findDialog(), page}; }
+    DialogDriver dialog(int page = 0, unsigned dpi = 0) const { return {findDialog(), page, dpi}; }
     bool hasLogged(const std::string& line) const {
         const auto lines = host.logLines();
         return std::find(lines.begin(), lines.end(), line) != lines.end();

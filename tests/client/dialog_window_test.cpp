@@ -4,9 +4,23 @@
 #include <string_view>
 #include "settings/language.h"
 #include "tests/client/dialog_test.h"
+#include "tests/client/import_patch_win.h"
 #include "tests/client/message_driver_win.h"
 
 namespace {
+
+// The resolution that the system tells of the dialog: another one once it has left the place it comes to first.
+std::atomic<unsigned> gBefore{96}, gThere{96};
+std::atomic<bool> gIsThere{false};
+UINT WINAPI tellResolution(HWND window) {
+    wchar_t name[64] = {};
+    RECT rect = {};
+    GetClassNameW(window, name, 64);
+    if (std::wstring_view(name) != L"CorvalisSettingsClass") return 96;
+    GetWindowRect(window, &rect);
+    if (rect.left != 0 || rect.top != 0) gIsThere = true;
+    return gIsThere ? gThere : gBefore;
+}
 
 // Counts the WM_PAINT that a window's own thread sends it: those it asks for itself after drawing.
 class PaintCount {
@@ -54,22 +68,19 @@ std::string messageArea() {
     return pixels;
 }
 
-int widthOf(const RECT& rect) {
-    return rect.right - rect.left;
-}
-int heightOf(const RECT& rect) {
-    return rect.bottom - rect.top;
-}
-
 }  // namespace
 
 class DialogWindowTest : public DialogFixture {
   protected:
-    RECT workArea() const {
+    PixelRect workArea() const {
         MONITORINFO monitor = {};
         monitor.cbSize = sizeof monitor;
         GetMonitorInfoW(MonitorFromWindow(findDialog(), MONITOR_DEFAULTTONEAREST), &monitor);
-        return monitor.rcWork;
+        return {monitor.rcWork.left, monitor.rcWork.top, monitor.rcWork.right, monitor.rcWork.bottom};
+    }
+    PixelRect place() const {
+        const RECT rect = dialogRect();
+        return {rect.left, rect.top, rect.right, rect.bottom};
     }
     bool hasMessage(const std::string& empty) {
         return session.waitUntil([&] { return messageArea() != empty; }, kPatienceMs);
@@ -89,14 +100,9 @@ TEST_F(DialogWindowTest, OpensInTheMiddleOfTheScreenWithItsStyleAndTitle) {
     EXPECT_TRUE(static_cast<DWORD>(GetWindowLongW(findDialog(), GWL_EXSTYLE)) & WS_EX_APPWINDOW);
     EXPECT_EQ(GetWindow(findDialog(), GW_OWNER), nullptr);
 
-    const RECT work = workArea();
-    const PixelRect place = placeDialog({work.left, work.top, work.right, work.bottom}, GetDpiForWindow(findDialog()));
-    RECT rect = {};
-    EXPECT_TRUE(session.waitUntil([&] {
-        rect = dialogRect();
-        return PixelRect{rect.left, rect.top, rect.right, rect.bottom} == place;
-    })) << rect.left
-        << ", " << rect.top << ": " << widthOf(rect) << " x " << heightOf(rect);
+    const PixelRect expected = placeDialog(workArea(), GetDpiForWindow(findDialog()));
+    EXPECT_TRUE(session.waitUntil([&] { return place() == expected; }))
+        << place().left << ", " << place().top << ": " << place().width() << " x " << place().height();
 }
 
 TEST_F(DialogWindowTest, ThePressedTitleBarMovesItUntilItIsReleased) {
@@ -161,23 +167,85 @@ TEST_F(DialogWindowTest, ALostCaptureEndsADrag) {
     EXPECT_TRUE(isSaved("opacity=70"));
 }
 
-TEST_F(DialogWindowTest, TakesTheSizeOfAnotherResolutionAndWorksInIt) {
+TEST_F(DialogWindowTest, OnAnotherResolutionItIsCentredInItsSizeThereAndWorks) {
     ASSERT_TRUE(openWith(""));
-    const RECT work = workArea();
-    RECT suggested = {work.left + 30, work.top + 40, work.left + 30 + 1128, work.top + 40 + 792};  // 120 dpi
-    dialog().send(WM_DPICHANGED, MAKEWPARAM(120, 120), reinterpret_cast<LPARAM>(&suggested));
-    EXPECT_EQ(widthOf(dialogRect()), 1128);
-    EXPECT_EQ(heightOf(dialogRect()), 792);
-    dialog().click(kMasterToggle);  // at its new place
-    suggested.right = suggested.left + kGeneralTab;
-    suggested.bottom = suggested.top + 4000;
-    dialog().send(WM_DPICHANGED, MAKEWPARAM(480, 480), reinterpret_cast<LPARAM>(&suggested));
-    EXPECT_EQ(widthOf(dialogRect()), widthOf(work));
-    EXPECT_EQ(heightOf(dialogRect()), heightOf(work));
-    dialog().click(kPanelVisibleToggle);  // the second toggle of the first page
+    const PixelRect work = workArea();
+    // As the system suggests: the old corner kept, so that the window hangs over the edge.
+    RECT suggested = {work.right - 500, work.bottom - 300, work.right + 910, work.bottom + 690};
+    for (const unsigned dpi : {144U, 96U, 120U, 480U}) {
+        dialog().send(WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+        EXPECT_EQ(place(), placeDialog(work, dpi)) << dpi;
+        dialog(0, dpi).click(kMasterToggle);  // at its new place
+    }
+    dialog(0, 480).click(kPanelVisibleToggle);
     ASSERT_TRUE(save());
-    EXPECT_TRUE(isSaved("master=0"));
+    EXPECT_TRUE(isSaved("master=1"));  // four times
     EXPECT_TRUE(isSaved("panel_visible=1"));
+}
+
+// A monitor of another resolution: the system tells of it only once the dialog is there.
+TEST_F(DialogWindowTest, OpenedWhereTheResolutionIsAnotherItIsPlacedForThatOne) {
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    const ImportPatch patch(L"corvalis_win64.dll", "GetDpiForWindow", reinterpret_cast<void*>(&tellResolution));
+    ASSERT_TRUE(patch.isInPlace());
+    const struct { unsigned before, there; } ways[] = {{96, 144}, {144, 96}};
+    for (const auto& way : ways) {
+        gBefore = way.before;
+        gThere = way.there;
+        gIsThere = false;
+        ASSERT_TRUE(open());
+        EXPECT_TRUE(gIsThere);
+        const PixelRect expected = placeDialog(workArea(), way.there);
+        EXPECT_TRUE(session.waitUntil([&] { return place() == expected; }, kPatienceMs))
+            << way.there << ": " << place().width() << " x " << place().height();
+        dialog(0, way.there).click(kMasterToggle);
+        ASSERT_TRUE(save());
+        EXPECT_TRUE(isSaved(way.there == 144 ? "master=0" : "master=1"));
+    }
+}
+
+TEST_F(DialogWindowTest, DraggedToAnotherResolutionItStaysUnderThePointerAndInsideOnceReleased) {
+    ASSERT_TRUE(openWith(""));
+    const PixelRect work = workArea();
+    const PixelSize fine = {placeDialog(work, 144).width(), placeDialog(work, 144).height()};
+    const PixelRect dragged = {work.right - 200, work.top + 30, work.right - 200 + fine.width,
+                               work.top + 30 + fine.height};
+    RECT suggested = {dragged.left, dragged.top, dragged.right, dragged.bottom};
+    dialog().send(WM_ENTERSIZEMOVE, 0, 0);
+    dialog().send(WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&suggested));
+    EXPECT_EQ(place(), dragged);
+    dialog().send(WM_EXITSIZEMOVE, 0, 0);
+    EXPECT_EQ(place(), moveInto(dragged, work));
+    EXPECT_EQ(place().right, work.right);
+    // On one and the same monitor it may be left over an edge.
+    const PixelRect hanging = {work.right - 300, work.top + 50, work.right - 300 + fine.width,
+                               work.top + 50 + fine.height};
+    dialog().send(WM_ENTERSIZEMOVE, 0, 0);
+    SetWindowPos(findDialog(), nullptr, hanging.left, hanging.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    dialog().send(WM_EXITSIZEMOVE, 0, 0);
+    EXPECT_EQ(place(), hanging);
+}
+
+TEST_F(DialogWindowTest, WhatIsClickedIsStillLitUnderTheMouse) {
+    ASSERT_TRUE(openWith(""));
+    const DialogDriver hand = dialog();
+    const DialogLayout layout = hand.layout();
+    const PixelRect button = findControl(layout, kResetPanel)->rect;  // changes nothing to be seen here
+    const POINT at = hand.pointOn(kResetPanel);
+    ArgbImage plain, lit, clicked;
+    hand.inOneGo([&] {
+        const auto look = [&] { return cropImage(askForPicture(hand.window()), button); };
+        hand.move(hand.pointOn(kOpacitySlider));
+        plain = look();
+        hand.move(at);
+        lit = look();
+        hand.press(at);
+        hand.release(at);
+        clicked = look();
+    });
+    EXPECT_NE(lit.pixels, plain.pixels);
+    EXPECT_EQ(clicked.pixels, lit.pixels);
 }
 
 TEST_F(DialogWindowTest, AtRestItPaintsNothingAndAChangeOnce) {

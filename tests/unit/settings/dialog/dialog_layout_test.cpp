@@ -2,9 +2,7 @@
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <set>
-#include <utility>
 #include "settings/interface_texts.h"
 #include "tests/unit/settings/dialog/dialog_rig.h"
 #include "tests/unit/settings/settings_copy.h"
@@ -87,7 +85,9 @@ TEST(DialogLayoutTest, TheMiddleOfEachControlHitsIt) {
         for (const DialogControl& control : layout.controls) {
             EXPECT_EQ(hitDialog(layout, middleOf(control.rect)).id, control.id);
             const int options = optionCount(*findRow(control.id));
-            const int parts = control.look == ControlLook::kSegments ? options : options > 0 ? 2 : 0;
+            const int parts = control.look == ControlLook::kSegments   ? options
+                              : control.look == ControlLook::kSelector ? 2
+                                                                       : 0;
             for (int part = 0; part < parts; part++) {
                 const PixelRect rect = partRect(layout, control, part);
                 EXPECT_TRUE(isWithin(rect, control.rect)) << control.id;
@@ -258,42 +258,4 @@ TEST(DialogLayoutTest, SliderThumbAndValueAgree) {
         EXPECT_EQ(levelAt(layout, control, range, -100), range.min);
         EXPECT_EQ(levelAt(layout, control, range, 100'000), range.max);
     }
-}
-
-TEST(DialogLayoutTest, StandsInTheMiddleOfTheWorkArea) {
-    EXPECT_EQ(placeDialog({0, 0, 1920, 1040}, 96), (PixelRect{490, 190, 1430, 850}));
-    EXPECT_EQ(placeDialog({0, 0, 2560, 1400}, 144), (PixelRect{575, 205, 1985, 1195}));  // 1410 x 990
-    EXPECT_EQ(placeDialog({-1920, 0, 0, 1080}, 96), (PixelRect{-1430, 210, -490, 870}));
-    EXPECT_EQ(placeDialog({0, 0, 1920, 1040}, 0), placeDialog({0, 0, 1920, 1040}, 96));
-}
-
-TEST(DialogLayoutTest, FillsAWorkAreaThatIsTooNarrowOrTooLowButOnlyThatWay) {
-    EXPECT_EQ(placeDialog({0, 0, 1366, 728}, 144), (PixelRect{0, 0, 1366, 728}));
-    EXPECT_EQ(placeDialog({100, 0, 900, 2000}, 96), (PixelRect{100, 670, 900, 1330}));
-    EXPECT_EQ(placeDialog({-3000, 40, -1000, 600}, 96), (PixelRect{-2470, 40, -1530, 600}));
-}
-
-TEST(DialogLayoutTest, StandsOnTheMonitorItIsGivenWhereverThatIs) {
-    const PixelRect monitors[] = {{1920, 0, 3840, 1040},    // right of the primary one, which begins at 0, 0
-                                  {-1920, -200, 0, 840},    // left and a little higher
-                                  {300, -1440, 2860, -40},  // above, a bar at its lower edge
-                                  {-1080, 900, 0, 2820},    // upright, below
-                                  {1920, 300, 2720, 900}};  // a small one
-    for (const PixelRect& work : monitors) {
-        for (const unsigned dpi : kResolutions) {
-            const PixelRect place = placeDialog(work, dpi);
-            EXPECT_TRUE(isWithin(place, work)) << work.left << ' ' << dpi;
-            EXPECT_LE(std::abs((place.left - work.left) - (work.right - place.right)), 1) << work.left << ' ' << dpi;
-            EXPECT_LE(std::abs((place.top - work.top) - (work.bottom - place.bottom)), 1) << work.left << ' ' << dpi;
-        }
-    }
-}
-
-TEST(DialogLayoutTest, TakesTheSizeSuggestedForAResolutionAsFarAsTheWorkAreaHasRoom) {
-    const auto sizeOf = [](const PixelRect& rect) { return std::pair(rect.right - rect.left, rect.bottom - rect.top); };
-    const PixelRect right = {1920, 0, 4480, 1400};
-    EXPECT_EQ(sizeOf(placeSuggested({2000, 100, 3410, 1090}, right)), std::pair(1410, 990));
-    EXPECT_EQ(placeSuggested({2000, 100, 3410, 1090}, right), (PixelRect{2000, 100, 3410, 1090}));
-    EXPECT_EQ(sizeOf(placeSuggested({2000, 100, 3880, 1420}, {1920, 0, 3286, 728})), std::pair(1366, 728));
-    EXPECT_EQ(sizeOf(placeSuggested({-1900, 0, -20, 700}, {-1080, -900, 0, 1020})), std::pair(1080, 700));
 }
