@@ -62,9 +62,11 @@ class Painter {
     void drawLamp(const PlacedImage& lamp, bool lit) {
         if (lit) stampImage(target_, lamp.image, lamp.x, lamp.y, clip_);
     }
-    void drawStatus(std::size_t line, const ArgbImage& text) {
-        const PixelRect& area = layers_.statusAreas[line];
-        stampImage(target_, text, area.left, area.top, intersectRects(area, clip_));
+    void drawStatus(const StatusImages& texts) {
+        const PixelRect& room = layers_.statusRoom;
+        const PixelRect visible = intersectRects(room, clip_);
+        stampImage(target_, texts[0], room.left, room.top, visible);
+        stampImage(target_, texts[1], room.right - texts[1].width, room.top, visible);
     }
 
   private:
@@ -120,8 +122,9 @@ std::vector<PixelRect> changedAreas(const PanelLayers& layers, const PanelPictur
     }
     if (before.txLit != after.txLit) areas.push_back(layers.txLamp.bounds());
     if (before.rxLit != after.rxLit) areas.push_back(layers.rxLamp.bounds());
-    if (before.statusText != after.statusText) areas.push_back(layers.statusAreas[0]);
-    if (before.channelStatus != after.channelStatus) areas.push_back(layers.statusAreas[1]);
+    // Both: where one ends decides how much of the other is seen.
+    const bool isStatusSame = before.statusText == after.statusText && before.channelStatus == after.channelStatus;
+    if (!isStatusSame) areas.push_back(layers.statusRoom);
     return areas;
 }
 
@@ -134,5 +137,5 @@ void drawPanel(const ArgbView& target, PanelLayers& layers, const PanelPicture& 
     for (const ElementLayer& element : layers.elements) painter.drawElement(element);
     painter.drawLamp(layers.txLamp, picture.txLit);
     painter.drawLamp(layers.rxLamp, picture.rxLit);
-    for (std::size_t line = 0; line < texts.size(); line++) painter.drawStatus(line, texts[line]);
+    painter.drawStatus(texts);
 }

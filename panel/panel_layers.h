@@ -34,7 +34,8 @@ struct PanelLayers {
     std::vector<ElementLayer> elements;
     PlacedImage txLamp;
     PlacedImage rxLamp;
-    std::array<PixelRect, 2> statusAreas;  // of the two status lines, inside the strip
+    PixelRect statusRoom;        // of the two status lines, inside the strip
+    std::int32_t statusGap = 0;  // at least, between them
 
     // art is the theme's artwork, empty when there is none. scale above 0.
     PanelLayers(const ArgbImage& art, std::int32_t theme, float scale, std::int32_t width, std::int32_t height);

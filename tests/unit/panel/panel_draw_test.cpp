@@ -32,14 +32,15 @@ PanelLayers layersOf(const PanelPicture& picture) {
 }
 
 StatusImages textsOf(const PanelLayers& layers, const PanelPicture& picture) {
-    StatusImages images;
+    // A letter is as wide as the panel is large; what is left of the room is the left line's, to its last pixel.
+    const auto letters = static_cast<std::int32_t>(picture.channelStatus.size());
+    const std::int32_t right = std::min(letters * picture.width / 100, layers.statusRoom.width() / 2);
+    const std::int32_t height = layers.statusRoom.height();
+    StatusImages images = {ArgbImage(layers.statusRoom.width() - right, height), ArgbImage(right, height)};
     for (std::size_t i = 0; i < images.size(); i++) {
-        const PixelRect& area = layers.statusAreas[i];
-        images[i] = ArgbImage(area.right - area.left, area.bottom - area.top);
-        if (images[i].isEmpty()) continue;
         const std::string& text = i == 0 ? picture.statusText : picture.channelStatus;
-        for (std::size_t x = 0; x < text.size(); x++)
-            images[i].row(0)[x] = 0xFF000000U | static_cast<unsigned char>(text[x]);
+        const std::uint32_t ink = text.empty() ? 0 : 0xFF000000U | static_cast<unsigned char>(text.front());
+        std::fill(images[i].pixels.begin(), images[i].pixels.end(), ink);
     }
     return images;
 }
