@@ -84,9 +84,9 @@ ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const
         element.inner = cutRound(face, small);
         element.innerBounds = pixelsAround(small, 1.0f);
     }
-    if (spot.id == kPinKey) {
-        element.pinned = element.sprite;
-        element.pinned.image = tintIcon(element.sprite.image, style.pinIcon);
+    if (spot.id == kPinKey || spot.id == kTextKey) {
+        element.tinted = element.sprite;
+        element.tinted.image = tintIcon(element.sprite.image, spot.id == kPinKey ? style.pinIcon : style.textLamp);
     }
     element.bounds = pixelsAround(element.rect, 1.0f + kPressDepth * scale);
     if (spot.indicator.width > 0.0f) {

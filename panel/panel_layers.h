@@ -19,7 +19,7 @@ struct ElementLayer {
     UnitRect rect;
     Sprite sprite;             // the key, or the knob (of a pair: the outer one)
     Sprite inner;              // the small knob of a pair
-    Sprite pinned;             // the always-on-top key with its icon lit
+    Sprite tinted;             // the key with its icon or legend in colour; empty where it never is
     PlacedImage lit;           // the indicator when lit; empty without one
     bool isLampOnKey = false;  // the indicator is part of the key and moves with it
     PixelRect bounds;          // all that it may change
