@@ -46,8 +46,8 @@ struct DisconnectReason {
 // seconds.
 DisconnectReason reasonOf(const WorkerLife& worker, const std::optional<TelemetryReading>& reading);
 
-// Longer reasons are cut for the eye: neither the panel's line nor the dialog's has room for more.
-inline constexpr std::size_t kMaxReasonBytes = 44;
+// Longer reasons, another worker's, are cut for the eye: neither the panel's line nor the dialog's has room for more.
+inline constexpr std::size_t kMaxReasonBytes = kMaxPilotBytes;
 
 // "worker not running (code 3)"; at most kMaxReasonBytes of UTF-8 on one line, empty for kNone.
 std::string reasonText(const DisconnectReason& reason);

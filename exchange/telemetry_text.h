@@ -13,8 +13,11 @@ inline constexpr const char* kTelemetryFile = "telemetry.json";
 inline constexpr double kTelemetryProtocol = 2.0;
 inline constexpr double kTelemetryMaxAgeSeconds = 3.0;  // exclusive
 
-// A text of the file is cut to this length, never inside a UTF-8 character. Ours are shorter, but for the
-// longest host names; whatever else stands there is copied under locks and drawn.
+// What "status" and "ack_message" may hold: the panel's left status line has no room for more at its usual size.
+inline constexpr std::size_t kMaxPilotBytes = 44;
+
+// A text of the file is cut to this length, never inside a UTF-8 character. Ours are shorter; whatever else stands
+// there is copied under locks and drawn.
 inline constexpr std::size_t kMaxTelemetryTextBytes = 256;
 
 // The keys of the file with their defaults for absent ones. The default is the safe state: no link, nothing known.

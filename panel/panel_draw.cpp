@@ -6,32 +6,39 @@
 namespace {
 
 constexpr float kPressShrink = 0.035f;  // of the key's size
-constexpr float kPressShade = 0.22f;    // of the key's brightness
+constexpr float kPressShade = 0.22f;    // of the key's or knob's brightness
 constexpr float kHoleShade = 0.85f;     // opacity of the dark beneath the key
-
-bool isKnob(const ElementLayer& element) {
-    return element.spot->round;
-}
 
 bool isLit(const PanelPicture& picture, std::int32_t element) {
     if (element == kCustomKeyA) return picture.textLit;
     return (picture.litElements >> static_cast<unsigned>(element) & 1U) != 0;
 }
 
-float pressOf(const PanelPicture& picture, const ElementLayer& element) {
-    return picture.pressedElement == element.spot->id && !isKnob(element) ? picture.pressLevel : 0.0f;
+// Whether its icon or legend is in colour.
+bool isTinted(const PanelPicture& picture, std::int32_t element) {
+    return (element == kPinKey && picture.pinned) || (element == kTextKey && picture.textTinted);
+}
+
+// A key, or a knob that is held.
+float pressOf(const PanelPicture& picture, std::int32_t element) {
+    return picture.pressedElement == element ? picture.pressLevel : 0.0f;
+}
+
+bool isKnobSame(const PanelPicture& before, const PanelPicture& after, std::int32_t knob, float PanelPicture::*angle) {
+    return before.*angle == after.*angle && pressOf(before, knob) == pressOf(after, knob);
 }
 
 // The part of an element that looks different; empty when it looks the same.
 PixelRect changedPart(const ElementLayer& element, const PanelPicture& before, const PanelPicture& after) {
     const std::int32_t id = element.spot->id;
-    if (id == kVolumeKnob) return before.volumeAngle != after.volumeAngle ? element.bounds : PixelRect{};
+    if (id == kVolumeKnob)
+        return isKnobSame(before, after, id, &PanelPicture::volumeAngle) ? PixelRect{} : element.bounds;
     if (id == kLargeKnob) {
-        if (before.largeKnobAngle != after.largeKnobAngle) return element.bounds;
-        return before.smallKnobAngle != after.smallKnobAngle ? element.innerBounds : PixelRect{};
+        if (!isKnobSame(before, after, id, &PanelPicture::largeKnobAngle)) return element.bounds;
+        return isKnobSame(before, after, kSmallKnob, &PanelPicture::smallKnobAngle) ? PixelRect{} : element.innerBounds;
     }
-    const bool isSame = pressOf(before, element) == pressOf(after, element) && isLit(before, id) == isLit(after, id) &&
-                        (id != kPinKey || before.pinned == after.pinned);
+    const bool isSame = pressOf(before, id) == pressOf(after, id) && isLit(before, id) == isLit(after, id) &&
+                        isTinted(before, id) == isTinted(after, id);
     return isSame ? PixelRect{} : element.bounds;
 }
 
@@ -50,11 +57,11 @@ class Painter {
     void drawElement(const ElementLayer& element) {
         if (intersectRects(element.bounds, clip_).isEmpty()) return;
         if (element.spot->id == kVolumeKnob) {
-            drawKnob(element.sprite, element.rect, picture_.volumeAngle);
+            drawKnob(element.sprite, element.rect, picture_.volumeAngle, kVolumeKnob);
         } else if (element.spot->id == kLargeKnob) {
-            drawKnob(element.sprite, element.rect, picture_.largeKnobAngle);
-            // The outer knob's turn has carried the inner one's picture along.
-            drawKnobAlways(element.inner, element.rect, picture_.smallKnobAngle);
+            drawKnob(element.sprite, element.rect, picture_.largeKnobAngle, kLargeKnob);
+            // The outer knob's turn and shade have carried the inner one's picture along.
+            drawKnobAlways(element.inner, element.rect, picture_.smallKnobAngle, kSmallKnob);
         } else {
             drawKey(element);
         }
@@ -62,29 +69,33 @@ class Painter {
     void drawLamp(const PlacedImage& lamp, bool lit) {
         if (lit) stampImage(target_, lamp.image, lamp.x, lamp.y, clip_);
     }
-    void drawStatus(std::size_t line, const ArgbImage& text) {
-        const PixelRect& area = layers_.statusAreas[line];
-        stampImage(target_, text, area.left, area.top, intersectRects(area, clip_));
+    void drawStatus(const StatusImages& texts) {
+        const PixelRect& room = layers_.statusRoom;
+        const PixelRect visible = intersectRects(room, clip_);
+        stampImage(target_, texts[0], room.left, room.top, visible);
+        stampImage(target_, texts[1], room.right - texts[1].width, room.top, visible);
     }
 
   private:
     static UnitPoint centreOf(const UnitRect& rect) { return {rect.x + rect.width / 2, rect.y + rect.height / 2}; }
 
-    void drawKnobAlways(const Sprite& sprite, const UnitRect& rect, float angle) {
-        stampSprite(target_, sprite, {centreOf(rect), angle, 1.0f, 1.0f}, clip_);
+    // A held knob is shaded as a pressed key is; it stays where it is.
+    void drawKnobAlways(const Sprite& sprite, const UnitRect& rect, float angle, std::int32_t knob) {
+        const float brightness = 1.0f - kPressShade * pressOf(picture_, knob);
+        stampSprite(target_, sprite, {centreOf(rect), angle, 1.0f, brightness}, clip_);
     }
-    // The face shows knobs at angle 0.
-    void drawKnob(const Sprite& sprite, const UnitRect& rect, float angle) {
-        if (angle != 0.0f) drawKnobAlways(sprite, rect, angle);
+    // The face shows knobs at angle 0, and not held.
+    void drawKnob(const Sprite& sprite, const UnitRect& rect, float angle, std::int32_t knob) {
+        if (angle != 0.0f || pressOf(picture_, knob) > 0.0f) drawKnobAlways(sprite, rect, angle, knob);
     }
     void drawKey(const ElementLayer& element) {
-        const float press = pressOf(picture_, element);
-        const bool pinned = element.spot->id == kPinKey && picture_.pinned;
+        const float press = pressOf(picture_, element.spot->id);
+        const bool tinted = isTinted(picture_, element.spot->id);
         if (press > 0.0f) darkenHole(element.rect, press);
-        if (press > 0.0f || pinned) {
+        if (press > 0.0f || tinted) {
             UnitPoint at = centreOf(element.rect);
             at.y += kPressDepth * layers_.scale * press;
-            stampSprite(target_, pinned ? element.pinned : element.sprite,
+            stampSprite(target_, tinted ? element.tinted : element.sprite,
                         {at, 0.0f, 1.0f - kPressShrink * press, 1.0f - kPressShade * press}, clip_);
         }
         if (!isLit(picture_, element.spot->id)) return;
@@ -120,8 +131,9 @@ std::vector<PixelRect> changedAreas(const PanelLayers& layers, const PanelPictur
     }
     if (before.txLit != after.txLit) areas.push_back(layers.txLamp.bounds());
     if (before.rxLit != after.rxLit) areas.push_back(layers.rxLamp.bounds());
-    if (before.statusText != after.statusText) areas.push_back(layers.statusAreas[0]);
-    if (before.channelStatus != after.channelStatus) areas.push_back(layers.statusAreas[1]);
+    // Both: where one ends decides how much of the other is seen.
+    const bool isStatusSame = before.statusText == after.statusText && before.channelStatus == after.channelStatus;
+    if (!isStatusSame) areas.push_back(layers.statusRoom);
     return areas;
 }
 
@@ -134,5 +146,5 @@ void drawPanel(const ArgbView& target, PanelLayers& layers, const PanelPicture& 
     for (const ElementLayer& element : layers.elements) painter.drawElement(element);
     painter.drawLamp(layers.txLamp, picture.txLit);
     painter.drawLamp(layers.rxLamp, picture.rxLit);
-    for (std::size_t line = 0; line < texts.size(); line++) painter.drawStatus(line, texts[line]);
+    painter.drawStatus(texts);
 }

@@ -7,7 +7,8 @@
 #include "panel/panel_picture.h"
 #include "ui/argb_image.h"
 
-// The two status lines as the glue's fonts paint them: the size of their areas, transparent ground.
+// The two status lines as the glue's fonts paint them, left and right, on transparent ground: each as high as their
+// room and as wide as its share of it.
 using StatusImages = std::array<ArgbImage, 2>;
 
 // Where two pictures of the same theme and size differ: one rectangle for each part that looks different; they may

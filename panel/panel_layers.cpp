@@ -10,7 +10,8 @@ namespace {
 constexpr float kGlassRadius = 5.0f;  // logical units
 constexpr float kShadowDepth = 9.0f;  // logical units: the bezel's shadow on the glass, from the top edge down
 constexpr float kShadowStrength = 0.5f;
-constexpr float kStatusInset = 12.0f;  // logical units, at both ends of a status line
+constexpr float kStatusInset = 12.0f;  // logical units, at both ends of the strip
+constexpr float kStatusGap = 24.0f;    // logical units, between the two lines
 
 UnitRect toPixels(const ThemeLayout& layout, const UnitRect& rect, float scale) {
     return {(rect.x - layout.origin.x) * scale, (rect.y - layout.origin.y) * scale, rect.width * scale,
@@ -83,9 +84,9 @@ ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const
         element.inner = cutRound(face, small);
         element.innerBounds = pixelsAround(small, 1.0f);
     }
-    if (spot.id == kPinKey) {
-        element.pinned = element.sprite;
-        element.pinned.image = tintIcon(element.sprite.image, style.pinIcon);
+    if (spot.id == kPinKey || spot.id == kTextKey) {
+        element.tinted = element.sprite;
+        element.tinted.image = tintIcon(element.sprite.image, spot.id == kPinKey ? style.pinIcon : style.textLamp);
     }
     element.bounds = pixelsAround(element.rect, 1.0f + kPressDepth * scale);
     if (spot.indicator.width > 0.0f) {
@@ -99,17 +100,12 @@ ElementLayer makeElement(const ArgbImage& face, const ThemeLayout& layout, const
     return element;
 }
 
-std::array<PixelRect, 2> statusAreasOf(const ThemeLayout& layout, float scale) {
+PixelRect statusRoomOf(const ThemeLayout& layout, float scale) {
     const UnitRect strip = toPixels(layout, layout.statusStrip, scale);
     const float inset = kStatusInset * scale;
-    const float half = strip.width / 2;
-    const auto area = [&](float left) {
-        const UnitRect line = {left + inset, strip.y, half - 2 * inset, strip.height};
-        return PixelRect{static_cast<std::int32_t>(std::lround(line.x)), static_cast<std::int32_t>(std::lround(line.y)),
-                         static_cast<std::int32_t>(std::lround(line.x + line.width)),
-                         static_cast<std::int32_t>(std::lround(line.y + line.height))};
-    };
-    return {area(strip.x), area(strip.x + half)};
+    const auto pixel = [](float x) { return static_cast<std::int32_t>(std::lround(x)); };
+    return {pixel(strip.x + inset), pixel(strip.y), pixel(strip.x + strip.width - inset),
+            pixel(strip.y + strip.height)};
 }
 
 }  // namespace
@@ -123,7 +119,8 @@ PanelLayers::PanelLayers(const ArgbImage& art, std::int32_t themeIndex, float pi
     for (const PanelHotspot& spot : layout.hotspots) elements.push_back(makeElement(face, layout, style, spot, scale));
     txLamp = makeLitLamp(toPixels(layout, layout.txLamp, scale), layout.lampStyle, kTransmitLamp, scale);
     rxLamp = makeLitLamp(toPixels(layout, layout.rxLamp, scale), layout.lampStyle, kReceiveLamp, scale);
-    statusAreas = statusAreasOf(layout, scale);
+    statusRoom = statusRoomOf(layout, scale);
+    statusGap = std::max(1, static_cast<std::int32_t>(std::lround(kStatusGap * scale)));
 }
 
 PanelLayers& LayerCache::layersFor(std::int32_t theme, float scale, std::int32_t width, std::int32_t height) {

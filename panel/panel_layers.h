@@ -19,7 +19,7 @@ struct ElementLayer {
     UnitRect rect;
     Sprite sprite;             // the key, or the knob (of a pair: the outer one)
     Sprite inner;              // the small knob of a pair
-    Sprite pinned;             // the always-on-top key with its icon lit
+    Sprite tinted;             // the key with its icon or legend in colour; empty where it never is
     PlacedImage lit;           // the indicator when lit; empty without one
     bool isLampOnKey = false;  // the indicator is part of the key and moves with it
     PixelRect bounds;          // all that it may change
@@ -34,7 +34,8 @@ struct PanelLayers {
     std::vector<ElementLayer> elements;
     PlacedImage txLamp;
     PlacedImage rxLamp;
-    std::array<PixelRect, 2> statusAreas;  // of the two status lines, inside the strip
+    PixelRect statusRoom;        // of the two status lines, inside the strip
+    std::int32_t statusGap = 0;  // at least, between them
 
     // art is the theme's artwork, empty when there is none. scale above 0.
     PanelLayers(const ArgbImage& art, std::int32_t theme, float scale, std::int32_t width, std::int32_t height);

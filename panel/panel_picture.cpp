@@ -53,6 +53,11 @@ bool isTextLit(const PanelInputs& inputs) {
     return key && inputs.unreadTexts > 0 && inputs.nowMs / kTextFlashMs % 2 == 0;
 }
 
+// GENERAL's key has no lamp: its legend shows it, for as long as there is something to read.
+bool isTextTinted(const PanelInputs& inputs) {
+    return findHotspot(themeLayout(inputs.settings.theme), kTextKey) && inputs.unreadTexts > 0;
+}
+
 }  // namespace
 
 std::string frequencyDigits(const FrequencyPicture& picture) {
@@ -82,6 +87,7 @@ PanelPicture makePicture(const PanelInputs& inputs, const PanelModel& model, con
     picture.txLit = settings.radio_lamps && inputs.ownTransmit;
     picture.rxLit = settings.radio_lamps && inputs.othersReceiving;
     picture.textLit = isTextLit(inputs);
+    picture.textTinted = isTextTinted(inputs);
     picture.statusText = inputs.status.statusText;
     picture.channelStatus = inputs.status.channelStatus;
     return picture;

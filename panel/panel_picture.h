@@ -45,8 +45,9 @@ struct PanelPicture {
     bool pinned = false;                        // key 10 shows it
     bool txLit = false;
     bool rxLit = false;
-    bool textLit = false;    // TEXT lamp of BOEING and AIRBUS, in its flash
-    std::string statusText;  // UTF-8
+    bool textLit = false;     // TEXT lamp of BOEING and AIRBUS, in its flash
+    bool textTinted = false;  // legend of GENERAL's TEXT key, which has no lamp
+    std::string statusText;   // UTF-8
     std::string channelStatus;
 
     bool operator==(const PanelPicture&) const = default;

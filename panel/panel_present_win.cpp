@@ -85,27 +85,17 @@ PanelInputs PanelWindow::gatherInputs(const Settings& settings) const {
 // What has changed on the surface.
 PixelRect PanelWindow::drawPicture(const PanelPicture& picture) {
     PanelLayers& layers = layers_.layersFor(picture.theme, picture.scale, picture.width, picture.height);
-    paintStatus(layers, picture);
+    statusStrip_.paint(layers, picture.statusText, picture.channelStatus, context_.languageIndex);
     std::vector<PixelRect> areas = {surface_.view().bounds()};
     if (drawn_ && isSameSize(*drawn_, picture)) areas = changedAreas(layers, *drawn_, picture);
     drawn_.reset();  // until every area is done
     PixelRect changed;
     for (const PixelRect& area : areas) {
-        drawPanel(surface_.view(), layers, picture, statusImages_, area);
+        drawPanel(surface_.view(), layers, picture, statusStrip_.images(), area);
         changed = uniteRects(changed, intersectRects(area, surface_.view().bounds()));
     }
     drawn_ = picture;
     return changed;
-}
-
-void PanelWindow::paintStatus(const PanelLayers& layers, const PanelPicture& picture) {
-    const std::array<const std::string*, 2> texts = {&picture.statusText, &picture.channelStatus};
-    for (std::size_t i = 0; i < texts.size(); i++) {
-        TextLine line = statusLine(layers, i, *texts[i], context_.languageIndex);
-        if (line == statusLines_[i]) continue;
-        statusImages_[i] = paintTextLine(fonts_, line);
-        statusLines_[i] = std::move(line);
-    }
 }
 
 // An empty `changed` means that the surface is unchanged and only place, stacking or opacity differs.

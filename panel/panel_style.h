@@ -8,7 +8,7 @@ struct PanelStyle {
     float unlitShare;               // 0..1: how much of the digits' colour an unlit segment shows
     float slant;                    // of the digits, see segment_glyphs.h
     std::uint32_t keyLamp;          // indicators of the keys
-    std::uint32_t textLamp;         // of the TEXT key's lamp
+    std::uint32_t textLamp;         // of the TEXT key's lamp, and of its legend where it has none
     std::uint32_t pinIcon;          // the always-on-top key's icon while it is on
     std::uint32_t statusText;
     std::uint32_t plate;  // face, keys and engraving of the panel that stands in for missing artwork

@@ -11,7 +11,7 @@
 #include "panel/panel_model.h"
 #include "panel/panel_picture.h"
 #include "panel/panel_tooltip_win.h"
-#include "panel/text_line_win.h"
+#include "panel/status_strip_win.h"
 #include "ui/memory_surface_win.h"
 #include "ui/window_win.h"
 
@@ -90,7 +90,6 @@ class PanelWindow final : private Window {
     void present();
     void showPicture(const Settings& settings, const PanelPlacement& placement);
     PixelRect drawPicture(const PanelPicture& picture);
-    void paintStatus(const PanelLayers& layers, const PanelPicture& picture);
     bool pushPicture(const PanelPlacement& placement, const PixelRect& changed);
     bool isWhereItBelongs(const PanelPlacement& placement) const;
     PanelPlacement findPlacement(const Settings& settings);
@@ -111,9 +110,7 @@ class PanelWindow final : private Window {
 
     LayerCache layers_;
     MemorySurface surface_;
-    TextFonts fonts_;
-    std::array<TextLine, 2> statusLines_;
-    StatusImages statusImages_;             // of statusLines_
+    StatusStrip statusStrip_;
     std::optional<PanelPicture> drawn_;     // what the surface shows
     std::optional<PanelPlacement> pushed_;  // how the screen shows the surface; empty: not in its present state
 };

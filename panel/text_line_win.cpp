@@ -1,14 +1,10 @@
 #include "panel/text_line_win.h"
-#include <algorithm>
-#include <cmath>
-#include "panel/panel_style.h"
 #include "settings/interface_texts.h"
 #include "ui/memory_surface_win.h"
 
 namespace {
 
-constexpr float kStatusFontShare = 0.60f;  // em height of a status line, as a share of the strip's height
-constexpr std::int32_t kSmallestFont = 9;  // pixels: below this nothing is legible, so the text fills the strip instead
+constexpr std::int32_t kOverhang = 2;  // pixels: letters may reach a little beyond the width that the font names
 
 // White on black: afterwards a pixel's brightness is how much of it the text covers.
 void drawWhite(const MemorySurface& surface, TextFonts& fonts, const TextLine& line) {
@@ -25,18 +21,14 @@ void drawWhite(const MemorySurface& surface, TextFonts& fonts, const TextLine& l
 
 }  // namespace
 
-TextLine statusLine(const PanelLayers& layers, std::size_t side, std::string_view text, std::int32_t language) {
-    const PixelRect& area = layers.statusAreas[side];
-    TextLine line;
-    line.text = text;
-    line.language = language;
-    line.width = area.right - area.left;
-    line.height = area.bottom - area.top;
-    const float fontPixels = std::floor(static_cast<float>(line.height) * kStatusFontShare + 0.5f);
-    line.fontPixels = std::max(static_cast<std::int32_t>(fontPixels), std::min(kSmallestFont, line.height));
-    line.colour = panelStyle(layers.theme).statusText;
-    line.side = side == 1 ? TextSide::kRight : TextSide::kLeft;
-    return line;
+std::int32_t wholeWidthOf(TextFonts& fonts, const TextLine& line) {
+    if (line.text.empty()) return 0;
+    const HDC dc = CreateCompatibleDC(nullptr);
+    if (!dc) return 0;
+    const TextStyle style = {fontFamiliesOf(line.language), line.fontPixels, false};
+    const std::int32_t width = measureLine(dc, fonts, style, line.text) + kOverhang;
+    DeleteDC(dc);
+    return width;
 }
 
 ArgbImage paintTextLine(TextFonts& fonts, const TextLine& line) {

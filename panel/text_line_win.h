@@ -3,8 +3,6 @@
 #include <windows.h>
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include "panel/panel_layers.h"
 #include "ui/argb_image.h"
 #include "ui/text_fonts_win.h"
 
@@ -20,8 +18,8 @@ struct TextLine {
     bool operator==(const TextLine&) const = default;
 };
 
-// A status line of the panel: side 0 left, 1 right; text in UTF-8, in the fonts of an interface language.
-TextLine statusLine(const PanelLayers& layers, std::size_t side, std::string_view text, std::int32_t language);
+// [ui] The width at which nothing of the line is cut; 0 for a line without text.
+std::int32_t wholeWidthOf(TextFonts& fonts, const TextLine& line);
 
 // [ui] The line, vertically centred, with an ellipsis where it is too long, on transparent ground. Empty if there is no
 // text, no space or no memory.

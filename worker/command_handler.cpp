@@ -1,6 +1,7 @@
 #include "worker/command_handler.h"
 #include <cassert>
 #include <cmath>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -20,15 +21,12 @@ std::string successMessage(const RadioWrite& write, const RadioReading& radio) {
     return title;
 }
 
-std::string notAccepted(const RadioWrite& write) {
-    return slotTitle(write.radio, write.slot) + " not accepted by this aircraft";
+// "COM1 STBY refused"
+std::string outcomeOf(const RadioWrite& write, std::string_view outcome) {
+    return slotTitle(write.radio, write.slot) + ' ' + std::string(outcome);
 }
 
-std::string notWritten(const RadioWrite& write, const std::string& status) {
-    return slotTitle(write.radio, write.slot) + " not written: " + status;
-}
-
-// For the log: "COM1 standby 121.500".
+// "COM1 STBY 121.500"
 std::string describeWrite(const RadioWrite& write) {
     auto title = slotTitle(write.radio, write.slot);
     if (write.slot == kSlotSwap) return title;
@@ -46,7 +44,7 @@ void CommandHandler::accept(CommandRequest command, std::uint64_t nowMs) {
     auto reason = objection(command_->write);
     if (reason.empty()) {
         command_->write = link_.adjusted(command_->write);
-        if (!link_.write(command_->write, nowMs)) reason = notAccepted(command_->write);
+        if (!link_.write(command_->write, nowMs)) reason = outcomeOf(command_->write, pilot::kRefused);
     }
     if (!reason.empty()) acknowledge(false, std::move(reason), nowMs);
 }
@@ -56,14 +54,14 @@ void CommandHandler::pass(std::uint64_t nowMs) {
     const auto& write = command_->write;
     const auto& sim = link_.snapshot();
     const auto& radio = sim.radios[write.radio];
-    if (!sim.ok) return acknowledge(false, notWritten(write, sim.status), nowMs);
+    if (!sim.ok) return acknowledge(false, outcomeOf(write, pilot::kNoLink), nowMs);
     if (isVisible(radio)) {
         link_.noteReadback(write, true);
         return acknowledge(true, successMessage(write, radio), nowMs);
     }
     countWait(nowMs);
     if (waitedMs_ < kReadbackLimitMs && nowMs - acceptedMs_ < kReadbackLastMs) return;
-    acknowledge(false, notAccepted(write) + link_.noteReadback(write, false), nowMs);
+    acknowledge(false, outcomeOf(write, link_.noteReadback(write, false)), nowMs);
 }
 
 // From one word of the simulator to the next: one that stutters ignores nobody, nor does one that we were ourselves
@@ -78,15 +76,15 @@ void CommandHandler::countWait(std::uint64_t nowMs) {
 // Why the write is not even tried; empty if there is no objection.
 std::string CommandHandler::objection(const RadioWrite& write) const {
     const auto& sim = link_.snapshot();
-    if (!sim.ok) return notWritten(write, sim.status);
+    if (!sim.ok) return outcomeOf(write, pilot::kNoLink);
     const bool isVolume = write.slot == kSlotVolume;
-    if (isVolume && !(write.value >= 0.0 && write.value <= 1.0)) return describeWrite(write) + " is out of range";
+    if (isVolume && !(write.value >= 0.0 && write.value <= 1.0)) return describeWrite(write) + ' ' + pilot::kOutOfRange;
     const bool isFrequency = write.slot == kSlotActive || write.slot == kSlotStandby;
     if (isFrequency && !isTunable(sim, write.radio, write.slot, write.value)) {
-        return describeWrite(write) + " is not a channel of this radio";
+        return describeWrite(write) + ' ' + pilot::kNoChannel;
     }
     const bool writable = sim.radios[write.radio].writable[write.slot];
-    return writable ? std::string() : notAccepted(write);
+    return writable ? std::string() : outcomeOf(write, pilot::kRefused);
 }
 
 bool CommandHandler::isVisible(const RadioReading& radio) const {

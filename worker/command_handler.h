@@ -17,7 +17,7 @@ inline constexpr double kVolumeTolerance = 0.005;        // half a percent: simu
 struct CommandAck {
     std::string id;
     bool ok = false;
-    std::string message = "CONNECTED";
+    std::string message = pilot::kNewWorker;
     bool operator==(const CommandAck&) const = default;
 };
 

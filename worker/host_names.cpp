@@ -5,6 +5,7 @@
 #include "base/ascii_text.h"
 #include "worker/host_port.h"
 #include "worker/masked_text.h"
+#include "worker/pilot_texts.h"
 
 namespace {
 
@@ -20,15 +21,15 @@ enum class Naming {
     kHost,     // a host alone, perhaps cut
 };
 
-// What the worker writes in front of a computer, in worker_options.cpp and simconnect/tcp_transport.cpp.
+// What the worker writes in front of a computer, in worker_options.cpp and pilot_texts.cpp.
 struct Lead {
     std::string_view text;
     Naming naming;
 };
 constexpr Lead kLeads[] = {
-    {"simulator at ", Naming::kAddress},   {"as in simpc:500 or [fe80::1]:500, not ", Naming::kRefused},
-    {"no answer from ", Naming::kHost},    {"no such computer: ", Naming::kHost},
-    {"no thread to look ", Naming::kHost},
+    {"simulator at ", Naming::kAddress},     {"as in simpc:500 or [fe80::1]:500, not ", Naming::kRefused},
+    {pilot::kNoAnswerFrom, Naming::kHost},   {pilot::kNoSuchComputer, Naming::kHost},
+    {pilot::kNoThreadToLook, Naming::kHost},
 };
 constexpr std::string_view kBehindHost = " \t\r\"',";
 

@@ -6,6 +6,9 @@
 
 namespace {
 
+// In the order of RadioSlot.
+constexpr std::array<std::string_view, kSlotCount> kSlotTitles = {"ACTIVE", "STBY", "volume", "swap"};
+
 // As a whole number inside the snapshot's range; nothing for any other, NaN among them.
 std::optional<std::int32_t> wholeInRange(const SimSnapshot& sim, double khz) {
     if (!(khz >= sim.rangeMinKHz && khz <= sim.rangeMaxKHz)) return std::nullopt;
@@ -20,7 +23,7 @@ std::string radioName(std::size_t radio) {
 }
 
 std::string slotTitle(std::size_t radio, RadioSlot slot) {
-    return radioName(radio) + ' ' + std::string(kSlotNames[slot]);
+    return radioName(radio) + ' ' + std::string(kSlotTitles[slot]);
 }
 
 std::string mhzText(double khz) {

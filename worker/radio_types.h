@@ -25,7 +25,7 @@ struct SimSnapshot {
 // "COM1", "COM2".
 std::string radioName(std::size_t radio);
 
-// "COM1 standby".
+// "COM1 STBY", as the panel's keys have it, or "COM1 volume".
 std::string slotTitle(std::size_t radio, RadioSlot slot);
 
 // "121.500": MHz with three decimals. Beyond any radio's band (more than 9999 MHz) the bare number.

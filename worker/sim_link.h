@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 #include <vector>
+#include "worker/pilot_texts.h"
 #include "worker/radio_types.h"
 
 inline constexpr std::uint64_t kStutterMs = 1000;  // of silence: longer than between two frames of a slow simulator
@@ -31,9 +32,9 @@ class SimLink {
     // Whether the snapshot says how things are, and not just which step is being taken to find out.
     virtual bool isSettled() const { return true; }
 
-    // The outcome of the last write: seen in a snapshot in time, or not. Returns what else the pilot is to be told
-    // about a write that was not seen; empty if nothing.
-    virtual std::string noteReadback(const RadioWrite&, bool /*seen*/) { return {}; }
+    // The outcome of the last write: seen in a snapshot in time, or not. Returns what the pilot is told about a write
+    // that was not seen, behind the name of its slot.
+    virtual std::string noteReadback(const RadioWrite&, bool /*seen*/) { return pilot::kRefused; }
 
     // Something the system can wait for, signalled when a poll would find news: an event handle, or null.
     virtual void* wakeHandle() const { return nullptr; }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 #include "exchange/frequency_grid.h"
+#include "worker/pilot_texts.h"
 
 namespace {
 
@@ -143,9 +144,8 @@ SimSnapshot SimulatedAircraft::describe() const {
 }
 
 std::string SimulatedAircraft::statusText() const {
-    if (!linkUp_) return "simulator link lost";
-    if (!radios_[0].powered && !radios_[1].powered) return "COM1 and COM2 unpowered";
-    if (!radios_[0].powered) return "COM1 unpowered";
-    if (!radios_[1].powered) return "COM2 unpowered";
-    return "built-in aircraft";
+    if (!linkUp_) return pilot::kLinkLost;
+    const auto fault = [](const Radio& radio) { return radio.powered ? std::string_view() : pilot::kUnpowered; };
+    const auto faults = pilot::radioFaultsText(fault(radios_[0]), fault(radios_[1]));
+    return faults.empty() ? pilot::kBuiltInAircraft : faults;
 }

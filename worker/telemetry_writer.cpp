@@ -1,4 +1,5 @@
 #include "worker/telemetry_writer.h"
+#include "worker/pilot_texts.h"
 
 Telemetry telemetryOf(const SimSnapshot& sim, bool commandPending, const CommandAck& ack) {
     Telemetry telemetry;
@@ -9,8 +10,8 @@ Telemetry telemetryOf(const SimSnapshot& sim, bool commandPending, const Command
     telemetry.ackId = ack.id;
     telemetry.ackOk = ack.ok;
     telemetry.commandPending = commandPending;
-    telemetry.status = sim.status;
-    telemetry.ackMessage = ack.message;
+    telemetry.status = pilot::pilotLine(sim.status);
+    telemetry.ackMessage = pilot::pilotLine(ack.message);
     return telemetry;
 }
 

@@ -1,6 +1,7 @@
 // panel_status_test.cpp - the panel's status lines in the real fonts, in every theme and language: whole or cut.
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <array>
 #include <set>
 #include <span>
 #include <string>
@@ -8,7 +9,7 @@
 #include <vector>
 #include "panel/panel_geometry.h"
 #include "panel/panel_layers.h"
-#include "panel/text_line_win.h"
+#include "panel/status_strip_win.h"
 #include "settings/interface_texts.h"
 #include "settings/language.h"
 #include "tests/client/panel_driver_win.h"
@@ -71,30 +72,42 @@ std::vector<std::int32_t> languagesByFont() {
     return languages;
 }
 
-// Every long line of both sides.
+// Both lines of a strip, as the panel paints them.
+struct Painted {
+    std::array<TextLine, 2> lines;
+    StatusImages images;
+};
+
+Painted paint(const PanelLayers& layers, const char* left, const char* right, std::int32_t language) {
+    StatusStrip strip;
+    strip.paint(layers, left, right, language);
+    return {strip.lines(), strip.images()};
+}
+
+// Every long line of the left side beside every one of the right, in every font.
 template <class Check>
-void forEachLine(std::int32_t theme, float percent, Check check) {
+void forEachPair(std::int32_t theme, float percent, std::span<const char* const> rights, Check check) {
     const PanelLayers layers = layersOf(theme, percent);
     for (const std::int32_t language : languagesByFont()) {
-        for (std::size_t side = 0; side < 2; side++) {
-            for (const char* text : side == 0 ? std::span<const char* const>(kLongestLeft) : kLongestRight) {
+        for (const char* left : kLongestLeft) {
+            for (const char* right : rights) {
                 SCOPED_TRACE(std::string(themeName(theme)) + ", font of language " + std::to_string(language) + ": " +
-                             text);
-                check(statusLine(layers, side, text, language));
+                             left + " | " + right);
+                check(layers, paint(layers, left, right, language));
             }
         }
     }
 }
 
-ArgbImage paint(const TextLine& line) {
+// The width of the line's ink when nothing is cut.
+std::int32_t wholeWidth(TextLine line) {
     TextFonts fonts;
-    return paintTextLine(fonts, line);
+    line.width = 4000;
+    return widthOf(inkOf(paintTextLine(fonts, line)));
 }
 
-// The width of the line when nothing is cut.
-std::int32_t wholeWidth(TextLine line) {
-    line.width *= 2;
-    return widthOf(inkOf(paint(line)));
+bool isWhole(const Painted& strip, std::size_t side) {
+    return widthOf(inkOf(strip.images[side])) == wholeWidth(strip.lines[side]);
 }
 
 // The number of rows that the ink's last columns span: a letter's height, or a dot's.
@@ -113,34 +126,56 @@ std::int32_t heightOfEnd(const ArgbImage& image) {
 
 }  // namespace
 
-TEST(PanelStatus, TheLongestLinesAreWholeFromFullSizeOn) {
+TEST(PanelStatus, TheLongestPairIsWholeFromFullSizeOn) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         for (const float percent : {100.0f, 200.0f}) {
-            forEachLine(theme, percent, [](const TextLine& line) {
-                const Columns ink = inkOf(paint(line));
-                EXPECT_GT(ink.last, ink.first);
-                EXPECT_EQ(widthOf(ink), wholeWidth(line)) << "in " << line.width << " pixels";
-                const std::int32_t fromItsSide = line.side == TextSide::kRight ? line.width - 1 - ink.last : ink.first;
-                EXPECT_LE(fromItsSide, 4);
+            forEachPair(theme, percent, kLongestRight, [](const PanelLayers& layers, const Painted& strip) {
+                EXPECT_TRUE(isWhole(strip, 0)) << "in " << strip.lines[0].width << " pixels";
+                EXPECT_TRUE(isWhole(strip, 1)) << "in " << strip.lines[1].width << " pixels";
+                EXPECT_LE(inkOf(strip.images[0]).first, 4);
+                EXPECT_LE(strip.lines[1].width - 1 - inkOf(strip.images[1]).last, 4);
+                EXPECT_LE(strip.lines[0].width + layers.statusGap + strip.lines[1].width, layers.statusRoom.width());
             });
         }
     }
 }
 
-// At half size the longest lines do not fit in a legible font.
-TEST(PanelStatus, ALineThatHasNoRoomEndsInDotsInsideItsPlace) {
+// At half size not everything fits in a legible font: then the right line is whole and the left one ends in dots.
+TEST(PanelStatus, AtHalfSizeOnlyTheLeftLineIsCutAndEndsInDots) {
     int cut = 0;
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
-        forEachLine(theme, 50.0f, [&](const TextLine& line) {
-            const ArgbImage image = paint(line);
-            ASSERT_FALSE(image.isEmpty());
-            const std::int32_t whole = wholeWidth(line), seen = widthOf(inkOf(image));
-            EXPECT_GT(seen, line.width / 2);
-            if (seen == whole) return;
+        forEachPair(theme, 50.0f, kLongestRight, [&](const PanelLayers& layers, const Painted& strip) {
+            EXPECT_TRUE(isWhole(strip, 1));
+            EXPECT_LE(strip.lines[0].width + layers.statusGap + strip.lines[1].width, layers.statusRoom.width());
+            if (isWhole(strip, 0)) return;
             cut++;
-            EXPECT_LT(seen, whole);
-            EXPECT_LE(heightOfEnd(image), 2) << "a letter is cut";
+            EXPECT_GT(widthOf(inkOf(strip.images[0])), strip.lines[0].width * 3 / 4);
+            EXPECT_LE(heightOfEnd(strip.images[0]), 2) << "a letter is cut";
         });
     }
     EXPECT_GT(cut, 0);
+}
+
+TEST(PanelStatus, BesideAConfirmedChannelEveryLineOfOursIsWholeAtHalfSizeToo) {
+    constexpr const char* kUsualRight[] = {"", "TS3 channel confirmed", "No matching TS3 channel"};
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        forEachPair(theme, 50.0f, kUsualRight, [](const PanelLayers&, const Painted& strip) {
+            EXPECT_TRUE(isWhole(strip, 0)) << "in " << strip.lines[0].width << " pixels";
+            EXPECT_TRUE(isWhole(strip, 1));
+        });
+    }
+}
+
+// A right line that goes leaves its room, and one that comes takes it.
+TEST(PanelStatus, ALineIsPaintedAnewWhenTheOtherOneTakesItsRoom) {
+    const PanelLayers layers = layersOf(kBoeingTheme, 50.0f);
+    StatusStrip strip;
+    strip.paint(layers, kLongestLeft[0], kLongestRight[0], 0);
+    const ArgbImage cut = strip.images()[0];
+    strip.paint(layers, kLongestLeft[0], "", 0);
+    const ArgbImage whole = strip.images()[0];
+    EXPECT_GT(widthOf(inkOf(whole)), widthOf(inkOf(cut)));
+    EXPECT_TRUE(strip.images()[1].isEmpty());
+    strip.paint(layers, kLongestLeft[0], kLongestRight[0], 0);
+    EXPECT_EQ(strip.images()[0].pixels, cut.pixels);
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 #include "tests/client/worker_at_work_win.h"
+#include "worker/pilot_texts.h"
 #include "worker/simconnect/pipe_win.h"
 #include "worker/simconnect/simconnect_link.h"
 
@@ -103,7 +104,7 @@ TEST(SimulatorPipe, ThatNobodyReadsIsSaidNotToBeRead) {
     while (taken < 1000 && transport.send(packet)) taken++;
     EXPECT_LT(taken, 1000);
     EXPECT_EQ(transport.poll(kNowMs), TransportState::kOpen);
-    EXPECT_EQ(transport.problem(), simconnect::kDoesNotRead);
+    EXPECT_EQ(transport.problem(), pilot::kDoesNotRead);
     CloseHandle(server);
     EXPECT_TRUE(waitFor(
         [&] {

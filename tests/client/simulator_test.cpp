@@ -139,7 +139,7 @@ void meetPause(Meeting& m) {
     m.act("pause on");
     const auto answer = m.worker.command(1, "standby", "119000");
     m.check(!answer.ackId.empty() && !answer.ackOk && answer.ok, "not done in the pause");
-    m.check(answer.ackMessage.ends_with("; the simulator is paused"), "says why");
+    m.check(answer.ackMessage.ends_with("; simulator paused"), "says why");
     m.act("pause off");
     const auto isShown = [&] { return m.worker.telemetry().radios[0].standby == 119000; };
     m.check(waitFor(isShown, kPatienceMs), "shown after it");
@@ -155,7 +155,7 @@ void meetStutter(Meeting& m) {
 void meetDeafness(Meeting& m) {
     m.check(waitFor([&] { return m.hasHeard("reads nothing"); }, kPatienceMs), "reads nothing");
     const auto answer = m.worker.command(1, "standby", "119000");
-    m.check(answer.ackMessage.ends_with("; the simulator does not read what it is told"), "says so");
+    m.check(answer.ackMessage.ends_with("; simulator not reading"), "says so");
     m.check(answer.ok && answer.radios[0].active == 122800, "is listened to all the same");
 }
 

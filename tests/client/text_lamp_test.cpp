@@ -1,4 +1,6 @@
-// text_lamp_test.cpp - the panel's TEXT lamp, which flashes while text messages are unread.
+// text_lamp_test.cpp - the panel's TEXT lamp, which flashes while text messages are unread; GENERAL, which has none,
+// tints the key's legend.
+#include <algorithm>
 #include "panel/panel_picture.h"
 #include "tests/client/message_driver_win.h"
 #include "tests/client/panel_test.h"
@@ -25,6 +27,21 @@ class TextLamp : public PanelTest {
         ADD_FAILURE() << "no picture within half a flash";
         return 0;
     }
+    // How many pixels of GENERAL's TEXT key are amber.
+    std::ptrdiff_t amberPixels() const {
+        presentNow();
+        const ArgbImage picture = askForPicture(findPanel());
+        const UnitRect& key = findHotspot(themeLayout(kGeneralTheme), kTextKey)->rect;
+        const POINT first = panel().toClient({key.x, key.y});
+        const POINT last = panel().toClient({key.x + key.width, key.y + key.height});
+        const ArgbImage cap =
+            cropImage(picture, {static_cast<std::int32_t>(first.x), static_cast<std::int32_t>(first.y),
+                                static_cast<std::int32_t>(last.x), static_cast<std::int32_t>(last.y)});
+        return std::ranges::count_if(cap.pixels, [](std::uint32_t pixel) {
+            const std::uint32_t red = pixel >> 16U & 0xFFU, blue = pixel & 0xFFU;
+            return red > 0x80 && red > blue + 0x40;
+        });
+    }
 };
 
 }  // namespace
@@ -43,4 +60,17 @@ TEST_F(TextLamp, FlashesUntilTheMessageIsRead) {
         EXPECT_EQ(colour(theme), dark) << theme;
         session.stop();
     }
+}
+
+TEST_F(TextLamp, GeneralsLegendIsTintedUntilTheMessageIsRead) {
+    ASSERT_TRUE(show(kGeneralTheme, "text_auto_open=0\r\n"));
+    EXPECT_EQ(amberPixels(), 0);
+    HostTextMessage message;
+    message.message = "hello";
+    session.plugin.deliver(message);
+    EXPECT_GT(amberPixels(), 20);  // the strokes of four letters
+    session.plugin.exports().onMenuItemEvent(kSchid, 0, kMessagesEntry, 0);
+    ASSERT_TRUE(waitForPosted(findMessageWindow()));
+    ASSERT_TRUE(isMessageWindowShown());
+    EXPECT_EQ(amberPixels(), 0);
 }

@@ -1,5 +1,6 @@
 #include "worker/simconnect/connection.h"
 #include <algorithm>
+#include "worker/pilot_texts.h"
 
 namespace simconnect {
 
@@ -66,13 +67,13 @@ void Connection::awaitReply(bool ended, std::uint64_t nowMs) {
         if (std::holds_alternative<QuitPacket>(*packet)) return retryLater({}, nowMs);
         const auto* exception = std::get_if<ExceptionPacket>(&*packet);
         if (!exception) continue;
-        return tryNextVersion("the simulator refuses the connection", nowMs,
+        return tryNextVersion(pilot::kRefusesConnection, nowMs,
                               " (exception " + std::to_string(exception->code) + ", " +
                                   std::string(exceptionName(exception->code)) + ')');
     }
-    if (stream_.isBroken()) return tryNextVersion("the simulator's answer makes no sense", nowMs);
-    if (ended) return tryNextVersion("the simulator closes the connection at once", nowMs);
-    if (nowMs >= dueMs_) tryNextVersion("the simulator does not answer", nowMs);
+    if (stream_.isBroken()) return tryNextVersion(pilot::kMakesNoSense, nowMs);
+    if (ended) return tryNextVersion(pilot::kClosesAtOnce, nowMs);
+    if (nowMs >= dueMs_) tryNextVersion(pilot::kDoesNotAnswer, nowMs);
 }
 
 void Connection::onOpened(const OpenPacket& reply, std::uint64_t nowMs) {
@@ -127,8 +128,8 @@ std::string Connection::status() const {
     // Also between two versions: a line that changes back and forth says less.
     const bool connecting =
         state_ == ConnectionState::kOpening || state_ == ConnectionState::kOpen || versionsTried_ > 0;
-    if (connecting) return "connecting to the simulator";
-    return isLost_ ? "simulator link lost" : "waiting for the simulator";
+    if (connecting) return pilot::kConnecting;
+    return isLost_ ? pilot::kLinkLost : pilot::kWaitingForSimulator;
 }
 
 // Nobody there counts at the second try: the first may fall between two turns of the simulator's pipe.

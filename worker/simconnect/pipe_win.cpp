@@ -1,6 +1,7 @@
 #include "worker/simconnect/pipe_win.h"
 #include <algorithm>
 #include <cstring>
+#include "worker/pilot_texts.h"
 
 namespace simconnect {
 
@@ -40,10 +41,10 @@ void PipeTransport::tryOpen() {
     const DWORD error = GetLastError();
     if (error == ERROR_PIPE_BUSY && ++busyTries_ < kMaxBusyTries) return;  // the next pass tries again
     state_ = TransportState::kClosed;
-    if (error == ERROR_PIPE_BUSY) problem_ = "the simulator takes no more programs";
-    if (error == ERROR_ACCESS_DENIED) problem_ = "the simulator refuses this user's programs";
+    if (error == ERROR_PIPE_BUSY) problem_ = pilot::kTakesNoMore;
+    if (error == ERROR_ACCESS_DENIED) problem_ = pilot::kRefusesUser;
     if (!problem_.empty() || error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return;
-    problem_ = "the simulator cannot be reached (error " + std::to_string(error) + ')';
+    problem_ = pilot::notReachableText(error);
 }
 
 void PipeTransport::close() {
@@ -109,7 +110,7 @@ bool PipeTransport::send(std::span<const std::uint8_t> packet) {
     dropFinishedWrites();
     if (state_ != TransportState::kOpen) return false;
     if (unsentBytes_ + packet.size() > kMaxUnsentBytes) {
-        problem_ = kDoesNotRead;
+        problem_ = pilot::kDoesNotRead;
         return false;
     }
     auto& write = writes_.emplace_back();
@@ -134,7 +135,7 @@ void PipeTransport::dropFinishedWrites() {
 
 void PipeTransport::end(DWORD error) {
     close();
-    problem_ = isGone(error) ? "" : "reading failed (error " + std::to_string(error) + ')';
+    problem_ = isGone(error) ? "" : pilot::readingFailedText(error);
 }
 
 void* PipeTransport::wakeHandle() const {

@@ -1,5 +1,6 @@
 #include "worker/simconnect/session.h"
 #include <algorithm>
+#include "worker/pilot_texts.h"
 
 namespace simconnect {
 
@@ -103,7 +104,7 @@ void Session::watchAnswers(std::uint64_t nowMs) {
     const bool speaks = nowMs - connection_.heardMs() < unansweredMs / 2;
     if (!isDeaf_ && answered_ > 0 && unansweredMs >= kUnreadMs && speaks) {
         isDeaf_ = true;
-        notes_.emplace_back(kDoesNotRead);
+        notes_.emplace_back(pilot::kDoesNotRead);
     }
     if (isDeaf_ && !unansweredMs_) {
         isDeaf_ = false;

@@ -3,14 +3,13 @@
 #include <cmath>
 #include <utility>
 #include "exchange/frequency_grid.h"
+#include "worker/pilot_texts.h"
 #include "worker/simconnect/com_tables.h"
 
 namespace simconnect {
 
 namespace {
 
-constexpr std::string_view kNotFitted = "not in this aircraft";
-constexpr const char* kNoData = "the simulator sends no data";
 constexpr double kSilence = 0.005;  // a volume below this is 0
 
 // A known value; nothing while it is awaited or if the simulator does not know it.
@@ -102,7 +101,7 @@ void SimConnectLink::watchWrites(std::uint64_t nowMs) {
 bool SimConnectLink::isSettled() const {
     if (snapshot_.ok) return true;
     if (!session_.isOpen()) return session_.isSettled();
-    return session_.isSimRunning() == false || snapshot_.status == kNoData;
+    return session_.isSimRunning() == false || snapshot_.status == pilot::kNoData;
 }
 
 void SimConnectLink::learn(std::uint64_t nowMs) {
@@ -128,12 +127,12 @@ void SimConnectLink::learn(std::uint64_t nowMs) {
 // Why there is no telemetry; empty if there is.
 std::string SimConnectLink::groundStatus(std::uint64_t nowMs) const {
     if (!session_.isOpen()) return session_.status();
-    if (!session_.isSimRunning()) return "connecting to the simulator";
-    if (!*session_.isSimRunning()) return "simulator in menu";
+    if (!session_.isSimRunning()) return pilot::kConnecting;
+    if (!*session_.isSimRunning()) return pilot::kInMenu;
     const auto dataMs = session_.dataMs();
-    if (nowMs - dataMs.value_or(session_.requestedMs()) >= kFreshMs) return kNoData;
+    if (nowMs - dataMs.value_or(session_.requestedMs()) >= kFreshMs) return pilot::kNoData;
     const bool enough = session_.isAllRead() || nowMs - session_.requestedMs() >= kFirstReadMs;
-    return dataMs && enough ? "" : "reading the radios";
+    return dataMs && enough ? "" : pilot::kReadingRadios;
 }
 
 SimSnapshot SimConnectLink::describe(std::uint64_t nowMs) const {
@@ -156,7 +155,7 @@ SimSnapshot SimConnectLink::describe(std::uint64_t nowMs) const {
 RadioReading SimConnectLink::describeRadio(std::size_t radio) const {
     RadioReading values;
     const auto fault = condition(radio);
-    if (fault == kNotFitted) return values;
+    if (fault == pilot::kNotFitted) return values;
     values.active = toKHz(valueOf(session_, radio, kComActive));
     values.standby = toKHz(valueOf(session_, radio, kComStandby));
     values.spacing = toSpacing(valueOf(session_, radio, kComSpacing));
@@ -174,22 +173,17 @@ RadioReading SimConnectLink::describeRadio(std::size_t radio) const {
 std::string_view SimConnectLink::condition(std::size_t radio) const {
     const auto available = valueOf(session_, radio, kComAvailable);
     const auto status = valueOf(session_, radio, kComStatus);
-    if (available == 0.0 || status == kStatusNone) return kNotFitted;
-    if (status == kStatusNoPower) return "unpowered";
-    if (status == kStatusFailed) return "failed";
-    if (status.value_or(kStatusOk) != kStatusOk) return "not usable";
+    if (available == 0.0 || status == kStatusNone) return pilot::kNotFitted;
+    if (status == kStatusNoPower) return pilot::kUnpowered;
+    if (status == kStatusFailed) return pilot::kFailed;
+    if (status.value_or(kStatusOk) != kStatusOk) return pilot::kNotUsable;
     const bool awaited = isAwaited(session_, radio, kComAvailable) || isAwaited(session_, radio, kComStatus);
-    return awaited || (!available && !status) ? "not known yet" : "";
+    return awaited || (!available && !status) ? pilot::kNotKnown : "";
 }
 
 std::string SimConnectLink::radioStatus() const {
-    const auto com1 = condition(0);
-    const auto com2 = condition(1);
-    if (com1.empty() && com2.empty()) return "flying";
-    if (com1 == com2) return "COM1 and COM2 " + std::string(com1);
-    std::string text = com1.empty() ? "" : radioName(0) + ' ' + std::string(com1);
-    if (!com1.empty() && !com2.empty()) text += ", ";
-    return com2.empty() ? text : text + radioName(1) + ' ' + std::string(com2);
+    const auto faults = pilot::radioFaultsText(condition(0), condition(1));
+    return faults.empty() ? pilot::kFlying : faults;
 }
 
 bool SimConnectLink::write(const RadioWrite& write, std::uint64_t nowMs) {
@@ -210,11 +204,11 @@ RadioWrite SimConnectLink::adjusted(const RadioWrite& write) const {
     return sent;
 }
 
-// Why the simulator may not have carried the write out yet; empty if there is no reason.
+// What the pilot is told if the simulator may not have carried the write out yet; empty if it had its chance.
 std::string_view SimConnectLink::hindrance(const Written& written) const {
-    if (!session_.isAnswered(written.question)) return kDoesNotRead;
-    if (written.paused) return "the simulator is paused";
-    return written.stuttered ? kNoData : "";
+    if (!session_.isAnswered(written.question)) return pilot::kUnchangedUnread;
+    if (written.paused) return pilot::kUnchangedInPause;
+    return written.stuttered ? pilot::kUnchangedInSilence : "";
 }
 
 // Only a slot where nothing moved counts as ignored: an aircraft that rounds to its own steps does obey. A radio that
@@ -223,18 +217,18 @@ std::string SimConnectLink::noteReadback(const RadioWrite& write, bool seen) {
     auto& ignored = learnt_[write.radio].ignored[write.slot];
     auto& radio = snapshot_.radios[write.radio];
     if (seen) ignored = 0;
-    if (seen || !radio.writable[write.slot]) return {};
+    if (seen || !radio.writable[write.slot]) return pilot::kRefused;
     const auto& written = written_[write.radio];
     if (shown(radio, write.slot) != shown(written.before, write.slot)) {
-        return "; it shows " + shownText(radio, write.slot);
+        return pilot::refusedText(shownText(radio, write.slot));
     }
     const auto reason = hindrance(written);
-    if (!reason.empty()) return "; " + std::string(reason);
-    if (++ignored < kIgnoredWrites) return {};
+    if (!reason.empty()) return std::string(reason);
+    if (++ignored < kIgnoredWrites) return pilot::kRefused;
     radio.writable[write.slot] = false;
     notes_.push_back(slotTitle(write.radio, write.slot) + ": the aircraft has ignored " +
                      std::to_string(kIgnoredWrites) + " writes; not writable until the aircraft changes");
-    return "; not tried again until the aircraft changes";
+    return pilot::kRefusedForGood;
 }
 
 }  // namespace simconnect

@@ -3,6 +3,7 @@
 #include <thread>
 #include <utility>
 #include "base/mutex.h"
+#include "worker/pilot_texts.h"
 
 namespace simconnect {
 
@@ -38,7 +39,7 @@ void TcpTransport::connect() {
         }).detach();
     } catch (const std::system_error&) {
         lookup_.reset();
-        end("no thread to look " + address_.host + " up");
+        end(pilot::noThreadText(address_.host));
     }
 }
 
@@ -67,7 +68,7 @@ void TcpTransport::awaitAddresses(std::uint64_t nowMs) {
         lookup_.reset();
         turns_.begin(std::move(*found));
     }
-    if (isUnknown) end("no such computer: " + address_.host);
+    if (isUnknown) end(pilot::noSuchComputerText(address_.host));
 }
 
 void TcpTransport::awaitConnection(std::uint64_t nowMs) {
@@ -97,7 +98,7 @@ void TcpTransport::tryNextAddress(std::uint64_t nowMs) {
         if (progress == ConnectProgress::kPending) return;
         (progress == ConnectProgress::kRefused ? someRefused_ : someUnreached_) = true;
     }
-    end(someUnreached_ && !someRefused_ ? "no answer from " + address_.host : "");
+    end(someUnreached_ && !someRefused_ ? pilot::noAnswerText(address_.host) : "");
 }
 
 std::size_t TcpTransport::receive(std::span<std::uint8_t> into) {
@@ -112,7 +113,7 @@ std::size_t TcpTransport::receive(std::span<std::uint8_t> into) {
 bool TcpTransport::send(std::span<const std::uint8_t> packet) {
     if (state_ != TransportState::kOpen) return false;
     if (unsent_.size() + packet.size() > kMaxUnsentBytes) {
-        problem_ = kDoesNotRead;
+        problem_ = pilot::kDoesNotRead;
         return false;
     }
     unsent_.insert(unsent_.end(), packet.begin(), packet.end());

@@ -10,8 +10,6 @@ namespace simconnect {
 
 inline constexpr std::size_t kMaxUnsentBytes = 262'144;  // ten times what a session sends at its start
 
-inline constexpr const char* kDoesNotRead = "the simulator does not read what it is told";
-
 enum class TransportState { kClosed, kConnecting, kOpen };
 
 class Transport {
@@ -30,10 +28,10 @@ class Transport {
     virtual std::size_t receive(std::span<std::uint8_t> into) = 0;
 
     // Takes the whole packet and sends it as soon as the other side can take it. False if the connection is gone, or if
-    // kMaxUnsentBytes are waiting: then it stays open, and the problem is kDoesNotRead.
+    // kMaxUnsentBytes are waiting: then it stays open, and the problem is pilot::kDoesNotRead.
     virtual bool send(std::span<const std::uint8_t> packet) = 0;
 
-    // Why it is closed, in plain English; empty if there is nobody to connect to.
+    // Why it is closed, in the words of pilot_texts.h; empty if there is nobody to connect to.
     virtual std::string problem() const = 0;
 
     // Something the system can wait for, signalled when bytes have arrived: an event handle, or null.

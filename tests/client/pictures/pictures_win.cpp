@@ -154,7 +154,6 @@ std::vector<Picture> wantedPictures(const Order& order) {
     };
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         for (const Scene& scene : panelScenes()) {
-            if (scene.moment == Moment::kBrightest && theme == kGeneralTheme) continue;  // GENERAL has no flashing lamp
             add(scene, theme, "panel_" + lowerCase(themeName(theme)));
         }
     }

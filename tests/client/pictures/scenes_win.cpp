@@ -40,6 +40,18 @@ void turnKnobs(Stage& stage) {
     stage.panel.wheel(kSmallKnob, -2 * WHEEL_DELTA);
 }
 
+// Both status lines at their longest: a radio without a grid is turned, and a move into a channel is not answered.
+void flyWithoutGrid(FakeTelemetry& flown) {
+    flyAlong(flown);
+    for (FakeRadio& radio : flown.radios) radio.spacing = -1;
+}
+
+void sayTheMost(Stage& stage) {
+    stage.session.host.setMoveRule(kApproach118005, {.answer = MoveAnswer::kSilence});
+    stage.session.host.moveByHand(kSchid, kOwnClient, kLobby);
+    stage.panel.wheel(stage.theme == kGeneralTheme ? kStandbyMhzDigits : kLargeKnob, WHEEL_DELTA);
+}
+
 void receiveText(Stage& stage) {
     HostTextMessage text;
     text.fromName = "Tower";
@@ -62,7 +74,7 @@ void hoverVolume(Stage& stage) {
     hover(stage, stage.panel.pointOn(kVolumeKnob));
 }
 
-// A held knob looks like a released one: only its turn shows that it is held.
+// A held knob is shaded, and it has turned.
 void holdKnob(Stage& stage) {
     POINT at = stage.panel.pointOn(stage.theme == kGeneralTheme ? kVolumeKnob : kLargeKnob);
     hover(stage, at);
@@ -104,6 +116,14 @@ bool isStatusChanged(const Stage& stage) {
     return isChanged(stage, line);
 }
 
+// The left half is the left line's, the right end the right one's.
+bool areBothStatusesChanged(const Stage& stage) {
+    UnitRect end = themeLayout(stage.theme).statusStrip;
+    end.x += end.width * 0.75f;
+    end.width /= 4;
+    return isStatusChanged(stage) && isChanged(stage, end);
+}
+
 bool hasDeadDigits(const Stage& stage) {
     const ArgbImage now = askForPicture(stage.panel.window());
     const ArgbImage display = cropImage(now, pixelsOf(stage, themeLayout(stage.theme).displays[0]));
@@ -138,7 +158,7 @@ bool areKnobsTurned(const Stage& stage) {
 }
 
 bool isTextKeyLit(const Stage& stage) {
-    return isElementChanged(stage, kCustomKeyA);
+    return isElementChanged(stage, stage.theme == kGeneralTheme ? kTextKey : kCustomKeyA);
 }
 
 // Everything lights up that can, including custom keys: AUTO, COM2, target STANDBY, pin.
@@ -158,8 +178,12 @@ constexpr Scene kPanelScenes[] = {
     {"text",         "text_auto_open=0\r\n", flyAlong,              receiveText,  findPanel, Moment::kBrightest, true,  isTextKeyLit},
     {"unknown",      "",                     flyWithoutFrequencies, nullptr,      findPanel, Moment::kStill,     false, isConnected},
     {"refused",      "",                     flyWithLockedRadios,   turnStandby,  findPanel, Moment::kStill,     false, isStatusChanged},
+    {"longest50",    "panel_scale=50\r\n",   flyWithoutGrid,        sayTheMost,   findPanel, Moment::kStill,     true,  areBothStatusesChanged},
+    {"longest100",   "",                     flyWithoutGrid,        sayTheMost,   findPanel, Moment::kStill,     true,  areBothStatusesChanged},
+    {"longest200",   "panel_scale=200\r\n",  flyWithoutGrid,        sayTheMost,   findPanel, Moment::kStill,     false, areBothStatusesChanged},
     {"tip",          "",                     flyAlong,              hoverVolume,  findPanel, Moment::kStill,     false, isTipShown},
-    {"scale50",      "panel_scale=50\r\n",   flyAlong,              nullptr,      findPanel, Moment::kStill,     false, isConnected},
+    {"scale50",      "panel_scale=50\r\n",   flyAlong,              nullptr,      findPanel, Moment::kStill,     true,  isConnected},
+    {"text50",       "panel_scale=50\r\ntext_auto_open=0\r\n", flyAlong, receiveText, findPanel, Moment::kBrightest, false, isTextKeyLit},
     {"scale200",     "panel_scale=200\r\n",  flyAlong,              nullptr,      findPanel, Moment::kStill,     true,  isConnected},
     {"opacity50",    "opacity=50\r\n",       flyAlong,              nullptr,      findPanel, Moment::kStill,     false, isConnected},
 };

@@ -19,7 +19,7 @@ Telemetry fullTelemetry() {
     telemetry.commandPending = true;
     telemetry.ackId = "4242-91234567";
     telemetry.ackOk = true;
-    telemetry.ackMessage = "COM1 standby 118.005";
+    telemetry.ackMessage = "COM1 STBY 118.005";
     return telemetry;
 }
 
@@ -140,7 +140,7 @@ TEST(WorkerTelemetryText, AnIdThatIsAKeyHidesNoOtherValue) {
         const auto read = parseTelemetry(writeTelemetryText(record, 1790000000.0));
         EXPECT_TRUE(read.ok && read.ackOk) << key;
         EXPECT_EQ(read.status, "built-in aircraft") << key;
-        EXPECT_EQ(read.ackMessage, "COM1 standby 118.005") << key;
+        EXPECT_EQ(read.ackMessage, "COM1 STBY 118.005") << key;
         EXPECT_EQ(read.ackId, key);
         EXPECT_EQ(read.radios[0].active, 122800) << key;
     }

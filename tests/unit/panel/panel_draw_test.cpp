@@ -32,14 +32,15 @@ PanelLayers layersOf(const PanelPicture& picture) {
 }
 
 StatusImages textsOf(const PanelLayers& layers, const PanelPicture& picture) {
-    StatusImages images;
+    // A letter is as wide as the panel is large; what is left of the room is the left line's, to its last pixel.
+    const auto letters = static_cast<std::int32_t>(picture.channelStatus.size());
+    const std::int32_t right = std::min(letters * picture.width / 100, layers.statusRoom.width() / 2);
+    const std::int32_t height = layers.statusRoom.height();
+    StatusImages images = {ArgbImage(layers.statusRoom.width() - right, height), ArgbImage(right, height)};
     for (std::size_t i = 0; i < images.size(); i++) {
-        const PixelRect& area = layers.statusAreas[i];
-        images[i] = ArgbImage(area.right - area.left, area.bottom - area.top);
-        if (images[i].isEmpty()) continue;
         const std::string& text = i == 0 ? picture.statusText : picture.channelStatus;
-        for (std::size_t x = 0; x < text.size(); x++)
-            images[i].row(0)[x] = 0xFF000000U | static_cast<unsigned char>(text[x]);
+        const std::uint32_t ink = text.empty() ? 0 : 0xFF000000U | static_cast<unsigned char>(text.front());
+        std::fill(images[i].pixels.begin(), images[i].pixels.end(), ink);
     }
     return images;
 }
@@ -71,9 +72,13 @@ const std::vector<Change>& allChanges() {
         {"TX", [](PanelPicture& p) { p.txLit = true; }},
         {"RX", [](PanelPicture& p) { p.rxLit = true; }},
         {"TEXT", [](PanelPicture& p) { p.textLit = true; }},
+        {"TEXT legend", [](PanelPicture& p) { p.textTinted = true; }},
         {"pinned", [](PanelPicture& p) { p.pinned = true; }},
         {"COM1 half down", [](PanelPicture& p) { p.pressedElement = kCom1Key, p.pressLevel = 0.5f; }},
         {"SWAP down", [](PanelPicture& p) { p.pressedElement = kSwapKey, p.pressLevel = 1.0f; }},
+        {"volume knob held", [](PanelPicture& p) { p.pressedElement = kVolumeKnob, p.pressLevel = 0.5f; }},
+        {"large knob held", [](PanelPicture& p) { p.pressedElement = kLargeKnob, p.pressLevel = 1.0f; }},
+        {"small knob held", [](PanelPicture& p) { p.pressedElement = kSmallKnob, p.pressLevel = 1.0f; }},
         {"status", [](PanelPicture& p) { p.statusText = "CONNECTED"; }},
         {"channel", [](PanelPicture& p) { p.channelStatus = "Tower"; }},
     };
@@ -126,11 +131,13 @@ TEST(PanelDraw, EveryPartThatAThemeHasShowsItsChange) {
         const PanelPicture before = pictureOf({theme, 100});
         PanelLayers layers = layersOf(before);
         const ArgbImage first = drawWhole(layers, before);
-        const std::set<std::string> missingFromGeneral = {"large knob", "small knob", "key B lit", "TEXT"};
+        const std::set<std::string> missingFromGeneral = {"large knob",      "small knob", "large knob held",
+                                                          "small knob held", "key B lit",  "TEXT"};
+        const std::set<std::string> onlyInGeneral = {"TEXT legend"};
         for (const Change& change : allChanges()) {
             PanelPicture after = before;
             change.apply(after);
-            const bool has = theme != kGeneralTheme || !missingFromGeneral.contains(change.what);
+            const bool has = !(theme == kGeneralTheme ? missingFromGeneral : onlyInGeneral).contains(change.what);
             EXPECT_EQ(drawWhole(layers, after).pixels != first.pixels, has) << change.what << ", theme " << theme;
         }
     }
@@ -171,6 +178,40 @@ TEST(PanelDraw, LampsLightUpInTheirColours) {
         const std::uint32_t rx = middleOf(image, picture, themeLayout(theme).rxLamp);
         EXPECT_GT(tx >> 16U & 0xFFU, tx & 0xFFU) << theme;        // more red than blue
         EXPECT_GT(rx >> 8U & 0xFFU, rx >> 16U & 0xFFU) << theme;  // more green than red
+    }
+}
+
+TEST(PanelDraw, AHeldKnobIsShadedAsAPressedKeyIsAndStaysInItsPlace) {
+    for (const std::int32_t theme : {kBoeingTheme, kAirbusTheme}) {
+        for (const std::int32_t knob : {kVolumeKnob, kLargeKnob, kSmallKnob}) {
+            PanelPicture picture = pictureOf({theme, 200});
+            PanelLayers layers = layersOf(picture);
+            const UnitRect rect = findHotspot(themeLayout(theme), knob)->rect;
+            // Beside the pointer: the volume knob's middle, the large knob's ring left of the small knob, its middle.
+            UnitRect face = rect;
+            if (knob == kLargeKnob) face.width *= 0.4f;
+            const ArgbImage before = drawWhole(layers, picture);
+            picture.pressedElement = knob;
+            picture.pressLevel = 1.0f;
+            const ArgbImage held = drawWhole(layers, picture);
+            picture.pressedElement = kSwapKey;
+            const ArgbImage pressed = drawWhole(layers, picture);
+            const auto green = [&](const ArgbImage& image, const UnitRect& part) {
+                return static_cast<float>(middleOf(image, picture, part) >> 8U & 0xFFU);
+            };
+            const UnitRect key = findHotspot(themeLayout(theme), kSwapKey)->rect;
+            const float shade = green(pressed, key) / green(before, key);
+            EXPECT_LT(shade, 0.9f);
+            EXPECT_NEAR(green(held, face) / green(before, face), shade, 0.05f) << theme << ", knob " << knob;
+            // Nothing outside of what was grasped has changed: of the pair, one knob.
+            const bool isSmall = knob == kSmallKnob;
+            UnitRect other = rect;
+            if (isSmall) other.width *= 0.4f;
+            if (knob == kVolumeKnob) other = findHotspot(themeLayout(theme), kLargeKnob)->rect;
+            EXPECT_EQ(middleOf(held, picture, other), middleOf(before, picture, other)) << theme << ", knob " << knob;
+            const UnitRect above = {rect.x, rect.y - 10, rect.width, 10};
+            EXPECT_EQ(middleOf(held, picture, above), middleOf(before, picture, above));
+        }
     }
 }
 

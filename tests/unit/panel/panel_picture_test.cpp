@@ -272,6 +272,18 @@ TEST_F(PanelPictureTest, TheTextLampOfBoeingAndAirbusFlashesWhileTextsAreUnread)
     }
 }
 
+TEST_F(PanelPictureTest, GeneralsTextLegendIsTintedAsLongAsTextsAreUnread) {
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        useTheme(theme);
+        for (inputs.nowMs = 500; inputs.nowMs < 2500; inputs.nowMs += 100) {
+            for (const std::int32_t unread : {-1, 0, 1, 40}) {
+                inputs.unreadTexts = unread;
+                EXPECT_EQ(picture().textTinted, theme == kGeneralTheme && unread > 0) << theme << ", " << unread;
+            }
+        }
+    }
+}
+
 TEST_F(PanelPictureTest, StandsStillWhileNothingChanges) {
     change([](Settings& live) { live.theme = kAirbusTheme; });
     inputs.unreadTexts = 1;

@@ -76,7 +76,7 @@ TEST_F(WorkerFlight, BlamesNoAircraftForWhatAPausePutsOff) {
         for (const char* khz : {"119000", "119100", "119200"}) {
             const auto answer = command(1, "standby", khz);
             EXPECT_FALSE(answer.ackOk) << personality;
-            EXPECT_EQ(answer.ackMessage, "COM1 standby not accepted by this aircraft; the simulator is paused");
+            EXPECT_EQ(answer.ackMessage, "COM1 STBY unchanged; simulator paused");
             EXPECT_TRUE(answer.radios[0].writable[1]) << personality;
         }
         act("pause off");
@@ -138,7 +138,7 @@ TEST_F(WorkerFlight, AnswersBeforeThePluginGivesUpHoweverTheSimulatorStutters) {
         flyUntil(isAnswered, 2100);
     }
     EXPECT_TRUE(flyUntil(isAnswered, 100));
-    EXPECT_EQ(telemetry().ackMessage, "COM1 standby not accepted by this aircraft; the simulator sends no data");
+    EXPECT_EQ(telemetry().ackMessage, "COM1 STBY unchanged; simulator silent");
     act("stutter 0");
     fly(500);
     EXPECT_FALSE(command(1, "standby", "119000").ackOk);
@@ -151,8 +151,7 @@ TEST_F(WorkerFlight, NamesASimulatorThatDoesNotReadAndBlamesNoAircraft) {
     fly(2100);
     for (int i = 0; i < 3; i++) {
         const auto answer = command(1, "swap", "0");
-        EXPECT_EQ(answer.ackMessage,
-                  "COM1 swap not accepted by this aircraft; the simulator does not read what it is told");
+        EXPECT_EQ(answer.ackMessage, "COM1 swap unchanged; simulator not reading");
         EXPECT_TRUE(answer.ok);
         EXPECT_TRUE(answer.radios[0].writable[3]);
     }

@@ -27,8 +27,8 @@ TEST_F(CommandHandling, AcknowledgesOnlyOnceTheValueIsReadBack) {
     link.sim.radios[0].standby = 118005;
     handler.pass(1145);
     EXPECT_FALSE(handler.isPending());
-    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", true, "COM1 standby 118.005"}));
-    EXPECT_TRUE(logFile.has("command 1-2 (COM1 standby 118.005) done after 145 ms: COM1 standby 118.005"));
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", true, "COM1 STBY 118.005"}));
+    EXPECT_TRUE(logFile.has("command 1-2 (COM1 STBY 118.005) done after 145 ms: COM1 STBY 118.005"));
 }
 
 TEST_F(CommandHandling, NamesWhatWasWrittenInPlainEnglish) {
@@ -39,8 +39,8 @@ TEST_F(CommandHandling, NamesWhatWasWrittenInPlainEnglish) {
         RadioReading after;
         const char* message;
     } rows[] = {
-        {0, kSlotActive, 118105, {118105, 121500, 1, 0.5, {}}, "COM1 active 118.105"},
-        {1, kSlotStandby, 121975, {122800, 121975, 1, 0.5, {}}, "COM2 standby 121.975"},
+        {0, kSlotActive, 118105, {118105, 121500, 1, 0.5, {}}, "COM1 ACTIVE 118.105"},
+        {1, kSlotStandby, 121975, {122800, 121975, 1, 0.5, {}}, "COM2 STBY 121.975"},
         {1, kSlotVolume, 0.6, {122800, 121500, 1, 0.598, {}}, "COM2 volume 60 %"},
         {1, kSlotVolume, 0.0, {122800, 121500, 1, 0.0, {}}, "COM2 volume 0 %"},
         {0, kSlotSwap, 0.0, {121500, 122800, 1, 0.5, {}}, "COM1 swapped to 121.500"},
@@ -81,8 +81,8 @@ TEST_F(CommandHandling, GivesUpOnTheReadBackAfterItsLimit) {
     handler.pass(1000 + kReadbackLimitMs - 1);
     EXPECT_TRUE(handler.isPending());
     handler.pass(1000 + kReadbackLimitMs);
-    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM2 volume not accepted by this aircraft"}));
-    EXPECT_TRUE(logFile.has("failed after 1500 ms: COM2 volume not accepted"));
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM2 volume refused"}));
+    EXPECT_TRUE(logFile.has("failed after 1500 ms: COM2 volume refused"));
 }
 
 namespace {
@@ -133,7 +133,7 @@ TEST_F(CommandHandling, AnswersWithinFourSecondsWhateverIsHeard) {
     held.pass(10'000 + kReadbackLastMs - 1);
     EXPECT_TRUE(held.isPending());
     held.pass(10'000 + kReadbackLastMs);
-    EXPECT_EQ(held.ack(), (CommandAck{"1-2", false, "COM1 standby not accepted by this aircraft"}));
+    EXPECT_EQ(held.ack(), (CommandAck{"1-2", false, "COM1 STBY refused"}));
 }
 
 TEST_F(CommandHandling, RefusesAnUnwritableSlotAtOnce) {
@@ -141,10 +141,10 @@ TEST_F(CommandHandling, RefusesAnUnwritableSlotAtOnce) {
         RadioSlot slot;
         const char* message;
     } rows[] = {
-        {kSlotActive, "COM1 active not accepted by this aircraft"},
-        {kSlotStandby, "COM1 standby not accepted by this aircraft"},
-        {kSlotVolume, "COM1 volume not accepted by this aircraft"},
-        {kSlotSwap, "COM1 swap not accepted by this aircraft"},
+        {kSlotActive, "COM1 ACTIVE refused"},
+        {kSlotStandby, "COM1 STBY refused"},
+        {kSlotVolume, "COM1 volume refused"},
+        {kSlotSwap, "COM1 swap refused"},
     };
     for (const auto& row : rows) {
         link = ManualLink();
@@ -158,14 +158,14 @@ TEST_F(CommandHandling, RefusesAnUnwritableSlotAtOnce) {
 TEST_F(CommandHandling, AWriteTheLinkDoesNotTakeIsNotAccepted) {
     link.takesWrites = false;
     send(0, kSlotSwap, 0.0);
-    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM1 swap not accepted by this aircraft"}));
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM1 swap refused"}));
 }
 
 TEST_F(CommandHandling, SaysThatTheLinkIsLostBeforeAndDuringTheWrite) {
     link.sim.ok = false;
     link.sim.status = "simulator link lost";
     send(0, kSlotStandby, 118005);
-    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM1 standby not written: simulator link lost"}));
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM1 STBY not written: link down"}));
     EXPECT_TRUE(link.writes.empty());
 
     link.sim.ok = true;
@@ -173,7 +173,7 @@ TEST_F(CommandHandling, SaysThatTheLinkIsLostBeforeAndDuringTheWrite) {
     ASSERT_TRUE(handler.isPending());
     link.sim.ok = false;
     handler.pass(1025);
-    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM2 swap not written: simulator link lost"}));
+    EXPECT_EQ(handler.ack(), (CommandAck{"1-2", false, "COM2 swap not written: link down"}));
 }
 
 TEST_F(CommandHandling, RefusesValuesNoRadioCouldShow) {
@@ -184,13 +184,13 @@ TEST_F(CommandHandling, RefusesValuesNoRadioCouldShow) {
         double value;
         const char* message;
     } rows[] = {
-        {0, kSlotStandby, 118020, "COM1 standby 118.020 is not a channel of this radio"},
-        {1, kSlotStandby, 118005, "COM2 standby 118.005 is not a channel of this radio"},
-        {0, kSlotActive, 117995, "COM1 active 117.995 is not a channel of this radio"},
-        {0, kSlotActive, 136995, "COM1 active 136.995 is not a channel of this radio"},
-        {0, kSlotActive, 118000.5, "COM1 active 118.001 is not a channel of this radio"},
-        {0, kSlotActive, 0, "COM1 active 0.000 is not a channel of this radio"},
-        {0, kSlotActive, 1e300, "COM1 active 1e+297 is not a channel of this radio"},
+        {0, kSlotStandby, 118020, "COM1 STBY 118.020 is not a channel"},
+        {1, kSlotStandby, 118005, "COM2 STBY 118.005 is not a channel"},
+        {0, kSlotActive, 117995, "COM1 ACTIVE 117.995 is not a channel"},
+        {0, kSlotActive, 136995, "COM1 ACTIVE 136.995 is not a channel"},
+        {0, kSlotActive, 118000.5, "COM1 ACTIVE 118.001 is not a channel"},
+        {0, kSlotActive, 0, "COM1 ACTIVE 0.000 is not a channel"},
+        {0, kSlotActive, 1e300, "COM1 ACTIVE 1e+297 is not a channel"},
         {0, kSlotVolume, 1.5, "COM1 volume 150 % is out of range"},
         {0, kSlotVolume, -0.1, "COM1 volume -10 % is out of range"},
         {0, kSlotVolume, 1e300, "COM1 volume 1e+302 % is out of range"},
@@ -206,7 +206,7 @@ TEST_F(CommandHandling, ARadioOfUnknownGridTakesNoFrequency) {
     link.sim.radios[0].spacing = -1;
     for (const double khz : {118000.0, 121800.0}) {  // the second is whole megahertz from where it stands
         send(0, kSlotActive, khz);
-        EXPECT_EQ(handler.ack().message, "COM1 active " + mhzText(khz) + " is not a channel of this radio");
+        EXPECT_EQ(handler.ack().message, "COM1 ACTIVE " + mhzText(khz) + " is not a channel");
     }
 }
 

@@ -87,7 +87,7 @@ TEST(WorkerLoop, CarriesACommandThroughToItsAcknowledgement) {
     const auto read = worker.telemetry();
     EXPECT_TRUE(read.ackOk);
     EXPECT_FALSE(read.commandPending);
-    EXPECT_EQ(read.ackMessage, "COM1 standby 118.005");
+    EXPECT_EQ(read.ackMessage, "COM1 STBY 118.005");
     EXPECT_EQ(read.radios[0].standby, 118005);
 }
 
@@ -98,10 +98,10 @@ TEST(WorkerLoop, CarriesOutEverySlotInTurn) {
         const char* slot;
         const char* target;
         const char* message;
-    } rows[] = {{1, "active", "118105", "COM1 active 118.105"},
+    } rows[] = {{1, "active", "118105", "COM1 ACTIVE 118.105"},
                 {1, "swap", "0", "COM1 swapped to 121.500"},
                 {2, "volume", "0.6", "COM2 volume 60 %"},
-                {2, "standby", "136975", "COM2 standby 136.975"}};
+                {2, "standby", "136975", "COM2 STBY 136.975"}};
     for (const auto& row : rows) {
         worker.command(row.message[3] + std::string(row.slot), row.com, row.slot, row.target);
         EXPECT_GT(worker.msUntilAck(row.message[3] + std::string(row.slot)), 0) << row.message;
@@ -117,7 +117,7 @@ TEST(WorkerLoop, AcknowledgesAnIgnoredWriteAsRefusedBeforeThePluginGivesUp) {
     EXPECT_GE(ms, 1500);
     EXPECT_LT(ms, 1700);
     EXPECT_FALSE(worker.telemetry().ackOk);
-    EXPECT_EQ(worker.telemetry().ackMessage, "COM1 swap not accepted by this aircraft");
+    EXPECT_EQ(worker.telemetry().ackMessage, "COM1 swap refused");
 }
 
 TEST(WorkerLoop, RefusesAnUnpoweredRadioWithinTwoWritings) {
@@ -128,7 +128,7 @@ TEST(WorkerLoop, RefusesAnUnpoweredRadioWithinTwoWritings) {
     const int ms = worker.msUntilAck("1-1");
     EXPECT_GT(ms, 0);
     EXPECT_LT(ms, 110);
-    EXPECT_EQ(worker.telemetry().ackMessage, "COM1 volume not accepted by this aircraft");
+    EXPECT_EQ(worker.telemetry().ackMessage, "COM1 volume refused");
 }
 
 TEST(WorkerLoop, SaysThatTheLinkWasLostUnderAWrite) {
@@ -137,7 +137,7 @@ TEST(WorkerLoop, SaysThatTheLinkWasLostUnderAWrite) {
     worker.command("1-1", 1, "standby", "118005");
     EXPECT_GT(worker.msUntilAck("1-1"), 0);
     EXPECT_FALSE(worker.telemetry().ackOk);
-    EXPECT_EQ(worker.telemetry().ackMessage, "COM1 standby not written: simulator link lost");
+    EXPECT_EQ(worker.telemetry().ackMessage, "COM1 STBY not written: link down");
     EXPECT_FALSE(worker.telemetry().ok);
     EXPECT_TRUE(worker.logFile.has("link down: simulator link lost"));
     worker.run(3200);
@@ -285,6 +285,6 @@ TEST(WorkerLoop, WaitsForTheSimulatorWithEverythingElseAlive) {
     const auto read = parseTelemetry(files.text("C:\\d\\telemetry.json"));
     EXPECT_FALSE(read.ok);
     EXPECT_EQ(read.status, "waiting for the simulator");
-    EXPECT_EQ(read.ackMessage, "COM1 swap not written: waiting for the simulator");
+    EXPECT_EQ(read.ackMessage, "COM1 swap not written: link down");
     EXPECT_TRUE(logFile.has("link down: waiting for the simulator"));
 }

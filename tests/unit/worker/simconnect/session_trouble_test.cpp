@@ -1,5 +1,6 @@
 // session_trouble_test.cpp - a session whose simulator quits, crashes, falls silent, stops reading or says too much.
 #include "tests/unit/worker/simconnect/session_rig.h"
+#include "worker/pilot_texts.h"
 
 using State = sc::Reading::State;
 
@@ -19,7 +20,7 @@ TEST_F(SimConnectSession, LeavesAConnectionThatIsBeingMadeToTheTransport) {
 TEST_F(SimConnectSession, NamesASimulatorThatReadsNothingAnyMore) {
     fly();
     transport.refusesSends = true;
-    transport.reason = sc::kDoesNotRead;  // as a transport says when too much is waiting
+    transport.reason = pilot::kDoesNotRead;  // as a transport says when too much is waiting
     session.sendKeyEvent(0, 1, nowMs);
     pass();
     EXPECT_FALSE(session.isOpen());
@@ -132,7 +133,7 @@ TEST_F(SimConnectSession, KnowsWhatTheSimulatorHasReadByItsAnswers) {
 
 TEST_F(SimConnectSession, NotesOnceThatASimulatorWhichSpeaksDoesNotRead) {
     fly();
-    const auto noticed = [&] { return std::count(notes.begin(), notes.end(), sc::kDoesNotRead); };
+    const auto noticed = [&] { return std::count(notes.begin(), notes.end(), pilot::kDoesNotRead); };
     const auto speak = [&](int seconds) {
         for (int i = 0; i < seconds; i++) {
             simulator.tell("ALPHA", 122.8);
@@ -164,7 +165,7 @@ TEST_F(SimConnectSession, TakesAnAnswerForTheQuestionsBeforeItOnly) {
         simulator.tell("ALPHA", 122.8);
         pass(1000);
     }
-    EXPECT_TRUE(noted(sc::kDoesNotRead));  // it has not read the second
+    EXPECT_TRUE(noted(pilot::kDoesNotRead));  // it has not read the second
 }
 
 TEST_F(SimConnectSession, NeverSaysSoOfASimulatorThatHasNoAnswers) {
@@ -175,7 +176,7 @@ TEST_F(SimConnectSession, NeverSaysSoOfASimulatorThatHasNoAnswers) {
         simulator.tell("ALPHA", 122.8);
         pass(1000);
     }
-    EXPECT_FALSE(noted(sc::kDoesNotRead));
+    EXPECT_FALSE(noted(pilot::kDoesNotRead));
 }
 
 TEST_F(SimConnectSession, StartsAfreshOnceASecondHoweverManyAircraftAreReported) {
