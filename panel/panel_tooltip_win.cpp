@@ -49,8 +49,11 @@ void PanelTooltip::show(std::string_view text) {
     const bool isOther = setText(text);
     POINT cursor = {};
     GetCursorPos(&cursor);
-    if (isOther || !isShown_ || cursor.x != cursor_.x || cursor.y != cursor_.y) moveBeside(cursor);
+    const bool isNew = !isShown_;
+    if (isNew) moveBeside(cursor);
     activate(true);
+    // Only a tip that is shown has the size of its text.
+    if (isNew || isOther || cursor.x != cursor_.x || cursor.y != cursor_.y) moveBeside(cursor);
 }
 
 void PanelTooltip::hide() {
@@ -68,11 +71,13 @@ bool PanelTooltip::setText(std::string_view text) {
 }
 
 void PanelTooltip::moveBeside(const POINT& cursor) {
-    TTTOOLINFOW tool = toolOf(owner_);
-    const LRESULT size = SendMessageW(tooltip_window_, TTM_GETBUBBLESIZE, 0, reinterpret_cast<LPARAM>(&tool));
+    RECT tip = {};
+    GetWindowRect(tooltip_window_, &tip);
     const PixelPoint at{cursor.x, cursor.y};
-    const PixelPoint place = tipPlace(at, {LOWORD(size), HIWORD(size)}, workAreaOf(at));
-    SendMessageW(tooltip_window_, TTM_TRACKPOSITION, 0, MAKELPARAM(place.x, place.y));
+    const PixelPoint place = tipPlace(at, {tip.right - tip.left, tip.bottom - tip.top}, workAreaOf(at));
+    const LPARAM position = MAKELPARAM(place.x, place.y);
+    if (position != position_ || !isShown_) SendMessageW(tooltip_window_, TTM_TRACKPOSITION, 0, position);
+    position_ = position;
     cursor_ = cursor;
 }
 

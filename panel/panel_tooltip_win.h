@@ -28,6 +28,7 @@ class PanelTooltip {
     HWND owner_ = nullptr;
     HWND tooltip_window_ = nullptr;
     std::string text_;
-    POINT cursor_ = {};  // beside which the tip was last put
+    POINT cursor_ = {};    // beside which the tip was last put
+    LPARAM position_ = 0;  // where that is, as TTM_TRACKPOSITION takes it
     bool isShown_ = false;
 };

@@ -51,6 +51,7 @@ LRESULT CALLBACK Window::procedure(HWND window, UINT message, WPARAM wParam, LPA
 
 LRESULT Window::take(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_MOUSELEAVE) isTrackingMouse_ = false;
+    if (message == WM_WINDOWPOSCHANGING && isDragged_) pointerFrom<WINDOWPOS>(lParam)->flags |= SWP_NOACTIVATE;
     if (message != WM_DESTROY) return onMessage(message, wParam, lParam);
     stopTimer();
     SetWindowLongPtrW(window_, GWLP_USERDATA, 0);  // later messages reach only the default procedure
@@ -83,8 +84,11 @@ LRESULT Window::dragByCaption(PixelPoint at) {
     ClientToScreen(window_, &screen);
     ReleaseCapture();
     // What the default procedure makes of a press on a caption, but for activating the window: whether a click does
-    // that has been decided by the answer to WM_MOUSEACTIVATE.
-    return SendMessageW(window_, WM_SYSCOMMAND, SC_MOVE | HTCAPTION, MAKELPARAM(screen.x, screen.y));
+    // that has been decided by the answer to WM_MOUSEACTIVATE. Nor may the moves themselves (take).
+    isDragged_ = true;
+    const LRESULT result = SendMessageW(window_, WM_SYSCOMMAND, SC_MOVE | HTCAPTION, MAKELPARAM(screen.x, screen.y));
+    isDragged_ = false;
+    return result;
 }
 
 PixelSize Window::clientSize() const {

@@ -78,6 +78,7 @@ class Window {
 
     HWND window_ = nullptr;
     bool isTrackingMouse_ = false;
+    bool isDragged_ = false;  // by its caption, until the system's move is over
 };
 
 // A point of the client area as mouse messages carry it.

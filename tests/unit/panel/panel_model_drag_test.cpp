@@ -288,6 +288,11 @@ TEST_F(PanelDrag, AHeldKeyLeavesTheTipToWhatLiesBelowTheMouse) {
     EXPECT_EQ(tipElement(model, true), kBackground);
 }
 
+TEST_F(PanelDrag, WithoutNoticeOfTheMouseLeavingThereIsNoTip) {
+    move(middleOf(kSwapKey));
+    EXPECT_EQ(tipElement(model, true), kBackground);
+}
+
 TEST_F(PanelDrag, AHiddenPanelHasNoTip) {
     model.mouse_tracking = true;
     move(middleOf(kSwapKey));
