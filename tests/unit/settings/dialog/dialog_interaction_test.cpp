@@ -409,14 +409,14 @@ TEST_F(DialogHand, WhatIsClickedIsStillUnderTheMouse) {
 }
 
 TEST_F(DialogHand, AnArrowShowsWhatItSteps) {
-    height = 450;
-    focus(kOpacitySlider);
+    height = kDialogLowest;
+    model.page = 1;
+    focus(kReceiveVolumeSlider);
     input.scroll = layout().scrollRange;
+    ASSERT_LT(rect(kReceiveVolumeSlider).top, layout().pageView.top);
     press(DialogKey::kLeft);
-    const DialogLayout now = layout();
-    const PixelRect slider = findControl(now, kOpacitySlider)->rect;
-    EXPECT_EQ(model.working.opacity, 99.0f);
-    EXPECT_EQ(intersectRects(slider, now.pageView), slider);
+    EXPECT_EQ(model.working.receive_volume, 79.0f);
+    EXPECT_GE(rect(kReceiveVolumeSlider).top, layout().pageView.top);
 }
 
 TEST_F(DialogHand, TheFixedKeyTakesNeitherClicksNorTheWheel) {
