@@ -44,6 +44,7 @@ class DialogShapes {
             if (!control.isOnPage) paintControl(control);
         }
         if (!layout_.scrollBar.isEmpty()) paintScrollBar();
+        paintFocus();
     }
 
   private:
@@ -205,8 +206,16 @@ class DialogShapes {
                 paintLive(control);
                 break;
         }
-        if (picture_.input.isFocusShown && picture_.input.focus == control.id)
-            drawRounded(inset(control.rect, -layout_.px(3)), 10, 2, kFocus);
+    }
+
+    // After all controls: the next one is closer than the ring is wide.
+    void paintFocus() {
+        const DialogControl* control =
+            picture_.input.isFocusShown ? findControl(layout_, picture_.input.focus) : nullptr;
+        if (!control) return;
+        clipTo(control->isOnPage ? layout_.pageView : target_.bounds());
+        drawRounded(inset(control->rect, -layout_.px(3)), 10, 2, kFocus);
+        clip_ = target_.bounds();
     }
 
     void paintTab(const DialogControl& control, bool isShown) {
