@@ -11,6 +11,11 @@ bool isReachable(const DialogControl& control) {
     return control.look != ControlLook::kLive;
 }
 
+bool isRingSeen(const DialogInput& input, const DialogLayout& layout) {
+    const DialogControl* control = input.isFocusShown ? findControl(layout, input.focus) : nullptr;
+    return control && (!control->isOnPage || !intersectRects(control->rect, layout.pageView).isEmpty());
+}
+
 void scrollIntoView(DialogInput& input, const DialogLayout& layout) {
     if (const DialogControl* control = findControl(layout, input.focus)) input.scroll = scrollTo(layout, *control);
 }
@@ -78,7 +83,7 @@ std::optional<DialogCommand> pressArrow(DialogInput& input, DialogModel& model, 
     }
     switch (row->kind) {
         case RowKind::kTab: {
-            const int page = layout.page + vertical + horizontal;
+            const int page = row->value + vertical + horizontal;
             if (page < 0 || page >= kPageCount) return std::nullopt;
             input.focus = kGeneralTab + page;
             return DialogCommand{input.focus, -1};
@@ -91,10 +96,12 @@ std::optional<DialogCommand> pressArrow(DialogInput& input, DialogModel& model, 
             return std::nullopt;
         case RowKind::kSlider:
             stepLevel(model, *row, horizontal - vertical);
+            scrollIntoView(input, layout);
             return std::nullopt;
         case RowKind::kChoice:
         case RowKind::kSelector:
             stepOption(model, *row, horizontal + vertical);
+            scrollIntoView(input, layout);
             return std::nullopt;
         case RowKind::kToggle:
         case RowKind::kButton:
@@ -126,6 +133,10 @@ std::optional<DialogCommand> pressPlainKey(DialogInput& input, DialogModel& mode
 
 void forgetMouse(DialogInput& input) {
     input.hover = {};
+    letGo(input);
+}
+
+void letGo(DialogInput& input) {
     input.pressed = {};
     input.isDragging = false;
 }
@@ -198,17 +209,24 @@ void turnWheel(DialogInput& input, DialogModel& model, const DialogLayout& layou
     input.wheelRest -= notches * kNotch;
     if (notches == 0) return;
     const DialogRow* row = findRow(hitDialog(layout, at).id);
-    if (row && row->kind == RowKind::kSlider)
+    const bool isMeant = row && (row->id == input.focus || layout.scrollRange == 0);
+    if (isMeant && row->kind == RowKind::kSlider)
         stepLevel(model, *row, notches);
-    else if (row && row->kind == RowKind::kSelector)
+    else if (isMeant && row->kind == RowKind::kSelector)
         stepOption(model, *row, -notches);
     else
         scrollPage(input, layout, -notches * layout.px(kScrollUnits));
 }
 
-std::optional<DialogCommand> pressKey(DialogInput& input, DialogModel& model, const DialogLayout& layout,
-                                      DialogKey key) {
+std::optional<DialogCommand> pressKey(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogKey key,
+                                      bool isRepeated) {
+    const bool isPress = key == DialogKey::kSpace || key == DialogKey::kEnter;
+    if (isRepeated && (isPress || key == DialogKey::kEscape)) return std::nullopt;
     if (key == DialogKey::kEscape) return DialogCommand{kCancel, -1};
+    if (isPress && !isRingSeen(input, layout)) {
+        if (key == DialogKey::kSpace) return std::nullopt;
+        return DialogCommand{kSaveAndClose, -1};
+    }
     input.isFocusShown = true;
     switch (key) {
         case DialogKey::kTab:

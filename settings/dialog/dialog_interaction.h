@@ -43,8 +43,10 @@ struct DialogCommand {
     bool operator==(const DialogCommand&) const = default;
 };
 
-// Forgets what is hovered, dragged and pressed: for a new page or language, or when the mouse capture is lost.
+// Forgets what is hovered, dragged and pressed: for a new page or language.
 void forgetMouse(DialogInput& input);
+// Forgets what is dragged and pressed: the mouse capture is lost, but the mouse is still where it was.
+void letGo(DialogInput& input);
 
 // Carries out a command from any source (runDialogCommand). A new page begins at its top; a new page or language
 // forgets the mouse, because other controls are under it now.
@@ -60,9 +62,12 @@ bool pressMouse(DialogInput& input, DialogModel& model, const DialogLayout& layo
 // A press counts when it ends where it began.
 std::optional<DialogCommand> releaseMouse(DialogInput& input, DialogModel& model, const DialogLayout& layout,
                                           PixelPoint at);
-// delta: 120 per notch, positive away from the user. Steps the slider or the selector under the mouse, else scrolls.
+// delta: 120 per notch, positive away from the user. Scrolls the page; the slider or the selector under the mouse is
+// stepped instead if it has the focus, or if the page fits: a page on its way below the pointer changes no setting.
 void turnWheel(DialogInput& input, DialogModel& model, const DialogLayout& layout, PixelPoint at, int delta);
 
-// Moves the focus, steps values and scrolls as the key asks; returns the command that it gives, if any.
-std::optional<DialogCommand> pressKey(DialogInput& input, DialogModel& model, const DialogLayout& layout,
-                                      DialogKey key);
+// Moves the focus, steps values and scrolls as the key asks; returns the command that it gives, if any. Space and Enter
+// press what has the focus while its ring is to be seen; otherwise Enter is Save & Close. isRepeated: the key was down
+// already, perhaps before there was a dialog; it moves and steps on, but presses nothing.
+std::optional<DialogCommand> pressKey(DialogInput& input, DialogModel& model, const DialogLayout& layout, DialogKey key,
+                                      bool isRepeated = false);

@@ -141,7 +141,7 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_COMMAND:
             return onCommand({LOWORD(wParam), static_cast<int>(HIWORD(wParam)) - 1});
         case WM_KEYDOWN:
-            return onKey(wParam);
+            return onKey(wParam, (HIWORD(lParam) & KF_REPEAT) != 0);
         case WM_MOUSEMOVE:
             return onMouseMove(pointOf(lParam));
         case WM_MOUSELEAVE:
@@ -161,6 +161,8 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return onHeld();
         case WM_EXITSIZEMOVE:
             return onReleased();
+        case WM_PRINTCLIENT:
+            return onPrint(reinterpret_cast<HDC>(wParam));
         default:
             return doDefault(message, wParam, lParam);
     }
@@ -186,13 +188,23 @@ LRESULT DialogWindow::onPaint() {
     return 0;
 }
 
+LRESULT DialogWindow::onPrint(HDC dc) {
+    const PixelSize client = clientSize();
+    surface_.copyTo(dc, {0, 0, client.width, client.height});
+    return 0;
+}
+
 LRESULT DialogWindow::onCommand(const DialogCommand& command) {
+    run(command);
+    if (window()) refresh();
+    return 0;
+}
+
+void DialogWindow::run(const DialogCommand& command) {
     const std::int32_t before = language();
     const DialogAction action = runCommand(input_, model_, command, GetUserDefaultUILanguage());
     if (language() != before) SetWindowTextW(window(), wideFromUtf8(textOf(language(), kTextWindowTitle)).c_str());
     carryOut(action);
-    if (window()) refresh();
-    return 0;
 }
 
 void DialogWindow::carryOut(DialogAction action) {
@@ -223,10 +235,10 @@ void DialogWindow::commit(const char* logLine) {
     context_.logCommit(logLine);
 }
 
-LRESULT DialogWindow::onKey(WPARAM key) {
+LRESULT DialogWindow::onKey(WPARAM key, bool isRepeated) {
     const auto pressed = keyOf(key);
     if (!pressed) return 0;
-    if (const auto command = pressKey(input_, model_, layout(), *pressed)) return onCommand(*command);
+    if (const auto command = pressKey(input_, model_, layout(), *pressed, isRepeated)) return onCommand(*command);
     refresh();
     return 0;
 }
@@ -258,7 +270,10 @@ LRESULT DialogWindow::onLeftDown(PixelPoint at) {
 LRESULT DialogWindow::onLeftUp(PixelPoint at) {
     const auto command = releaseMouse(input_, model_, layout(), at);
     ReleaseCapture();
-    if (command) return onCommand(*command);
+    if (command) run(*command);
+    if (!window()) return 0;
+    // A new page or language has forgotten the mouse, which is still here.
+    moveMouse(input_, model_, layout(), at);
     refresh();
     return 0;
 }
@@ -271,7 +286,7 @@ LRESULT DialogWindow::onWheel(int delta, POINT screen) {
 }
 
 LRESULT DialogWindow::onCaptureChanged() {
-    forgetMouse(input_);
+    letGo(input_);
     refresh();
     return 0;
 }

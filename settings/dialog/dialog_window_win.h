@@ -26,7 +26,7 @@ class DialogWindow final : private Window {
     LRESULT onCreate();
     LRESULT onPaint();
     LRESULT onCommand(const DialogCommand& command);
-    LRESULT onKey(WPARAM key);
+    LRESULT onKey(WPARAM key, bool isRepeated);
     LRESULT onMouseMove(PixelPoint at);
     LRESULT onMouseLeave();
     LRESULT onLeftDown(PixelPoint at);
@@ -36,9 +36,11 @@ class DialogWindow final : private Window {
     LRESULT onDpiChanged(unsigned dpi, const RECT& suggested);
     LRESULT onHeld();
     LRESULT onReleased();
+    LRESULT onPrint(HDC dc);
 
     DialogLayout layout() const;
     std::int32_t language() const;
+    void run(const DialogCommand& command);
     void carryOut(DialogAction action);
     void commit(const char* logLine);
     // Follows the live settings and the simulator, and paints what has changed.

@@ -40,6 +40,8 @@ class DialogDriver {
     POINT pointOnTrack(int id, float value) const;
     void wheel(int id, int delta) const;
     void key(WPARAM virtualKey) const { send(WM_KEYDOWN, virtualKey, 1); }
+    // The key has been down before.
+    void repeatKey(WPARAM virtualKey) const { send(WM_KEYDOWN, virtualKey, MAKELPARAM(1, KF_REPEAT)); }
     // option as the dialog's WM_COMMAND takes it: its number + 1 in the upper word, or none.
     void command(int id, int option = -1) const { send(WM_COMMAND, MAKEWPARAM(id, option + 1), 0); }
     void send(UINT message, WPARAM wParam, LPARAM lParam) const { SendMessageW(dialog_, message, wParam, lParam); }

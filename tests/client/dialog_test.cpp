@@ -61,6 +61,33 @@ TEST_F(DialogTest, TheKeyboardAloneChangesAndSaves) {
     expectSaved(expected);
 }
 
+TEST_F(DialogTest, EnterSavesWhereNoFocusIsShown) {
+    ASSERT_TRUE(openWith(""));
+    dialog().click(kMasterToggle);
+    dialog().key(VK_SPACE);  // presses nothing
+    host.forgetCalls();
+    dialog().key(VK_RETURN);
+    EXPECT_TRUE(hasLogged(kSavedLine));
+    EXPECT_EQ(findDialog(), nullptr);
+    EXPECT_TRUE(isSaved("master=0"));
+}
+
+TEST_F(DialogTest, AKeyHeldDownPressesOnce) {
+    ASSERT_TRUE(openWith(""));
+    const DialogDriver hand = dialog();
+    hand.repeatKey(VK_RETURN);  // of the key that chose the menu entry
+    hand.repeatKey(VK_ESCAPE);
+    ASSERT_TRUE(isDialogShown());
+    hand.click(kMasterToggle);
+    hand.key(VK_TAB);  // to the panel's toggle
+    hand.key(VK_SPACE);
+    for (int i = 0; i < 4; i++) hand.repeatKey(VK_SPACE);
+    for (int i = 0; i < 4; i++) hand.repeatKey(VK_RETURN);
+    ASSERT_TRUE(save());
+    EXPECT_TRUE(isSaved("master=0"));
+    EXPECT_TRUE(isSaved("panel_visible=1"));
+}
+
 TEST_F(DialogTest, TheWheelOverASliderMovesIt) {
     ASSERT_TRUE(open());
     DialogDriver hand = dialog();

@@ -227,6 +227,27 @@ TEST_F(DialogWindowTest, DraggedToAnotherResolutionItStaysUnderThePointerAndInsi
     EXPECT_EQ(place(), hanging);
 }
 
+TEST_F(DialogWindowTest, WhatIsClickedIsStillLitUnderTheMouse) {
+    ASSERT_TRUE(openWith(""));
+    const DialogDriver hand = dialog();
+    const DialogLayout layout = hand.layout();
+    const PixelRect button = findControl(layout, kResetPanel)->rect;  // changes nothing to be seen here
+    const POINT at = hand.pointOn(kResetPanel);
+    ArgbImage plain, lit, clicked;
+    hand.inOneGo([&] {
+        const auto look = [&] { return cropImage(askForPicture(hand.window()), button); };
+        hand.move(hand.pointOn(kOpacitySlider));
+        plain = look();
+        hand.move(at);
+        lit = look();
+        hand.press(at);
+        hand.release(at);
+        clicked = look();
+    });
+    EXPECT_NE(lit.pixels, plain.pixels);
+    EXPECT_EQ(clicked.pixels, lit.pixels);
+}
+
 TEST_F(DialogWindowTest, AtRestItPaintsNothingAndAChangeOnce) {
     ASSERT_TRUE(openWith(""));
     PaintCount paints(findDialog());

@@ -103,11 +103,13 @@ TEST_F(DialogHand, AClickOnASlidersWordsChangesNothing) {
     EXPECT_EQ(model.working.opacity, 47.0f);
 }
 
-TEST_F(DialogHand, ALostCaptureEndsTheDrag) {
+TEST_F(DialogHand, ALostCaptureEndsTheDragAndLeavesTheMouseWhereItIs) {
     const DialogLayout now = layout();
     const PixelRect track = trackRect(now, *findControl(now, kOpacitySlider));
     pressMouse(input, model, now, {track.left, track.top});
-    forgetMouse(input);
+    letGo(input);
+    EXPECT_EQ(input.pressed, DialogHit{});
+    EXPECT_EQ(input.hover.id, kOpacitySlider);
     moveMouse(input, model, now, {track.right, track.top});
     EXPECT_EQ(model.working.opacity, 30.0f);
     EXPECT_FALSE(input.isDragging);
@@ -131,6 +133,33 @@ TEST_F(DialogHand, TheWheelStepsSlidersAndSelectors) {
     EXPECT_EQ(model.working.bind_B, 2);
     wheel(kKeyBSelector, 1200);
     EXPECT_EQ(model.working.bind_B, 0);
+}
+
+TEST_F(DialogHand, TheWheelOnAPageThatScrollsStepsOnlyWhatHasTheFocus) {
+    height = 450;
+    model.page = 1;
+    ASSERT_GT(layout().scrollRange, 0);
+    wheel(kReceiveVolumeSlider, -120);
+    EXPECT_EQ(model.working.receive_volume, 80.0f);
+    EXPECT_EQ(input.scroll, 48);
+    focus(kTransmitGainSlider);
+    wheel(kReceiveVolumeSlider, 120);  // another one has the focus
+    EXPECT_EQ(model.working.receive_volume, 80.0f);
+    EXPECT_EQ(model.working.transmit_gain, 0.0f);
+    EXPECT_EQ(input.scroll, 0);
+    focus(kReceiveVolumeSlider);
+    input.isFocusShown = false;  // as after a click on it
+    wheel(kReceiveVolumeSlider, -120);
+    EXPECT_EQ(model.working.receive_volume, 79.0f);
+    EXPECT_EQ(input.scroll, 0);
+    model.page = 2;
+    wheel(kKeyBSelector, -120);
+    EXPECT_EQ(model.working.bind_B, 0);
+    EXPECT_EQ(input.scroll, 48);
+    focus(kKeyBSelector);
+    wheel(kKeyBSelector, -120);
+    EXPECT_EQ(model.working.bind_B, 1);
+    EXPECT_EQ(input.scroll, 48);
 }
 
 TEST_F(DialogHand, TheWheelScrollsALowWindow) {
@@ -205,12 +234,59 @@ TEST_F(DialogHand, SpaceAndEnterWorkTheFocusedControl) {
     focus(languageControl(kGerman));
     press(DialogKey::kSpace);
     EXPECT_EQ(model.working.language, "de");
-    const Settings before = model.working;
+}
+
+TEST_F(DialogHand, WithoutARingToBeSeenEnterSavesAndSpaceDoesNothing) {
+    height = 450;
+    const auto pressBoth = [&](const char* when) {
+        const DialogInput before = input;
+        const Settings settings = model.working;
+        last = DialogAction::kNone;
+        press(DialogKey::kSpace);
+        EXPECT_EQ(last, DialogAction::kNone) << when;
+        press(DialogKey::kEnter);
+        EXPECT_EQ(last, DialogAction::kSaveAndClose) << when;
+        EXPECT_EQ(model.working, settings) << when;
+        EXPECT_EQ(input, before) << when;  // and no ring appears
+    };
+    pressBoth("just opened");
+    click(kMasterToggle);
+    ASSERT_EQ(input.focus, kMasterToggle);
+    pressBoth("clicked");
+    click(kCancel);
+    pressBoth("a button clicked");
     focus(kNothingHit);
-    press(DialogKey::kEnter);
-    focus(kNoiseReductionToggle);  // on another page
-    press(DialogKey::kEnter);
-    EXPECT_EQ(model.working, before);
+    pressBoth("nothing in focus");
+    focus(kNoiseReductionToggle);
+    pressBoth("on another page");
+    focus(kFirstLanguage);
+    input.scroll = layout().scrollRange;
+    pressBoth("scrolled away");
+}
+
+TEST_F(DialogHand, AKeyHeldDownPressesOnlyOnce) {
+    focus(kMasterToggle);
+    press(DialogKey::kSpace);
+    for (int i = 0; i < 3; i++) repeat(DialogKey::kSpace);
+    EXPECT_FALSE(model.working.master);
+    for (int i = 0; i < 3; i++) repeat(DialogKey::kEnter);
+    EXPECT_FALSE(model.working.master);
+    input.isFocusShown = false;
+    last = DialogAction::kNone;
+    repeat(DialogKey::kEnter);  // the one that opened the dialog
+    EXPECT_EQ(last, DialogAction::kNone);
+    repeat(DialogKey::kEscape);  // the one that closed another window
+    EXPECT_EQ(last, DialogAction::kNone);
+}
+
+TEST_F(DialogHand, AKeyHeldDownMovesAndStepsOn) {
+    focus(kMasterToggle);
+    repeat(DialogKey::kTab);
+    EXPECT_EQ(input.focus, kPanelVisibleToggle);
+    focus(kOpacitySlider);
+    repeat(DialogKey::kLeft);
+    repeat(DialogKey::kLeft);
+    EXPECT_EQ(model.working.opacity, 98.0f);
 }
 
 TEST_F(DialogHand, EscapeClosesWhereverTheFocusIs) {
@@ -258,6 +334,14 @@ TEST_F(DialogHand, ArrowsMoveBetweenTabsLanguagesAndOptions) {
     EXPECT_EQ(input.focus, kVoiceTab);
     press(DialogKey::kUp);
     press(DialogKey::kUp);
+    EXPECT_EQ(model.page, 0);
+    focus(kRadioTab);  // as with Tab: the page shown is still the first
+    press(DialogKey::kDown);
+    EXPECT_EQ(input.focus, kAboutTab);
+    EXPECT_EQ(model.page, 3);
+    focus(kVoiceTab);
+    press(DialogKey::kUp);
+    EXPECT_EQ(input.focus, kGeneralTab);
     EXPECT_EQ(model.page, 0);
     focus(languageControl(kKorean));
     press(DialogKey::kDown);
@@ -314,6 +398,25 @@ TEST_F(DialogHand, AnotherLanguageEndsADragWhereItStands) {
     EXPECT_EQ(releaseMouse(input, model, now, {track.right, track.top}), std::nullopt);
     EXPECT_EQ(model.working.opacity, 65.0f);
     EXPECT_EQ(model.working.language, "ko");
+}
+
+TEST_F(DialogHand, WhatIsClickedIsStillUnderTheMouse) {
+    for (const int id : {int{kMasterToggle}, int{kResetPanel}, int{kVoiceTab}, int{kApply}}) {
+        click(id);
+        EXPECT_EQ(input.hover.id, id);
+        EXPECT_EQ(input.pressed, DialogHit{}) << id;
+    }
+}
+
+TEST_F(DialogHand, AnArrowShowsWhatItSteps) {
+    height = kDialogLowest;
+    model.page = 1;
+    focus(kReceiveVolumeSlider);
+    input.scroll = layout().scrollRange;
+    ASSERT_LT(rect(kReceiveVolumeSlider).top, layout().pageView.top);
+    press(DialogKey::kLeft);
+    EXPECT_EQ(model.working.receive_volume, 79.0f);
+    EXPECT_GE(rect(kReceiveVolumeSlider).top, layout().pageView.top);
 }
 
 TEST_F(DialogHand, AToggleLeavesTheMouseWhereItIs) {

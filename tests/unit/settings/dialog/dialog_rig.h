@@ -26,6 +26,7 @@ struct DialogRig {
     void click(PixelPoint at) {
         pressMouse(input, model, layout(), at);
         run(releaseMouse(input, model, layout(), at));
+        moveMouse(input, model, layout(), at);
     }
     void click(int id, int part = 0) {
         const DialogLayout now = layout();
@@ -43,7 +44,13 @@ struct DialogRig {
         run(releaseMouse(input, model, now, {thumbX(now, control, row(id).range, to), y}));
     }
     void press(DialogKey key) { run(pressKey(input, model, layout(), key)); }
-    void focus(int id) { input.focus = id; }
+    // The key is still down.
+    void repeat(DialogKey key) { run(pressKey(input, model, layout(), key, true)); }
+    // As by the keyboard: with a ring around it.
+    void focus(int id) {
+        input.focus = id;
+        input.isFocusShown = true;
+    }
     void wheel(int id, int delta) {
         const DialogLayout now = layout();
         turnWheel(input, model, now, middleOf(findControl(now, id)->rect), delta);
