@@ -8,7 +8,7 @@ constexpr int kNotch = 120;
 constexpr float kScrollUnits = 48;  // per notch of the wheel
 
 bool isReachable(const DialogControl& control) {
-    return control.look != ControlLook::kLive;
+    return control.look != ControlLook::kLive && control.look != ControlLook::kFixedKey;
 }
 
 bool isRingSeen(const DialogInput& input, const DialogLayout& layout) {
@@ -179,7 +179,7 @@ bool pressMouse(DialogInput& input, DialogModel& model, const DialogLayout& layo
         return true;
     }
     const DialogRow* row = findRow(hit.id);
-    if (!row || row->kind == RowKind::kLive) return false;
+    if (!row || row->kind == RowKind::kLive || isFixedKey(*row)) return false;
     input.pressed = hit;
     input.focus = hit.id;
     if (row->kind == RowKind::kSlider) {
@@ -209,7 +209,7 @@ void turnWheel(DialogInput& input, DialogModel& model, const DialogLayout& layou
     input.wheelRest -= notches * kNotch;
     if (notches == 0) return;
     const DialogRow* row = findRow(hitDialog(layout, at).id);
-    const bool isMeant = row && (row->id == input.focus || layout.scrollRange == 0);
+    const bool isMeant = row && !isFixedKey(*row) && (row->id == input.focus || layout.scrollRange == 0);
     if (isMeant && row->kind == RowKind::kSlider)
         stepLevel(model, *row, notches);
     else if (isMeant && row->kind == RowKind::kSelector)

@@ -66,7 +66,8 @@ constexpr Placement kVoicePage[] = {
 };
 constexpr Placement kRadioPage[] = {
     {kCom1Option,      ControlLook::kOption,   {kLeft,  46, 146, 36}, 4, 2, 154, 44},
-    {kKeyASelector,    ControlLook::kSelector, {kLeft,  182, kKeyColumn, 36}, 5, 1, 0, 42},
+    {kKeyASelector,    ControlLook::kFixedKey, {kLeft,  182, kKeyColumn, 36}},
+    {kKeyBSelector,    ControlLook::kSelector, {kLeft,  224, kKeyColumn, 36}, 4, 1, 0, 42},
     {kPinToggle,       ControlLook::kToggle,   {kTextLeft, 46, kTextColumn, 54}, 2, 1, 0, 60},
     {kTextAlertToggle, ControlLook::kToggle,   {kTextLeft, 210, kTextColumn, 54}, 2, 1, 0, 60},
     {kTextScaleSlider, ControlLook::kSlider,   {kTextLeft, 334, kTextColumn, 54}},
@@ -94,12 +95,11 @@ constexpr TextPlacement kVoiceTexts[] = {
     {DialogTextStyle::kHeading, kTextOther,          nullptr, {kRight, 262, kColumn, 20}},
 };
 constexpr TextPlacement kRadioTexts[] = {
-    {DialogTextStyle::kHeading,   kTextRadio,        nullptr, {kLeft,  18, kKeyColumn, 20}},
-    {DialogTextStyle::kHeading,   kTextCustomKeys,   nullptr, {kLeft,  154, kKeyColumn, 20}},
-    {DialogTextStyle::kNoteTitle, kTextKeyAFixed,    nullptr, {kLeft + kKeyLetter, 396, kKeyColumn - kKeyLetter, 20}},
-    {DialogTextStyle::kNote,      kTextKeyANote,     nullptr, {kLeft + kKeyLetter, 418, kKeyColumn - kKeyLetter, 76}},
-    {DialogTextStyle::kHeading,   kTextPanel,        nullptr, {kTextLeft, 18, kTextColumn, 20}},
-    {DialogTextStyle::kHeading,   kTextTextMessages, nullptr, {kTextLeft, 182, kTextColumn, 20}},
+    {DialogTextStyle::kHeading, kTextRadio,        nullptr, {kLeft,  18, kKeyColumn, 20}},
+    {DialogTextStyle::kHeading, kTextCustomKeys,   nullptr, {kLeft,  154, kKeyColumn, 20}},
+    {DialogTextStyle::kNote,    kTextKeyANote,     nullptr, {kLeft + kKeyLetter, 398, kKeyColumn - kKeyLetter, 76}},
+    {DialogTextStyle::kHeading, kTextPanel,        nullptr, {kTextLeft, 18, kTextColumn, 20}},
+    {DialogTextStyle::kHeading, kTextTextMessages, nullptr, {kTextLeft, 182, kTextColumn, 20}},
 };
 constexpr TextPlacement kAboutTexts[] = {
     {DialogTextStyle::kAppName,    kNoText,             kPluginName,                                {kLeft, 24, kWide, 40}},
@@ -272,6 +272,8 @@ PixelRect partRect(const DialogLayout& layout, const DialogControl& control, int
         const std::int32_t width = rect.right - rect.left;
         rect.right = rect.left + width * (part + 1) / count;
         rect.left += width * part / count;
+    } else if (control.look == ControlLook::kFixedKey) {
+        rect.left += layout.px(kKeyLetter);
     } else if (control.look == ControlLook::kSelector) {
         rect.left += layout.px(kKeyLetter);
         if (part == 0) rect.right = rect.left + layout.px(kArrow);

@@ -20,6 +20,7 @@ enum class ControlLook {
     kSegments,  // a choice's options side by side
     kOption,
     kSelector,
+    kFixedKey,  // a selector that cannot be changed
     kButton,
     kPrimaryButton,
     kWindowButton,
@@ -35,7 +36,7 @@ struct DialogControl {
 };
 
 // A text of the page itself: headings, the note about key A, the About page.
-enum class DialogTextStyle { kHeading, kNoteTitle, kNote, kAppName, kAppVersion, kParagraph, kAboutLabel, kAboutValue };
+enum class DialogTextStyle { kHeading, kNote, kAppName, kAppVersion, kParagraph, kAboutLabel, kAboutValue };
 struct DialogPageText {
     DialogTextStyle style;
     int entry;  // text entry, or kNoText: value is the text
@@ -80,8 +81,8 @@ DialogHit hitDialog(const DialogLayout& layout, PixelPoint point);
 // Null when the page shown has none of that identifier.
 const DialogControl* findControl(const DialogLayout& layout, int id);
 
-// The parts of a control: an option of segments; the back (0) and forward (1) arrows of a selector. Other controls are
-// one part.
+// The parts of a control: an option of segments; the back (0) and forward (1) arrows of a selector; the words of a
+// fixed key. Other controls are one part.
 PixelRect partRect(const DialogLayout& layout, const DialogControl& control, int part);
 // The switch within a toggle.
 PixelRect switchRect(const DialogLayout& layout, const DialogControl& control);

@@ -88,6 +88,8 @@ constexpr bool isInOrder() {
 static_assert(isInOrder());  // findRow bisects
 
 constexpr const char* kThemeNames[] = {"GENERAL", "BOEING", "AIRBUS"};  // in the order of the theme setting
+constexpr int kThemeKeys[] = {0, 2, 5};  // the custom keys of each, from A on (panel/panel_tables.inc)
+static_assert(std::size(kThemeKeys) == std::size(kThemeNames));
 constexpr int kActionCount = 8;
 constexpr const char* kCodes[] = {"zh-CN", "zh-TW", "en", "ja", "ko", "de", "fr", "es", "ru"};
 static_assert(std::size(kCodes) == kLanguageCount);
@@ -128,6 +130,15 @@ int optionCount(const DialogRow& row) {
 std::string_view optionText(const DialogRow& row, int option, std::int32_t language) {
     if (option < 0 || option >= optionCount(row)) return {};
     return row.kind == RowKind::kChoice ? kThemeNames[option] : textOf(language, kTextActionNone + option);
+}
+
+bool hasKey(std::int32_t theme, const DialogRow& selector) {
+    const bool isKnown = theme >= 0 && theme < static_cast<std::int32_t>(std::size(kThemeKeys));
+    return selector.kind == RowKind::kSelector && selector.id - kKeyASelector < kThemeKeys[isKnown ? theme : 0];
+}
+
+bool isFixedKey(const DialogRow& row) {
+    return row.id == kKeyASelector;
 }
 
 std::string_view rowText(const DialogRow& row, std::int32_t language) {

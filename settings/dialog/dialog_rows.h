@@ -111,6 +111,13 @@ float rowLevel(const DialogRow& row, const Settings& settings);
 int optionCount(const DialogRow& row);
 std::string_view optionText(const DialogRow& row, int option, std::int32_t language);
 
+// Whether a theme's panel has the custom key of a selector: GENERAL none, BOEING A and B, AIRBUS all. An unknown theme
+// is GENERAL.
+bool hasKey(std::int32_t theme, const DialogRow& selector);
+// Key A's selector shows what the key is fixed to. Its field is changed by a command only; no key of the panel reads
+// it.
+bool isFixedKey(const DialogRow& row);
+
 // What a control is called: its caption, the language's own name, or its label.
 std::string_view rowText(const DialogRow& row, std::int32_t language);
 

@@ -187,7 +187,8 @@ class DialogShapes {
                 paintSegments(control, row);
                 break;
             case ControlLook::kSelector:
-                paintSelector(control);
+            case ControlLook::kFixedKey:
+                paintSelector(control, row);
                 break;
             case ControlLook::kButton:
                 fillRounded(control.rect, 8,
@@ -269,24 +270,26 @@ class DialogShapes {
         }
     }
 
-    void paintSelector(const DialogControl& control) {
+    void paintSelector(const DialogControl& control, const DialogRow& row) {
+        const bool isDimmed = !hasKey(picture_.view.settings.theme, row);
         PixelRect letter = control.rect;
         letter.right = letter.left + layout_.px(36);
-        fillRounded(letter, 8, 0xFF17382A);
+        fillRounded(letter, 8, isDimmed ? kCard : 0xFF17382A);
         PixelRect value = partRect(layout_, control, 0);
         value.right = control.rect.right;
+        if (isFixedKey(row)) return drawRounded(value, 8, 1, kCardEdge);
         fillRounded(value, 8, cardOf(control));
         drawRounded(value, 8, 1, kCardEdge);
-        for (int part = 0; part < 2; part++) paintArrow(control, part);
+        for (int part = 0; part < 2; part++) paintArrow(control, part, isDimmed);
     }
 
-    void paintArrow(const DialogControl& control, int part) {
+    void paintArrow(const DialogControl& control, int part, bool isDimmed) {
         const PixelRect rect = partRect(layout_, control, part);
         const bool isUnder = isHovered(control) && picture_.input.hover.part == part;
         const float x = static_cast<float>(rect.left + rect.right) / 2.0f;
         const float y = static_cast<float>(rect.top + rect.bottom) / 2.0f;
         const float reach = units(part == 0 ? -2.5f : 2.5f);
-        const ARGB colour = isUnder ? kAccentHovered : 0xFF93A89C;
+        const ARGB colour = isUnder ? kAccentHovered : isDimmed ? 0xFF4A5D53 : 0xFF93A89C;
         drawLine(x - reach, y - units(5), x + reach, y, 1.8f, colour);
         drawLine(x + reach, y, x - reach, y + units(5), 1.8f, colour);
     }

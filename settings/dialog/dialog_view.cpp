@@ -99,13 +99,21 @@ void addSegments(TextList& list, const DialogControl& control, const DialogRow& 
 void addSelector(TextList& list, const DialogControl& control, const DialogRow& row) {
     PixelRect letter = control.rect;
     letter.right = letter.left + list.layout().px(36);
-    list.addTo(control, row.caption, letter, {14, true, TextTone::kStrong, TextSide::kMiddle});
+    const DialogView& view = list.view();
+    const bool isDimmed = !hasKey(view.settings.theme, row);
+    list.addTo(control, row.caption, letter,
+               {14, true, isDimmed ? TextTone::kFaint : TextTone::kStrong, TextSide::kMiddle});
     PixelRect value = partRect(list.layout(), control, 0);
+    if (isFixedKey(row)) {
+        list.addTo(control, list.entry(kTextKeyAFixed), value,
+                   {13, false, isDimmed ? TextTone::kFaint : TextTone::kDim, TextSide::kMiddle});
+        return;
+    }
     value.left = value.right;
     value.right = partRect(list.layout(), control, 1).left;
-    const std::int32_t action = rowNumber(row, list.view().settings);
-    list.addTo(control, optionText(row, action, list.view().language), value,
-               {13, false, action == 0 ? TextTone::kDim : TextTone::kPlain, TextSide::kMiddle});
+    const std::int32_t action = rowNumber(row, view.settings);
+    const TextTone tone = isDimmed ? TextTone::kFaint : action == 0 ? TextTone::kDim : TextTone::kPlain;
+    list.addTo(control, optionText(row, action, view.language), value, {13, false, tone, TextSide::kMiddle});
 }
 
 void addLive(TextList& list, const DialogControl& control) {
@@ -160,6 +168,7 @@ void addControl(TextList& list, const DialogControl& control) {
         case ControlLook::kSegments:
             return addSegments(list, control, row);
         case ControlLook::kSelector:
+        case ControlLook::kFixedKey:
             return addSelector(list, control, row);
         case ControlLook::kButton:
             return list.addTo(control, caption, inner, {13, false, TextTone::kPlain, TextSide::kMiddle});
@@ -176,8 +185,6 @@ Style styleOf(DialogTextStyle style) {
     switch (style) {
         case DialogTextStyle::kHeading:
             return {13, true, TextTone::kAccent};
-        case DialogTextStyle::kNoteTitle:
-            return {12, true, TextTone::kAmber};
         case DialogTextStyle::kNote:
             return {12, false, TextTone::kDim};
         case DialogTextStyle::kAppName:

@@ -37,6 +37,14 @@ void pressAndFocus(Stage& stage) {
     dialog.move(dialog.pointOn(kApply));
 }
 
+// The ring around one of several toggles that stand close together.
+void focusOnOption(Stage& stage) {
+    openDialog(stage);
+    const DialogDriver dialog(findDialog(), 0);
+    dialog.click(kFollowVolumeToggle);
+    dialog.key(VK_TAB);
+}
+
 void openInSmallWindow(Stage& stage) {
     openPage<2>(stage);
     SetWindowPos(findDialog(), nullptr, 100, 100, 800, 450, SWP_NOZORDER | SWP_NOACTIVATE);
@@ -61,6 +69,10 @@ std::vector<Scene> makeScenes() {
     }
     scenes.push_back({"unconnected", "language=en\r\n", nullptr, openPage<0>, findDialog, Moment::kStill, false});
     scenes.push_back({"focus", "language=en\r\n", fly, pressAndFocus, findDialog, Moment::kStill, false});
+    scenes.push_back({"focus_option", "language=en\r\n", fly, focusOnOption, findDialog, Moment::kStill, true});
+    scenes.push_back({"keys_none", "language=en\r\n", fly, openPage<2>, findDialog, Moment::kStill, false});
+    scenes.push_back({"keys_all", "language=en\r\ntheme=2\r\nbind_B=1\r\nbind_D=6\r\n", fly, openPage<2>, findDialog,
+                      Moment::kStill, false});
     scenes.push_back({"small", "language=en\r\n", fly, openInSmallWindow, findDialog, Moment::kStill, false});
     return scenes;
 }

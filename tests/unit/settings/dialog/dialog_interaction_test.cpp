@@ -44,7 +44,7 @@ TEST_F(DialogHand, AClickWorksEveryControlOfEveryPage) {
                     EXPECT_EQ(rowNumber(clicked, model.working), clicked.value);
                     break;
                 case RowKind::kSelector:
-                    EXPECT_EQ(rowNumber(clicked, model.working), 1);
+                    EXPECT_EQ(rowNumber(clicked, model.working), control.id == kKeyASelector ? 0 : 1);
                     break;
                 case RowKind::kButton:
                     EXPECT_EQ(last != DialogAction::kNone, control.id != kResetPanel) << control.id;
@@ -189,7 +189,7 @@ TEST_F(DialogHand, TabReachesEveryControlAndComesAround) {
         model.page = page;
         std::set<int> expected, forward, backward;
         for (const DialogControl& control : layout().controls) {
-            if (control.id != kLiveRow) expected.insert(control.id);
+            if (control.id != kLiveRow && control.id != kKeyASelector) expected.insert(control.id);
         }
         input.focus = kNothingHit;
         for (std::size_t i = 0; i < expected.size(); i++) {
@@ -417,6 +417,18 @@ TEST_F(DialogHand, AnArrowShowsWhatItSteps) {
     press(DialogKey::kLeft);
     EXPECT_EQ(model.working.receive_volume, 79.0f);
     EXPECT_GE(rect(kReceiveVolumeSlider).top, layout().pageView.top);
+}
+
+TEST_F(DialogHand, TheFixedKeyTakesNeitherClicksNorTheWheel) {
+    model.page = 2;
+    model.working.theme = 2;
+    EXPECT_FALSE(pressMouse(input, model, layout(), middleOf(rect(kKeyASelector))));
+    for (int part = 0; part < 2; part++) click(kKeyASelector, part);
+    wheel(kKeyASelector, -240);
+    focus(kStandbyOption);
+    press(DialogKey::kTab);
+    EXPECT_EQ(input.focus, kKeyBSelector);
+    EXPECT_EQ(model.working.bind_A, 0);
 }
 
 TEST_F(DialogHand, AToggleLeavesTheMouseWhereItIs) {

@@ -85,7 +85,9 @@ TEST(DialogLayoutTest, TheMiddleOfEachControlHitsIt) {
         for (const DialogControl& control : layout.controls) {
             EXPECT_EQ(hitDialog(layout, middleOf(control.rect)).id, control.id);
             const int options = optionCount(*findRow(control.id));
-            const int parts = control.look == ControlLook::kSegments ? options : options > 0 ? 2 : 0;
+            const int parts = control.look == ControlLook::kSegments   ? options
+                              : control.look == ControlLook::kSelector ? 2
+                                                                       : 0;
             for (int part = 0; part < parts; part++) {
                 const PixelRect rect = partRect(layout, control, part);
                 EXPECT_TRUE(isWithin(rect, control.rect)) << control.id;

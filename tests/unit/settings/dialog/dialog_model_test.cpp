@@ -219,7 +219,7 @@ TEST_F(DialogModelTest, EverySettingSetByTheMouseStandsInTheFile) {
     DialogRig rig;
     const Settings expected = clickEverySetting(rig);
     for (const SettingCopy& setting : settingsCopy()) {
-        if (setting.control.id == 0) continue;
+        if (setting.control.id == 0 || setting.control.id == kKeyASelector) continue;  // key A is fixed
         Settings unchanged = expected;
         putValue(unchanged, setting, setting.standard);
         EXPECT_NE(unchanged, expected) << setting.key << " was not changed";

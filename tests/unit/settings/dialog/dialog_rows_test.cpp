@@ -1,6 +1,7 @@
 #include "settings/dialog/dialog_rows.h"
 #include <gtest/gtest.h>
 #include <set>
+#include "panel/panel_layout.h"
 #include "settings/interface_texts.h"
 #include "settings/language.h"
 #include "tests/unit/settings/settings_copy.h"
@@ -102,6 +103,16 @@ TEST(DialogRows, CallTheThemesByTheirNamesAndTheActionsByTheirTexts) {
     EXPECT_EQ(optionText(key, optionCount(key), kFrench), "");
     EXPECT_EQ(optionText(key, -1, kFrench), "");
     EXPECT_EQ(optionCount(*findRow(kMasterToggle)), 0);
+}
+
+TEST(DialogRows, KnowWhichCustomKeysEachThemesPanelHas) {
+    for (std::int32_t theme = -1; theme <= kThemeCount; theme++) {
+        for (int key = 0; key < 5; key++) {
+            const bool isThere = findHotspot(themeLayout(theme), kCustomKeyA + key) != nullptr;
+            EXPECT_EQ(hasKey(theme, *findRow(kKeyASelector + key)), isThere) << theme << ' ' << key;
+        }
+        EXPECT_FALSE(hasKey(theme, *findRow(kMasterToggle)));
+    }
 }
 
 TEST(DialogRows, CallALanguageByItsOwnNameInEveryLanguage) {

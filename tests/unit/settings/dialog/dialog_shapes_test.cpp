@@ -45,7 +45,7 @@ TEST(DialogShapesTest, TheFocusRingIsWholeAroundEveryControl) {
             DialogPicture picture = pageAt(page, percent);
             const DialogLayout layout = layoutOf(picture);
             for (const DialogControl& control : layout.controls) {
-                if (control.look == ControlLook::kLive) continue;
+                if (control.look == ControlLook::kLive || control.look == ControlLook::kFixedKey) continue;
                 picture.input.focus = control.id;
                 picture.input.isFocusShown = true;
                 const ArgbImage ringed = drawn(picture);
@@ -82,4 +82,31 @@ TEST(DialogShapesTest, TheFocusRingOfWhatIsScrolledStaysOnThePage) {
     ASSERT_GT(rect.bottom, layout.pageView.top);
     EXPECT_TRUE(isAlike(plain, ringed, {0, 0, picture.width, layout.pageView.top}));
     EXPECT_FALSE(isAlike(plain, ringed, {0, layout.pageView.top, picture.width, layout.pageView.bottom}));
+}
+
+TEST(DialogShapesTest, AThemeWithoutAKeyDimsItsSelectorAndNoOther) {
+    DialogPicture picture = pageAt(2, 100);
+    const DialogLayout layout = layoutOf(picture);
+    picture.view.settings.theme = 2;
+    const ArgbImage airbus = drawn(picture);
+    const int keys[] = {0, 2, 5};  // of GENERAL, BOEING and AIRBUS
+    for (int theme = 0; theme < 3; theme++) {
+        picture.view.settings.theme = theme;
+        const ArgbImage image = drawn(picture);
+        for (int key = 0; key < 5; key++) {
+            const PixelRect rect = findControl(layout, kKeyASelector + key)->rect;
+            EXPECT_EQ(isAlike(image, airbus, rect), key < keys[theme]) << theme << ' ' << key;
+        }
+    }
+}
+
+TEST(DialogShapesTest, TheFixedKeyLooksTheSameUnderTheMouse) {
+    DialogPicture picture = pageAt(2, 100);
+    picture.view.settings.theme = 1;
+    const ArgbImage plain = drawn(picture);
+    for (const int id : {int{kKeyASelector}, int{kKeyBSelector}}) {
+        picture.input.hover = {id, 1};
+        const PixelRect rect = findControl(layoutOf(picture), id)->rect;
+        EXPECT_EQ(isAlike(drawn(picture), plain, rect), id == kKeyASelector);
+    }
 }

@@ -1,5 +1,7 @@
 #include "settings/dialog/dialog_view.h"
 #include <gtest/gtest.h>
+#include <algorithm>
+#include "settings/interface_texts.h"
 #include "settings/language.h"
 
 namespace {
@@ -114,6 +116,42 @@ TEST(DialogViewTexts, BreakAtSpacesAndBetweenIdeographs) {
     text.wraps = false;
     text.text = "ab cde fg";
     EXPECT_EQ(linesOf(text, tenPerByte), (std::vector<std::string>{"ab cde fg"}));
+}
+
+TEST(DialogViewTexts, DimTheKeysThatTheChosenThemeLacks) {
+    const DialogLayout layout = layoutDialog(kDialogWidth, kDialogHeight, 96, 2, 0);
+    const int keys[] = {0, 2, 5};  // of GENERAL, BOEING and AIRBUS
+    for (int theme = 0; theme < 3; theme++) {
+        DialogView view;
+        view.language = kEnglish;
+        view.settings.theme = theme;
+        view.settings.bind_B = view.settings.bind_C = view.settings.bind_D = view.settings.bind_E = 1;
+        int dimmed = 0, bright = 0;
+        for (const DialogText& text : dialogTexts(layout, view)) {
+            if (text.id < kKeyASelector || text.id > kKeyESelector) continue;
+            (text.tone == TextTone::kFaint ? dimmed : bright)++;
+            EXPECT_EQ(text.tone == TextTone::kFaint, text.id - kKeyASelector >= keys[theme]) << theme << ' ' << text.id;
+        }
+        EXPECT_EQ(bright, 2 * keys[theme]);  // letter and action of each
+        EXPECT_EQ(dimmed, 10 - 2 * keys[theme]);
+    }
+}
+
+TEST(DialogViewTexts, SayWhatKeyAIsFixedToWhateverIsBoundToIt) {
+    const DialogLayout layout = layoutDialog(kDialogWidth, kDialogHeight, 96, 2, 0);
+    DialogView view;
+    view.language = kFrench;
+    view.settings.bind_A = 3;
+    std::vector<std::string> words;
+    int elsewhere = 0;
+    for (const DialogText& text : dialogTexts(layout, view)) {
+        if (text.id == kKeyASelector)
+            words.push_back(text.text);
+        else if (text.text == textOf(kFrench, kTextKeyAFixed))
+            elsewhere++;
+    }
+    EXPECT_EQ(words, (std::vector<std::string>{"A", std::string(textOf(kFrench, kTextKeyAFixed))}));
+    EXPECT_EQ(elsewhere, 0);  // once is enough
 }
 
 TEST(DialogViewTexts, ShowWhatIsSetInTheLanguageChosen) {

@@ -50,6 +50,7 @@ void clickControl(Hand& hand, const DialogRow& row, DialogWalk& walk) {
             walk.expect(row, optionCount(row) - 1);
             break;
         case RowKind::kSelector: {
+            if (row.id == kKeyASelector) break;  // fixed: a click changes nothing
             const int option = walk.nextOption(row);
             for (int i = 0; i < option; i++) hand.click(row.id, 1);
             walk.expect(row, option);
