@@ -273,15 +273,16 @@ TEST_F(Messages, APressOnTheHeaderDragsTheWindowByIt) {
     std::atomic<LPARAM> pressedAt{0};
     std::atomic<int> captionPresses{0}, moves{0}, ends{0};
     const HWND window = findMessageWindow();
-    const WindowWatch watch(window, {.onTaken = nullptr, .onSent = [&](const MSG& message) {
-                                         if (message.hwnd != window) return;
-                                         if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCAPTION) {
-                                             pressedAt = message.lParam;
-                                             captionPresses++;
-                                         }
-                                         moves += message.message == WM_ENTERSIZEMOVE;
-                                         ends += message.message == WM_EXITSIZEMOVE;
-                                     }});
+    const WindowWatch watch(window,
+                            {.onTaken = nullptr, .onSent = [&](const MSG& message) {
+                                 if (message.hwnd != window) return;
+                                 if (message.message == WM_SYSCOMMAND && message.wParam == (SC_MOVE | HTCAPTION)) {
+                                     pressedAt = message.lParam;
+                                     captionPresses++;
+                                 }
+                                 moves += message.message == WM_ENTERSIZEMOVE;
+                                 ends += message.message == WM_EXITSIZEMOVE;
+                             }});
     ASSERT_TRUE(watch.isWatching());
     PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 20));
     ASSERT_TRUE(session.waitUntil([&] { return moves == 1; }, kLongMs));  // the system is moving it now

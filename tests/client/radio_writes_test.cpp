@@ -212,7 +212,7 @@ TEST_F(RealWorker, CarriesOutATuningClickAndTheUserFollows) {
     EXPECT_EQ(host.callsOf("requestClientMove")[0].channelId, kTower122800);
     EXPECT_EQ(telemetryValue("com1_active"), "122800");
     EXPECT_EQ(telemetryValue("ack_ok"), "true");
-    EXPECT_EQ(telemetryValue("ack_message"), "COM1active122.800");  // the blanks were removed above
+    EXPECT_EQ(telemetryValue("ack_message"), "COM1ACTIVE122.800");  // the blanks were removed above
 }
 
 TEST_F(RealWorker, LeavesNoProcessBehind) {
