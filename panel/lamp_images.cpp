@@ -7,8 +7,9 @@ namespace {
 
 constexpr float kLampGlowReach = 22.0f;  // logical units from the glass to where the glow ends
 constexpr float kLampGlowStrength = 0.42f;
-constexpr float kHotShare = 0.62f;  // how near to white the middle of the glass is
-constexpr float kBarRadius = 3.0f;  // logical units, corners
+constexpr float kIconBrightness = 225.0f;  // 0..255: of an icon's or legend's paint in the artwork
+constexpr float kHotShare = 0.62f;         // how near to white the middle of the glass is
+constexpr float kBarRadius = 3.0f;         // logical units, corners
 constexpr float kSquareRadius = 3.5f;
 
 float lampDistance(const UnitRect& lamp, std::int32_t style, float scale, UnitPoint point) {
@@ -28,6 +29,10 @@ std::uint32_t mixTowardsWhite(std::uint32_t argb, float share) {
 // Light has colour and no alpha: it adds to what it falls on.
 std::uint32_t lightOf(std::uint32_t argb, float strength) {
     return premultiplied(argb, strength) & 0x00FFFFFFU;
+}
+
+std::uint32_t dimmed(std::uint32_t argb, float light) {
+    return 0xFF000000 | (premultiplied(argb, light) & 0x00FFFFFFU);
 }
 
 float glowAt(float distance, float reach) {
@@ -58,7 +63,9 @@ ArgbImage tintIcon(const ArgbImage& key, std::uint32_t colour) {
         const std::uint32_t brightest = std::max({pixel >> 16U & 0xFFU, pixel >> 8U & 0xFFU, pixel & 0xFFU});
         // Key caps are dark, below a third of full brightness; icons are bright.
         const float share = std::clamp((static_cast<float>(brightest) - 80.0f) / 90.0f, 0.0f, 1.0f);
-        pixel = blendOver(pixel, premultiplied(colour, share * static_cast<float>(pixel >> 24U) / 255.0f));
+        // As bright as it was: at small sizes the ground between two strokes is what keeps them apart.
+        const std::uint32_t tint = dimmed(colour, std::min(static_cast<float>(brightest) / kIconBrightness, 1.0f));
+        pixel = blendOver(pixel, premultiplied(tint, share * static_cast<float>(pixel >> 24U) / 255.0f));
     }
     return tinted;
 }

@@ -90,14 +90,33 @@ def paste_round(picture, patch, at, radius):
     picture[place] = picture[place] * (1 - share) + patch * share
 
 
-def print_picture(path, rgb, alpha, area, shadow=0.45):
-    """Writes the PNG: a faint contact shadow about the plate, nothing outside the visible area."""
+def lay_over(picture, patch, part, box, soft=6):
+    """Lays the part (x, y, w, h) of a patch that fills the box over the picture; its edge fades over soft pixels."""
+    x, y, w, h = box
+    rows, columns = np.mgrid[y : y + h, x : x + w]
+    beside = np.maximum(np.maximum(part[0] - columns, columns - (part[0] + part[2] - 1)), 0)
+    above = np.maximum(np.maximum(part[1] - rows, rows - (part[1] + part[3] - 1)), 0)
+    share = np.clip(1 - np.maximum(beside, above) / soft, 0, 1)[..., None]
+    place = np.s_[y : y + h, x : x + w]
+    picture[place] = np.round(picture[place] * (1 - share) + patch * share)
+
+
+def print_picture(path, rgb, alpha, area):
+    """Writes the PNG."""
+    save_picture(path, printed(rgb, alpha, area))
+
+
+def save_picture(path, pixels):
+    Image.fromarray(np.uint8(pixels), "RGBA").save(path, optimize=True)
+
+
+def printed(rgb, alpha, area, shadow=0.45):
+    """RGBA, 0..255: a faint contact shadow about the plate, nothing outside the visible area."""
     plate = Image.fromarray(np.uint8(np.round(alpha[..., 0] * 255)))
     around = np.asarray(plate.filter(ImageFilter.GaussianBlur(3)), np.float32)[..., None] / 255 * shadow
     inside = np.zeros_like(alpha)
-    inside[int(area.y) : int(area.bottom), int(area.x) : int(area.right)] = 1
+    inside[max(int(area.y), 0) : max(int(area.bottom), 0), max(int(area.x), 0) : max(int(area.right), 0)] = 1
     whole = (alpha + (1 - alpha) * around) * inside
     color = rgb * alpha / np.maximum(whole, 1e-3)
     color = np.where(whole > 0, np.clip(color, 0, 1), 0)
-    pixels = np.uint8(np.round(np.concatenate([color, np.clip(whole, 0, 1)], axis=2) * 255))
-    Image.fromarray(pixels, "RGBA").save(path, optimize=True)
+    return np.round(np.concatenate([color, np.clip(whole, 0, 1)], axis=2) * 255)

@@ -11,6 +11,7 @@ from PIL import Image, ImageDraw, ImageFilter, ImageFont
 FONT = "/usr/share/fonts/opentype/b612/B612-Bold.otf"
 CAP_HEIGHT = 0.715  # of B612's em
 FINE = 3  # sheet pixels per artwork pixel
+CORNER = 26  # pixels at both ends of an edge, which are round
 
 
 class LegendSheet:
@@ -76,6 +77,18 @@ class LegendSheet:
             points.append((cx + r * math.cos(angle), cy + r * math.sin(angle)))
         self.polygon(points, "wear", strength)
 
+    def rub(self, rng, x, y, along, length, depth, strength):
+        """Paint worn away along an edge, from (x, y) in the direction of along, (dx, dy): deepest somewhere in the middle,
+        with an uneven inner rim to the left of the direction."""
+        (dx, dy), steps, peak = along, max(6, int(length / 3)), rng.uniform(0.3, 0.7)
+        points = [(x, y), (x + dx * length, y + dy * length)]
+        for step in range(steps - 1, 0, -1):
+            share = step / steps
+            swell = share / peak if share < peak else (1 - share) / (1 - peak)
+            inward = depth * swell**0.6 * rng.uniform(0.6, 1.0)
+            points.append((x + dx * length * share + dy * inward, y + dy * length * share - dx * inward))
+        self.polygon(points, "wear", strength)
+
     def save(self, path):
         layers = [layer.filter(ImageFilter.GaussianBlur(0.7)) for layer in self._layers.values()]
         Image.merge("RGB", layers).save(path, compress_level=1)
@@ -117,22 +130,29 @@ def bar_icon(sheet, cx, cy, reach, stroke):
     sheet.line(cx - reach, cy, cx + reach, cy, stroke)
 
 
-def worn_plate(sheet, area, seed, chips, scratches, fasteners=()):
-    """Chips along the faceplate's edge, most at its corners, and about its fasteners (x, y, radius); hairlines over it."""
+def worn_plate(sheet, area, seed, rubs, scratches, fasteners=()):
+    """Worn edges of the faceplate, most near its corners; chips about its fasteners (x, y, radius); hairlines over it.
+
+    Only a long and faint mark reads as wear where the panel is 900 pixels wide: a short bright one is a faulty pixel.
+    """
     rng = random.Random(seed)
-    for _ in range(chips):
-        along = rng.betavariate(0.55, 0.55)  # near an end more often than in the middle
-        side = rng.choice("ltrb")
-        depth = abs(rng.gauss(0, 2.2)) + 3
-        x = area.x + area.w * along if side in "tb" else (area.x + depth if side == "l" else area.right - depth)
-        y = area.y + area.h * along if side in "lr" else (area.y + depth if side == "t" else area.bottom - depth)
-        for _ in range(rng.randint(1, 4)):
-            sheet.chip(rng, x + rng.gauss(0, 4), y + rng.gauss(0, 1.2), rng.uniform(1.0, 3.4), rng.randint(140, 255))
+    for _ in range(rubs):
+        share = rng.betavariate(0.55, 0.55)  # near an end more often than in the middle
+        x, y, along, side = rng.choice(_edges(area))
+        length = rng.uniform(24, 80)
+        start = CORNER + (side - 2 * CORNER - length) * share
+        sheet.rub(rng, x + along[0] * start, y + along[1] * start, along, length, rng.uniform(3, 7), rng.randint(60, 125))
     for x, y, radius in fasteners:
         for _ in range(rng.randint(3, 7)):
             angle, reach = rng.uniform(0, 2 * math.pi), radius + abs(rng.gauss(0, 1.6))
             at = (x + reach * math.cos(angle), y + reach * math.sin(angle))
-            sheet.chip(rng, *at, rng.uniform(0.7, 2.2), rng.randint(120, 230))
+            sheet.chip(rng, *at, rng.uniform(0.7, 2.2), rng.randint(90, 170))
     for _ in range(scratches):
         sheet.scratch(rng, rng.uniform(area.x, area.right), rng.uniform(area.y, area.bottom),
                       rng.uniform(14, 90), rng.uniform(0, 360), rng.randint(30, 95))
+
+
+def _edges(area):
+    """(x, y, direction, length) of each: the plate lies to the left of the direction."""
+    return ((area.x, area.y, (0, 1), area.h), (area.x, area.bottom, (1, 0), area.w),
+            (area.right, area.bottom, (0, -1), area.h), (area.right, area.y, (-1, 0), area.w))

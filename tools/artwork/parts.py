@@ -27,6 +27,7 @@ def add_key(bench, key):
 
 
 def _label(bench, key):
+    """A key without a label stays blank: it has nothing to say."""
     sheet, rect = bench.sheet, key.rect
     cy = rect.cy + bench.style.label_drop.get(key.id, 0)
     reach = min(rect.w, rect.h)
@@ -40,10 +41,7 @@ def _label(bench, key):
         bar_icon(sheet, rect.cx, cy, reach * 0.27, max(5.0, reach * 0.085))
     elif key.id in bench.style.labels:
         words, cap, squeeze = bench.style.labels[key.id]
-        if words == "-":
-            sheet.line(rect.cx - 14, cy, rect.cx + 14, cy, 4)
-        else:
-            sheet.text(words, rect.cx, cy, cap, squeeze)
+        sheet.text(words, rect.cx, cy, cap, squeeze)
 
 
 def add_lamp(bench, lamp, z=None):

@@ -1,6 +1,8 @@
 """Renders one theme. Run by render.sh: blender -b -noaudio --factory-startup -P render_theme.py -- THEME SAMPLES OUT.png
 
 With ARTWORK_BOX=x,y,w,h in the environment it renders only that part: a quick look while working on a scene.
+With ARTWORK_PARTS="x,y,w,h x,y,w,h ..." it renders only those and lays them over the picture there is in resources/:
+for a change that concerns nothing else, no knob among it.
 """
 import importlib
 import math
@@ -12,13 +14,16 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parent))
 import bpy
+import numpy as np
+from PIL import Image
 
 import darkroom
 from bench import Bench
-from panel_tables import read_panel
+from panel_tables import ROOT, Rect, read_panel
 from stage import PASSES, Stage
 
 THREADS = 2
+MARGIN = 16  # pixels about a part that are rendered with it: smoothing looks so far
 
 
 def main(theme, samples, out):
@@ -34,6 +39,8 @@ def main(theme, samples, out):
 
         stage = Stage(panel.image_size, samples, THREADS)
         stage.light_room(scene.LIGHT)
+        if "ARTWORK_PARTS" in os.environ:
+            return _retouch(panel, stage, scene, folder, out)
         stage.render(folder, part)
         linear, alpha = darkroom.compose(darkroom.load_passes(folder, PASSES))
         picture = darkroom.develop(linear, scene.EXPOSURE)
@@ -47,6 +54,20 @@ def main(theme, samples, out):
             linear, _ = darkroom.compose(darkroom.load_passes(folder, PASSES, box))
             darkroom.paste_round(picture, darkroom.develop(linear, scene.EXPOSURE), box[:2], reach)
         darkroom.print_picture(out, picture, alpha, panel.area)
+
+
+def _retouch(panel, stage, scene, folder, out):
+    picture = np.asarray(Image.open(ROOT / "resources" / f"panel_{panel.theme}.png"), np.float32).copy()
+    height, width = picture.shape[:2]
+    for words in os.environ["ARTWORK_PARTS"].split():
+        x, y, w, h = part = [int(side) for side in words.split(",")]
+        left, top = max(x - MARGIN, 0), max(y - MARGIN, 0)
+        box = (left, top, min(x + w + MARGIN, width) - left, min(y + h + MARGIN, height) - top)
+        stage.render(folder, box, cropped=True)
+        linear, alpha = darkroom.compose(darkroom.load_passes(folder, PASSES))
+        area = Rect(panel.area.x - left, panel.area.y - top, panel.area.w, panel.area.h)
+        darkroom.lay_over(picture, darkroom.printed(darkroom.develop(linear, scene.EXPOSURE), alpha, area), part, box)
+    darkroom.save_picture(out, picture)
 
 
 def _square(rect, reach):

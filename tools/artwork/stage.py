@@ -47,14 +47,17 @@ class Stage:
         ring = ((0, 0.04), (0.45, 0.25), (0.66, 1.9), (0.80, 1.2), (0.92, 0.45), (1, 0.55))
         self._sky([(height, light * gain) for height, light in ring])
 
-    def render(self, folder, box=None):
-        """Writes the passes into the folder as NAME.exr; box: the (x, y, w, h) in pixels to render, the rest stays empty."""
+    def render(self, folder, box=None, cropped=False):
+        """Writes the passes into the folder as NAME.exr; box: the (x, y, w, h) in pixels to render, the rest stays empty or,
+        if cropped, is not there."""
         render = self._scene.render
-        render.use_border = box is not None
+        render.use_border, render.use_crop_to_border = box is not None, cropped
         if box is not None:
             x, y, w, h = box
-            render.border_min_x, render.border_max_x = x / self._width, (x + w) / self._width
-            render.border_min_y, render.border_max_y = 1 - (y + h) / self._height, 1 - y / self._height
+            inside = 0.25  # of a pixel: Blender keeps these shares as floats and cuts off what they come to
+            render.border_min_x, render.border_max_x = (x + inside) / self._width, (x + w + inside) / self._width
+            render.border_min_y = 1 - (y + h - inside) / self._height
+            render.border_max_y = 1 - (y - inside) / self._height
         self._output.base_path = str(folder)
         bpy.ops.render.render()
         for name in PASSES:

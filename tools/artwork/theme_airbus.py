@@ -49,5 +49,5 @@ def build(bench):
     sheet.text("FREQ", tuning.cx, tuning.y - 36, 24, tracking=1)
     for x, y, degrees in FASTENERS:
         cross_screw(bench, x, y, 19, degrees)
-    worn_plate(sheet, bench.plate, seed=7, chips=40, scratches=40,
+    worn_plate(sheet, bench.plate, seed=7, rubs=24, scratches=40,
                fasteners=[(x, y, 24) for x, y, _ in FASTENERS])

@@ -20,7 +20,7 @@ STYLE = Style(
     flutes=28, flute_depth=0.06, flute_sharpness=1.6,
     labels={4: ("ACTIVE", 26, 0.94), 5: ("STBY", 26, 0.94), 6: ("AUTO", 26, 0.94),
             2: ("COM1", 26, 0.94), 3: ("COM2", 26, 0.94),
-            14: ("TEXT", 26, 0.94), 15: ("B", 26, 1), 13: ("-", 0, 1)},
+            14: ("TEXT", 26, 0.94), 15: ("B", 26, 1)},
     label_drop={6: 7},
 )
 
@@ -49,5 +49,5 @@ def build(bench):
     sheet.text("FREQ", tuning.cx, tuning.y - 38, 25, tracking=1)
     for x, y, degrees in FASTENERS:
         quarter_turn(bench, x, y, 22, degrees)
-    worn_plate(sheet, bench.plate, seed=11, chips=44, scratches=44,
+    worn_plate(sheet, bench.plate, seed=11, rubs=26, scratches=44,
                fasteners=[(x, y, 32) for x, y, _ in FASTENERS])

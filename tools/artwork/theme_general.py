@@ -20,7 +20,7 @@ STYLE = Style(
     knob_height=50, flutes=36, flute_depth=0.055,
     labels={4: ("ACTIVE", 34, 0.94), 5: ("STBY", 34, 0.94), 6: ("AUTO", 34, 0.94),
             2: ("COM1", 34, 0.94), 3: ("COM2", 34, 0.94),
-            24: ("TEXT", 21, 0.86)},
+            24: ("TEXT", 29, 0.72)},
     label_drop={4: 34, 5: 34, 6: 34, 2: 34, 3: 34},
 )
 
@@ -37,13 +37,13 @@ def build(bench):
     add_strip(bench, panel.strip)
     for name, lamp in panel.lamps.items():
         add_lamp(bench, lamp)
-        sheet.text(name, lamp.rect.cx, lamp.rect.y - 24, 25)
+        sheet.text(name, lamp.rect.cx, lamp.rect.y - 27, 31, tracking=2)
     volume = panel.key(7).rect
     engrave_volume_scale(bench, volume, 13, 11, 3)
     sheet.text("VOL", volume.x - 92, volume.cy, 28)
     for x, y, degrees in FASTENERS:
         socket_screw(bench, x, y, 15, degrees)
-    worn_plate(sheet, bench.plate, seed=3, chips=18, scratches=11,
+    worn_plate(sheet, bench.plate, seed=3, rubs=16, scratches=11,
                fasteners=[(x, y, 20) for x, y, _ in FASTENERS])
 
 
