@@ -82,7 +82,9 @@ LRESULT Window::dragByCaption(PixelPoint at) {
     POINT screen = {at.x, at.y};
     ClientToScreen(window_, &screen);
     ReleaseCapture();
-    return SendMessageW(window_, WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(screen.x, screen.y));
+    // What the default procedure makes of a press on a caption, but for activating the window: whether a click does
+    // that has been decided by the answer to WM_MOUSEACTIVATE.
+    return SendMessageW(window_, WM_SYSCOMMAND, SC_MOVE | HTCAPTION, MAKELPARAM(screen.x, screen.y));
 }
 
 PixelSize Window::clientSize() const {

@@ -58,7 +58,8 @@ class Window {
     void stopTimer();
     // Asks for WM_MOUSELEAVE when the mouse leaves. True if that message will come.
     bool trackMouseLeave();
-    // Drags the window as if a caption were pressed at this client point; returns when the system has moved it.
+    // Drags the window as if a caption were pressed at this client point, without activating it; returns when the
+    // system has moved it.
     LRESULT dragByCaption(PixelPoint at);
 
     PixelSize clientSize() const;
