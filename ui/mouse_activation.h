@@ -1,5 +1,5 @@
-// mouse_activation.h - does a click on one of our windows take the keyboard? Whoever flies needs it for the aircraft, so
-// a click takes it only where the wheel would not reach the window otherwise.
+// mouse_activation.h - does a click on one of our windows take the keyboard? Whoever flies needs it for the aircraft:
+// only where the wheel would not reach the window otherwise.
 #pragma once
 #include <cstdint>
 #include <optional>
