@@ -109,12 +109,12 @@ TEST_F(MessageKeyboard, GoesToThePageThatIsClickedAndBackToTheAircraft) {
     EXPECT_TRUE(shows({.page = 0}));
     clickScreen(onScreen(300, 200));
     EXPECT_TRUE(session.waitUntil([&] { return GetForegroundWindow() == findMessageWindow(); }, kLongMs));
-    EXPECT_TRUE(session.waitUntil([&] { return bool(shows({.page = 0, .hasKeyboard = true})); }, kLongMs));
+    EXPECT_TRUE(becomes({.page = 0, .hasKeyboard = true}));
     typeKey(VK_UP);
-    EXPECT_TRUE(session.waitUntil([&] { return bool(shows({.page = 1, .hasKeyboard = true})); }, kLongMs));
+    EXPECT_TRUE(becomes({.page = 1, .hasKeyboard = true}));
     EXPECT_EQ(aircraft.typed(VK_UP), 0);
     ASSERT_TRUE(aircraft.takeKeyboard());
-    EXPECT_TRUE(session.waitUntil([&] { return bool(shows({.page = 1, .hasKeyboard = false})); }, kLongMs));
+    EXPECT_TRUE(becomes({.page = 1, .hasKeyboard = false}));
     typeKey(VK_UP);
     EXPECT_TRUE(session.waitUntil([&] { return aircraft.typed(VK_UP) == 1; }, kLongMs));
     EXPECT_TRUE(shows({.page = 1}));

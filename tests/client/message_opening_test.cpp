@@ -41,6 +41,22 @@ class MessageOpening : public MessageTest {
         DialogDriver(findDialog(), 0).command(kPreviewMessages);
         wanted_.add("Beijing Control", kSample, kPrivateMessage, before, session.clock.unixSeconds());
     }
+    // That many messages arrive just before the window carries the request out, on its own thread.
+    void previewWhile(int arriving) {
+        const double before = session.clock.unixSeconds();
+        const HWND window = findMessageWindow();
+        std::atomic<int> toCome{arriving};
+        const auto deliver = [&](MSG& message) {
+            if (message.hwnd != window || message.message != kShowMessage) return;
+            for (; toCome > 0; toCome--) session.plugin.deliver(newMessage(toCome));
+        };
+        const WindowWatch watch(window, {.onTaken = deliver, .onSent = nullptr});
+        ASSERT_TRUE(watch.isWatching());
+        preview();
+        ASSERT_TRUE(session.waitUntil([&] { return toCome == 0; }, kLongMs));
+        for (int i = arriving; i > 0; i--)
+            wanted_.add("Tower", newMessage(i).message, kChannelMessage, before, session.clock.unixSeconds());
+    }
 };
 
 }  // namespace
@@ -104,23 +120,8 @@ TEST_F(MessageOpening, APreviewEndsWithItsSampleAlsoWhenMessagesComeBeforeItIsSh
         receive("before");
         ASSERT_TRUE(isShown());
         if (!isOpenBefore) SendMessageW(findMessageWindow(), WM_CLOSE, 0, 0);
-        std::atomic<int> toCome{kArriving};
-        // On the window's thread, just before it carries the request out.
-        const WindowWatch watch(findMessageWindow(),
-                                {.onTaken =
-                                     [&](MSG& message) {
-                                         if (message.hwnd != findMessageWindow() || message.message != kShowMessage)
-                                             return;
-                                         for (; toCome > 0; toCome--) session.plugin.deliver(newMessage(toCome));
-                                     },
-                                 .onSent = nullptr});
-        ASSERT_TRUE(watch.isWatching());
-        const double before = session.clock.unixSeconds();
-        preview();
-        ASSERT_TRUE(session.waitUntil([&] { return toCome == 0; }, kLongMs));
+        previewWhile(kArriving);
         EXPECT_TRUE(isShown());
-        for (int i = kArriving; i > 0; i--)
-            wanted_.add("Tower", newMessage(i).message, kChannelMessage, before, session.clock.unixSeconds());
         EXPECT_TRUE(shows({.page = kArriving, .unread = kArriving}));
         session.stop();
         wanted_.clear();

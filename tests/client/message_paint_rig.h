@@ -63,13 +63,19 @@ class MessagePaint : public testing::TestWithParam<std::uint32_t> {
         addMessage(store, sender, text, kChannelMessage, 7, clock.tickMs());
     }
     void paint() {
-        paint([this](TextMeasurer& measurer) {
-            const auto measure = [&](const PageTextStyle& style, std::u16string_view text) {
-                return measurer.measure(style, text);
-            };
-            const PageLook look = page.look(store, textScale, language, GetParam());
-            return page.items(page.layOut(store, look, {measure, [](double) { return TimeOfDay{12, 34, 56}; }, clock}));
+        paint([this](TextMeasurer& measurer) { return itemsWith(measurer); });
+    }
+    // What each text of the page takes up.
+    std::vector<Extent> paintAndMeasure() {
+        std::vector<Extent> extents;
+        paint([&](TextMeasurer& measurer) {
+            std::vector<PageItem> items = itemsWith(measurer);
+            for (const PageItem& item : items) {
+                if (item.kind == PageItemKind::kText) extents.push_back(extentOf(item, measurer));
+            }
+            return items;
         });
+        return extents;
     }
     void paint(const std::vector<PageItem>& items) {
         paint([&](TextMeasurer&) { return items; });
@@ -126,6 +132,13 @@ class MessagePaint : public testing::TestWithParam<std::uint32_t> {
     ArgbImage shown;
 
   private:
+    std::vector<PageItem> itemsWith(TextMeasurer& measurer) {
+        const auto measure = [&](const PageTextStyle& style, std::u16string_view text) {
+            return measurer.measure(style, text);
+        };
+        const PageLook look = page.look(store, textScale, language, GetParam());
+        return page.items(page.layOut(store, look, {measure, [](double) { return TimeOfDay{22, 34, 56}; }, clock}));
+    }
     void paint(const std::function<std::vector<PageItem>(TextMeasurer&)>& itemsOf) {
         ASSERT_TRUE(surface_.resize(static_cast<int>(kMessageWidth * scale), static_cast<int>(kMessageHeight * scale)));
         TextMeasurer measurer(painter_, surface_, scale);

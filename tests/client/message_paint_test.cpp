@@ -183,23 +183,7 @@ TEST_P(MessagePaint, InEveryLanguageNoTextIsCutOrRunsIntoAnother) {
         for (const auto& [name, unread] : pages) {
             add("CLR TO KJFK", name);
             store.unread = unread;
-            std::vector<Extent> extents;
-            paint([&](TextMeasurer& measurer) {
-                const auto measure = [&](const PageTextStyle& style, std::u16string_view text) {
-                    return measurer.measure(style, text);
-                };
-                const PageLook look = page.look(store, textScale, language, GetParam());
-                const auto items = page.items(page.layOut(store, look,
-                                                          {measure,
-                                                           [](double) {
-                                                               return TimeOfDay{22, 44, 56};
-                                                           },
-                                                           clock}));
-                for (const PageItem& item : items) {
-                    if (item.kind == PageItemKind::kText) extents.push_back(extentOf(item, measurer));
-                }
-                return items;
-            });
+            const std::vector<Extent> extents = paintAndMeasure();
             for (std::size_t i = 0; i < extents.size(); i++) {
                 const Extent& one = extents[i];
                 EXPECT_LE(one.right, one.rect.x + one.rect.width + 0.5f) << language << " " << one.text;
@@ -219,7 +203,7 @@ TEST_P(MessagePaint, AtEveryTextSizeTheRowsEndAboveTheFooterAndInsideThePage) {
     std::string words, chinese;
     for (int i = 0; i < 300; i++) words += "Разрешён вылет, эшелон 350, " + std::to_string(i) + ". ";
     for (int i = 0; i < 900; i++) chinese += "放行";
-    for (textScale = 12.0f; textScale <= 22.0f; textScale += 0.5f) {
+    for (textScale = 12.0f; textScale <= 22.0f; textScale += 1.0f) {
         for (const std::string& message : {std::string(3000, 'W'), std::string(3000, 'i'), words, chinese}) {
             add(message);
             paint();

@@ -50,6 +50,17 @@ class MessageTest : public PanelTest {
         SendMessageW(findMessageWindow(), kRepaintMessages, 0, 0);
         return wanted_.isShownBy(findMessageWindow(), wanted);
     }
+    // The same as soon as it does.
+    ::testing::AssertionResult becomes(const WantedPage& wanted) {
+        auto result = shows(wanted);
+        session.waitUntil(
+            [&] {
+                result = shows(wanted);
+                return static_cast<bool>(result);
+            },
+            kLongMs);
+        return result;
+    }
     bool hasLogged(const std::string& part) const {
         const auto lines = host.logLines();
         return std::any_of(lines.begin(), lines.end(),

@@ -228,5 +228,5 @@ TEST_F(MessageOpening, ShowsTheNewestOfTwoUpToTwentyMillisecondsApart) {
         }));
         expectNewest("opening " + std::to_string(i) + ", " + std::to_string(gapMs) + " ms apart");
     }
-    EXPECT_EQ(seen.size(), 9U);  // at every step
+    for (const char* step : {"asked", "measure", "update"}) EXPECT_EQ(seen.count(step), 1U) << step;  // early and late
 }

@@ -35,6 +35,10 @@ TEST_F(MessageAskedFor, IsShownWhateverTheWindowShowedBefore) {
         EXPECT_EQ(firstRow(), "sample");
         EXPECT_EQ(counter().substr(0, 3), "1 /");
         EXPECT_EQ(store.unread, 0);
+        press(MessageKey::kUp);
+        EXPECT_NE(firstRow(), "sample");
+        model.showMessage(sample);
+        EXPECT_EQ(firstRow(), "sample");
         model.hide();
     }
 }

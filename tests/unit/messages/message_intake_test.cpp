@@ -73,8 +73,10 @@ TEST_F(MessageIntake, StoresLogsAndAnnouncesInThisOrder) {
 
 // What runs out of memory behind the store costs only itself; nothing is thrown at the host.
 TEST_F(MessageIntake, KeepsAndShowsAMessageWithoutMemoryForItsChime) {
-    static_assert(noexcept(takeTextMessage({}, store, clock, context())));
-    static_assert(noexcept(addMessage(store, "", "", 0, 0, 0)));
+    const HostText message;
+    const AlertContext here = context();
+    static_assert(noexcept(takeTextMessage(message, store, clock, here)));
+    static_assert(noexcept(addMessage(store, std::string_view(), std::string_view(), 0, 0, 0)));
     std::size_t keptBefore = 0;
     alertPath = [&]() -> std::string {
         keptBefore = storedMessages(store).messages.size();
