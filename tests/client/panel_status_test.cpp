@@ -28,7 +28,9 @@ constexpr const char* kLongestLeft[] = {"Radio spacing unavailable or frequency 
                                         "DISCONNECTED: simulator in menu",
                                         "DISCONNECTED: no answer from 192.168.1.20",
                                         "DISCONNECTED: the simulator sends no data",
-                                        "DISCONNECTED: simulator link lost"};
+                                        "DISCONNECTED: simulator link lost",
+                                        "COM1 ACTIVE unchanged; simulator not reading",
+                                        "COM1 STBY refused; shows 121.490"};
 constexpr const char* kLongestRight[] = {"TS3 move requested; awaiting confirmation",
                                          "TS3 move pending; awaiting confirmation",
                                          "TS3 channel join failed (4294967295)", "TS3 channel join not confirmed"};
@@ -74,40 +76,34 @@ std::vector<std::int32_t> languagesByFont() {
 
 // Both lines of a strip, as the panel paints them.
 struct Painted {
-    std::array<TextLine, 2> lines;
-    StatusImages images;
+    StatusStrip strip;
+    TextFonts fonts;  // for the comparison
+
+    const TextLine& line(std::size_t side) const { return strip.lines()[side]; }
+    Columns ink(std::size_t side) const { return inkOf(strip.images()[side]); }
+    // As wide as where nothing is cut.
+    bool isWhole(std::size_t side) {
+        TextLine alone = line(side);
+        alone.width = wholeWidthOf(fonts, alone) + 20;
+        return widthOf(ink(side)) == widthOf(inkOf(paintTextLine(fonts, alone)));
+    }
 };
 
-Painted paint(const PanelLayers& layers, const char* left, const char* right, std::int32_t language) {
-    StatusStrip strip;
-    strip.paint(layers, left, right, language);
-    return {strip.lines(), strip.images()};
-}
-
-// Every long line of the left side beside every one of the right, in every font.
+// Every long line of the left side beside the first of the right, and the first beside all others, in every font.
 template <class Check>
 void forEachPair(std::int32_t theme, float percent, std::span<const char* const> rights, Check check) {
     const PanelLayers layers = layersOf(theme, percent);
+    Painted painted;
+    const auto checkPair = [&](const char* left, const char* right, std::int32_t language) {
+        SCOPED_TRACE(std::string(themeName(theme)) + ", font of language " + std::to_string(language) + ": " + left +
+                     " | " + right);
+        painted.strip.paint(layers, left, right, language);
+        check(layers, painted);
+    };
     for (const std::int32_t language : languagesByFont()) {
-        for (const char* left : kLongestLeft) {
-            for (const char* right : rights) {
-                SCOPED_TRACE(std::string(themeName(theme)) + ", font of language " + std::to_string(language) + ": " +
-                             left + " | " + right);
-                check(layers, paint(layers, left, right, language));
-            }
-        }
+        for (const char* left : kLongestLeft) checkPair(left, rights.front(), language);
+        for (const char* right : rights) checkPair(kLongestLeft[0], right, language);
     }
-}
-
-// The width of the line's ink when nothing is cut.
-std::int32_t wholeWidth(TextLine line) {
-    TextFonts fonts;
-    line.width = 4000;
-    return widthOf(inkOf(paintTextLine(fonts, line)));
-}
-
-bool isWhole(const Painted& strip, std::size_t side) {
-    return widthOf(inkOf(strip.images[side])) == wholeWidth(strip.lines[side]);
 }
 
 // The number of rows that the ink's last columns span: a letter's height, or a dot's.
@@ -124,17 +120,21 @@ std::int32_t heightOfEnd(const ArgbImage& image) {
     return bottom - top + 1;
 }
 
+void expectApart(const PanelLayers& layers, const Painted& painted) {
+    EXPECT_LE(painted.line(0).width + layers.statusGap + painted.line(1).width, layers.statusRoom.width());
+}
+
 }  // namespace
 
 TEST(PanelStatus, TheLongestPairIsWholeFromFullSizeOn) {
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
         for (const float percent : {100.0f, 200.0f}) {
-            forEachPair(theme, percent, kLongestRight, [](const PanelLayers& layers, const Painted& strip) {
-                EXPECT_TRUE(isWhole(strip, 0)) << "in " << strip.lines[0].width << " pixels";
-                EXPECT_TRUE(isWhole(strip, 1)) << "in " << strip.lines[1].width << " pixels";
-                EXPECT_LE(inkOf(strip.images[0]).first, 4);
-                EXPECT_LE(strip.lines[1].width - 1 - inkOf(strip.images[1]).last, 4);
-                EXPECT_LE(strip.lines[0].width + layers.statusGap + strip.lines[1].width, layers.statusRoom.width());
+            forEachPair(theme, percent, kLongestRight, [](const PanelLayers& layers, Painted& painted) {
+                EXPECT_TRUE(painted.isWhole(0)) << "in " << painted.line(0).width << " pixels";
+                EXPECT_TRUE(painted.isWhole(1)) << "in " << painted.line(1).width << " pixels";
+                EXPECT_LE(painted.ink(0).first, 4);
+                EXPECT_LE(painted.line(1).width - 1 - painted.ink(1).last, 4);
+                expectApart(layers, painted);
             });
         }
     }
@@ -144,25 +144,39 @@ TEST(PanelStatus, TheLongestPairIsWholeFromFullSizeOn) {
 TEST(PanelStatus, AtHalfSizeOnlyTheLeftLineIsCutAndEndsInDots) {
     int cut = 0;
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
-        forEachPair(theme, 50.0f, kLongestRight, [&](const PanelLayers& layers, const Painted& strip) {
-            EXPECT_TRUE(isWhole(strip, 1));
-            EXPECT_LE(strip.lines[0].width + layers.statusGap + strip.lines[1].width, layers.statusRoom.width());
-            if (isWhole(strip, 0)) return;
+        forEachPair(theme, 50.0f, kLongestRight, [&](const PanelLayers& layers, Painted& painted) {
+            EXPECT_TRUE(painted.isWhole(1));
+            expectApart(layers, painted);
+            if (painted.isWhole(0)) return;
             cut++;
-            EXPECT_GT(widthOf(inkOf(strip.images[0])), strip.lines[0].width * 3 / 4);
-            EXPECT_LE(heightOfEnd(strip.images[0]), 2) << "a letter is cut";
+            EXPECT_GT(widthOf(painted.ink(0)), painted.line(0).width * 3 / 4);
+            EXPECT_LE(heightOfEnd(painted.strip.images()[0]), 2) << "a letter is cut";
         });
     }
     EXPECT_GT(cut, 0);
 }
 
 TEST(PanelStatus, BesideAConfirmedChannelEveryLineOfOursIsWholeAtHalfSizeToo) {
-    constexpr const char* kUsualRight[] = {"", "TS3 channel confirmed", "No matching TS3 channel"};
+    constexpr const char* kUsualRight[] = {"TS3 channel confirmed", "No matching TS3 channel", ""};
     for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
-        forEachPair(theme, 50.0f, kUsualRight, [](const PanelLayers&, const Painted& strip) {
-            EXPECT_TRUE(isWhole(strip, 0)) << "in " << strip.lines[0].width << " pixels";
-            EXPECT_TRUE(isWhole(strip, 1));
+        forEachPair(theme, 50.0f, kUsualRight, [](const PanelLayers&, Painted& painted) {
+            EXPECT_TRUE(painted.isWhole(0)) << "in " << painted.line(0).width << " pixels";
+            EXPECT_TRUE(painted.isWhole(1));
         });
+    }
+}
+
+TEST(PanelStatus, BesideAConfirmedChannelTheLongestReasonIsWholeFromFullSizeOn) {
+    for (std::int32_t theme = 0; theme < kThemeCount; theme++) {
+        for (const float percent : {100.0f, 200.0f}) {
+            const PanelLayers layers = layersOf(theme, percent);
+            for (const std::int32_t language : languagesByFont()) {
+                Painted painted;
+                painted.strip.paint(layers, "DISCONNECTED: the simulator closes the connection at once",
+                                    "TS3 channel confirmed", language);
+                EXPECT_TRUE(painted.isWhole(0)) << themeName(theme) << " in " << painted.line(0).width << " pixels";
+            }
+        }
     }
 }
 

@@ -111,8 +111,8 @@ ScreenPicture playScene(const Scene& scene, std::int32_t theme, Studio& studio) 
     RECT rect = {};
     GetWindowRect(scene.window(), &rect);
     if (studio.isDivided) studio.ground.divideAt((rect.left + rect.right) / 2);
-    return scene.moment == Moment::kStill ? takeStill(session, studio, scene.window())
-                                          : takeBrightest(session, studio, scene.window());
+    const bool isStill = scene.moment == Moment::kStill || theme == kGeneralTheme;  // GENERAL has no flashing lamp
+    return isStill ? takeStill(session, studio, scene.window()) : takeBrightest(session, studio, scene.window());
 }
 
 std::string lowerCase(std::string_view name) {
