@@ -90,7 +90,7 @@ void measureIntake() {
     host.playWaveFile = [](std::uint64_t, const char*) { return 0U; };
     MessageStore store;
     NoWindow window;
-    const std::string path = "text_alert.wav";
+    const std::function<std::string()> path = [] { return "text_alert.wav"; };
     const std::string text(kMessageBytes, 'x');
     const std::string sender(10'000, 'N');
     double sumUs = 0.0, worstUs = 0.0;

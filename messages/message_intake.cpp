@@ -25,9 +25,14 @@ std::string harmless(std::string_view name) {
     return text;
 }
 
-// Ends the process if memory runs out.
-void storeMessage(const HostText& message, MessageStore& store, std::uint64_t nowMs) noexcept {
-    addMessage(store, message.sender ? message.sender : "", message.text, message.target, message.senderId, nowMs);
+// One thing that a message sets off; without memory for it the others still happen.
+template <class Step>
+void attempt(Step step) noexcept {
+    try {
+        step();
+    } catch (...) {
+        // Mostly no memory.
+    }
 }
 
 void logMessage(const HostText& message, const HostFunctions& host) {
@@ -39,14 +44,18 @@ void logMessage(const HostText& message, const HostFunctions& host) {
 
 }  // namespace
 
-void playTextAlert(const AlertContext& context) {
-    playTextAlertSound(context.host, context.settings, context.schid, context.alertPath);
-    if (copySettings(context.settings).text_auto_open) context.window.openNewest();
+void playTextAlert(const AlertContext& context) noexcept {
+    attempt([&] { playTextAlertSound(context.host, context.settings, context.schid, context.alertPath); });
+    attempt([&] {
+        if (copySettings(context.settings).text_auto_open) context.window.openNewest();
+    });
 }
 
-void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock, const AlertContext& context) {
+void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock,
+                     const AlertContext& context) noexcept {
     if (!message.text || !*message.text) return;
-    storeMessage(message, store, clock.tickMs());
-    logMessage(message, context.host);
+    const char* const sender = message.sender ? message.sender : "";
+    addMessage(store, sender, message.text, message.target, message.senderId, clock.tickMs());
+    attempt([&] { logMessage(message, context.host); });
     playTextAlert(context);
 }

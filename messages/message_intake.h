@@ -2,6 +2,7 @@
 #pragma once
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include "base/clock.h"
 #include "base/host_functions.h"
@@ -23,13 +24,14 @@ class NewestMessageOpener {
 struct AlertContext {
     const HostFunctions& host;
     SettingsStore& settings;
-    std::uint64_t schid;           // the current server, 0 none
-    const std::string& alertPath;  // UTF-8, of the chime
+    std::uint64_t schid;  // the current server, 0 none
+    // Of the chime, UTF-8; asked only when it is to sound. May throw.
+    const std::function<std::string()>& alertPath;
     NewestMessageOpener& window;
 };
 
-// [host] The chime if text_alert is on; the window if text_auto_open is.
-void playTextAlert(const AlertContext& context);
+// [host] The chime if text_alert is on; the window if text_auto_open is. Out of memory costs what needed it.
+void playTextAlert(const AlertContext& context) noexcept;
 
 // As the host hands it over; both texts zero-terminated UTF-8.
 struct HostText {
@@ -39,6 +41,7 @@ struct HostText {
     std::uint16_t senderId = 0;
 };
 
-// [host] Stores the message, logs it, plays the alert. Without memory to store it the process ends: better than losing
-// a clearance that the pilot believes to have read.
-void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock, const AlertContext& context);
+// [host] Stores the message, logs it, plays the alert. Without memory to store it the process ends (addMessage); what
+// runs out of memory later is left out, and the message is kept and unread.
+void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock,
+                     const AlertContext& context) noexcept;

@@ -1,10 +1,41 @@
 #include "messages/message_model.h"
 
+namespace {
+
+// Messages that come at the same time as a preview was asked for do not take the page from it. Later ones do: a
+// clearance must not wait behind a forgotten sample.
+constexpr std::uint64_t kHoldMs = 5000;
+
+// Messages counted as unread beyond that many are read.
+void limitUnread(std::atomic<std::int32_t>& unread, std::int32_t most) {
+    std::int32_t before = unread;
+    while (before > most && !unread.compare_exchange_weak(before, most)) {
+    }
+}
+
+}  // namespace
+
 void MessageModel::show() {
+    showWithUnread(0);
+}
+
+void MessageModel::showMessage(std::uint32_t number) {
+    const auto wanted = copyNumbered(context_.store, number);
+    page_.hold(number);
+    heldUntilMs_ = context_.clock.tickMs() + kHoldMs;
+    drawn_.reset();  // the look does not tell which message it is
+    showWithUnread(wanted ? wanted->page : 0);
+}
+
+void MessageModel::showWithUnread(std::int32_t most) {
     screen_.place();
-    context_.store.unread = 0;
+    limitUnread(context_.store.unread, most);
     context_.isVisible = true;
-    refresh();  // before it is seen
+    try {
+        refresh();  // before it is seen
+    } catch (...) {
+        // Without memory for its picture the window appears all the same; the next tick tries again.
+    }
     screen_.appear();
 }
 
@@ -23,11 +54,13 @@ void MessageModel::toggle() {
 
 void MessageModel::hide() {
     context_.isVisible = false;  // first: a message that finds the window gone must be able to reopen it
+    page_.release();
     screen_.vanish();
 }
 
 void MessageModel::refresh() {
     if (!context_.isVisible) return;
+    if (context_.clock.tickMs() >= heldUntilMs_) page_.release();
     if (drawn_ != currentLook()) drawPage();
     blinkCursor();
     screen_.update();  // a key's effect is seen at once, even while more keys wait
@@ -70,6 +103,11 @@ void MessageModel::pressAt(PixelPoint at) {
         hide();
     else if (isOnHeader(at, screen_.screenDpi()))
         screen_.dragFrom(at);
+}
+
+void MessageModel::setKeyboard(bool isHere) {
+    page_.setKeyboard(isHere);
+    refresh();
 }
 
 void MessageModel::change_page(std::int32_t delta) {

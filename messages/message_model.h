@@ -54,6 +54,9 @@ class MessageModel {
 
     void show();        // on its current page; all messages count as read
     void showNewest();  // the same on the newest page; does nothing if the window is already visible
+    // On the message of that number (MessageStore), and stays there for a moment while newer ones arrive, which stay
+    // unread. On the newest page if the message is no longer there.
+    void showMessage(std::uint32_t number);
     void toggle();
     void hide();
     // Has the screen show what has changed; does nothing while the window is hidden.
@@ -64,11 +67,15 @@ class MessageModel {
     void movePointer(PixelPoint at);
     void leavePointer();
     void pressAt(PixelPoint at);
+    // Whether a click there is to give the window the keyboard: on the page, whose keys need it.
+    bool wantsKeyboard(PixelPoint at) const { return !isOnHeader(at, screen_.screenDpi()); }
+    void setKeyboard(bool isHere);  // the window has got or lost it
 
     // The block that now stands above the picture.
     const std::optional<PageItem>& cursor() const { return cursor_; }
 
   private:
+    void showWithUnread(std::int32_t most);
     void change_page(std::int32_t delta);
     void drawPage();
     void blinkCursor();
@@ -79,4 +86,5 @@ class MessageModel {
     MessagePage page_;
     std::optional<PageLook> drawn_;  // what the picture shows
     std::optional<PageItem> cursor_;
+    std::uint64_t heldUntilMs_ = 0;  // tick until which the page stays on the message that was asked for
 };

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include "base/display_text.h"
 #include "settings/interface_texts.h"
+#include "ui/shorten_text.h"
 
 namespace {
 
@@ -61,7 +62,8 @@ PageLayout layOutMessage(const TextMessage& message, const PageLook& look, const
     PageLayout layout;
     layout.sender = displayLine(message.sender, kSenderBytes);
     layout.senderStyle = {fontFor(layout.sender), 13.0f, true};
-    layout.isSenderLong = tools.measure(layout.senderStyle, layout.sender) > kSenderRoom;
+    layout.sender = shortenText(layout.sender, kSenderRoom,
+                                [&](std::u16string_view text) { return tools.measure(layout.senderStyle, text); });
     layout.targetAndTime = targetAndTimeOf(message, tools);
     layout.timeStyle = timeStyleFor(layout.targetAndTime, look.language, tools);
     layout.isPdc = isPdc(message.text);
@@ -97,7 +99,8 @@ bool isPdc(std::string_view text) {
 }
 
 void MessagePage::change_page(MessageStore& store, std::int32_t delta) {
-    const auto count = static_cast<std::int64_t>(copyMessages(store).messages.size());
+    release();
+    const std::int64_t count = countMessages(store);
     if (count == 0) return;
     page_ = static_cast<std::int32_t>(std::clamp<std::int64_t>(std::int64_t{page_} + delta, 0, count - 1));
     scroll_ = 0;
@@ -105,8 +108,15 @@ void MessagePage::change_page(MessageStore& store, std::int32_t delta) {
 }
 
 void MessagePage::rewind() {
+    release();
     page_ = 0;
     scroll_ = 0;
+}
+
+void MessagePage::hold(std::uint32_t number) {
+    held_ = number;
+    scroll_ = 0;
+    laidOut_.reset();
 }
 
 void MessagePage::clear(MessageStore& store) {
@@ -124,6 +134,7 @@ PageLook MessagePage::look(const MessageStore& store, float textScale, std::int3
     look.textSize = std::clamp(textScale, kSmallestText, kLargestText);
     look.dpi = dpi;
     look.isCloseHovered = isCloseHovered_;
+    look.hasKeyboard = hasKeyboard_;
     return look;
 }
 
@@ -141,15 +152,21 @@ PageLook MessagePage::layOut(MessageStore& store, const PageLook& look, const Pa
 }
 
 void MessagePage::layOutAnew(MessageStore& store, const PageLook& look, const PageTools& tools) {
-    const MessageSnapshot snapshot = copyMessages(store);
-    const auto count = static_cast<std::int32_t>(snapshot.messages.size());
+    const PageSnapshot snapshot = findMessage(store);
     layout_ = {};
-    if (count > 0) {
-        page_ = std::clamp(page_, 0, count - 1);
-        layout_ = layOutMessage(snapshot.messages[static_cast<std::size_t>(count - 1 - page_)], look, tools);
+    if (snapshot.count > 0) {
+        page_ = snapshot.page;
+        layout_ = layOutMessage(snapshot.message, look, tools);
     }
-    layout_.count = count;
+    layout_.count = snapshot.count;
     scroll_ = std::clamp(scroll_, 0, layout_.maxScroll);
     laidOut_ = keyOf(look);
     laidOut_->revision = snapshot.revision;
+}
+
+PageSnapshot MessagePage::findMessage(MessageStore& store) {
+    if (!held_) return copyPage(store, page_);
+    if (const auto held = copyNumbered(store, *held_)) return *held;
+    rewind();
+    return copyPage(store, page_);
 }

@@ -45,7 +45,7 @@ struct PageItem {
     std::u16string text = {};
     PageTextStyle style = {};
     PageAlign align = PageAlign::kLeft;
-    bool isShortened = false;  // with an ellipsis where it is too long
+    float indent = 0.0f;  // of a text aligned left: from the rectangle's left edge to the first letter
 
     bool operator==(const PageItem&) const = default;
 };
@@ -60,6 +60,7 @@ struct PageLook {
     float textSize = 15.0f;     // design pixels, 12..22
     std::uint32_t dpi = 96;
     bool isCloseHovered = false;
+    bool hasKeyboard = false;
 
     bool operator==(const PageLook&) const = default;
 };
@@ -83,9 +84,8 @@ struct PageTools {
 // The shown message as laid out; made anew when the messages, the page, the text size, DPI or language change.
 struct PageLayout {
     std::int32_t count = 0;  // messages stored; with 0 nothing below counts
-    std::u16string sender;
+    std::u16string sender;   // with an ellipsis where it would reach the time's label
     PageTextStyle senderStyle;
-    bool isSenderLong = false;  // it would reach the time's label
     std::u16string targetAndTime;
     PageTextStyle timeStyle;
     bool isPdc = false;
@@ -106,10 +106,17 @@ class MessagePage {
     void change_page(MessageStore& store, std::int32_t delta);
     // The newest message from its first line.
     void rewind();
+    // From the next layout on the message of that number, whatever arrives, until release() or until it is no longer
+    // there: then the newest.
+    void hold(std::uint32_t number);
+    // The page keeps its number again, not its message.
+    void release() { held_.reset(); }
     // Forgets all messages.
     void clear(MessageStore& store);
     // Whether the pointer is on the close button.
     void hoverClose(bool isHovered) { isCloseHovered_ = isHovered; }
+    // Whether the window's keys work: it has the keyboard.
+    void setKeyboard(bool isHere) { hasKeyboard_ = isHere; }
 
     // What is to be shown now. textScale: the setting, in any range.
     PageLook look(const MessageStore& store, float textScale, std::int32_t language, std::uint32_t dpi) const;
@@ -138,10 +145,13 @@ class MessagePage {
     };
     Key keyOf(const PageLook& look) const;
     void layOutAnew(MessageStore& store, const PageLook& look, const PageTools& tools);
+    PageSnapshot findMessage(MessageStore& store);
 
     std::int32_t page_ = 0;
-    std::int32_t scroll_ = 0;  // the first line shown
+    std::optional<std::uint32_t> held_;  // the number of the message that the page stays on
+    std::int32_t scroll_ = 0;            // the first line shown
     bool isCloseHovered_ = false;
+    bool hasKeyboard_ = false;
     PageLayout layout_;
     std::optional<Key> laidOut_;  // what layout_ was made for
 };

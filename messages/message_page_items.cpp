@@ -12,6 +12,7 @@ constexpr std::uint32_t kHeaderBand = 0xFF090E0C;
 constexpr std::uint32_t kLines = 0xFF1B3A28;
 constexpr std::uint32_t kAmber = 0xFFFFB84D;
 constexpr std::uint32_t kDimGreen = 0xFF4E8F69;
+constexpr std::uint32_t kFaintGreen = 0xFF38674C;  // 70 % of the dim green above the ground: 3:1, still readable
 constexpr std::uint32_t kBrightGreen = 0xFF86E8AC;
 constexpr std::uint32_t kRed = 0xFFFF6B6B;
 
@@ -81,10 +82,7 @@ void addEmptyHint(std::vector<PageItem>& items, const PageLook& look) {
 void addMetaLine(std::vector<PageItem>& items, const PageLook& look, const PageLayout& layout) {
     items.push_back(label(look.language, kTextFrom, {16, 44, 60, 18}));
     const std::u16string sender = layout.sender.empty() ? u"UNKNOWN" : layout.sender;
-    // A name that would run into the time's label is cut off before it.
-    const float senderWidth = layout.isSenderLong ? 348.0f : 400.0f;
-    items.push_back(textItem(sender, {76, 44, senderWidth, 18}, layout.senderStyle, kBrightGreen));
-    items.back().isShortened = layout.isSenderLong;
+    items.push_back(textItem(sender, {76, 44, 400, 18}, layout.senderStyle, kBrightGreen));
     items.push_back(label(look.language, kTextTime, {430, 44, 46, 18}));
     items.push_back(
         textItem(layout.targetAndTime, {478, 44, 122, 18}, layout.timeStyle, kBrightGreen, PageAlign::kRight));
@@ -111,11 +109,14 @@ void addScrollMarks(std::vector<PageItem>& items, const PageLook& look, const Pa
 }
 
 void addFooter(std::vector<PageItem>& items, const PageLook& look, const PageLayout& layout) {
-    if (layout.isPdc) items.push_back(textItem(u"PDC", {16, 366, 40, 20}, monoBold(12), kAmber));
+    const UnitRect tag = {16, 366, 40, 20};
+    if (layout.isPdc) items.push_back(textItem(u"PDC", tag, monoBold(12), kAmber));
     const std::string counter = std::to_string(look.page + 1) + " / " + std::to_string(layout.count);
     items.push_back(textItem(displayLine(counter), {490, 366, 60, 20}, mono(12), kBrightGreen));
-    items.push_back(
-        textItem(displayLine(textOf(look.language, kTextPageKeys)), {16, 366, 430, 20}, chinese(12), kDimGreen));
+    // The window opens without the keyboard, and keys do nothing until a click gives it: the hint is faint until then.
+    items.push_back(textItem(displayLine(textOf(look.language, kTextPageKeys)), {16, 366, 430, 20}, chinese(12),
+                             look.hasKeyboard ? kDimGreen : kFaintGreen));
+    if (layout.isPdc) items.back().indent = tag.width;
     if (look.unread > 0) {
         items.push_back(textItem(displayLine("UNREAD " + std::to_string(look.unread)), {400, 366, 80, 20}, monoBold(12),
                                  kAmber, PageAlign::kRight));

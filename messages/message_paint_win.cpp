@@ -90,9 +90,8 @@ void drawText(Gdiplus::Graphics& graphics, const PageItem& item, const Gdiplus::
     Gdiplus::StringFormat format(Gdiplus::StringFormat::GenericTypographic());
     prepareFormat(format);
     format.SetAlignment(alignmentOf(item.align));
-    if (item.isShortened) format.SetTrimming(Gdiplus::StringTrimmingEllipsisCharacter);
     const Gdiplus::SolidBrush brush(Gdiplus::Color(item.colour));
-    Gdiplus::RectF box(item.rect.x, item.rect.y, item.rect.width, item.rect.height);
+    Gdiplus::RectF box(item.rect.x + item.indent, item.rect.y, item.rect.width - item.indent, item.rect.height);
     if (item.align == PageAlign::kRight) {  // GDI+ would cut off the end, which is what counts
         box.X -= kMoreRoom;
         box.Width += kMoreRoom;

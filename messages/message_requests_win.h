@@ -9,16 +9,17 @@ struct MessageWindowLink {
     std::atomic<bool> isVisible{false};  // [ui] stores, [any] loads
 };
 
-// Posted to the window (class "CorvalisTextMessage"); no parameters.
+// Posted to the window (class "CorvalisTextMessage"); only the last has a parameter.
 enum MessageWindowRequest : UINT {
-    kShowMessages = WM_APP + 1,  // show it beside the panel, on its current page; all messages count as read
-    kShowNewestMessage,          // the same on the newest page; does nothing if the window is already visible
-    kToggleMessages,             // hide it when it is visible, show it otherwise
+    // Show it beside the panel on the newest page, all messages read; does nothing if it is already visible.
+    kShowNewestMessage = WM_APP + 1,
+    kToggleMessages,  // hide it when it is visible, show it on its current page otherwise
     kHideMessages,
     kRepaintMessages,  // look for a change now rather than at the next tick
+    kShowMessage,      // show it on the message whose number (addMessage) is wParam, also while others arrive
 };
 
 // [any] Never waits.
-inline void requestOfMessageWindow(const MessageWindowLink& link, MessageWindowRequest request) {
-    if (const HWND window = link.window) PostMessageW(window, request, 0, 0);
+inline void requestOfMessageWindow(const MessageWindowLink& link, MessageWindowRequest request, WPARAM wParam = 0) {
+    if (const HWND window = link.window) PostMessageW(window, request, wParam, 0);
 }

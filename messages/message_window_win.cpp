@@ -3,6 +3,7 @@
 #include <memory>
 #include "messages/local_time_win.h"
 #include "ui/monitor_win.h"
+#include "ui/mouse_activation_win.h"
 #include "ui/pointer_argument_win.h"
 
 namespace {
@@ -83,6 +84,12 @@ LRESULT MessageWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return onMouseMove(pointOf(lParam));
         case WM_MOUSELEAVE:
             return onMouseLeave();
+        case WM_MOUSEACTIVATE:
+            return onMouseActivate();
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
+            model_.setKeyboard(message == WM_SETFOCUS);
+            return 0;
         case WM_LBUTTONDOWN:
             model_.pressAt(pointOf(lParam));
             return 0;
@@ -91,11 +98,11 @@ LRESULT MessageWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_DPICHANGED:
             return onDpiChanged(*pointerFrom<const RECT>(lParam));
-        case kShowMessages:
-            model_.show();
-            return 0;
         case kShowNewestMessage:
             model_.showNewest();
+            return 0;
+        case kShowMessage:
+            model_.showMessage(static_cast<std::uint32_t>(wParam));
             return 0;
         case kToggleMessages:
             model_.toggle();
@@ -135,6 +142,14 @@ LRESULT MessageWindow::onMouseMove(PixelPoint at) {
 LRESULT MessageWindow::onMouseLeave() {
     model_.leavePointer();
     return 0;
+}
+
+// The message does not say where the click was: it comes while the click is the system's newest event.
+LRESULT MessageWindow::onMouseActivate() {
+    POINT at = {};
+    const bool isKnown = GetCursorPos(&at) && ScreenToClient(window(), &at);
+    const bool wantsKeyboard = isKnown && model_.wantsKeyboard({at.x, at.y});
+    return wantsKeyboard || doesClickActivate() ? MA_ACTIVATE : MA_NOACTIVATE;
 }
 
 LRESULT MessageWindow::onDpiChanged(const RECT& suggested) {

@@ -37,6 +37,7 @@ class MessageWindow final : private Window, private MessageScreen {
     LRESULT onShowWindow(bool isShown);
     LRESULT onMouseMove(PixelPoint at);
     LRESULT onMouseLeave();
+    LRESULT onMouseActivate();
     LRESULT onDpiChanged(const RECT& suggested);
     LRESULT onPaint();
     LRESULT onPrint(HDC dc);

@@ -19,7 +19,9 @@ class MessageWindowOpener final : public NewestMessageOpener {
 
 template <class Body>
 void withAlertContext(PluginState& plugin, Body body) {
-    const std::string alertPath = utf8FromNarrow(joinPath(copyDataFolder(plugin), kAlertFile));
+    const std::function<std::string()> alertPath = [&plugin] {
+        return utf8FromNarrow(joinPath(copyDataFolder(plugin), kAlertFile));
+    };
     MessageWindowOpener window(plugin.messageWindow);
     body(AlertContext{.host = hostWhileRunning(plugin),
                       .settings = plugin.settings,

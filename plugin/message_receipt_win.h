@@ -3,8 +3,7 @@
 #include "messages/message_intake.h"
 #include "plugin/plugin_state.h"
 
-// [host] A text message arrived. Before init and after shutdown it is only kept: there is no window to open, and the
-// host is not called.
+// [host] A text message arrived. Before init and after shutdown it is dropped: nobody would read it.
 void receiveTextMessage(PluginState& plugin, const HostText& message);
 
 // [any] What a message sets off, without a message: the chime and the window, as the settings say.

@@ -18,11 +18,11 @@ constexpr const char* kSampleText =
 constexpr int kHostDialogWaitMs = 1000;
 
 void preview(PluginState& plugin) {
-    addMessage(plugin.messages, kSampleSender, kSampleText, kPrivateMessage, 0, plugin.clock.tickMs());
+    const std::uint32_t sample =
+        addMessage(plugin.messages, kSampleSender, kSampleText, kPrivateMessage, 0, plugin.clock.tickMs());
     playTextAlert(plugin);
-    // Regardless of text_auto_open: opens on the newest page; one that is already open comes to the front.
-    requestOfMessageWindow(plugin.messageWindow, kShowNewestMessage);
-    requestOfMessageWindow(plugin.messageWindow, kShowMessages);
+    // Regardless of text_auto_open, and whatever else has arrived since.
+    requestOfMessageWindow(plugin.messageWindow, kShowMessage, sample);
 }
 
 LiveRadio liveRadioOf(const SimState& sim, std::int32_t com) {

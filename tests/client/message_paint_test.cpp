@@ -1,128 +1,9 @@
 // message_paint_test.cpp - how the message window's page is painted, on a picture in memory: no window, no screen.
-#include <algorithm>
-#include <functional>
-#include <optional>
 #include "base/clock_win.h"
 #include "messages/local_time_win.h"
-#include "messages/message_page.h"
-#include "messages/message_paint_win.h"
-#include "settings/language.h"
-#include "tests/client/picture_compare.h"
-#include "tests/unit/fakes.h"
-
-namespace {
-
-constexpr std::uint32_t kBackground = 0x060908;
-constexpr std::uint32_t kHeaderBand = 0x090E0C;
-constexpr std::uint32_t kLines = 0x1B3A28;
-constexpr std::uint32_t kAmber = 0xFFB84D;
-constexpr std::uint32_t kDimGreen = 0x4E8F69;
-constexpr std::uint32_t kBrightGreen = 0x86E8AC;
-constexpr std::uint32_t kRed = 0xFF6B6B;
-
-// Where something is, design pixels.
-struct Ink {
-    float left = 1e9f;
-    float top = 1e9f;
-    float right = -1.0f;  // exclusive
-    float bottom = -1.0f;
-    int count = 0;                // of pixels
-    std::uint32_t strongest = 0;  // the one that differs most from the ground
-};
-
-int distance(std::uint32_t a, std::uint32_t b) {
-    int sum = 0;
-    for (const unsigned shift : {0U, 8U, 16U})
-        sum += std::abs(static_cast<int>(a >> shift & 0xFFU) - static_cast<int>(b >> shift & 0xFFU));
-    return sum;
-}
-
-// At the scale of the parameter's DPI.
-class MessagePaint : public testing::TestWithParam<std::uint32_t> {
-  protected:
-    void add(const std::string& text, const std::string& sender = "Tower") {
-        addMessage(store, sender, text, kChannelMessage, 7, clock.tickMs());
-    }
-    void paint() {
-        paint([this](TextMeasurer& measurer) {
-            const auto measure = [&](const PageTextStyle& style, std::u16string_view text) {
-                return measurer.measure(style, text);
-            };
-            const PageLook look = page.look(store, textScale, language, GetParam());
-            return page.items(page.layOut(store, look, {measure, [](double) { return TimeOfDay{12, 34, 56}; }, clock}));
-        });
-    }
-    void paint(const std::vector<PageItem>& items) {
-        paint([&](TextMeasurer&) { return items; });
-    }
-    float widthOf(const PageTextStyle& style, const std::u16string& text) {
-        float width = 0.0f;
-        paint([&](TextMeasurer& measurer) {
-            width = measurer.measure(style, text);
-            return std::vector<PageItem>{};
-        });
-        return width;
-    }
-    // One text on the page's ground.
-    Ink inkOf(const PageItem& text) {
-        paint(std::vector<PageItem>{{PageItemKind::kFill, {0, 0, 620, 400}, 0xFF000000U | kBackground}, text});
-        return inkIn({0, 0, 620, 400});
-    }
-    // The pixels that differ from the one in the rectangle's top left corner.
-    Ink inkIn(const UnitRect& rect) const {
-        const RECT area = pagePixels(rect, scale);
-        const std::uint32_t ground = shown.row(area.top)[area.left];
-        Ink ink;
-        for (int y = area.top; y < area.bottom; y++) {
-            for (int x = area.left; x < area.right; x++) {
-                const std::uint32_t colour = shown.row(y)[x];
-                if (distance(colour, ground) < kFaint) continue;
-                ink.left = std::min(ink.left, static_cast<float>(x) / scale);
-                ink.top = std::min(ink.top, static_cast<float>(y) / scale);
-                ink.right = std::max(ink.right, static_cast<float>(x + 1) / scale);
-                ink.bottom = std::max(ink.bottom, static_cast<float>(y + 1) / scale);
-                if (ink.count++ == 0 || distance(colour, ground) > distance(ink.strongest, ground))
-                    ink.strongest = colour;
-            }
-        }
-        return ink;
-    }
-    // The colour in the middle of a design pixel.
-    std::uint32_t colourAt(float x, float y) const {
-        return shown.row(static_cast<int>((y + 0.5f) * scale))[static_cast<int>((x + 0.5f) * scale)];
-    }
-    static PageItem text(const std::u16string& what, const UnitRect& rect, PageAlign align = PageAlign::kLeft,
-                         const PageTextStyle& style = {PageFont::kMono, 15.0f, false}) {
-        return {PageItemKind::kText, rect, 0xFF000000U | kBrightGreen, what, style, align};
-    }
-
-    static constexpr int kFaint = 24;  // too faint a difference for the eye
-
-    const float scale = messageScale(GetParam());
-    ManualClock clock;
-    MessageStore store;
-    MessagePage page;
-    float textScale = 15.0f;
-    std::int32_t language = kEnglish;
-    ArgbImage shown;
-
-  private:
-    void paint(const std::function<std::vector<PageItem>(TextMeasurer&)>& itemsOf) {
-        ASSERT_TRUE(surface_.resize(static_cast<int>(kMessageWidth * scale), static_cast<int>(kMessageHeight * scale)));
-        TextMeasurer measurer(painter_, surface_, scale);
-        painter_.paint(surface_, scale, itemsOf(measurer));
-        GdiFlush();
-        shown = coloursOf(surface_.view());
-    }
-
-    const GdiPlusSession gdiPlus_;
-    MessagePainter painter_;
-    MemorySurface surface_;
-};
+#include "tests/client/message_paint_rig.h"
 
 INSTANTIATE_TEST_SUITE_P(At, MessagePaint, testing::Values(96U, 120U, 144U, 192U));
-
-}  // namespace
 
 TEST_P(MessagePaint, TheGroundHasItsBandRulesAndFrame) {
     paint();
@@ -264,12 +145,77 @@ TEST_P(MessagePaint, TooLongATextEndsAtItsRectangleOrReachesOutOnTheLeft) {
     const Ink right = inkOf(text(wide, rect, PageAlign::kRight));
     EXPECT_NEAR(right.right, 350.0f, 2.0f);  // its end must be visible
     EXPECT_LT(right.left, 250.0f);
-    PageItem shortened = text(longText, rect);
-    shortened.isShortened = true;
-    const Ink ellipsis = inkOf(shortened);  // or cut off: not every system draws an ellipsis
-    EXPECT_NEAR(ellipsis.left, 250.0f, 2.0f);
-    EXPECT_GT(ellipsis.right, 330.0f);
-    EXPECT_LE(ellipsis.right, 351.0f);
+    PageItem indented = text(longText, rect);
+    indented.indent = 40.0f;
+    const Ink behind = inkOf(indented);
+    EXPECT_NEAR(behind.left, 290.0f, 2.0f);
+    EXPECT_LE(behind.right, 351.0f);
+}
+
+TEST_P(MessagePaint, ANameTooLongEndsInAnEllipsisBeforeTheTimesLabel) {
+    for (const char* letter : {"W", "Ж", "放", "i"}) {
+        std::string name;
+        for (int i = 0; i < 150; i++) name += letter;
+        add("hello", name);
+        paint();
+        const PageLayout& layout = page.layout();
+        EXPECT_EQ(layout.sender.back(), u'\u2026') << letter;
+        EXPECT_LE(widthOf(layout.senderStyle, layout.sender), 348.0f) << letter;
+        EXPECT_GT(widthOf(layout.senderStyle, layout.sender), 330.0f) << letter;  // with as many letters as fit
+        paint();
+        const Ink ink = inkIn({70, 46, 358, 15});
+        EXPECT_GT(ink.right, 400.0f) << letter;
+        EXPECT_LT(ink.right, 426.0f) << letter;
+    }
+}
+
+// In the fonts it is drawn with: each text is inside its place, and none reaches into its neighbour. Target and time
+// alone are wider than their rectangle, to the left, where there is room.
+TEST_P(MessagePaint, InEveryLanguageNoTextIsCutOrRunsIntoAnother) {
+    const std::string names[] = {"EDDF_DEL", std::string(150, 'W'), "Санкт-Петербург-Подход, старший диспетчер смены",
+                                 "北京首都国际机场放行许可席位管制员值班主任北京首都国际机场"};
+    std::vector<std::pair<std::string, std::int32_t>> pages;
+    for (const std::string& name : names) {
+        pages.emplace_back(name, 0);
+        pages.emplace_back(name, 88);
+    }
+    for (language = 0; language < kLanguageCount; language++) {
+        for (const auto& [name, unread] : pages) {
+            add("CLR TO KJFK", name);
+            store.unread = unread;
+            const std::vector<Extent> extents = paintAndMeasure();
+            for (std::size_t i = 0; i < extents.size(); i++) {
+                const Extent& one = extents[i];
+                EXPECT_LE(one.right, one.rect.x + one.rect.width + 0.5f) << language << " " << one.text;
+                for (std::size_t j = i + 1; j < extents.size(); j++) {
+                    const Extent& other = extents[j];
+                    const bool isBeside = one.rect.y + one.rect.height <= other.rect.y ||
+                                          other.rect.y + other.rect.height <= one.rect.y || one.right <= other.left ||
+                                          other.right <= one.left;
+                    EXPECT_TRUE(isBeside) << language << " " << one.text << " and " << other.text;
+                }
+            }
+        }
+    }
+}
+
+TEST_P(MessagePaint, AtEveryTextSizeTheRowsEndAboveTheFooterAndInsideThePage) {
+    std::string words, chinese;
+    for (int i = 0; i < 300; i++) words += "Разрешён вылет, эшелон 350, " + std::to_string(i) + ". ";
+    for (int i = 0; i < 900; i++) chinese += "放行";
+    for (textScale = 12.0f; textScale <= 22.0f; textScale += 1.0f) {
+        for (const std::string& message : {std::string(3000, 'W'), std::string(3000, 'i'), words, chinese}) {
+            add(message);
+            paint();
+            const PageLayout& layout = page.layout();
+            const float bottom = 72.0f + static_cast<float>(layout.visibleRows) * textScale * kPageLineHeight;
+            EXPECT_LE(bottom, 354.0f) << textScale;
+            EXPECT_GT(bottom + textScale * kPageLineHeight, 354.0f) << textScale;  // no row is left out
+            EXPECT_EQ(inkIn({2, 355, 615, 4}).count, 0) << textScale;
+            EXPECT_EQ(inkIn({2, 64, 16, 290}).count, 0) << textScale;
+            EXPECT_EQ(inkIn({608, 64, 10, 290}).count, 0) << textScale;
+        }
+    }
 }
 
 TEST_P(MessagePaint, MeasuresWhatItPaints) {

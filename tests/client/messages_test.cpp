@@ -3,20 +3,14 @@
 #include <windows.h>
 #include <algorithm>
 #include <atomic>
-#include "messages/message_requests_win.h"
-#include "tests/client/message_driver_win.h"
-#include "tests/client/panel_test.h"
+#include "tests/client/message_test.h"
 #include "tests/client/picture_compare.h"
-#include "tests/client/wanted_page_win.h"
 #include "tests/client/window_picture_win.h"
 #include "tests/client/window_watch_win.h"
 
 namespace {
 
-constexpr int kMessagesEntry = 3;
 constexpr std::size_t kLogBytes = 256;  // of a line's buffer, including its end
-constexpr std::uint64_t kLongMs = 30'000;
-constexpr const char* kNoAutoOpen = "text_auto_open=0\r\n";
 
 // An opaque window of this program over a part of the screen, so that nothing else there shows through.
 class Backdrop {
@@ -52,52 +46,9 @@ class Backdrop {
     HWND window_;
 };
 
-class Messages : public PanelTest {
-  protected:
-    // The plugin is running and has its windows; what the panel shows does not matter.
-    ::testing::AssertionResult begin(const std::string& lines = "") {
-        const auto started = startWith(kGeneralTheme, "language=en\r\n" + lines);
-        if (!started) return started;
-        if (session.waitUntil([] { return findMessageWindow() && findPanel(); }, kLongMs)) return started;
-        return ::testing::AssertionFailure() << "there is no message window";
-    }
-    int receive(const std::string& text, const std::string& sender = "Tower", std::uint16_t from = kOtherClient) {
-        HostTextMessage message;
-        message.message = text;
-        message.fromName = sender;
-        message.fromClientId = from;
-        message.targetMode = kChannelMessage;
-        const double before = session.clock.unixSeconds();
-        const int answer = session.plugin.deliver(message);
-        wanted_.add(sender, text, kChannelMessage, before, session.clock.unixSeconds());
-        return answer;
-    }
-    // Only after every request that the host's thread has posted so far has been carried out.
-    static bool isShown() {
-        EXPECT_TRUE(waitForPosted(findMessageWindow()));
-        return isMessageWindowShown();
-    }
-    void chooseMenu() { session.plugin.exports().onMenuItemEvent(kSchid, 0, kMessagesEntry, 0); }
-    ::testing::AssertionResult open() {
-        if (!isShown()) chooseMenu();
-        if (!isShown()) return ::testing::AssertionFailure() << "the message window is not shown";
-        return ::testing::AssertionSuccess();
-    }
-    // Whether the window shows this page after looking for changes.
-    ::testing::AssertionResult shows(const WantedPage& wanted) {
-        SendMessageW(findMessageWindow(), kRepaintMessages, 0, 0);
-        return wanted_.isShownBy(findMessageWindow(), wanted);
-    }
-    bool hasLogged(const std::string& part) const {
-        const auto lines = host.logLines();
-        return std::any_of(lines.begin(), lines.end(),
-                           [&](const std::string& line) { return line.find(part) != std::string::npos; });
-    }
-
-    WantedPages wanted_;
-};
-
 }  // namespace
+
+using Messages = MessageTest;
 
 TEST_F(Messages, AreLoggedAndAnnouncedAndTheHostGoesOn) {
     ASSERT_TRUE(begin(kNoAutoOpen));
@@ -273,15 +224,16 @@ TEST_F(Messages, APressOnTheHeaderDragsTheWindowByIt) {
     std::atomic<LPARAM> pressedAt{0};
     std::atomic<int> captionPresses{0}, moves{0}, ends{0};
     const HWND window = findMessageWindow();
-    const WindowWatch watch(window, {.onTaken = nullptr, .onSent = [&](const MSG& message) {
-                                         if (message.hwnd != window) return;
-                                         if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCAPTION) {
-                                             pressedAt = message.lParam;
-                                             captionPresses++;
-                                         }
-                                         moves += message.message == WM_ENTERSIZEMOVE;
-                                         ends += message.message == WM_EXITSIZEMOVE;
-                                     }});
+    const WindowWatch watch(window,
+                            {.onTaken = nullptr, .onSent = [&](const MSG& message) {
+                                 if (message.hwnd != window) return;
+                                 if (message.message == WM_SYSCOMMAND && message.wParam == (SC_MOVE | HTCAPTION)) {
+                                     pressedAt = message.lParam;
+                                     captionPresses++;
+                                 }
+                                 moves += message.message == WM_ENTERSIZEMOVE;
+                                 ends += message.message == WM_EXITSIZEMOVE;
+                             }});
     ASSERT_TRUE(watch.isWatching());
     PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 20));
     ASSERT_TRUE(session.waitUntil([&] { return moves == 1; }, kLongMs));  // the system is moving it now

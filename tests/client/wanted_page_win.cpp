@@ -69,6 +69,7 @@ void WantedPages::add(const std::string& sender, const std::string& text, std::u
     MessagePage page;
     page.change_page(store, wanted.page);
     page.hoverClose(wanted.isCloseHovered);
+    page.setKeyboard(wanted.hasKeyboard);
     store.unread = wanted.unread;
     const PageLook look = page.look(store, Settings{}.text_scale, kEnglish, dpi);
     painter_.paint(surface, scale, page.items(page.layOut(store, look, {measure, wallClock, clock})));

@@ -12,6 +12,7 @@ struct WantedPage {
     std::int32_t page = 0;  // 0 the newest
     std::int32_t unread = 0;
     bool isCloseHovered = false;
+    bool hasKeyboard = false;
 };
 
 class WantedPages {

@@ -6,7 +6,9 @@
 class AlertPlayer : public testing::Test {
   protected:
     AlertPlayer() { model.addServer(4, 10, 5); }
-    void play(std::uint64_t server) { playTextAlertSound(host, settings, server, "C:\\Data\\text_alert.wav"); }
+    void play(std::uint64_t server) {
+        playTextAlertSound(host, settings, server, [] { return "C:\\Data\\text_alert.wav"; });
+    }
     void set(bool Settings::*field, bool value) {
         updateSettings(settings, [&](Settings& live) { live.*field = value; });
     }

@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 #include "tests/client/host_model.h"
 #include "tests/unit/fakes.h"
+#include "tests/unit/messages/stored_messages.h"
 
 namespace {
+
+constexpr const char* kAlertPath = "C:\\Data\\text_alert.wav";
 
 class CountingOpener : public NewestMessageOpener {
   public:
@@ -36,7 +39,11 @@ class MessageIntake : public testing::Test {
     MessageStore store;
     CountingOpener window;
     std::uint64_t server = 4;
-    std::string alertPath = "C:\\Data\\text_alert.wav";
+    std::function<std::string()> alertPath = [this] {
+        pathsAsked++;
+        return kAlertPath;
+    };
+    int pathsAsked = 0;
 };
 
 }  // namespace
@@ -44,7 +51,7 @@ class MessageIntake : public testing::Test {
 TEST_F(MessageIntake, StoresLogsAndAnnouncesInThisOrder) {
     clock.tick = 123'456;
     take("Tower", "PDC 1423", kChannelMessage, 65535);
-    const MessageSnapshot snapshot = copyMessages(store);
+    const StoredMessages snapshot = storedMessages(store);
     ASSERT_EQ(snapshot.messages.size(), 1U);
     EXPECT_EQ(snapshot.messages[0].sender, "Tower");
     EXPECT_EQ(snapshot.messages[0].text, "PDC 1423");
@@ -60,15 +67,53 @@ TEST_F(MessageIntake, StoresLogsAndAnnouncesInThisOrder) {
     EXPECT_EQ(calls[0].channelText, "Corvalis");
     EXPECT_EQ(calls[1].function, "playWaveFile");
     EXPECT_EQ(calls[1].schid, 4U);
-    EXPECT_EQ(calls[1].text, alertPath);
+    EXPECT_EQ(calls[1].text, kAlertPath);
     EXPECT_EQ(window.opened, 1);
+}
+
+// What runs out of memory behind the store costs only itself; nothing is thrown at the host.
+TEST_F(MessageIntake, KeepsAndShowsAMessageWithoutMemoryForItsChime) {
+    const HostText message;
+    const AlertContext here = context();
+    static_assert(noexcept(takeTextMessage(message, store, clock, here)));
+    static_assert(noexcept(addMessage(store, std::string_view(), std::string_view(), 0, 0, 0)));
+    std::size_t keptBefore = 0;
+    alertPath = [&]() -> std::string {
+        keptBefore = storedMessages(store).messages.size();
+        throw std::bad_alloc();
+    };
+    take("Tower", "PDC 1423");
+    EXPECT_EQ(keptBefore, 1U);
+    EXPECT_EQ(storedMessages(store).messages.size(), 1U);
+    EXPECT_EQ(store.unread, 1);
+    EXPECT_EQ(model.logLines().size(), 1U);
+    EXPECT_TRUE(model.playedSounds().empty());
+    EXPECT_EQ(window.opened, 1);
+}
+
+TEST_F(MessageIntake, AnnouncesAMessageThatItsLogLineHasNoMemoryFor) {
+    host.logMessage = [](const char*, int, const char*, std::uint64_t) -> unsigned { throw std::bad_alloc(); };
+    take("Tower", "PDC 1423");
+    EXPECT_EQ(model.playedSounds().size(), 1U);
+    EXPECT_EQ(window.opened, 1);
+}
+
+TEST_F(MessageIntake, AsksForTheChimesPathOnlyWhenItSounds) {
+    take("Tower", "one");
+    EXPECT_EQ(pathsAsked, 1);
+    set(&Settings::text_alert, false);
+    take("Tower", "two");
+    set(&Settings::text_alert, true);
+    server = 0;
+    take("Tower", "three");
+    EXPECT_EQ(pathsAsked, 1);
 }
 
 TEST_F(MessageIntake, PassesOverNothingToRead) {
     take("Tower", nullptr);
     take("Tower", "");
     take(nullptr, nullptr);
-    EXPECT_TRUE(copyMessages(store).messages.empty());
+    EXPECT_TRUE(storedMessages(store).messages.empty());
     EXPECT_EQ(store.revision, 0U);
     EXPECT_TRUE(model.calls().empty());
     EXPECT_EQ(window.opened, 0);
@@ -77,7 +122,7 @@ TEST_F(MessageIntake, PassesOverNothingToRead) {
 TEST_F(MessageIntake, TakesASenderWithoutName) {
     take(nullptr, "hello");
     take("", "hello");
-    const MessageSnapshot snapshot = copyMessages(store);
+    const StoredMessages snapshot = storedMessages(store);
     ASSERT_EQ(snapshot.messages.size(), 2U);
     EXPECT_EQ(snapshot.messages[0].sender, "");
     EXPECT_EQ(snapshot.messages[1].sender, "");
@@ -126,7 +171,7 @@ TEST_F(MessageIntake, CutsTheLineTo255BytesAndNoCharacter) {
     std::string wide;
     for (int i = 0; i < 3000; i++) wide += "放";
     EXPECT_EQ(logOf(wide), start + wide.substr(0, (255 - start.size()) / 3 * 3));
-    EXPECT_EQ(copyMessages(store).messages.back().sender, wide);  // kept whole
+    EXPECT_EQ(storedMessages(store).messages.back().sender, wide);  // kept whole
     const std::string fits(255 - start.size() - std::string(" (5 bytes)").size(), 'n');
     EXPECT_EQ(logOf(fits), start + fits + " (5 bytes)");
 }
@@ -134,20 +179,20 @@ TEST_F(MessageIntake, CutsTheLineTo255BytesAndNoCharacter) {
 TEST_F(MessageIntake, KeepsControlsOfANameOutOfTheLog) {
     EXPECT_EQ(logOf("a\nb\r\x01\x1B[31m\x7F"), "Corvalis text message from a?b???[31m? (5 bytes)");
     EXPECT_EQ(logOf("\u202Eevil\u2066\u0085\u2028"), "Corvalis text message from ?evil??? (5 bytes)");
-    EXPECT_EQ(copyMessages(store).messages.back().sender, "\u202Eevil\u2066\u0085\u2028");
+    EXPECT_EQ(storedMessages(store).messages.back().sender, "\u202Eevil\u2066\u0085\u2028");
     EXPECT_EQ(logOf("\xFF\xC3("), "Corvalis text message from \xFF\xC3( (5 bytes)");
 }
 
 TEST_F(MessageIntake, TheFortyFirstPushesTheFirstOut) {
     for (int i = 0; i <= 40; i++) take("Tower", std::to_string(i).c_str());
-    EXPECT_EQ(copyMessages(store).messages.size(), 40U);
-    EXPECT_EQ(copyMessages(store).messages.front().text, "1");
+    EXPECT_EQ(storedMessages(store).messages.size(), 40U);
+    EXPECT_EQ(storedMessages(store).messages.front().text, "1");
     EXPECT_EQ(store.unread, 41);
 }
 
 TEST_F(MessageIntake, CallsTheHostOutsideTheMessageLock) {
     bool isFree = true;
-    model.setBeforeCall([&](const HostCall&) { isFree = isFree && copyMessages(store).unread == 1; });
+    model.setBeforeCall([&](const HostCall&) { isFree = isFree && storedMessages(store).unread == 1; });
     take("Tower", "hello");  // would not return if the lock were held
     EXPECT_TRUE(isFree);
 }

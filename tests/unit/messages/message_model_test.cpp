@@ -69,6 +69,16 @@ TEST_F(MessageModelTest, ANewMessageOpensTheNewestPageButLeavesAVisibleWindowAlo
     EXPECT_EQ(counter(), "1 / 5");
 }
 
+TEST_F(MessageModelTest, WithoutMemoryForItsPictureTheWindowAppearsAndIsPaintedAtTheNextTick) {
+    add("hello");
+    screen.canPaint = false;
+    model.show();
+    EXPECT_EQ(screen.takeSteps(), "place paint+ appear+");
+    screen.canPaint = true;
+    tick();
+    EXPECT_EQ(firstRow(), "hello");
+}
+
 TEST_F(MessageModelTest, TogglingShowsAndHides) {
     addNumbered(1, 2);
     for (int i = 0; i < 3; i++) {
@@ -170,7 +180,7 @@ TEST_F(MessageModelTest, DeleteForgetsThemAll) {
     EXPECT_TRUE(isEmptyPage());
     EXPECT_EQ(dotColour(), kBrightGreen);
     EXPECT_EQ(store.unread, 0);
-    EXPECT_TRUE(copyMessages(store).messages.empty());
+    EXPECT_TRUE(storedMessages(store).messages.empty());
     EXPECT_TRUE(isVisible);
     addNumbered(5, 6);
     tick();
@@ -219,7 +229,7 @@ TEST_F(MessageModelTest, OtherKeysAndPressesOnThePageDoNothing) {
     EXPECT_EQ(screen.takeSteps(), "");
     EXPECT_TRUE(isVisible);
     EXPECT_EQ(counter(), "2 / 3");
-    EXPECT_EQ(copyMessages(store).messages.size(), 3U);
+    EXPECT_EQ(storedMessages(store).messages.size(), 3U);
 }
 
 TEST_F(MessageModelTest, TheHeaderDragsTheWindow) {

@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::uint32_t kAmber = 0xFFFFB84D;
 constexpr std::uint32_t kDimGreen = 0xFF4E8F69;
+constexpr std::uint32_t kFaintGreen = 0xFF38674C;
 constexpr std::uint32_t kBrightGreen = 0xFF86E8AC;
 constexpr std::uint32_t kRed = 0xFFFF6B6B;
 constexpr std::int32_t kEnglishTexts = 2;
@@ -168,23 +169,34 @@ TEST_F(MessagePageTest, TheSenderIsNamedInAFontThatHasItsLetters) {
     EXPECT_EQ(find(u"UNKNOWN")->rect, (UnitRect{76, 44, 400, 18}));
     add("hello", "a\nb\u202Ec");
     EXPECT_TRUE(find(u"a bc"));
-    add("hello", std::string(10'000, 'W'));
-    EXPECT_TRUE(find(std::u16string(512, u'W')));
+}
+
+TEST_F(MessagePageTest, ANameTooLongEndsInAnEllipsisThatFits) {
+    const std::size_t room = 53;  // of 6.5 pixels each in 348
+    add("hello", std::string(room, 'W'));
+    EXPECT_TRUE(find(std::u16string(room, u'W')));
+    for (const std::size_t letters : {room + 1, std::size_t{10'000}}) {
+        add("hello", std::string(letters, 'W'));
+        const auto shown = find(std::u16string(room - 1, u'W') + u'\u2026');
+        ASSERT_TRUE(shown) << letters;
+        EXPECT_EQ(shown->rect, (UnitRect{76, 44, 400, 18}));
+    }
+    std::string wide;
+    for (int i = 0; i < 27; i++) wide += "放";  // 351 pixels; the ellipsis takes half of one's place
+    add("hello", wide);
+    EXPECT_TRUE(find(std::u16string(26, u'放') + u'\u2026'));
 }
 
 TEST_F(MessagePageTest, NothingOnTheMetaLineRunsIntoTheTimesLabel) {
-    const std::u16string fits(53, u'W'), isLong(54, u'W');  // of 6.5 pixels each in 348
-    add("hello", std::string(53, 'W'));
-    EXPECT_EQ(find(fits)->rect, (UnitRect{76, 44, 400, 18}));
-    EXPECT_FALSE(find(fits)->isShortened);
-    add("hello", std::string(54, 'W'));
-    EXPECT_EQ(find(isLong)->rect, (UnitRect{76, 44, 348, 18}));
-    EXPECT_TRUE(find(isLong)->isShortened);
     for (const float cell : {0.5f, 0.55f, 0.6f}) {  // em: our usual one, Consolas' and a wide font's
         tools.measure = [=](const PageTextStyle& style, std::u16string_view measuredText) {
             return style.size * cell * static_cast<float>(measuredText.size());
         };
-        add("hello");
+        add("hello", std::string(200, 'W'));
+        items();
+        const std::u16string name = page.layout().sender;
+        EXPECT_LT(76.0f + tools.measure(page.layout().senderStyle, name), 430.0f) << cell;
+        EXPECT_EQ(name.back(), u'\u2026') << cell;
         const auto time = find(u"CHANNEL   ·   14:13:20");
         const auto label = find(u"TIME");
         ASSERT_TRUE(time && label) << cell;
@@ -235,7 +247,7 @@ TEST_F(MessagePageTest, TheFooterTellsPageKeysAndPdc) {
     add("CLR TO KJFK");
     add("hello");
     EXPECT_TRUE(shows(text(u"1 / 2", {490, 366, 60, 20}, mono(12), kBrightGreen)));
-    EXPECT_TRUE(shows(text(u"↑↓ page   DEL clear   ESC / TEXT close", {16, 366, 430, 20}, chinese(12), kDimGreen)));
+    EXPECT_TRUE(shows(text(u"↑↓ page   DEL clear   ESC / TEXT close", {16, 366, 430, 20}, chinese(12), kFaintGreen)));
     EXPECT_FALSE(find(u"PDC"));
     page.change_page(store, 1);
     EXPECT_TRUE(shows(text(u"2 / 2", {490, 366, 60, 20}, mono(12), kBrightGreen)));
@@ -245,6 +257,33 @@ TEST_F(MessagePageTest, TheFooterTellsPageKeysAndPdc) {
         return std::find_if(all.begin(), all.end(), [&](const PageItem& item) { return item.text == what; });
     };
     EXPECT_LT(at(u"PDC"), at(u"↑↓ page   DEL clear   ESC / TEXT close"));
+}
+
+TEST_F(MessagePageTest, TheHintBeginsBehindTheTag) {
+    const std::u16string hint = u"↑↓ page   DEL clear   ESC / TEXT close";
+    add("hello");
+    EXPECT_EQ(find(hint)->indent, 0.0f);
+    add("CLR TO KJFK");
+    const auto behind = find(hint);
+    const auto tag = find(u"PDC");
+    ASSERT_TRUE(behind && tag);
+    EXPECT_EQ(behind->rect, (UnitRect{16, 366, 430, 20}));  // the same place, but for its letters
+    EXPECT_EQ(behind->indent, 40.0f);
+    EXPECT_GT(behind->rect.x + behind->indent, tag->rect.x + tools.measure(tag->style, tag->text) + 10.0f);
+}
+
+TEST_F(MessagePageTest, TheHintIsFaintWhileTheKeysGoElsewhere) {
+    const std::u16string hint = u"↑↓ page   DEL clear   ESC / TEXT close";
+    add("hello");
+    EXPECT_EQ(find(hint)->colour, kFaintGreen);
+    const PageLook without = look();
+    const int once = measured;
+    page.setKeyboard(true);
+    EXPECT_NE(look(), without);
+    EXPECT_EQ(find(hint)->colour, kDimGreen);
+    EXPECT_EQ(measured, once);  // nothing is laid out anew for it
+    page.setKeyboard(false);
+    EXPECT_EQ(find(hint)->colour, kFaintGreen);
 }
 
 TEST_F(MessagePageTest, KnowsAPdcByItsWords) {

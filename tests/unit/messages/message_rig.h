@@ -12,6 +12,7 @@
 #include "messages/message_model.h"
 #include "settings/language.h"
 #include "tests/unit/fakes.h"
+#include "tests/unit/messages/stored_messages.h"
 
 // A character is as wide as half its size, a wide one as its whole size.
 class FakeMessageScreen : public MessageScreen {
@@ -28,8 +29,10 @@ class FakeMessageScreen : public MessageScreen {
     std::int32_t clientWidth() const override { return static_cast<std::int32_t>(620.0f * messageScale(dotsPerInch)); }
     std::uint32_t screenDpi() const override { return dotsPerInch; }
     MeasureStyledText preparePicture() override {
+        step("prepare");
         if (!hasRoom) return nullptr;
         return [this](const PageTextStyle& style, std::u16string_view text) {
+            step("measure");
             if (whileMeasuring) whileMeasuring();
             float width = 0.0f;
             for (const char16_t unit : text) width += isWide(unit) ? style.size : style.size / 2;
@@ -43,9 +46,13 @@ class FakeMessageScreen : public MessageScreen {
         painted++;
         isShown = false;
     }
-    void invalidate() override { isAllStale = true; }
+    void invalidate() override {
+        isAllStale = true;
+        step("invalidate");
+    }
     void invalidate(const UnitRect& part) override { staleParts.push_back(part); }
     void update() override {
+        step("update");
         updates++;
         isShown = isShown || isAllStale;
         isAllStale = false;
@@ -60,7 +67,8 @@ class FakeMessageScreen : public MessageScreen {
     bool hasRoom = true;
     bool canPaint = true;
     std::function<void()> whileMeasuring;
-    std::vector<PageItem> picture;  // the last one painted
+    std::function<void(const std::string& step)> onStep;  // each time the model asks for something
+    std::vector<PageItem> picture;                        // the last one painted
     PixelPoint draggedFrom;
     std::vector<UnitRect> staleParts;
     bool isAllStale = false;
@@ -69,10 +77,14 @@ class FakeMessageScreen : public MessageScreen {
     int updates = 0;
 
   private:
-    void note(const char* step) {
+    void note(const char* name) {
         if (!steps_.empty()) steps_ += ' ';
-        steps_ += step;
+        steps_ += name;
         if (isVisible_) steps_ += '+';
+        step(name);
+    }
+    void step(const char* name) {
+        if (onStep) onStep(name);
     }
 
     const std::atomic<bool>& isVisible_;
@@ -83,6 +95,7 @@ class MessageRig : public testing::Test {
   protected:
     static constexpr std::uint32_t kAmber = 0xFFFFB84D;
     static constexpr std::uint32_t kDimGreen = 0xFF4E8F69;
+    static constexpr std::uint32_t kFaintGreen = 0xFF38674C;
     static constexpr std::uint32_t kBrightGreen = 0xFF86E8AC;
     static constexpr std::uint32_t kRed = 0xFFFF6B6B;
     static constexpr std::uint64_t kTickMs = 33;

@@ -1,0 +1,33 @@
+// keyboard_owner_win.h - stands for the program that the keyboard belongs to, the simulator: a window on a thread of
+// its own that notes the keys it gets. And the hand of the user: keys and clicks as the system itself distributes them.
+// [host] Used from a test's main thread; one owner at a time.
+#pragma once
+#include <windows.h>
+#include <atomic>
+#include <thread>
+
+class KeyboardOwner {
+  public:
+    KeyboardOwner();  // at the screen's top left corner, with the keyboard
+    ~KeyboardOwner();
+    KeyboardOwner(const KeyboardOwner&) = delete;
+    KeyboardOwner& operator=(const KeyboardOwner&) = delete;
+
+    // Gets the keyboard back. False if it does not.
+    bool takeKeyboard();
+    bool hasKeyboard() const { return GetForegroundWindow() == window_; }
+    int typed(WORD key) const { return typed_[key & 0xFFU]; }  // how often that key came here
+
+  private:
+    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void run();
+
+    std::atomic<HWND> window_{nullptr};
+    std::atomic<int> typed_[256] = {};
+    std::thread thread_;
+};
+
+// Typed: the system gives it to the window that has the keyboard.
+void typeKey(WORD key);
+// The left button, pressed and released at a point of the screen: the system gives it to the window there.
+void clickScreen(POINT at);
