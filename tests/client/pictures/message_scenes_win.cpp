@@ -55,6 +55,16 @@ void showChinese(Stage& stage) {
     open(stage);
 }
 
+// A clearance from senders with names longer than their place, in a window that has the keyboard.
+void showLongNames(Stage& stage) {
+    for (int i = 1; i <= 9; i++) deliver(stage, kTaxi);
+    deliver(stage, kClearance, "Санкт-Петербург-Подход, старший диспетчер смены", 2);
+    open(stage);
+    SendMessageW(findMessageWindow(), WM_SETFOCUS, 0, 0);
+    deliver(stage, kClearance, "北京首都国际机场放行许可席位管制员值班主任北京首都国际机场", 2);
+    stage.session.waitPasses(3);
+}
+
 // More messages arrive while one is being read.
 void showUnread(Stage& stage) {
     for (int i = 1; i <= 37; i++) deliver(stage, "Message number " + std::to_string(i));
@@ -81,6 +91,7 @@ void showHostile(Stage& stage) {
 constexpr const char* kNoAutoOpen = "text_auto_open=0\r\n";
 constexpr const char* kLarge = "text_auto_open=0\r\ntext_scale=22\r\n";
 constexpr const char* kInChinese = "text_auto_open=0\r\nlanguage=zh-CN\r\n";
+constexpr const char* kInRussian = "text_auto_open=0\r\nlanguage=ru\r\n";
 constexpr const char* kInGerman = "text_auto_open=0\r\nlanguage=de\r\n";
 
 // clang-format off
@@ -93,6 +104,8 @@ constexpr Scene kMessageScenes[] = {
     {"one_word",     kNoAutoOpen, nullptr,  showOneWord,   findMessageWindow, Moment::kBrightest, false},
     {"large",        kLarge,      nullptr,  showLong,      findMessageWindow, Moment::kStill,     false},
     {"chinese",      kInChinese,  nullptr,  showChinese,   findMessageWindow, Moment::kBrightest, true},
+    {"russian",      kInRussian,  nullptr,  showOneWord,   findMessageWindow, Moment::kBrightest, true},
+    {"long_names",   kInChinese,  nullptr,  showLongNames, findMessageWindow, Moment::kBrightest, true},
     {"empty_german", kInGerman,   nullptr,  open,          findMessageWindow, Moment::kStill,     false},
     {"german",       kInGerman,   nullptr,  showClearance, findMessageWindow, Moment::kBrightest, false},
     {"unread",       kNoAutoOpen, nullptr,  showUnread,    findMessageWindow, Moment::kBrightest, true},
