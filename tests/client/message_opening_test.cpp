@@ -62,7 +62,7 @@ class MessageOpening : public MessageTest {
 }  // namespace
 
 TEST_F(MessageOpening, ShowsTheNewerOfTwoMessagesUpToTwentyMillisecondsApart) {
-    constexpr int kOpenings = 60;
+    constexpr int kOpenings = 30;
     ASSERT_TRUE(begin());
     std::mt19937 random(20'260'928);
     std::uniform_real_distribution<double> gapsMs(0.0, 20.0);
