@@ -10,13 +10,14 @@ void inject(const INPUT& input) {
     SendInput(1, &copy, sizeof copy);
 }
 
-void injectMouse(DWORD flags, POINT at) {
+void injectMouse(DWORD flags, POINT at, int wheel = 0) {
     // In 65536ths of the screen; half a pixel more, so that rounding down finds the pixel.
     const auto share = [](LONG pixel, int all) { return static_cast<LONG>((2 * pixel + 1) * 32768LL / all); };
     INPUT input = {};
     input.type = INPUT_MOUSE;
     input.mi.dx = share(at.x, GetSystemMetrics(SM_CXSCREEN));
     input.mi.dy = share(at.y, GetSystemMetrics(SM_CYSCREEN));
+    input.mi.mouseData = static_cast<DWORD>(wheel);
     input.mi.dwFlags = flags | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE;
     inject(input);
 }
@@ -79,4 +80,16 @@ void clickScreen(POINT at) {
     injectMouse(0, at);
     injectMouse(MOUSEEVENTF_LEFTDOWN, at);
     injectMouse(MOUSEEVENTF_LEFTUP, at);
+}
+
+void dragScreen(POINT from, POINT to) {
+    injectMouse(0, from);
+    injectMouse(MOUSEEVENTF_LEFTDOWN, from);
+    injectMouse(0, to);
+    injectMouse(MOUSEEVENTF_LEFTUP, to);
+}
+
+void wheelScreen(POINT at, int delta) {
+    injectMouse(0, at);
+    injectMouse(MOUSEEVENTF_WHEEL, at, delta);
 }

@@ -29,5 +29,8 @@ class KeyboardOwner {
 
 // Typed: the system gives it to the window that has the keyboard.
 void typeKey(WORD key);
-// The left button, pressed and released at a point of the screen: the system gives it to the window there.
+// Of the mouse: the system gives it to the window at that point of the screen. Each names its point, so that nothing
+// depends on where the pointer is.
 void clickScreen(POINT at);
+void dragScreen(POINT from, POINT to);
+void wheelScreen(POINT at, int delta);  // 120 per notch, away from the user positive

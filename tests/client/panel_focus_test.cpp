@@ -2,6 +2,7 @@
 // the system's own, not posted: only so does it ask who is to be activated.
 #include <string>
 #include "tests/client/import_patch_win.h"
+#include "tests/client/keyboard_owner_win.h"
 #include "tests/client/panel_test.h"
 
 namespace {
@@ -51,24 +52,6 @@ class KeyWindow {
     int losses_ = 0;
 };
 
-void useButton(DWORD flags, int wheel = 0) {
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flags;
-    input.mi.mouseData = static_cast<DWORD>(wheel);
-    SendInput(1, &input, sizeof input);
-}
-
-void type(char key) {
-    INPUT inputs[2] = {};
-    for (INPUT& input : inputs) {
-        input.type = INPUT_KEYBOARD;
-        input.ki.wVk = static_cast<WORD>(key);
-    }
-    inputs[1].ki.dwFlags = KEYEVENTF_KEYUP;
-    SendInput(2, inputs, sizeof(INPUT));
-}
-
 // The user's setting as SystemParametersInfo reports it to the plugin.
 DWORD gWheelRouting = 0;
 
@@ -107,15 +90,7 @@ class PanelFocus : public PanelTest {
         ClientToScreen(findPanel(), &at);
         return at;
     }
-    void pointAt(std::int32_t element) const {
-        const POINT at = onScreen(element);
-        SetCursorPos(at.x, at.y);
-    }
-    void clickOn(std::int32_t element) const {
-        pointAt(element);
-        useButton(MOUSEEVENTF_LEFTDOWN);
-        useButton(MOUSEEVENTF_LEFTUP);
-    }
+    void clickOn(std::int32_t element) const { clickScreen(onScreen(element)); }
     LRESULT askWhoIsActivated() const {
         return send(WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(findPanel()), MAKELPARAM(HTCLIENT, WM_LBUTTONDOWN));
     }
@@ -128,23 +103,19 @@ TEST_F(PanelFocus, ClicksWheelAndDragsLeaveTheKeyboardWhereItIs) {
 
     clickOn(kAutoKey);
     EXPECT_TRUE(becomesTrue([&] { return isSaved("enabled=0"); }));
-    type('A');
-    pointAt(kVolumeKnob);
-    useButton(MOUSEEVENTF_WHEEL, WHEEL_DELTA);
+    typeKey('A');
+    wheelScreen(onScreen(kVolumeKnob), WHEEL_DELTA);
     EXPECT_TRUE(becomesTrue([&] { return isSaved("receive_volume=51"); }));
-    type('B');
+    typeKey('B');
     const POINT held = onScreen(kBackground);
-    SetCursorPos(held.x, held.y);
-    useButton(MOUSEEVENTF_LEFTDOWN);
-    SetCursorPos(held.x + 40, held.y + 30);
-    useButton(MOUSEEVENTF_LEFTUP);
+    dragScreen(held, {held.x + 40, held.y + 30});
     EXPECT_TRUE(becomesTrue([&] { return isSaved("panel_x=160") && isSaved("panel_y=120"); }));
-    type('C');
+    typeKey('C');
     clickOn(kMinimizeKey);
     EXPECT_TRUE(becomesTrue([&] { return !isShown(); }));
     session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);  // "Show panel"
     EXPECT_TRUE(becomesTrue([&] { return isShown(); }));
-    type('D');
+    typeKey('D');
 
     EXPECT_TRUE(becomesTrue([&] { return other.keys().size() >= 4; }));
     EXPECT_EQ(other.keys(), "ABCD");
