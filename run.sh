@@ -8,6 +8,7 @@
 # afterwards kills and restarts simulator, worker, plugin and voice client in turn. With CORVALIS_NEW_CLIENT=1 in the
 # environment the voice client is one of today.
 set -euo pipefail
+. "$(dirname "$0")/tools/fixed_layout.sh"
 cd "$(dirname "$0")"
 
 full=()

@@ -8,6 +8,7 @@
 # and with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT).
 # test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
+. "$(dirname "$0")/tools/fixed_layout.sh"
 cd "$(dirname "$0")"
 export LC_ALL=C.UTF-8
 

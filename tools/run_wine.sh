@@ -4,6 +4,7 @@
 # With CORVALIS_WINE_SLOTS (tools/wine.sh) it runs in a slot that nobody else is in, waiting for one if need be.
 # A Wine process that is ended by others may still report success. GoogleTest keeps a file from its first test to its
 # last, so one that is left behind tells that there would have been more.
+. "$(dirname "$0")/fixed_layout.sh"
 unfinished=$(mktemp -u "${TMPDIR:-/tmp}/corvalis-unfinished-XXXXXXXX")
 export TEST_PREMATURE_EXIT_FILE="Z:$unfinished"
 finish() {
