@@ -43,9 +43,18 @@ bool KeyboardOwner::takeKeyboard() {
         30'000);
 }
 
+std::string KeyboardOwner::keys() const {
+    const std::scoped_lock lock(mutex_);
+    return keys_;
+}
+
 LRESULT CALLBACK KeyboardOwner::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* self = reinterpret_cast<KeyboardOwner*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (message == WM_KEYDOWN && self) self->typed_[wParam & 0xFFU]++;
+    if (message == WM_KEYDOWN && self) {
+        const std::scoped_lock lock(self->mutex_);
+        self->keys_ += static_cast<char>(wParam);
+    }
+    if (message == WM_KILLFOCUS && self) self->losses_++;
     if (message == WM_APP) SetForegroundWindow(window);
     if (message == WM_DESTROY) PostQuitMessage(0);
     return DefWindowProcW(window, message, wParam, lParam);

@@ -4,6 +4,8 @@
 #pragma once
 #include <windows.h>
 #include <atomic>
+#include <mutex>
+#include <string>
 #include <thread>
 
 class KeyboardOwner {
@@ -16,14 +18,17 @@ class KeyboardOwner {
     // Gets the keyboard back. False if it does not.
     bool takeKeyboard();
     bool hasKeyboard() const { return GetForegroundWindow() == window_; }
-    int typed(WORD key) const { return typed_[key & 0xFFU]; }  // how often that key came here
+    std::string keys() const;               // the keys that came here, in order, each as its virtual key code
+    int losses() const { return losses_; }  // of the keyboard, to any other window
 
   private:
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void run();
 
     std::atomic<HWND> window_{nullptr};
-    std::atomic<int> typed_[256] = {};
+    std::atomic<int> losses_{0};
+    mutable std::mutex mutex_;
+    std::string keys_;  // guarded by mutex_
     std::thread thread_;
 };
 

@@ -77,7 +77,7 @@ TEST_F(MessageKeyboard, StaysWithTheAircraftWhenTheWindowOpensAndIsClickedOnItsH
     receive("hello");
     ASSERT_TRUE(isShown());
     typeKey('A');
-    EXPECT_TRUE(session.waitUntil([&] { return aircraft.typed('A') == 1; }, kLongMs));
+    EXPECT_TRUE(session.waitUntil([&] { return aircraft.keys() == "A"; }, kLongMs));
     std::atomic<int> presses{0};
     const HWND window = findMessageWindow();
     const WindowWatch watch(
@@ -88,14 +88,14 @@ TEST_F(MessageKeyboard, StaysWithTheAircraftWhenTheWindowOpensAndIsClickedOnItsH
     clickScreen(onScreen(200, 20));
     EXPECT_TRUE(session.waitUntil([&] { return presses == 1; }, kLongMs));
     typeKey('B');
-    EXPECT_TRUE(session.waitUntil([&] { return aircraft.typed('B') == 1; }, kLongMs));
+    EXPECT_TRUE(session.waitUntil([&] { return aircraft.keys() == "AB"; }, kLongMs));
     EXPECT_TRUE(aircraft.hasKeyboard());
     EXPECT_TRUE(shows({.hasKeyboard = false}));
     EXPECT_TRUE(waitForPosted(window));  // a drag that the press began is over
     clickScreen(onScreen(596, 24));
     EXPECT_TRUE(session.waitUntil([] { return !isMessageWindowShown(); }, kLongMs));
     typeKey('C');
-    EXPECT_TRUE(session.waitUntil([&] { return aircraft.typed('C') == 1; }, kLongMs));
+    EXPECT_TRUE(session.waitUntil([&] { return aircraft.keys() == "ABC"; }, kLongMs));
     EXPECT_TRUE(aircraft.hasKeyboard());
 }
 
@@ -112,10 +112,10 @@ TEST_F(MessageKeyboard, GoesToThePageThatIsClickedAndBackToTheAircraft) {
     EXPECT_TRUE(becomes({.page = 0, .hasKeyboard = true}));
     typeKey(VK_UP);
     EXPECT_TRUE(becomes({.page = 1, .hasKeyboard = true}));
-    EXPECT_EQ(aircraft.typed(VK_UP), 0);
+    EXPECT_EQ(aircraft.keys(), "");
     ASSERT_TRUE(aircraft.takeKeyboard());
     EXPECT_TRUE(becomes({.page = 1, .hasKeyboard = false}));
     typeKey(VK_UP);
-    EXPECT_TRUE(session.waitUntil([&] { return aircraft.typed(VK_UP) == 1; }, kLongMs));
+    EXPECT_TRUE(session.waitUntil([&] { return aircraft.keys() == std::string{VK_UP}; }, kLongMs));
     EXPECT_TRUE(shows({.page = 1}));
 }
