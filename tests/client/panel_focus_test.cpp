@@ -94,15 +94,17 @@ TEST_F(PanelFocus, AClickBringsACoveredPanelToTheFront) {
     ASSERT_TRUE(show(kBoeingTheme, "panel_x=120\r\npanel_y=90\r\n"));
     const HWND cover = CreateWindowExW(WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, L"Static", L"", WS_POPUP, 100, 80, 60, 60,
                                        nullptr, nullptr, nullptr, nullptr);
-    SetWindowPos(cover, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
     const auto upper = [&] {
         HWND window = GetTopWindow(nullptr);
         while (window && window != cover && window != findPanel()) window = GetWindow(window, GW_HWNDNEXT);
         return window;
     };
-    EXPECT_TRUE(becomesTrue([&] { return upper() == cover; }));
+    // Again if need be: what the screen tells of an earlier change of focus may still raise the panel.
+    EXPECT_TRUE(becomesTrue([&] {
+        SetWindowPos(cover, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+        return upper() == cover;
+    }));
     clickOn(kCom2Key);
-    EXPECT_TRUE(becomesTrue([&] { return isSaved("radio=COM2"); }));
-    EXPECT_EQ(upper(), findPanel());
+    EXPECT_TRUE(becomesTrue([&] { return isSaved("radio=COM2") && upper() == findPanel(); }));
     DestroyWindow(cover);
 }
