@@ -169,6 +169,7 @@ TEST_F(FileTrouble, ATelemetryLockedForAMomentDoesNotRestartTheStandstill) {
         session.publish();
         ASSERT_TRUE(waitFor(lock));
         ASSERT_TRUE(waitFor([&] { return tries > i; }));
+        ASSERT_TRUE(session.waitPasses(1));  // held at all three tries of one pass, the file would be missed by it
     }
     ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
     // Each pass without telemetry would have restarted the count of eight passes, and so would the last of the seven.
