@@ -48,7 +48,7 @@ void SimulatedAircraft::play(const ScriptStep& step, std::uint64_t nowMs) {
         case ScriptAction::kSwap:
             return std::swap(radio.values.active, radio.values.standby);
         case ScriptAction::kVolume:
-            radio.values.volume = step.value;
+            radio.values.volume = static_cast<float>(step.value);
             return;
         case ScriptAction::kPower:
             radio.powered = on;
@@ -115,7 +115,7 @@ void SimulatedAircraft::apply(const RadioWrite& write) {
     if (!radio.powered) return;
     switch (write.slot) {
         case kSlotVolume:
-            radio.values.volume = write.value;
+            radio.values.volume = static_cast<float>(write.value);
             return;
         case kSlotSwap:
             return std::swap(radio.values.active, radio.values.standby);

@@ -162,7 +162,7 @@ LRESULT DialogWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_EXITSIZEMOVE:
             return onReleased();
         case WM_PRINTCLIENT:
-            return onPrint(reinterpret_cast<HDC>(wParam));
+            return onPrint(pointerFrom<HDC__>(static_cast<LONG_PTR>(wParam)));
         default:
             return doDefault(message, wParam, lParam);
     }
