@@ -9,6 +9,9 @@
 #include "plugin/menu_win.h"
 #include "plugin/message_receipt_win.h"
 #include "plugin/settings_dialog_win.h"
+#ifdef __GLIBCXX__
+#include "plugin/runtime_threads_win.h"
+#endif
 
 PluginState gPlugin;
 
@@ -31,6 +34,7 @@ void openRuntime([[maybe_unused]] HINSTANCE module) {
 
 void closeRuntime() {
 #ifdef __GLIBCXX__
+    closeRuntimeThreads();
     __gnu_cxx::__freeres();
 #endif
 }

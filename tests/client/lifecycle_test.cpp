@@ -1,11 +1,65 @@
 #include <windows.h>
+#include <atomic>
 #include <clocale>
+#include <thread>
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
+#include "tests/client/resource_count_win.h"
 
 namespace {
 
 constexpr const wchar_t* kPanelClass = L"CorvalisRadioPanel";
+
+// A thread of the host's that lives on from load to load.
+class LivingThread {
+  public:
+    LivingThread() : thread_([this] { live(); }) {}
+    ~LivingThread() {
+        isLiving_ = false;
+        thread_.join();
+    }
+    LivingThread(const LivingThread&) = delete;
+    LivingThread& operator=(const LivingThread&) = delete;
+
+    // Runs call on that thread; true once it has returned.
+    bool run(void (*call)()) {
+        call_ = call;
+        return waitFor([this] { return call_ == nullptr; }, 30'000);
+    }
+
+  private:
+    void live() {
+        while (isLiving_) {
+            if (void (*const call)() = call_) {
+                call();
+                call_ = nullptr;
+            }
+            pauseBriefly();
+        }
+    }
+
+    std::atomic<bool> isLiving_{true};       // stored by the test
+    std::atomic<void (*)()> call_{nullptr};  // stored by the test, and by the thread when it is done
+    std::thread thread_;                     // last: it starts when all the others are in place
+};
+
+// What the calling thread asks the plugin, whose answer runs out of memory: an exception comes up in the DLL.
+int (*gAskVersion)() = nullptr;
+std::atomic<DWORD> gStarvedThread{0};
+std::atomic<int> gRefusals{0};
+void* (*gMalloc)(std::size_t bytes) = nullptr;  // the system's
+
+void* scarceMalloc(std::size_t bytes) {
+    if (GetCurrentThreadId() != gStarvedThread || bytes < 16) return gMalloc(bytes);
+    gRefusals++;
+    return nullptr;
+}
+
+void askWithoutMemory() {
+    gStarvedThread = GetCurrentThreadId();
+    gAskVersion();
+    gStarvedThread = 0;
+}
 
 }  // namespace
 
@@ -84,6 +138,51 @@ TEST_F(Lifecycle, HandlesDoNotGrowFromStartToStart) {
     for (int i = 0; i < kCycles; i++) cycle();
     // If each start left one behind, there would be as many as starts; the system may have made a few of its own.
     EXPECT_TRUE(waitFor([&] { return handleCount() < handles + kCycles; })) << handleCount() - handles;
+}
+
+TEST_F(Lifecycle, HandlesAndThreadSlotsDoNotGrowFromLoadToLoad) {
+    ASSERT_TRUE(session.copyWorker(programFolder() / "fake_worker.exe"));
+    const auto cycle = [&] {
+        ASSERT_TRUE(session.start());
+        ASSERT_TRUE(session.waitPasses(1));
+        session.stop();
+        session.plugin.unload();
+    };
+    constexpr int kCycles = 8;
+    for (int i = 0; i < 2; i++) cycle();
+    const int handles = handleCount();
+    const int slots = threadSlotCount();
+    ASSERT_GT(slots, 0);
+    for (int i = 0; i < kCycles; i++) cycle();
+    // If each load left one behind, there would be as many as loads; the system may have made a few of its own.
+    EXPECT_TRUE(waitFor([&] { return handleCount() < handles + kCycles; })) << handleCount() - handles;
+    EXPECT_LT(threadSlotCount(), slots + kCycles);
+}
+
+// The C++ library keeps a record of exceptions for each thread that has had one.
+TEST_F(Lifecycle, WhatAnExceptionNeedsOnAThreadThatLivesOnGoesWithTheDll) {
+    LivingThread thread;
+    const auto cycle = [&] {
+        ASSERT_TRUE(session.load());
+        {
+            const ImportPatch patch(L"corvalis_win64.dll", "malloc", reinterpret_cast<void*>(&scarceMalloc));
+            if (!patch.isInPlace()) GTEST_SKIP() << "the plugin has its memory from elsewhere";
+            gMalloc = reinterpret_cast<void* (*)(std::size_t)>(patch.original());
+            gAskVersion = session.plugin.exports().apiVersion;
+            ASSERT_TRUE(thread.run(askWithoutMemory));
+        }
+        session.plugin.unload();
+    };
+    constexpr int kCycles = 8;
+    for (int i = 0; i < 2; i++) cycle();
+    if (IsSkipped() || HasFatalFailure()) return;
+    const int handles = handleCount();
+    const int slots = threadSlotCount();
+    gRefusals = 0;
+    for (int i = 0; i < kCycles; i++) cycle();
+    EXPECT_GE(gRefusals, kCycles);
+    EXPECT_TRUE(waitFor([&] { return handleCount() < handles + kCycles; })) << handleCount() - handles;
+    EXPECT_LT(threadSlotCount(), slots + kCycles);
 }
 
 TEST_F(Lifecycle, TheDllLeavesTheProcessWhenUnloaded) {

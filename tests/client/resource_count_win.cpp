@@ -2,6 +2,9 @@
 #include <windows.h>
 // psapi.h needs windows.h before it.
 #include <psapi.h>
+// winternl.h too.
+#include <winternl.h>
+#include <bit>
 #include "tests/client/test_machine_win.h"
 
 // From ntdll; no header declares it.
@@ -11,7 +14,10 @@ namespace {
 
 // The process environment block points at the table of GDI objects, at the same place in Windows and in Wine (64-bit).
 constexpr std::size_t kGdiTablePointer = 0xF8;
+// And at two bitmaps of thread slots, 64 and 1024 of them.
+constexpr std::size_t kSlotBitmapPointers[] = {0x78, 0x238};
 constexpr int kGdiTableRows = 0x10000;
+constexpr std::uintptr_t kMostHandle = 0x4000;  // handles are multiples of 4, reused from the lowest
 
 struct GdiTableRow {
     std::uint64_t object;
@@ -32,6 +38,11 @@ int countGdiRows() {
     for (int i = 0; table && i < kGdiTableRows; i++) count += table[i].type != 0;
     return count;
 }
+
+struct Bitmap {
+    std::uint32_t bits;
+    const std::uint32_t* words;
+};
 
 BOOL CALLBACK countOwnWindow(HWND window, LPARAM count) {
     DWORD owner = 0;
@@ -74,4 +85,34 @@ std::size_t heapBytes() {
         HeapUnlock(heaps[i]);
     }
     return bytes;
+}
+
+int threadSlotCount() {
+    const auto* block = static_cast<const char*>(RtlGetCurrentPeb());
+    int count = 0;
+    for (const std::size_t pointer : kSlotBitmapPointers) {
+        const Bitmap* bitmap = *reinterpret_cast<const Bitmap* const*>(block + pointer);
+        for (std::uint32_t i = 0; bitmap && i < bitmap->bits / 32; i++) count += std::popcount(bitmap->words[i]);
+    }
+    return count;
+}
+
+std::map<std::string, int> handleTypes() {
+    std::map<std::string, int> types;
+    for (std::uintptr_t value = 4; value < kMostHandle; value += 4) {
+        const auto handle = reinterpret_cast<HANDLE>(value);
+        DWORD flags = 0;
+        alignas(8) char bytes[1024] = {};
+        if (!GetHandleInformation(handle, &flags)) continue;
+        // ObjectTypeInformation: begins with the type's name.
+        const NTSTATUS status =
+            NtQueryObject(handle, static_cast<OBJECT_INFORMATION_CLASS>(2), bytes, sizeof bytes, nullptr);
+        const auto* name = reinterpret_cast<const UNICODE_STRING*>(bytes);
+        if (status != 0 || !name->Buffer) {
+            types["?"]++;
+            continue;
+        }
+        types[toUtf8({name->Buffer, name->Length / sizeof(wchar_t)})]++;
+    }
+    return types;
 }

@@ -3,6 +3,8 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <string>
 
 struct ResourceCount {
     int gdiObjects = 0;
@@ -13,3 +15,7 @@ struct ResourceCount {
 
 ResourceCount countResources();
 std::size_t heapBytes();  // in use in all heaps of this process
+// Slots for values of threads (TlsAlloc) in use: of 1088, which all libraries of a process share.
+int threadSlotCount();
+// How many handles of each type this process has: "Event", "Thread".
+std::map<std::string, int> handleTypes();
