@@ -1,18 +1,22 @@
 // restarts_win.cpp - kills and restarts simulator, worker, plugin and voice client, one by one and all together in
 // several orders. After each, a frequency tuned in the cockpit must move the pilot to another channel, and at the end
 // the panel's swap must reach the aircraft. Prints a timeline; exits with 1 if anything did not recover.
-//   restarts OUT_FOLDER [ORDERS]     how many of the 24 orders; 6
-//   restarts --client                the voice client, as a process of its own
+//   restarts OUT_FOLDER [ORDERS]              how many of the 24 orders; 6
+//   restarts --loads [LOADS [SEED]]           the plugin in this process, again and again; 1000 (loads_win.h)
+//   restarts --shutdowns [MOMENTS [SEED]]     at any moment, each within a second; 500 (shutdowns_win.h)
+//   restarts --untimed-shutdowns [MOMENTS [SEED]]   the same without a limit
+//   restarts --client                         the voice client, as a process of its own
 #include <windows.h>
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include "base/clock_win.h"
 #include "base/number_text.h"
 #include "exchange/telemetry_text.h"
 #include "tests/client/circuit/flight_plan.h"
+#include "tests/client/circuit/loads_win.h"
+#include "tests/client/circuit/shutdowns_win.h"
 #include "tests/client/circuit/voice_client_win.h"
 #include "tests/client/new_client_win.h"
 #include "tests/client/test_machine_win.h"
@@ -172,12 +176,18 @@ class Restarts {
 int main(int argc, char** argv) {
     if (const auto code = runAsNewClient()) return *code;
     SetConsoleOutputCP(CP_UTF8);
-    if (argc > 1 && std::strcmp(argv[1], "--client") == 0) return runVoiceClient();
+    const std::string_view mode = argc > 1 ? argv[1] : "";
+    const auto count = [&](int usual) { return argc > 2 ? std::atoi(argv[2]) : usual; };
+    const std::uint64_t seed = argc > 3 ? std::strtoull(argv[3], nullptr, 10) : systemTickMs();
+    if (mode == "--loads") return runLoads(count(1000), seed);
+    if (mode == "--shutdowns") return runShutdowns(count(500), seed, true);
+    if (mode == "--untimed-shutdowns") return runShutdowns(count(500), seed, false);
+    if (mode == "--client") return runVoiceClient();
     if (argc < 2) {
-        std::printf("usage: restarts OUT_FOLDER [ORDERS]\n");
+        std::printf("usage: restarts OUT_FOLDER [ORDERS] | --loads [LOADS [SEED]] | --shutdowns [MOMENTS [SEED]]\n");
         return 2;
     }
-    const int orders = argc > 2 ? std::atoi(argv[2]) : 6;
+    const int orders = count(6);
     Restarts restarts(argv[1]);
     if (isNewClient()) std::printf("in a 3.6 client\n");
     restarts.begin();
