@@ -6,7 +6,7 @@
 # the documents' links and quotes; the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
 # test.sh --full - the same with every unit test under Wine too, otherwise those whose results depend on the compiler;
 # and with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT); and with 1,000 loads of the
-# plugin into one process and 500 timed shutdowns (Long.*).
+# plugin into one process, 500 timed shutdowns and a start and an end for each of their allocations (Long.*).
 # test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
 . "$(dirname "$0")/tools/fixed_layout.sh"
@@ -156,7 +156,7 @@ test_with_asan() {
 # What is tested on this machine itself; mostly builds.
 test_natively() {
     # shellcheck disable=SC2046  # words are what is wanted
-    if build asan unit_tests stand_in_simulator native_worker $(cd tests/fuzz && echo *_fuzz.cpp | sed 's/\.cpp//g'); then
+    if build asan unit_tests memory_tests stand_in_simulator native_worker $(cd tests/fuzz && echo *_fuzz.cpp | sed 's/\.cpp//g'); then
         test_with_asan &
     fi
     build tsan unit_tests && run_tests tsan 2

@@ -30,12 +30,14 @@ void talkChanged(TalkTracker& tracker, std::uint64_t schid, std::uint16_t client
     if (talking) {
         if (!entry.talking) entry.start = nowMs;
         tracker.talking.insert(clientId);
-    } else {
-        queueTailLocked(tracker, entry, {schid, clientId}, nowMs);
-        tracker.talking.erase(clientId);
+        entry.talking = true;
+        return updateLampsLocked(tracker, nowMs);
     }
-    entry.talking = talking;
+    // The tail last: without memory for it the lamp goes out nevertheless.
+    const TalkEntry ended = std::exchange(entry, {});
+    tracker.talking.erase(clientId);
     updateLampsLocked(tracker, nowMs);
+    queueTailLocked(tracker, ended, {schid, clientId}, nowMs);
 }
 
 void forgetClient(TalkTracker& tracker, std::uint64_t schid, std::uint16_t clientId, std::uint64_t nowMs) {

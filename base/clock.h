@@ -2,6 +2,15 @@
 #pragma once
 #include <cstdint>
 
+// Nothing of ours is put off for longer.
+inline constexpr std::uint64_t kFarthestDueMs = 60'000;
+
+// True once the tick dueMs has come. One that lies further ahead than anything is ever put off was set before the tick
+// stepped back: the system promises that this never happens, and nothing waits for hours if it does.
+constexpr bool isDue(std::uint64_t dueMs, std::uint64_t nowMs) {
+    return nowMs >= dueMs || dueMs - nowMs > kFarthestDueMs;
+}
+
 class Clock {
   public:
     virtual ~Clock() = default;

@@ -54,20 +54,23 @@ struct NextStep {
     Command command;
 };
 
-void assignIdLocked(Command& command, const CommandWriter& writer, std::uint64_t nowMs) {
-    command.id = std::to_string(writer.processId) + '-' + std::to_string(nowMs);
+// The step to write it. Without memory the command waits as before.
+NextStep beginWriteLocked(Command& command, const CommandWriter& writer, std::uint64_t nowMs) {
+    NextStep step{NextStep::kWrite, command};
+    step.command.id = std::to_string(writer.processId) + '-' + std::to_string(nowMs);
+    step.command.writtenAt = nowMs;
+    command.id = step.command.id;
     // Marked at once: from here on a newer turn of the knob queues a command of its own.
     command.writtenAt = nowMs;
+    return step;
 }
 
 NextStep takeAcknowledgedLocked(CommandQueue& queue, bool ackOk) REQUIRES(queue.mutex) {
-    const Command command = queue.commands.front();
-    if (ackOk) {
-        queue.commands.erase(queue.commands.begin());
-        return {NextStep::kSucceeded, command};
-    }
+    const Command& command = queue.commands.front();
+    if (ackOk) return {NextStep::kSucceeded, command};
     // The slot refused: its other queued commands are dropped too.
-    std::erase_if(queue.commands, [&](const Command& c) { return isFor(c, command.com, command.slot); });
+    std::erase_if(queue.commands,
+                  [com = command.com, slot = command.slot](const Command& c) { return isFor(c, com, slot); });
     return {};
 }
 
@@ -77,9 +80,8 @@ NextStep nextStep(CommandQueue& queue, const SimState& state, const CommandWrite
     if (queue.commands.empty()) return {};
     Command& oldest = queue.commands.front();
     if (oldest.writtenAt == 0) {
-        if (nowMs < oldest.notBefore) return {};
-        assignIdLocked(oldest, writer, nowMs);
-        return {NextStep::kWrite, oldest};
+        if (!isDue(oldest.notBefore, nowMs)) return {};
+        return beginWriteLocked(oldest, writer, nowMs);
     }
     if (state.ackId == oldest.id) return takeAcknowledgedLocked(queue, state.ackOk);
     if (nowMs - oldest.writtenAt <= kAckTimeoutMs) return {};
@@ -92,6 +94,13 @@ void dropCommand(CommandQueue& queue, const std::string& id) {
     std::erase_if(queue.commands, [&](const Command& c) { return c.id == id; });
 }
 
+// It never reached the file: as if its time had only come now.
+void takeBack(CommandQueue& queue, const std::string& id) {
+    MutexLock lock(queue.mutex);
+    for (Command& command : queue.commands)
+        if (command.id == id) command.writtenAt = 0;
+}
+
 // As the worker reads it.
 CommandRequest requestOf(const Command& command, double createdUnixSeconds) {
     const RadioWrite write{static_cast<std::size_t>(command.com - 1), static_cast<RadioSlot>(command.slot),
@@ -99,9 +108,18 @@ CommandRequest requestOf(const Command& command, double createdUnixSeconds) {
     return {command.id, write, createdUnixSeconds};
 }
 
+bool replaceCommandFile(CommandQueue& queue, const CommandWriter& writer, const Command& command) {
+    try {
+        const auto text = writeCommandText(requestOf(command, writer.clock.unixSeconds()));
+        return static_cast<bool>(writer.files.replace(joinPath(writer.dataFolder, kCommandFile), text));
+    } catch (...) {  // mostly no memory: the next pass tries again
+        takeBack(queue, command.id);
+        throw;
+    }
+}
+
 void writeCommand(CommandQueue& queue, StatusLines& status, const CommandWriter& writer, const Command& command) {
-    const auto text = writeCommandText(requestOf(command, writer.clock.unixSeconds()));
-    if (writer.files.replace(joinPath(writer.dataFolder, kCommandFile), text)) {
+    if (replaceCommandFile(queue, writer, command)) {
         setStatusText(status, "Writing; awaiting simulator readback");
         return;
     }
@@ -187,7 +205,7 @@ void stepFrequency(SimRadios& radios, std::int32_t com, std::int32_t slot, bool 
 bool isBusy(CommandQueue& queue, std::uint64_t nowMs) {
     MutexLock lock(queue.mutex);
     // Compared by addition: a turn may be younger than the pass's own nowMs.
-    return !queue.commands.empty() || nowMs < queue.lastEnqueueTick + kQuietAfterWriteMs;
+    return !queue.commands.empty() || !isDue(queue.lastEnqueueTick + kQuietAfterWriteMs, nowMs);
 }
 
 Commands copyCommands(CommandQueue& queue) {
@@ -223,6 +241,7 @@ void processCommands(SimRadios& radios, SettingsStore& settings, const CommandWr
             break;
         case NextStep::kSucceeded:
             keepBoost(settings, step.command);
+            dropCommand(radios.commands, step.command.id);  // last: without memory for the boost it is taken again
             break;
         case NextStep::kTimedOut:
             setStatusText(radios.status, "Write timed out; showing simulator readback");

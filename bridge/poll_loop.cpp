@@ -41,7 +41,7 @@ void readSimulator(Pass& pass, PollMemory& memory, PollContext& context) {
 // For the report for support, which cannot ask us.
 void writeLinkState(const Pass& pass, PollMemory& memory, PollContext& context) {
     const std::string state = pass.telemetryOk ? std::string(kConnectedText) : wholeDisconnectedText(pass.reason);
-    if (state == memory.linkState || pass.nowMs < memory.linkStateDueMs) return;
+    if (state == memory.linkState || !isDue(memory.linkStateDueMs, pass.nowMs)) return;
     const bool isWritten{context.files.replace(joinPath(context.dataFolder, kLinkStateFile), state + "\r\n")};
     if (isWritten) memory.linkState = state;
     memory.linkStateDueMs = pass.nowMs + (isWritten ? kLinkStateGapMs : kLinkStateRetryMs);

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::size_t kLogBytes = 256;
+constexpr const char* kNotKept = "Corvalis has no memory to keep a text message";
 constexpr const char* kNoSender = "(unknown)";
 
 // For a log with one line per entry: what could break it or turn its direction becomes '?'. Bytes that are not UTF-8
@@ -55,7 +56,10 @@ void takeTextMessage(const HostText& message, MessageStore& store, const Clock& 
                      const AlertContext& context) noexcept {
     if (!message.text || !*message.text) return;
     const char* const sender = message.sender ? message.sender : "";
-    addMessage(store, sender, message.text, message.target, message.senderId, clock.tickMs());
+    const std::uint32_t number =
+        addMessage(store, sender, message.text, message.target, message.senderId, clock.tickMs());
+    if (number == 0 && context.host.logMessage)
+        attempt([&] { context.host.logMessage(kNotKept, kLogInformation, kLogChannel, 0); });
     attempt([&] { logMessage(message, context.host); });
     playTextAlert(context);
 }

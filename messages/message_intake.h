@@ -41,7 +41,7 @@ struct HostText {
     std::uint16_t senderId = 0;
 };
 
-// [host] Stores the message, logs it, plays the alert. Without memory to store it the process ends (addMessage); what
-// runs out of memory later is left out, and the message is kept and unread.
+// [host] Stores the message, logs it, plays the alert. What there is no memory for is left out; if that is the message
+// itself, the log says so.
 void takeTextMessage(const HostText& message, MessageStore& store, const Clock& clock,
                      const AlertContext& context) noexcept;

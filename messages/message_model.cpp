@@ -60,7 +60,7 @@ void MessageModel::hide() {
 
 void MessageModel::refresh() {
     if (!context_.isVisible) return;
-    if (context_.clock.tickMs() >= heldUntilMs_) page_.release();
+    if (isDue(heldUntilMs_, context_.clock.tickMs())) page_.release();
     if (drawn_ != currentLook()) drawPage();
     blinkCursor();
     screen_.update();  // a key's effect is seen at once, even while more keys wait

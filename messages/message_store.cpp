@@ -13,18 +13,35 @@ PageSnapshot copyAt(const MessageStore& store, std::int32_t page, std::uint32_t 
     return snapshot;
 }
 
+// Without memory nothing is changed.
+std::uint32_t keepMessage(MessageStore& store, TextMessage message) {
+    const MutexLock lock(store.mutex);
+    store.messages.push_back(std::move(message));
+    if (store.messages.size() > kMaxMessages) store.messages.pop_front();
+    return ++store.received;
+}
+
+// False if there is none.
+bool dropOldest(MessageStore& store) {
+    const MutexLock lock(store.mutex);
+    if (store.messages.empty()) return false;
+    store.messages.pop_front();
+    return true;
+}
+
 }  // namespace
 
 std::uint32_t addMessage(MessageStore& store, std::string_view sender, std::string_view text, std::uint32_t target,
                          std::uint16_t senderId, std::uint64_t nowMs) noexcept {
     if (text.empty()) return 0;
     std::uint32_t number = 0;
-    {
-        TextMessage message{std::string(sender), std::string(text), nowMs, target, senderId};
-        const MutexLock lock(store.mutex);
-        if (store.messages.size() >= kMaxMessages) store.messages.pop_front();
-        store.messages.push_back(std::move(message));
-        number = ++store.received;
+    for (int tries = 1; number == 0; tries++) {
+        try {
+            number = keepMessage(store, {std::string(sender), std::string(text), nowMs, target, senderId});
+        } catch (...) {
+            // Memory may come back the next moment. If not, the oldest messages make room for this one.
+            if (tries > 1 && !dropOldest(store)) return 0;
+        }
     }
     ++store.unread;
     ++store.revision;

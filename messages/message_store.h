@@ -36,8 +36,8 @@ struct MessageStore {
 };
 
 // [any] Keeps a message and drops the oldest when there are too many; an empty text is ignored. Returns the message's
-// number, which no other one of this store has; 0 for an empty text. Without memory for it the process ends: better
-// than losing a clearance that its sender believes delivered.
+// number, which no other one of this store has; 0 for an empty text. When memory is short the oldest ones make room for
+// it; 0 if that is not enough: the client's own window shows it all the same.
 std::uint32_t addMessage(MessageStore& store, std::string_view sender, std::string_view text, std::uint32_t target,
                          std::uint16_t senderId, std::uint64_t nowMs) noexcept;
 

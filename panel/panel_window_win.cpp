@@ -23,6 +23,15 @@ std::array<std::string_view, 8> actionTextsOf(std::int32_t language) {
     return texts;
 }
 
+// Gives the mouse back at the end of its scope, also when that is left for want of memory.
+class CaptureEnd {
+  public:
+    CaptureEnd() = default;
+    ~CaptureEnd() { ReleaseCapture(); }
+    CaptureEnd(const CaptureEnd&) = delete;
+    CaptureEnd& operator=(const CaptureEnd&) = delete;
+};
+
 }  // namespace
 
 PanelWindow::PanelWindow(const PanelWindowContext& context, const ThemeArt& theme_art)
@@ -160,8 +169,8 @@ LRESULT PanelWindow::onLeftDown(PixelPoint at) {
 }
 
 LRESULT PanelWindow::onLeftUp(PixelPoint at) {
+    const CaptureEnd capture;
     releasePanel(model_, panelContext(), at, nowMs());
-    ReleaseCapture();
     return 0;
 }
 
@@ -177,9 +186,9 @@ LRESULT PanelWindow::onCaptureChanged() {
 }
 
 LRESULT PanelWindow::onCancel() {
-    cancelPress(model_, panelContext());
-    ReleaseCapture();
+    const CaptureEnd capture;
     tooltip_.hide();
+    cancelPress(model_, panelContext());
     return 0;
 }
 
@@ -232,6 +241,7 @@ LRESULT PanelWindow::onEnterMove() {
 LRESULT PanelWindow::onExitMove() {
     isMoving_ = false;
     screenAge_ = 0;
+    keepPace();  // first: without memory for the rest the panel must not stand still
     const PixelRect rect = screenRect();
     if (!rect.isEmpty()) {
         storedPlace_ = {rect.left, rect.top};
@@ -240,7 +250,6 @@ LRESULT PanelWindow::onExitMove() {
             live.panel_y = rect.top;
         });
     }
-    keepPace();
     return 0;
 }
 

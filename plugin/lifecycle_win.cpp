@@ -11,6 +11,7 @@
 #include "panel/panel_window_win.h"
 #include "plugin/host_program_win.h"
 #include "plugin/settings_dialog_win.h"
+#include "plugin/try_twice.h"
 #include "plugin/ui_thread_win.h"
 #include "settings/language.h"
 
@@ -164,30 +165,7 @@ void forgetSession(PluginState& plugin) {
     forgetRadios(plugin.radios);
 }
 
-}  // namespace
-
-std::string copyDataFolder(PluginState& plugin) {
-    const MutexLock lock(plugin.foldersMutex);
-    return plugin.dataFolder;
-}
-
-std::string copyModuleFolder(PluginState& plugin) {
-    const MutexLock lock(plugin.foldersMutex);
-    return plugin.moduleFolder;
-}
-
-const HostFunctions& hostWhileRunning(const PluginState& plugin) {
-    static const HostFunctions kNone;
-    return plugin.running ? plugin.host : kNone;
-}
-
-void answerHost(PluginState& plugin) {
-    std::string userText;
-    plugin.files.read(joinPath(findDataFolder(), kHostInterfaceFile), userText);
-    plugin.hostInterface = chooseHostInterface(findHostProgram(), userText);
-}
-
-void startPlugin(PluginState& plugin) {
+void startOnce(PluginState& plugin) {
     if (!plugin.running) forgetSession(plugin);  // what the host has told us before
     stopPollThread(plugin);                      // on a second start its folders and host handles are about to change
     // They are about to be read again, and only one of the two waits for whoever holds the file.
@@ -213,7 +191,7 @@ void startPlugin(PluginState& plugin) {
     plugin.running = true;
 }
 
-void stopPlugin(PluginState& plugin) {
+void stopOnce(PluginState& plugin) {
     plugin.running = false;
     plugin.dialog.slot.close();  // from here on no dialog opens
     stopUiThread(plugin);
@@ -224,6 +202,37 @@ void stopPlugin(PluginState& plugin) {
     forgetSession(plugin);
     std::free(plugin.pluginId);
     plugin.pluginId = nullptr;
+}
+
+}  // namespace
+
+std::string copyDataFolder(PluginState& plugin) {
+    const MutexLock lock(plugin.foldersMutex);
+    return plugin.dataFolder;
+}
+
+std::string copyModuleFolder(PluginState& plugin) {
+    const MutexLock lock(plugin.foldersMutex);
+    return plugin.moduleFolder;
+}
+
+const HostFunctions& hostWhileRunning(const PluginState& plugin) {
+    static const HostFunctions kNone;
+    return plugin.running ? plugin.host : kNone;
+}
+
+void answerHost(PluginState& plugin) {
+    std::string userText;
+    plugin.files.read(joinPath(findDataFolder(), kHostInterfaceFile), userText);
+    plugin.hostInterface = chooseHostInterface(findHostProgram(), userText);
+}
+
+void startPlugin(PluginState& plugin) {
+    tryTwice([&] { startOnce(plugin); });
+}
+
+void stopPlugin(PluginState& plugin) {
+    tryTwice([&] { stopOnce(plugin); });
 }
 
 void loadSettingsOnce(PluginState& plugin) {

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <system_error>
 #include <thread>
-#include <utility>
 #include "base/host_functions.h"
 
 // A joinable thread or none. Unlike std::thread it may be destroyed while running: if a process ends without shutdown,
@@ -19,11 +18,22 @@ class ThreadSlot {
     ThreadSlot& operator=(const ThreadSlot&) = delete;
 
     bool isRunning() const { return thread_.joinable(); }
-    // Only while not running. 0, or why there is no thread: the system's code, ENOMEM when memory has run out.
+    // Only while not running. 0, or why there is no thread: the system's code, ENOMEM when memory has run out, also at
+    // a second try.
     template <class Body>
-    int start(Body&& body) noexcept {
+    int start(const Body& body) noexcept {
+        const int error = tryStart(body);
+        return error == ENOMEM ? tryStart(body) : error;
+    }
+    void join() {
+        if (thread_.joinable()) thread_.join();
+    }
+
+  private:
+    template <class Body>
+    int tryStart(const Body& body) noexcept {
         try {
-            thread_ = std::thread(std::forward<Body>(body));
+            thread_ = std::thread(body);
             return 0;
         } catch (const std::system_error& error) {
             return error.code().value();
@@ -31,19 +41,15 @@ class ThreadSlot {
             return ENOMEM;
         }
     }
-    void join() {
-        if (thread_.joinable()) thread_.join();
-    }
 
-  private:
     std::thread thread_;
 };
 
 // Starts the thread with its stop flag cleared. Without a thread the flag is as it was; the result is that of start.
 template <class Body>
-int startWithStopFlag(ThreadSlot& slot, std::atomic<bool>& stop, Body&& body) noexcept {
+int startWithStopFlag(ThreadSlot& slot, std::atomic<bool>& stop, const Body& body) noexcept {
     const bool before = stop.exchange(false);
-    const int error = slot.start(std::forward<Body>(body));
+    const int error = slot.start(body);
     if (error != 0) stop = before;
     return error;
 }

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr DWORD kTryAgainMs = 50;
+
 PanelWindowContext panelContextOf(PluginState& plugin) {
     return {
         .module = plugin.module,
@@ -54,9 +56,14 @@ void serveWindows(PluginState& plugin) {
 }  // namespace
 
 void runUiThread(PluginState& plugin) noexcept {
-    try {
-        serveWindows(plugin);
-    } catch (...) {
-        // Mostly no memory to begin with.
+    while (!plugin.stopUi) {
+        try {
+            return serveWindows(plugin);
+        } catch (...) {
+            // Mostly no memory to begin with: there may be some later.
+        }
+        MSG message;
+        PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);  // a window that went would end the next try
+        Sleep(kTryAgainMs);
     }
 }

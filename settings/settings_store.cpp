@@ -1,17 +1,23 @@
 #include "settings/settings_store.h"
 #include <cmath>
 #include <optional>
+#include "base/clock.h"
 #include "settings/settings_text.h"
 
 namespace {
 
+constexpr std::uint64_t kSaveAtOnce = 1;  // a tick that has come
+
+// Without memory nothing is changed.
 void changeLive(SettingsStore& store, const std::function<void(Settings&)>& change) {
     Settings before, now;
     {
         MutexLock lock(store.mutex);
         before = store.live;
-        change(store.live);
-        now = store.live;
+        Settings next = before;
+        change(next);
+        now = next;
+        store.live = std::move(next);
     }
     if (store.onChanged) store.onChanged(before, now);
 }
@@ -30,6 +36,8 @@ struct SaveReport {
 
 FileResult writeLive(SettingsStore& store, std::uint32_t patienceMs) REQUIRES(store.fileMutex) {
     const std::string text = writeSettingsText(copySettings(store));
+    if (store.isHalfLoaded) store.unread.wantedPath = joinPath(store.dataFolder, kSettingsBackup);
+    store.isHalfLoaded = false;
     return store.files.replaceKept(joinPath(store.dataFolder, kSettingsFile), text, store.unread, patienceMs);
 }
 
@@ -39,8 +47,9 @@ SaveReport saveLive(SettingsStore& store, std::uint32_t patienceMs) REQUIRES(sto
     FileResult saved;
     try {
         saved = writeLive(store, patienceMs);
-    } catch (...) {  // mostly no memory: the file lags behind as after any other failure
+    } catch (...) {  // mostly no memory: the file lags behind until the next pass finds some
         store.isUnsaved = true;
+        store.saveDueMs = kSaveAtOnce;
         throw;
     }
     SaveReport report;
@@ -52,6 +61,18 @@ SaveReport saveLive(SettingsStore& store, std::uint32_t patienceMs) REQUIRES(sto
     store.isFailureLogged = true;
     return report;
 }
+
+// Publishes the live record at the end of its scope, also when that is left for want of memory.
+class Publication {
+  public:
+    explicit Publication(SettingsStore& store) : store_(store) {}
+    ~Publication() { applySettings(store_); }
+    Publication(const Publication&) = delete;
+    Publication& operator=(const Publication&) = delete;
+
+  private:
+    SettingsStore& store_;
+};
 
 }  // namespace
 
@@ -82,13 +103,17 @@ void setSettingsFolders(SettingsStore& store, const std::string& dataFolder, con
 
 SettingsLoad loadSettings(SettingsStore& store) {
     MutexLock fileLock(store.fileMutex);
+    store.isHalfLoaded = true;  // until the end: whatever comes in between, no save writes over what was not read
     std::string text;
     const FileResult found = store.files.readKept(joinPath(store.dataFolder, kSettingsFile), text);
     const bool isUnread = !found && found.state != FileState::kMissing;
     store.unread = {};
     if (isUnread) store.unread.wantedPath = joinPath(store.dataFolder, kSettingsBackup);
     store.isFailureLogged = false;
-    if (std::exchange(store.isLoaded, true) && isUnread) return {found, true};
+    if (std::exchange(store.isLoaded, true) && isUnread) {
+        store.isHalfLoaded = false;
+        return {found, true};
+    }
     if (isUnread) text.resize(text.rfind('\n') + 1);  // the whole lines; without any, 0
     if (!found && text.empty() && !store.moduleFolder.empty())
         store.files.read(joinPath(store.moduleFolder, kSettingsFile), text);
@@ -96,6 +121,7 @@ SettingsLoad loadSettings(SettingsStore& store) {
     store.isUnsaved = false;
     const Settings loaded = readSettingsText(text);
     changeLive(store, [&](Settings& live) { live = loaded; });
+    store.isHalfLoaded = false;
     return {found, false};
 }
 
@@ -115,8 +141,8 @@ void updateSettings(SettingsStore& store, const std::function<void(Settings&)>& 
     {
         MutexLock fileLock(store.fileMutex);
         changeLive(store, change);
+        const Publication afterTheSave(store);
         report = saveLive(store, kKeptPatienceMs);
-        applySettings(store);
     }
     report.tell(store);
 }
@@ -130,7 +156,7 @@ void changeSettings(SettingsStore& store, const std::function<void(Settings&)>& 
 
 void saveWhenDue(SettingsStore& store, std::uint64_t nowMs) {
     const std::uint64_t dueMs = store.saveDueMs;
-    if (dueMs != kNoSaveDue && nowMs >= dueMs) savePendingSettings(store);
+    if (dueMs != kNoSaveDue && isDue(dueMs, nowMs)) savePendingSettings(store);
 }
 
 void savePendingSettings(SettingsStore& store, std::uint32_t patienceMs) {

@@ -43,6 +43,7 @@ struct SettingsStore {
     std::string dataFolder GUARDED_BY(fileMutex);    // where settings.ini is read and written
     std::string moduleFolder GUARDED_BY(fileMutex);  // the older place it is read from; may be empty
     SetAside unread GUARDED_BY(fileMutex);  // where the next save puts a settings.ini that could not be read at load
+    bool isHalfLoaded GUARDED_BY(fileMutex) = false;     // a load was left for want of memory: settings.ini is unread
     bool isFailureLogged GUARDED_BY(fileMutex) = false;  // a save has failed since the last load
     bool isLoaded GUARDED_BY(fileMutex) = false;         // by a first load, however it ended
     DataFiles& files;

@@ -3,6 +3,16 @@
 
 std::optional<CommandRequest> CommandInbox::next(std::uint64_t nowMs, double unixSeconds) {
     if (!readNewText(nowMs)) return std::nullopt;
+    try {
+        return commandIn(unixSeconds);
+    } catch (...) {  // mostly no memory: the next pass reads it again
+        stamp_ = {};
+        text_.clear();
+        throw;
+    }
+}
+
+std::optional<CommandRequest> CommandInbox::commandIn(double unixSeconds) {
     auto command = parseCommandText(text_);
     if (!command) {
         logProblem("command.json ignored: not a whole command");

@@ -25,6 +25,7 @@ class CommandInbox {
 
   private:
     bool readNewText(std::uint64_t nowMs);
+    std::optional<CommandRequest> commandIn(double unixSeconds);  // text_
     bool isRefused(const CommandRequest& command, double unixSeconds);
     void logProblem(const std::string& problem);
 

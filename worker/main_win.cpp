@@ -2,6 +2,7 @@
 //            or: hopline_worker.exe --diagnose [--data-dir DIR] [...]: diagnosis_win.h
 // Exit codes: 0 the watched process or the data folder is gone, 1 unexpected failure (in the log), 2 bad command line.
 #include <exception>
+#include <new>
 #include "base/data_files_win.h"
 #include "base/data_folder_win.h"
 #include "base/identity.h"
@@ -49,9 +50,18 @@ std::unique_ptr<simconnect::Transport> makeTransport(const std::optional<HostPor
     return std::make_unique<simconnect::PipeTransport>();
 }
 
+// Without memory a pass is lost; the next one may have some.
+PassResult tryPass(WorkerLoop& loop, const Clock& clock) {
+    try {
+        return loop.pass(clock.tickMs(), clock.unixSeconds());
+    } catch (const std::bad_alloc&) {
+        return {.waitMs = kPassMs, .quietMs = kPassMs};
+    }
+}
+
 int runLoop(WorkerLoop& loop, const SimLink& link, WorkerSleep& sleep, const Clock& clock, WorkerLog& log) {
     while (true) {
-        const auto result = loop.pass(clock.tickMs(), clock.unixSeconds());
+        const PassResult result = tryPass(loop, clock);
         if (result.folderGone) {
             log.line("ending: the data folder is gone");
             return kEnded;

@@ -103,8 +103,9 @@ inline std::vector<Command> commandsOf(CommandQueue& queue) {
 }
 
 // All that the poll loop works on, beside a voice client: own client 5 in the lobby of server 1.
-struct PollRig {
-    PollRig() {
+template <class Files>
+struct PollRigOn {
+    PollRigOn() {
         host.addServer(1, 5, 10);
         host.addChannel(1, {10, "Lobby"});
         host.addChannel(1, {11, "TWR 122.800"});
@@ -112,8 +113,8 @@ struct PollRig {
         moves.moveReturnCode = "rc";
         functions = resolveHostFunctions(host.table());
     }
-    PollRig(const PollRig&) = delete;
-    PollRig& operator=(const PollRig&) = delete;
+    PollRigOn(const PollRigOn&) = delete;
+    PollRigOn& operator=(const PollRigOn&) = delete;
 
     // One pass with telemetry written just now; then 50 ms pass and the host's events arrive.
     void pass() {
@@ -147,7 +148,7 @@ struct PollRig {
 
     static constexpr std::uint64_t kStartMs = 1'000'000;  // ManualClock's first tick
     ManualClock clock;
-    MemoryFiles files;
+    Files files;
     HostModel host{clock};
     HostFunctions functions;
     TelemetryFile telemetry;
@@ -177,3 +178,4 @@ struct PollRig {
                         .voice = voice,
                         .lookAtWorker = [this] { return worker; }};
 };
+using PollRig = PollRigOn<MemoryFiles>;

@@ -58,6 +58,26 @@ TEST(ThreadSlot, ThatGetsNoThreadLeavesTheStopFlagAndTheWayFreeForTheNext) {
     expectAllAsItWas<Anything>(ENOMEM);
 }
 
+TEST(ThreadSlot, ForWhichMemoryWasShortForAMomentIsMadeAllTheSame) {
+    struct ShortOnce {
+        ShortOnce(int& copiesToFail, std::atomic<bool>& run) : failures(copiesToFail), hasRun(run) {}
+        ShortOnce(const ShortOnce& other) : failures(other.failures), hasRun(other.hasRun) {
+            if (failures-- > 0) throw std::bad_alloc();
+        }
+        void operator()() const { hasRun = true; }
+        int& failures;
+        std::atomic<bool>& hasRun;
+    };
+    for (const int copiesToFail : {1, 2}) {
+        int failures = copiesToFail;
+        std::atomic<bool> hasRun{false};
+        ThreadSlot slot;
+        EXPECT_EQ(slot.start(ShortOnce(failures, hasRun)), copiesToFail == 1 ? 0 : ENOMEM);
+        slot.join();
+        EXPECT_EQ(hasRun, copiesToFail == 1);
+    }
+}
+
 TEST(ThreadSlot, WithoutAThreadIsNamedInTheLogWithTheCode) {
     HostFunctions host;
     logMissingThread(host, "poll", 11);  // nobody to tell
