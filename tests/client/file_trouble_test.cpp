@@ -4,12 +4,52 @@
 #include "base/data_files_win.h"
 #include "base/number_text.h"
 #include "bridge/poll_loop.h"
+#include "panel/panel_requests.h"
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
 #include "tests/client/locked_file_win.h"
+#include "tests/client/panel_driver_win.h"
+
+namespace {
+
+BOOL WINAPI writeToAFullDisk(HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*) {
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+HANDLE WINAPI openInAReadOnlyFolder(const char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                                    DWORD disposition, DWORD flags, HANDLE like) {
+    if ((access & GENERIC_WRITE) == 0) return CreateFileA(path, access, share, security, disposition, flags, like);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return INVALID_HANDLE_VALUE;
+}
+
+}  // namespace
 
 class FileTrouble : public PluginTest {
   protected:
+    // On all of its threads the plugin calls replacement instead of the system's function, in the midst of a flight.
+    void expectNothingWrittenAndNothingLost(const char* function, void* replacement, const std::string& error) {
+        ASSERT_TRUE(session.writeSettings("theme=2\r\npanel_visible=0\r\n"));
+        session.tune(1, 122800);
+        ASSERT_TRUE(session.start());
+        ASSERT_TRUE(session.waitForArrival(kTower122800));
+        {
+            const ImportPatch patch(L"corvalis_win64.dll", function, replacement);
+            ASSERT_TRUE(patch.isInPlace());
+            session.plugin.exports().onMenuItemEvent(kSchid, 0, 2, 0);  // saves, or would
+            PostMessageW(findPanel(), kPanelSwapMessage, 1, 0);
+            ASSERT_TRUE(session.waitPasses(5));
+            session.tune(1, 121500);
+            EXPECT_TRUE(session.waitForArrival(kGround121500));
+            EXPECT_TRUE(session.waitForLog("Corvalis cannot save settings.ini (error " + error + ")"));
+            EXPECT_EQ(session.settings(), "theme=2\r\npanel_visible=0\r\n");
+            EXPECT_FALSE(std::filesystem::exists(session.dataFolder / "command.json"));
+        }
+        session.stop();
+        EXPECT_NE(session.settings().find("\r\ntheme=2\r\n"), std::string::npos);
+        EXPECT_NE(session.settings().find("panel_visible=1\r\n"), std::string::npos);
+    }
     std::filesystem::path telemetryFile() const { return session.dataFolder / "telemetry.json"; }
     // Writes the present time where the text of a telemetry begins: the whole of a large file would be old before it is
     // on the disk.
@@ -221,4 +261,12 @@ TEST_F(FileTrouble, ADataFolderThatVanishesAndComesBackIsLivedWith) {
     ASSERT_TRUE(session.waitPasses(5));
     session.tune(1, 122800);
     EXPECT_TRUE(session.waitForCalls("requestClientMove", 1));
+}
+
+TEST_F(FileTrouble, ADiskThatIsFullInFlightIsLivedWithAndNoSettingIsLost) {
+    expectNothingWrittenAndNothingLost("WriteFile", reinterpret_cast<void*>(&writeToAFullDisk), "112");
+}
+
+TEST_F(FileTrouble, ADataFolderThatIsReadOnlyInFlightIsLivedWithAndNoSettingIsLost) {
+    expectNothingWrittenAndNothingLost("CreateFileA", reinterpret_cast<void*>(&openInAReadOnlyFolder), "5");
 }

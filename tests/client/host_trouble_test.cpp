@@ -225,3 +225,17 @@ TEST_F(HostTrouble, AChannelDeletedDuringTheLookIsPassedOver) {
     ASSERT_TRUE(session.waitForCalls("requestClientMove", 1));
     EXPECT_EQ(host.callsOf("requestClientMove")[0].channelId, kTower122800);
 }
+
+TEST_F(HostTrouble, TenThousandChannelsAreWalkedToTheLast) {
+    host.removeChannel(kSchid, kTower122800);
+    constexpr std::uint64_t kChannels = 10'000;
+    for (std::uint64_t i = 1; i < kChannels; i++)
+        host.addChannel(kSchid, {1000 + i, "[spacer" + std::to_string(i) + "] 122.8 or 122.80 " + std::to_string(i)});
+    host.addChannel(kSchid, {kTower122800, "TWR 122.800"});
+    session.telemetry.radios[0].activeKhz = 122800;
+    session.publish();
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitForCalls("requestClientMove", 1, 60'000));
+    EXPECT_EQ(host.callsOf("requestClientMove")[0].channelId, kTower122800);
+    EXPECT_GE(host.callsOf("getChannelVariableAsString").size(), kChannels);
+}

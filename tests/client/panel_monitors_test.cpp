@@ -1,5 +1,6 @@
 // panel_monitors_test.cpp - the radio panel on two monitors of different DPI. The plugin is told that the screen is two
 // of them side by side: its left half has 96 DPI, its right half 144.
+#include <atomic>
 #include <cmath>
 #include "tests/client/import_patch_win.h"
 #include "tests/client/panel_test.h"
@@ -12,13 +13,15 @@ LONG middleX() {
     return GetSystemMetrics(SM_CXSCREEN) / 2;
 }
 
+std::atomic<bool> gIsRightGone{false};  // unplugged
+
 // Numbers that are no handles of the system's.
 HMONITOR monitorAt(LONG x) {
-    return reinterpret_cast<HMONITOR>(static_cast<LONG_PTR>(x < middleX() ? 0x10001 : 0x10002));
+    return reinterpret_cast<HMONITOR>(static_cast<LONG_PTR>(x < middleX() || gIsRightGone ? 0x10001 : 0x10002));
 }
 
 bool isRight(HMONITOR monitor) {
-    return monitor == monitorAt(middleX());
+    return !gIsRightGone && monitor == monitorAt(middleX());
 }
 
 HMONITOR WINAPI monitorOfPoint(POINT point, DWORD) {
@@ -49,6 +52,12 @@ UINT WINAPI dpiOfWindow(HWND window) {
 
 class TwoMonitors {
   public:
+    TwoMonitors() = default;
+    ~TwoMonitors() { gIsRightGone = false; }
+    TwoMonitors(const TwoMonitors&) = delete;
+    TwoMonitors& operator=(const TwoMonitors&) = delete;
+
+    static void unplugTheRight() { gIsRightGone = true; }
     bool areInPlace() const {
         return point_.isInPlace() && rect_.isInPlace() && window_.isInPlace() && info_.isInPlace() && dpi_.isInPlace();
     }
@@ -149,4 +158,21 @@ TEST_F(PanelMonitors, ADragOntoAnotherResizesItOnTheWayInBothDirections) {
     EXPECT_TRUE(isSaved("panel_x=" + std::to_string(middleX() - 200)));
     EXPECT_TRUE(isSaved("panel_y=90"));
     EXPECT_TRUE(becomes(middleX(), 90, kSharpWidth));  // dropped: wholly on the monitor that has most of it
+}
+
+TEST_F(PanelMonitors, OneThatGoesDuringADragLeavesThePanelWhollyOnTheOther) {
+    ASSERT_TRUE(session.load());
+    const TwoMonitors monitors;
+    ASSERT_TRUE(monitors.areInPlace());
+    ASSERT_TRUE(show(kBoeingTheme, kHalfSize + placeLines(300, 40)));
+    ASSERT_TRUE(becomes(300, 40, kPlainWidth));
+    send(WM_ENTERSIZEMOVE);
+    SetCursorPos(middleX() + 5, 100);
+    changeDpi(144, {middleX() - 200, 70});
+    ASSERT_TRUE(becomes(middleX() - 200, 70, kSharpWidth));
+    TwoMonitors::unplugTheRight();
+    send(WM_DISPLAYCHANGE, 32, MAKELPARAM(middleX(), GetSystemMetrics(SM_CYSCREEN)));
+    EXPECT_TRUE(isShown());
+    send(WM_EXITSIZEMOVE);
+    EXPECT_TRUE(becomes(middleX() - kPlainWidth, 70, kPlainWidth));
 }
