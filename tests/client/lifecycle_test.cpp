@@ -50,7 +50,9 @@ std::atomic<int> gRefusals{0};
 void* (*gMalloc)(std::size_t bytes) = nullptr;  // the system's
 
 void* scarceMalloc(std::size_t bytes) {
-    if (GetCurrentThreadId() != gStarvedThread || bytes < 16) return gMalloc(bytes);
+    // With less than that the C++ library could not even say that memory has run out, and would end the process.
+    constexpr std::size_t kAlwaysThere = 48;
+    if (GetCurrentThreadId() != gStarvedThread || bytes < kAlwaysThere) return gMalloc(bytes);
     gRefusals++;
     return nullptr;
 }
@@ -152,11 +154,13 @@ TEST_F(Lifecycle, HandlesAndThreadSlotsDoNotGrowFromLoadToLoad) {
     for (int i = 0; i < 2; i++) cycle();
     const int handles = handleCount();
     const int slots = threadSlotCount();
+    const int fiberSlots = fiberSlotCount();
     ASSERT_GT(slots, 0);
     for (int i = 0; i < kCycles; i++) cycle();
     // If each load left one behind, there would be as many as loads; the system may have made a few of its own.
     EXPECT_TRUE(waitFor([&] { return handleCount() < handles + kCycles; })) << handleCount() - handles;
     EXPECT_LT(threadSlotCount(), slots + kCycles);
+    EXPECT_LT(fiberSlotCount(), fiberSlots + kCycles);
 }
 
 // The C++ library keeps a record of exceptions for each thread that has had one.
@@ -178,11 +182,13 @@ TEST_F(Lifecycle, WhatAnExceptionNeedsOnAThreadThatLivesOnGoesWithTheDll) {
     if (IsSkipped() || HasFatalFailure()) return;
     const int handles = handleCount();
     const int slots = threadSlotCount();
+    const int fiberSlots = fiberSlotCount();
     gRefusals = 0;
     for (int i = 0; i < kCycles; i++) cycle();
     EXPECT_GE(gRefusals, kCycles);
     EXPECT_TRUE(waitFor([&] { return handleCount() < handles + kCycles; })) << handleCount() - handles;
     EXPECT_LT(threadSlotCount(), slots + kCycles);
+    EXPECT_LT(fiberSlotCount(), fiberSlots + kCycles);
 }
 
 TEST_F(Lifecycle, TheDllLeavesTheProcessWhenUnloaded) {

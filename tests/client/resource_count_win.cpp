@@ -5,6 +5,7 @@
 // winternl.h too.
 #include <winternl.h>
 #include <bit>
+#include <vector>
 #include "tests/client/test_machine_win.h"
 
 // From ntdll; no header declares it.
@@ -95,6 +96,15 @@ int threadSlotCount() {
         for (std::uint32_t i = 0; bitmap && i < bitmap->bits / 32; i++) count += std::popcount(bitmap->words[i]);
     }
     return count;
+}
+
+// No table lists them: what is left is taken and given back.
+int fiberSlotCount() {
+    std::vector<DWORD> left;
+    for (DWORD slot = FlsAlloc(nullptr); slot != FLS_OUT_OF_INDEXES; slot = FlsAlloc(nullptr)) left.push_back(slot);
+    for (const DWORD slot : left) FlsFree(slot);
+    static const int atFirst = static_cast<int>(left.size());
+    return atFirst - static_cast<int>(left.size());
 }
 
 std::map<std::string, int> handleTypes() {

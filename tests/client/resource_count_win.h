@@ -17,5 +17,7 @@ ResourceCount countResources();
 std::size_t heapBytes();  // in use in all heaps of this process
 // Slots for values of threads (TlsAlloc) in use: of 1088, which all libraries of a process share.
 int threadSlotCount();
+// Slots for values of fibers (FlsAlloc) in use, beyond those at the first call.
+int fiberSlotCount();
 // How many handles of each type this process has: "Event", "Thread".
 std::map<std::string, int> handleTypes();

@@ -26,6 +26,7 @@ const std::array kQuantities = {
     Quantity{"threads", 0, [] { return static_cast<double>(threadCount()); }},
     Quantity{"handles", 0, [] { return static_cast<double>(handleCount()); }},
     Quantity{"thread slots", 0, [] { return static_cast<double>(threadSlotCount()); }},
+    Quantity{"fiber slots", 0, [] { return static_cast<double>(fiberSlotCount()); }},
     Quantity{"GDI objects", 0, [] { return static_cast<double>(countResources().gdiObjects); }},
     Quantity{"windows", 0, [] { return static_cast<double>(countResources().userObjects); }},
     Quantity{"heap bytes", kHeapBytesPerLoad, [] { return static_cast<double>(heapBytes()); }},
