@@ -26,7 +26,7 @@ constexpr Moment kMoments[] = {
     {"a command waits",
      [](Flight& flight) {
          flight.runFor(3000);
-         stepFrequency(flight.radios, 1, kSlotStandby, true, 1, flight.clock.tickMs());
+         stepFrequency(flight.radios, 2, kSlotStandby, true, 1, flight.clock.tickMs());
          flight.runFor(100);
      }},
     {"a command is written",
@@ -60,7 +60,7 @@ void expectAllIsWell(Flight& flight) {
     const int connectedMs = flight.msUntil([&] { return flight.isConnected(); }, 2000);
     EXPECT_GE(connectedMs, 0);
     EXPECT_LE(connectedMs, 600);
-    flight.runFor(8000);
+    flight.runFor(12'000);
     EXPECT_TRUE(flight.isConnected());
     const bool isSwapped = flight.active() == 121500;
     EXPECT_EQ(flight.ownChannel(), isSwapped ? kGuardOf121500 : kTowerOf122800);

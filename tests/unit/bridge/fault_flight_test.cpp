@@ -135,7 +135,7 @@ TEST(FaultInFlight, TenThousandChannelsAreWalkedToTheLast) {
     for (std::uint64_t i = 1; i <= kChannels - 2; i++)
         flight.host.addChannel(1, {100 + i, "[spacer" + std::to_string(i) + "] 118.27 or 121.5 " + std::to_string(i)});
     flight.host.addChannel(1, {kGuardOf121500, "Guard 121.500"});
-    flight.runFor(2000);
+    flight.runFor(3000);  // the first move is confirmed
     flight.host.forgetCalls();
     ASSERT_TRUE(flight.swap());
     EXPECT_GE(flight.msUntil([&] { return flight.ownChannel() == kGuardOf121500; }, 5000), 0);
