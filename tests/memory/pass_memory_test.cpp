@@ -14,6 +14,7 @@ namespace {
 struct Bridge : PollRigOn<PlentifulFiles> {
     Bridge() {
         setSettingsFolders(settings, kFolder, "");
+        change([](Settings& live) { live.python = "C:\\Program Files\\Python 3\\pythonw.exe"; });
         functions = plentifulHost(functions);
         tails.tailPath = "C:/Data/radio_tail.wav";
         telemetry.set("status", "\"a status that is longer than a short string\"");
