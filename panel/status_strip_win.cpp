@@ -29,6 +29,8 @@ void StatusStrip::paint(const PanelLayers& layers, std::string_view statusText, 
     const std::array<TextLine, 2> wanted = {lineAlone(layers, statusText, TextSide::kLeft, language),
                                             lineAlone(layers, channelStatus, TextSide::kRight, language)};
     if (wanted == wanted_ && layers.statusGap == gap_) return;
+    // A panel that is dragged through all sizes would keep fonts of each.
+    if (wanted[0].fontPixels != wanted_[0].fontPixels) fonts_.clear();
     wanted_ = {};  // until everything is painted
     const StatusWidths widths = shareStatusRoom(layers.statusRoom.width(), layers.statusGap,
                                                 {wholeWidthOf(fonts_, wanted[0]), wholeWidthOf(fonts_, wanted[1])});

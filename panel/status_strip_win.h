@@ -20,7 +20,7 @@ class StatusStrip {
     const std::array<TextLine, 2>& lines() const { return lines_; }  // as wide as their share
 
   private:
-    TextFonts fonts_;
+    TextFonts fonts_;                 // of the present size
     std::array<TextLine, 2> wanted_;  // each as if the room were its own
     std::int32_t gap_ = 0;            // they were painted with
     std::array<TextLine, 2> lines_;

@@ -5,6 +5,9 @@
 
 namespace {
 
+// Several times what all interface texts need; strangers' channel names, which are drawn too, may hold any character.
+constexpr std::size_t kMostGlyphs = 8192;
+
 // A piece of a line that one font can show.
 struct FontRun {
     HFONT font;
@@ -79,9 +82,15 @@ void drawRuns(HDC dc, const std::vector<FontRun>& runs, const RECT& box, TextSid
 }  // namespace
 
 TextFonts::~TextFonts() {
+    clear();
+}
+
+void TextFonts::clear() {
     for (const auto& [key, font] : fonts_) {
         if (font) DeleteObject(font);
     }
+    fonts_.clear();
+    glyphs_.clear();
 }
 
 HFONT TextFonts::fontOf(std::string_view family, std::int32_t pixels, bool isBold) {
@@ -94,6 +103,7 @@ HFONT TextFonts::fontFor(HDC dc, const TextStyle& style, wchar_t character) {
     for (const std::string_view family : style.families) {
         const HFONT font = fontOf(family, style.pixels, style.isBold);
         if (!font) continue;
+        if (glyphs_.size() >= kMostGlyphs) glyphs_.clear();
         const auto [place, isNew] = glyphs_.try_emplace({font, character}, false);
         if (isNew) place->second = hasGlyphs(dc, font, {&character, 1});
         if (place->second) return font;

@@ -34,6 +34,8 @@ class TextFonts {
     // The font that has the character, by the rule above. Null when the system has no room for it; a generic family
     // stands in for one that is not installed.
     HFONT fontFor(HDC dc, const TextStyle& style, wchar_t character);
+    // Frees all fonts; none of them may be selected in a context.
+    void clear();
 
   private:
     HFONT fontOf(std::string_view family, std::int32_t pixels, bool isBold);

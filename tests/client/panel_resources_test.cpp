@@ -2,6 +2,8 @@
 // what other threads take and free stays far below that, a leak does not.
 #include <string>
 #include "base/mutex.h"
+#include "panel/status_strip_win.h"
+#include "settings/interface_texts.h"
 #include "tests/client/import_patch_win.h"
 #include "tests/client/panel_test.h"
 #include "tests/client/resource_count_win.h"
@@ -114,6 +116,38 @@ TEST_F(PanelResources, DoNotGrowOverManyPresentations) {
     int steps = 0;
     for (int i = 0; i < 3; i++) steps += presentAll();
     expectLessThanOneAStep(before, countResources(), steps);
+}
+
+// The panel's own status lines, as a user sees them who drags the panel through all its sizes.
+TEST(StatusStripResources, AreNotThoseOfEverySizeThatWasShown) {
+    StatusStrip strip;
+    const ThemeLayout& layout = themeLayout(kGeneralTheme);
+    PanelLayers layers(ArgbImage{}, kGeneralTheme, 1.0f, static_cast<std::int32_t>(layout.width),
+                       static_cast<std::int32_t>(layout.height));
+    const auto paintAt = [&](std::int32_t height) {
+        layers.statusRoom = {0, 0, 400, height};
+        strip.paint(layers, "Simulator connected", "Tower 118.000", 0);
+    };
+    paintAt(20);
+    const ResourceCount before = countResources();
+    for (std::int32_t height = 21; height <= 80; height++) paintAt(height);  // 36 sizes of the font
+    EXPECT_LT(countResources().gdiObjects - before.gdiObjects, 18);
+}
+
+// Channel names, which are strangers' texts, may bring any character.
+TEST(TextFontsResources, DoNotGrowWithEveryCharacterThatWasShown) {
+    TextFonts fonts;
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const TextStyle style = {fontFamiliesOf(0), 12, false};
+    const auto askFrom = [&](wchar_t first) {
+        for (wchar_t i = 0; i < 10'000; i++) fonts.fontFor(dc, style, static_cast<wchar_t>(first + i));
+    };
+    askFrom(0x0100);
+    const std::size_t before = heapBytes();
+    for (const wchar_t first : {0x3000, 0x6000, 0x9000, 0xC000}) askFrom(first);
+    // Kept, the answers for 40,000 characters would take one and a half megabytes at least.
+    EXPECT_LT(heapBytes(), before + 800'000);
+    DeleteDC(dc);
 }
 
 TEST_F(PanelResources, AreGivenBackAtShutdown) {
