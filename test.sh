@@ -5,8 +5,11 @@
 # stand-in simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (1) each on new ones;
 # the documents' links and quotes; the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
 # test.sh --full - the same with every unit test under Wine too, otherwise those whose results depend on the compiler;
-# and with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT); and with 1,000 loads of the
-# plugin into one process, 500 timed shutdowns and a start and an end for each of their allocations (Long.*).
+# with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT); with two minutes of soak; and
+# with 1,000 loads of the plugin into one process, 500 timed shutdowns and a start and an end for each of their
+# allocations (Long.*).
+# test.sh --soak MINUTES [--seed N ...] - builds the package and soaks it (tests/soak/soak_win.cpp has the options), and
+# nothing else; build/soak has the figures.
 # test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
 . "$(dirname "$0")/tools/fixed_layout.sh"
@@ -15,14 +18,42 @@ export LC_ALL=C.UTF-8
 
 windows_tests=(client_tests number_tests restarts)
 windows_without=(-E '^(unit_tests|Long[.])')
+soak_folder=build/soak
+
+# soak MINUTES [OPTION...] - succeeds only after a good verdict. The program ends by itself when it is stuck; twenty-five
+# minutes late are too late in any case.
+soak() {
+    mkdir -p "$soak_folder"
+    CORVALIS_PRODUCT_FOLDER="Z:$PWD/build/windows/package/unpacked/plugins" \
+        timeout -k 10 "$(awk "BEGIN { print int($1 * 60) + 1500 }")" \
+        tools/run_wine.sh wine build/windows/bin/soak.exe "$soak_folder" --minutes "$@" | sed -u 's,\r$,,' |
+        tee "$soak_folder/soak.txt"
+    [ "${PIPESTATUS[0]}" -eq 0 ] && grep -q '^Soaked: ' "$soak_folder/soak.txt"
+}
+
+soak_alone() {
+    tools/packages.sh product wine || return 1
+    { [ -f build/windows/build.ninja ] || cmake --preset windows; } &&
+        cmake --build build/windows --target corvalis_win64 hopline_worker soak || return 1
+    packaging/check_package.sh "$PWD/build/windows" "$PWD/build/windows/package" || return 1
+    . tools/wine.sh
+    start_wine
+    soak "$@"
+}
+
 case "${1:-}" in
     "") ;;
-    --full) windows_tests+=(unit_tests); windows_without=() ;;
+    --full) windows_tests+=(soak unit_tests); windows_without=() ;;
+    --soak)
+        [[ "${2:-}" =~ ^[0-9]+(\.[0-9]+)?$ ]] || { echo "usage: ./test.sh --soak MINUTES [--seed N]" >&2; exit 2; }
+        soak_alone "${@:2}"
+        exit
+        ;;
     --lint)
         tools/packages.sh product lint && exec tools/lint.sh
         exit 1
         ;;
-    *) echo "usage: ./test.sh [--full | --lint]" >&2; exit 2 ;;
+    *) echo "usage: ./test.sh [--full | --lint | --soak MINUTES]" >&2; exit 2 ;;
 esac
 
 fuzz_seconds=${FUZZ_SECONDS:-1}
@@ -185,7 +216,10 @@ windows_build=$!
 start_wine_slots "$wine_slots"
 if wait $windows_build; then
     run_tests windows "$wine_slots" "${windows_without[@]}"
-    [ "${1:-}" != --full ] || CORVALIS_NEW_CLIENT=1 run_tests windows "$wine_slots" -L client
+    if [ "${1:-}" = --full ]; then
+        CORVALIS_NEW_CLIENT=1 run_tests windows "$wine_slots" -L client
+        check soak "something grew, stalled or broke in two minutes of soak" soak 2 --every 5
+    fi
 fi
 wait $natively
 

@@ -180,6 +180,11 @@ void HostModel::forgetCalls() {
     calls_.clear();
 }
 
+void HostModel::keepNothing() {
+    MutexLock lock(mutex_);
+    keepsNothing_ = true;
+}
+
 std::vector<std::string> HostModel::problems() const {
     MutexLock lock(mutex_);
     return problems_;

@@ -62,6 +62,9 @@ class HostModel {
     std::vector<std::string> logLines() const;      // texts of logMessage
     std::vector<std::string> playedSounds() const;  // paths of playWaveFile
     void forgetCalls();
+    // For runs of hours: from now on no call is recorded, and a block given back is freed. Set before the plugin
+    // starts.
+    void keepNothing();
     // Broken rules so far, in words: unexpected positions, bad frees, null results, calls with a null path ...
     std::vector<std::string> problems() const;
     // One line per block handed out and not given back.
@@ -125,6 +128,7 @@ class HostModel {
     int returnCodes_ GUARDED_BY(mutex_) = 0;
     std::vector<HostEvent> events_ GUARDED_BY(mutex_);  // queued, in order of arrival
     std::vector<HostCall> calls_ GUARDED_BY(mutex_);
+    bool keepsNothing_ GUARDED_BY(mutex_) = false;
     std::vector<std::string> problems_ GUARDED_BY(mutex_);
     std::map<void*, Block> blocks_ GUARDED_BY(mutex_);
 };

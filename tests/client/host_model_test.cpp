@@ -59,6 +59,19 @@ TEST_F(HostModelTest, KnowsWhatWasNotTakenBackAndWhatWasFreedTwice) {
     EXPECT_EQ(model.problems().size(), 2u);
 }
 
+TEST_F(HostModelTest, KeepsNeitherCallsNorFreedBlocksForARunOfHours) {
+    model.keepNothing();
+    std::uint64_t* list = nullptr;
+    ASSERT_EQ(host.getChannelList(1, &list), 0u);
+    EXPECT_TRUE(model.calls().empty());
+    EXPECT_EQ(model.leaks().size(), 1u);
+    host.freeMemory(list);
+    EXPECT_TRUE(model.leaks().empty());
+    EXPECT_TRUE(model.problems().empty());
+    host.freeMemory(list);  // is not known any more
+    EXPECT_EQ(model.problems().size(), 1u);
+}
+
 TEST_F(HostModelTest, MovesAClientOnlyWhenTheDelayIsOver) {
     EXPECT_EQ(host.requestClientMove(1, 7, 101, "", "rc"), 0u);
     clock.advance(29);
