@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <new>
+#include <utility>
 #include "audio/voice_gain.h"
 
 namespace {
@@ -63,10 +64,47 @@ void denoiseBlock(RadioEffectState& effect, short* samples, int sampleCount, int
                     slots);
 }
 
+void startAfresh(SpeakerState& speaker, std::uint32_t generation) {
+    speaker.effect = {};
+    speaker.equalizerGain = 1.0f;
+    speaker.stamp = generation;
+}
+
+// With little memory there are fewer spare speakers, or none.
+void prepare(PlaybackVoices& voices) try {
+    voices.isPrepared = true;
+    voices.speakers.reserve(kMaxHeardSpeakers + 1);
+    voices.spare.reserve(kMaxHeardSpeakers + 1 + kSpareSpeakers);
+    while (voices.spare.size() < kSpareSpeakers)
+        voices.spare.push_back(voices.speakers.extract(voices.speakers.try_emplace(0).first));
+} catch (const std::bad_alloc&) {
+    return;
+}
+
+// They become spare ones: to release them would take the allocator's lock.
+void dropAll(PlaybackVoices& voices) {
+    auto& speakers = voices.speakers;
+    while (!speakers.empty() && voices.spare.size() < voices.spare.capacity())
+        voices.spare.push_back(speakers.extract(speakers.begin()));
+    speakers.clear();
+}
+
+SpeakerState& addSpare(PlaybackVoices& voices, SpeakerKey speaker) {
+    voices.spare.back().key() = speaker;
+    SpeakerState& added = voices.speakers.insert(std::move(voices.spare.back())).position->second;
+    voices.spare.pop_back();
+    startAfresh(added, 0);
+    return added;
+}
+
 // Null when there is no memory for another speaker.
 SpeakerState* findSpeaker(PlaybackVoices& voices, SpeakerKey speaker) {
     auto& speakers = voices.speakers;
-    if (speakers.size() > kMaxHeardSpeakers) speakers.clear();
+    if (!voices.isPrepared) prepare(voices);
+    if (speakers.size() > kMaxHeardSpeakers) dropAll(voices);
+    const auto known = speakers.find(speaker);
+    if (known != speakers.end()) return &known->second;
+    if (!voices.spare.empty()) return &addSpare(voices, speaker);
     try {
         return &speakers.try_emplace(speaker).first->second;
     } catch (const std::bad_alloc&) {
@@ -81,10 +119,7 @@ void refresh(CapturedVoice& voice, std::uint32_t generation) {
 }
 
 void refresh(SpeakerState& speaker, std::uint32_t generation) {
-    if (speaker.stamp == generation) return;
-    speaker.effect = {};
-    speaker.equalizerGain = 1.0f;
-    speaker.stamp = generation;
+    if (speaker.stamp != generation) startAfresh(speaker, generation);
 }
 
 void reportEdited(const VoiceControls& controls, int& edited) {
@@ -138,9 +173,9 @@ void editCapturedVoice(CapturedVoice& voice, const VoiceControls& controls, shor
 void editPlaybackVoice(PlaybackVoices& voices, const VoiceControls& controls, SpeakerKey speakerKey, short* samples,
                        int sampleCount, int channels) {
     if (!isVoiceEdited(controls, samples, sampleCount)) return;
+    const FloatRules rules;  // first: a table of speakers works out its size with floats, too
     SpeakerState* const speaker = findSpeaker(voices, speakerKey);
     if (!speaker) return;
-    const FloatRules rules;
     refresh(*speaker, controls.dspGeneration);
     if (has(controls, kAudioDistortOthers))
         applyRadioEffect(samples, sampleCount, channels, speaker->effect, true, false);

@@ -1,11 +1,13 @@
 // voice_hooks.h - what happens to each block of voice the host hands over: the radio sound, noise reduction, the
 // speakers' equalizer and the gains, all in place.
-// [audio] Every function here: no lock, no system call, and no allocation except for the first block of a new speaker.
-// Samples are signed 16 bit at 48 kHz, interleaved when channels is 2. Exactly sampleCount values are edited, also in
-// stereo. Nothing throws; when in doubt a hook leaves the block unchanged.
+// [audio] Every function here: no lock, no system call, and no allocation except with the first block played on a
+// thread, which makes kSpareSpeakers in advance, and for the first kMaxHeardSpeakers + 1 beyond those. Nothing is ever
+// released. Samples are signed 16 bit at 48 kHz, interleaved when channels is 2. Exactly sampleCount values are edited,
+// also in stereo. Nothing throws; when in doubt a hook leaves the block unchanged.
 #pragma once
 #include <cstdint>
 #include <unordered_map>
+#include <vector>
 #include "audio/radio_effect.h"
 #include "audio/talk_tracker.h"
 #include "audio/voice_levels.h"
@@ -13,6 +15,7 @@
 
 inline constexpr std::size_t kMaxHeardSpeakers = 512;  // with more, the table of a thread starts afresh
 inline constexpr std::size_t kFirstSpeakerBuckets = 8;
+inline constexpr std::size_t kSpareSpeakers = 64;  // half a megabyte; more than most evenings have
 
 // What the settings and the poll loop ask of the hooks, loaded once per block.
 struct VoiceControls {
@@ -47,7 +50,11 @@ struct SpeakerState {
 // Everyone heard on one playback thread. Speakers are never dropped one by one: the call that finds more than
 // kMaxHeardSpeakers of them drops all.
 struct PlaybackVoices {
-    std::unordered_map<SpeakerKey, SpeakerState> speakers{kFirstSpeakerBuckets};  // load factor at most 1
+    using Speakers = std::unordered_map<SpeakerKey, SpeakerState>;
+    Speakers speakers{kFirstSpeakerBuckets};  // load factor at most 1
+    // Made in advance, or dropped: the allocator has locks and calls the system.
+    std::vector<Speakers::node_type> spare{};
+    bool isPrepared = false;  // once a block has been played
 };
 
 // The user's own voice, after capture. *edited (edited may be null) is set to 1 with kCaptureEdited, else left as it

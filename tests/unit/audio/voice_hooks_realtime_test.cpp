@@ -62,6 +62,10 @@ void* realloc(void* memory, std::size_t size) {
 void* aligned_alloc(std::size_t alignment, std::size_t size) {
     return isRefused() ? nullptr : __libc_memalign(alignment, size);
 }
+int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
+    *memory = aligned_alloc(alignment, size);
+    return *memory ? 0 : ENOMEM;
+}
 void free(void* memory) {
     forbid();
     __libc_free(memory);
@@ -70,6 +74,16 @@ int pthread_mutex_lock(pthread_mutex_t* mutex) {
     static const auto real = reinterpret_cast<int (*)(pthread_mutex_t*)>(dlsym(RTLD_NEXT, "pthread_mutex_lock"));
     forbid();
     return real(mutex);
+}
+int pthread_mutex_trylock(pthread_mutex_t* mutex) {
+    static const auto real = reinterpret_cast<int (*)(pthread_mutex_t*)>(dlsym(RTLD_NEXT, "pthread_mutex_trylock"));
+    forbid();
+    return real(mutex);
+}
+int pthread_spin_lock(pthread_spinlock_t* lock) {
+    static const auto real = reinterpret_cast<int (*)(pthread_spinlock_t*)>(dlsym(RTLD_NEXT, "pthread_spin_lock"));
+    forbid();
+    return real(lock);
 }
 int pthread_rwlock_wrlock(pthread_rwlock_t* lock) {
     static const auto real = reinterpret_cast<int (*)(pthread_rwlock_t*)>(dlsym(RTLD_NEXT, "pthread_rwlock_wrlock"));
@@ -90,6 +104,8 @@ struct AudioThreadModel {
     AudioThreadModel() {
         VoiceBlocks source(21);
         for (int i = 0; i < 40; i++) blocks.push_back(source.takeAny());
+        for (std::uint32_t sound = 0; sound < static_cast<std::uint32_t>(Sound::kCount); sound++)
+            sounds.push_back(source.take(static_cast<Sound>(sound), 960));
     }
     // Every switch, mode and channel count over 16 speakers, with a new generation now and then.
     void run(int rounds) {
@@ -109,9 +125,41 @@ struct AudioThreadModel {
         }
     }
 
+    // Every switch with every other, over each sound, mono and stereo, in each capture mode, and each time a new
+    // generation.
+    void runEachSwitch() {
+        VoiceControls controls;
+        controls.transmitGain = 2.0f;
+        controls.receiveGain = 0.5f;
+        for (controls.audioFlags = 0; controls.audioFlags < 32; controls.audioFlags++) {
+            for (std::vector<short>& block : sounds) {
+                for (const int channels : {1, 2}) {
+                    controls.dspGeneration++;
+                    controls.captureMode = static_cast<std::int32_t>(controls.dspGeneration % 3);
+                    controls.marksEdited = controls.dspGeneration % 2 == 0;
+                    const int n = static_cast<int>(block.size());
+                    int edited = 0;
+                    editCapturedVoice(captured, controls, block.data(), n, channels, &edited);
+                    editPlaybackVoice(playback, controls, speakerKey(1, 1), block.data(), n, channels);
+                }
+            }
+        }
+    }
+    // One block of each of these speakers, heard with everything on.
+    void hear(std::uint16_t first, std::uint16_t last) {
+        VoiceControls controls;
+        controls.audioFlags = 31;
+        for (std::uint16_t client = first; client <= last; client++) {
+            std::vector<short>& block = blocks[client % blocks.size()];
+            editPlaybackVoice(playback, controls, speakerKey(1, client), block.data(), static_cast<int>(block.size()),
+                              1 + client % 2);
+        }
+    }
+
     CapturedVoice captured;
     PlaybackVoices playback;
     std::vector<std::vector<short>> blocks;
+    std::vector<std::vector<short>> sounds;  // one of each
 };
 
 // Runs body in a child process that may only exit; returns how it ended, as in waitpid. -1: no such mode here.
@@ -139,6 +187,36 @@ TEST(VoiceHooksRealtime, AllocateReleaseAndLockNothingOnceWarm) {
     thread.run(3000);
 }
 
+TEST(VoiceHooksRealtime, AllocateReleaseAndLockNothingWithAnySwitchOrSoundMonoOrStereo) {
+    AudioThreadModel thread;
+    thread.hear(1, 1);
+    const Watched watched(Watch::kAbort);
+    thread.runEachSwitch();
+}
+
+TEST(VoiceHooksRealtime, AllocateReleaseAndLockNothingForANewSpeakerOnceAnybodyHasBeenHeard) {
+    AudioThreadModel thread;
+    thread.hear(1, 1);
+    {
+        const Watched watched(Watch::kAbort);
+        thread.hear(2, kSpareSpeakers);
+    }
+    EXPECT_EQ(thread.playback.speakers.size(), kSpareSpeakers);
+    thread.hear(kSpareSpeakers + 1, kSpareSpeakers + 1);  // beyond those made in advance, there is memory for one
+    EXPECT_EQ(thread.playback.speakers.size(), kSpareSpeakers + 1);
+    const Watched watched(Watch::kAbort);
+    thread.hear(1, kSpareSpeakers + 1);
+}
+
+TEST(VoiceHooksRealtime, AllocateReleaseAndLockNothingWhenTheTableStartsAfresh) {
+    AudioThreadModel thread;
+    const std::uint16_t most = kMaxHeardSpeakers + 1;
+    thread.hear(1, most);
+    ASSERT_EQ(thread.playback.speakers.size(), most);
+    const Watched watched(Watch::kAbort);
+    thread.hear(most + 1, 3 * most);
+}
+
 TEST(VoiceHooksRealtimeDeathTest, WatcherEndsAnAllocationAReleaseAndALock) {
     static void* memory = std::malloc(8);
     static pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
@@ -149,7 +227,8 @@ TEST(VoiceHooksRealtimeDeathTest, WatcherEndsAnAllocationAReleaseAndALock) {
     EXPECT_EXIT(watching([] { memory = ::operator new(100); }), ::testing::KilledBySignal(SIGABRT), "");
     EXPECT_EXIT(watching([] { std::free(memory); }), ::testing::KilledBySignal(SIGABRT), "");
     EXPECT_EXIT(watching([] { pthread_mutex_lock(&mutex); }), ::testing::KilledBySignal(SIGABRT), "");
-    AudioThreadModel thread;  // a new speaker does allocate
+    EXPECT_EXIT(watching([] { pthread_mutex_trylock(&mutex); }), ::testing::KilledBySignal(SIGABRT), "");
+    AudioThreadModel thread;  // the first speaker does allocate
     EXPECT_EXIT(
         {
             const Watched watched(Watch::kAbort);
@@ -165,6 +244,17 @@ TEST(VoiceHooksRealtime, CallTheSystemForNothingOnceWarm) {
     if (status == -1) GTEST_SKIP() << "this kernel offers no seccomp strict mode";
     EXPECT_EQ(status, 0) << "the child was killed by signal " << WTERMSIG(status);
     EXPECT_EQ(runWithoutSystem([] { syscall(SYS_getpid); }), SIGKILL);  // the mode does prevent calls
+}
+
+TEST(VoiceHooksRealtime, CallTheSystemForNothingWithAnySwitchOrSoundNorForANewSpeaker) {
+    AudioThreadModel thread;
+    thread.hear(1, 1);
+    const int status = runWithoutSystem([&] {
+        thread.runEachSwitch();
+        thread.hear(2, kSpareSpeakers);
+    });
+    if (status == -1) GTEST_SKIP() << "this kernel offers no seccomp strict mode";
+    EXPECT_EQ(status, 0) << "the child was killed by signal " << WTERMSIG(status);
 }
 
 TEST(VoiceHooksRealtime, LeaveANewSpeakersBlockAsItCameWithoutMemory) {
