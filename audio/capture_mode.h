@@ -1,9 +1,11 @@
 // capture_mode.h - "capture_mode.txt", which other programs may leave in the data folder: how to edit the user's voice.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 inline constexpr const char* kCaptureModeFile = "capture_mode.txt";
+inline constexpr std::size_t kMaxCaptureModeBytes = 4096;  // no more of the file is read: two lines are looked at
 
 enum CaptureModes : std::int32_t {
     kCaptureEdited = 0,      // the user's own voice is edited and reported as edited

@@ -115,7 +115,7 @@ void trackOwnTalk(const Pass& pass, PollMemory& memory, PollContext& context) {
 void readCaptureMode(const Pass& pass, PollMemory& memory, PollContext& context) {
     if (pass.nowMs - memory.lastCaptureRead <= kCaptureReadMs) return;
     std::string text;
-    context.files.read(joinPath(context.dataFolder, kCaptureModeFile), text);
+    context.files.readBeginning(joinPath(context.dataFolder, kCaptureModeFile), kMaxCaptureModeBytes, text);
     context.voice.CaptureMode = captureModeOf(text);
     context.voice.MarkEdited = asksForMark(text);
     memory.lastCaptureRead = pass.nowMs;

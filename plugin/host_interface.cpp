@@ -42,6 +42,12 @@ HostInterface chooseHostInterface(const HostProgram& program, std::string_view u
     return {isNew ? kNewHostInterface : kOldHostInterface, std::move(name) + ' ' + version};
 }
 
+HostInterface findHostInterface(const HostProgram& program, DataFiles& files, const std::string& dataFolder) {
+    std::string userText;
+    files.readBeginning(joinPath(dataFolder, kHostInterfaceFile), kMaxHostInterfaceBytes, userText);
+    return chooseHostInterface(program, userText);
+}
+
 std::string hostInterfaceLine(const HostInterface& answer) {
     return "answers interface version " + std::to_string(answer.version) + ": " + answer.why;
 }

@@ -222,9 +222,7 @@ const HostFunctions& hostWhileRunning(const PluginState& plugin) {
 }
 
 void answerHost(PluginState& plugin) {
-    std::string userText;
-    plugin.files.read(joinPath(findDataFolder(), kHostInterfaceFile), userText);
-    plugin.hostInterface = chooseHostInterface(findHostProgram(), userText);
+    plugin.hostInterface = findHostInterface(findHostProgram(), plugin.files, findDataFolder());
 }
 
 void startPlugin(PluginState& plugin) {

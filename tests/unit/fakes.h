@@ -1,5 +1,6 @@
 // fakes.h - a clock set by hand and files in memory, for tests of the portable core.
 #pragma once
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <map>
@@ -64,6 +65,7 @@ class MemoryFiles : public DataFiles {
 
     std::atomic<bool> readOnly{false};  // every replace fails
     std::atomic<int> reads{0};
+    std::atomic<std::size_t> mostRead{0};          // bytes of one file
     std::atomic<int> replaces{0};                  // moves into place, also those that failed
     std::atomic<std::uint32_t> paused{0};          // ms
     std::atomic<std::uint32_t> pausesTakeMore{0};  // ms by which each pause lasts longer than asked for
@@ -83,6 +85,7 @@ class MemoryFiles : public DataFiles {
         const auto file = files_.find(path);
         if (file == files_.end()) return {FileState::kMissing, 2};
         bytes = file->second.substr(0, maxBytes);
+        mostRead = std::max<std::size_t>(mostRead, bytes.size());
         return {};
     }
     FileResult writeOnce(const std::string& path, std::string_view bytes, bool isFlushed) override {

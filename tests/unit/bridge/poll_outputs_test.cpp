@@ -226,6 +226,14 @@ TEST_F(PollOutputs, TheMarkIsReadWithTheCaptureMode) {
     EXPECT_FALSE(rig.voice.MarkEdited);
 }
 
+TEST_F(PollOutputs, OfAHugeCaptureModeFileOnlyTheBeginningIsRead) {
+    rig.files.put(pathOf(kCaptureModeFile), "2\nmark\n" + std::string(10'000'000, '0'));
+    rig.pass();
+    EXPECT_EQ(captureMode(), 2);
+    EXPECT_TRUE(rig.voice.MarkEdited);
+    EXPECT_LE(rig.files.mostRead, 4096U);
+}
+
 TEST_F(PollOutputs, AMissingCaptureModeFileMeansOne) {
     rig.files.put(pathOf(kCaptureModeFile), "2");
     rig.pass();

@@ -1,5 +1,6 @@
 #include "plugin/host_interface.h"
 #include <gtest/gtest.h>
+#include "tests/unit/fakes.h"
 
 namespace {
 
@@ -73,4 +74,12 @@ TEST(HostInterface, SaysWhy) {
     EXPECT_EQ(hostInterfaceLine(chooseHostInterface({}, "")),
               "answers interface version 23: unknown program without a version");
     EXPECT_EQ(hostInterfaceLine(chooseHostInterface({}, "27")), "answers interface version 27: set in host_api.txt");
+}
+
+TEST(HostInterface, IsFoundInTheDataFolderWhoseFileIsReadNoFurtherThanItsBeginning) {
+    MemoryFiles files;
+    EXPECT_EQ(findHostInterface({}, files, "C:\\Data").version, 23);
+    files.put("C:\\Data\\host_api.txt", "27\n" + std::string(10'000'000, 'x'));
+    EXPECT_EQ(findHostInterface({}, files, "C:\\Data").version, 27);
+    EXPECT_LE(files.mostRead, 4096U);
 }
