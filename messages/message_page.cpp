@@ -131,7 +131,7 @@ PageLook MessagePage::look(const MessageStore& store, float textScale, std::int3
     look.scroll = scroll_;
     look.unread = store.unread;
     look.language = language;
-    look.textSize = std::clamp(textScale, kSmallestText, kLargestText);
+    look.textSize = textScale > kSmallestText ? std::min(textScale, kLargestText) : kSmallestText;  // also of no number
     look.dpi = dpi;
     look.isCloseHovered = isCloseHovered_;
     look.hasKeyboard = hasKeyboard_;

@@ -1,6 +1,7 @@
 #include "messages/message_page.h"
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include "base/display_text.h"
 #include "settings/language.h"
@@ -89,6 +90,18 @@ class MessagePageTest : public testing::Test {
 };
 
 }  // namespace
+
+TEST_F(MessagePageTest, TheTextIsOf12To22WhateverItsSettingSays) {
+    const float noNumber = std::numeric_limits<float>::quiet_NaN(), most = std::numeric_limits<float>::infinity();
+    const struct {
+        float setting, size;
+    } rows[] = {{-most, 12}, {0, 12},     {11.5f, 12}, {12, 12},      {15, 15},
+                {22, 22},    {22.5f, 22}, {most, 22},  {noNumber, 12}};
+    for (const auto& row : rows) {
+        textScale = row.setting;
+        EXPECT_EQ(look().textSize, row.size) << row.setting;
+    }
+}
 
 TEST_F(MessagePageTest, DrawsGroundAndHeaderOfAReadStore) {
     const auto all = items();
