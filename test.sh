@@ -10,6 +10,7 @@
 # allocations (Long.*).
 # test.sh --soak MINUTES [--seed N ...] - builds the package and soaks it (tests/soak/soak_win.cpp has the options), and
 # nothing else; build/soak has the figures.
+# test.sh --threads MINUTES - those with threads in random order under the thread sanitizer, and nothing else.
 # test.sh --lint - clang-tidy over every source file of the product, and nothing else.
 set -uo pipefail
 . "$(dirname "$0")/tools/fixed_layout.sh"
@@ -49,11 +50,15 @@ case "${1:-}" in
         soak_alone "${@:2}"
         exit
         ;;
+    --threads)
+        tools/packages.sh product native test && exec tests/unit/threads/random_schedules.sh "${@:2}"
+        exit 1
+        ;;
     --lint)
         tools/packages.sh product lint && exec tools/lint.sh
         exit 1
         ;;
-    *) echo "usage: ./test.sh [--full | --lint | --soak MINUTES]" >&2; exit 2 ;;
+    *) echo "usage: ./test.sh [--full | --soak MINUTES | --threads MINUTES | --lint]" >&2; exit 2 ;;
 esac
 
 fuzz_seconds=${FUZZ_SECONDS:-1}
