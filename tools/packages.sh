@@ -12,6 +12,7 @@ wine_packages=(wine wine64 xvfb xauth sox fonts-noto-cjk fonts-open-sans fonts-d
 pictures_packages=(xcompmgr)
 test_packages=(libclang-rt-dev clang-format python3-numpy python3-pil)
 lint_packages=(clang-tidy)
+coverage_packages=(llvm)
 # A Node from elsewhere has its own npm, which is not Debian's package.
 node_packages=()
 command -v npm >/dev/null || node_packages=(nodejs npm)
@@ -25,6 +26,7 @@ for group in "$@"; do
         wine) wanted+=("${wine_packages[@]}") ;;
         pictures) wanted+=("${pictures_packages[@]}") ;;
         lint) wanted+=("${lint_packages[@]}") ;;
+        coverage) wanted+=("${coverage_packages[@]}") ;;
         test) wanted+=("${test_packages[@]}") ;;
         node) wanted+=("${node_packages[@]}") ;;
         artwork) wanted+=("${artwork_packages[@]}") ;;

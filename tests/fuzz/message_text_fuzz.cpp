@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include "base/display_text.h"
+#include "base/utf8.h"
 #include "messages/message_page.h"
 #include "tests/unit/fakes.h"
 #include "tests/unit/ui/plain_word_wrap.h"
@@ -31,6 +32,23 @@ void checkText(const std::u16string& text) {
         if (unit < 0xD800 || unit > 0xDBFF) continue;
         i++;
         if (i == text.size() || text[i] < 0xDC00 || text[i] > 0xDFFF) fail("the first half of a pair alone");
+    }
+}
+
+// A text that has been made fit for the screen stays as it is.
+void checkStays(const std::u16string& text) {
+    const auto utf8 = utf8FromUtf16(text);
+    if (utf16FromUtf8(utf8) != text) fail("UTF-8 and back is another text");
+    if (displayText(utf8) != text) fail("made fit for the screen twice, it is another text");
+    const auto line = displayLine(utf8);
+    if (line.find(u'\n') != std::u16string::npos) fail("one line has a line end");
+    if (line.size() != text.size()) fail("one line has lost a character");
+    std::size_t end = 0;
+    while (end < text.size()) {
+        const auto start = end;
+        end = characterEnd(text, start);
+        if (end <= start || end > text.size() || end - start > kMaxCharacterUnits) fail("a character has no end");
+        if (end < text.size() && text[end] >= 0xDC00 && text[end] <= 0xDFFF) fail("a character ends inside a pair");
     }
 }
 
@@ -63,6 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes(reinterpret_cast<const char*>(data), size);
     const std::u16string text = displayText(bytes);
     checkText(text);
+    checkStays(text);
     checkWrap(text, size > 0 ? static_cast<float>(data[0]) : 580.0f);
     checkPage(bytes);
     return 0;

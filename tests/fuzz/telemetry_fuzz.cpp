@@ -1,10 +1,12 @@
-// telemetry_fuzz.cpp - any bytes as a telemetry file: the reader must agree with the plain search key by key, and what
-// it publishes must be at rest unless the reading is fresh.
+// telemetry_fuzz.cpp - any bytes as a telemetry file: the reader must agree with the plain search key by key, what is
+// read can be written and reads back, and what is published must be at rest unless the reading is fresh.
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include "bridge/sim_state.h"
+#include "tests/fuzz/text_mutator.h"
 #include "tests/unit/exchange/telemetry_reference.h"
 #include "tests/unit/fakes.h"
 
@@ -13,6 +15,32 @@ namespace {
 [[noreturn]] void fail(const char* what) {
     std::fprintf(stderr, "telemetry: %s\n", what);
     std::abort();
+}
+
+// Readers take the first match of a quoted key: a text that is a key's name would be taken for one. The worker has
+// none.
+bool isKeyName(const std::string& text) {
+    static const std::string keys = writeTelemetryText(Telemetry{}, 0.0);
+    return keys.find('"' + plainText(text) + "\":") != std::string::npos;
+}
+
+// What is read can be written, and reads back the same; only a volume loses what six digits cannot hold, once.
+void checkWritten(const std::string& text) {
+    Telemetry once = parseTelemetry(text);
+    if (isKeyName(once.status) || isKeyName(once.ackMessage)) return;
+    const std::string written = writeTelemetryText(once, 1790000000.0);
+    const Telemetry again = parseTelemetry(written);
+    if (writeTelemetryText(again, 1790000000.0) != written) fail("the second text differs from the first");
+    if (again.updated != 1790000000.0 || again.protocol != kTelemetryProtocol) fail("the writer's own keys are lost");
+    for (std::string* const shown : {&once.status, &once.ackId, &once.ackMessage}) *shown = plainText(*shown);
+    once.updated = again.updated;
+    once.protocol = again.protocol;
+    for (std::size_t i = 0; i < kRadioCount; i++) {
+        const float before = once.radios[i].volume, after = again.radios[i].volume;
+        if (std::fabs(before - after) > 1e-5f * std::fabs(before)) fail("a volume changed");
+        once.radios[i].volume = after;
+    }
+    if (!(again == once)) fail("what was written reads otherwise");
 }
 
 bool isAtRest(const RadioReading& radio) {
@@ -33,10 +61,17 @@ void checkPublished(const SimState& state, const StatusTexts& status, bool fresh
 
 }  // namespace
 
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned seed) {
+    static TextMutator mutator(writeTelemetryText(Telemetry{}, 1790000000.0), ",:\" ");
+    return mutator.mutate(data, size, maxSize, seed);
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     const std::string difference = telemetryDifference(text);
     if (!difference.empty()) fail(difference.c_str());
+    checkWritten(text);
 
     ManualClock clock;
     MemoryFiles files;
