@@ -31,8 +31,8 @@ bool readFlag(FlagRule rule, std::string_view value) {
 }
 
 struct Range {
-    constexpr Range(double low, double high) : min(low), max(high) {}
-    constexpr Range(const SettingRange& range) : Range(double{range.min}, double{range.max}) {}
+    consteval Range(double low, double high) : min(low), max(high) {}
+    consteval Range(const SettingRange& range) : Range(double{range.min}, double{range.max}) {}
     double min;
     double max;
 };
@@ -53,32 +53,32 @@ struct SettingRow {
     std::string_view insteadOfEmpty{};     // texts
 };
 
-constexpr SettingRow flagRow(std::string_view key, FlagRule rule, bool Settings::*field) {
+consteval SettingRow flagRow(std::string_view key, FlagRule rule, bool Settings::*field) {
     SettingRow row{key};
     row.flag = field;
     row.rule = rule;
     return row;
 }
-constexpr SettingRow wholeRow(std::string_view key, std::int32_t Settings::*field, Range range) {
+consteval SettingRow wholeRow(std::string_view key, std::int32_t Settings::*field, Range range) {
     SettingRow row{key};
     row.whole = field;
     row.range = range;
     return row;
 }
-constexpr SettingRow choiceRow(std::string_view key, std::int32_t Settings::*field, Range range,
+consteval SettingRow choiceRow(std::string_view key, std::int32_t Settings::*field, Range range,
                                std::string_view prefix) {
     SettingRow row = wholeRow(key, field, range);
     row.isChoice = true;
     row.prefix = prefix;
     return row;
 }
-constexpr SettingRow realRow(std::string_view key, float Settings::*field, Range range) {
+consteval SettingRow realRow(std::string_view key, float Settings::*field, Range range) {
     SettingRow row{key};
     row.real = field;
     row.range = range;
     return row;
 }
-constexpr SettingRow textRow(std::string_view key, std::string Settings::*field, std::string_view insteadOfEmpty) {
+consteval SettingRow textRow(std::string_view key, std::string Settings::*field, std::string_view insteadOfEmpty) {
     SettingRow row{key};
     row.text = field;
     row.insteadOfEmpty = insteadOfEmpty;

@@ -6,8 +6,11 @@
 #include "plugin/host_interface.h"
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/text_mutator.h"
+#include "tests/unit/fakes.h"
 
 namespace {
+
+constexpr const char* kFolder = "C:\\d";
 
 constexpr std::string_view kSample =
     "26\n23\n99\n22\n100\n0026\nmark\nfull\noff\n0\n2\n ts3client_win64.exe \nTS3CLIENT.exe\n"
@@ -43,7 +46,9 @@ int plainUserWord(std::string text) {
 }
 
 void checkHostInterface(const std::string& text, const HostProgram& program) {
-    const auto answer = chooseHostInterface(program, text);
+    MemoryFiles files;
+    files.put(joinPath(kFolder, kHostInterfaceFile), text);
+    const auto answer = findHostInterface(program, files, kFolder);
     const int word = plainUserWord(text);
     std::string name = program.fileName.substr(0, 9);
     for (char& c : name)

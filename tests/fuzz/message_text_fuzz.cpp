@@ -58,6 +58,12 @@ void checkWrap(const std::u16string& text, float maxWidth) {
     if (lines.size() != plain.size()) fail("another number of lines than the plain rules");
     for (std::size_t i = 0; i < lines.size(); i++)
         if (lines[i] != plain[i]) fail("another line than the plain rules");
+    // The same text as a description: nothing is left out but line feeds.
+    std::u16string described;
+    for (const auto line : wrapText(text, maxWidth, widthOf, kDescriptionWrap)) described += line;
+    std::u16string whole = text;
+    std::erase(whole, u'\n');
+    if (described != whole) fail("a description has lost a part");
 }
 
 void checkPage(const std::string& text) {

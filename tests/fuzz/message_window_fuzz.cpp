@@ -147,7 +147,10 @@ class World final : public NewestMessageOpener {
                 model_.pressAt(point());
                 break;
             case 4:
-                model_.toggle();
+                if (input_.flag())
+                    model_.toggle();
+                else
+                    model_.showMessage(input_.byte());  // of now, of before, of never
                 break;
             case 5:
                 screen_.font = static_cast<Font>(input_.below(static_cast<std::uint32_t>(Font::kCount)));
@@ -156,6 +159,7 @@ class World final : public NewestMessageOpener {
                 screen_.dpi = kDpis[input_.below(7)];
                 screen_.hasRoom = input_.below(4) != 0;
                 model_.leavePointer();
+                model_.setKeyboard(screen_.hasRoom);
                 break;
             case 7:
                 language_ = static_cast<std::int32_t>(input_.below(9));

@@ -21,6 +21,10 @@ std::string pathOf(const char* name) {
 class World {
   public:
     explicit World(FuzzInput input) : input_(input) {
+        files_.trouble = [this](FileStep step, const std::string& path) {
+            const bool isHeld = isHeld_ && step == FileStep::kRead && path == pathOf(kCommandFile);
+            return isHeld ? FileResult{FileState::kHeld, 32} : FileResult{};
+        };
         seen_ = telemetryOfBefore();
         files_.put(pathOf(kTelemetryFile), seen_);
         const auto script = input_.text(4U * input_.byte());
@@ -87,6 +91,7 @@ class World {
                 break;
             case 5:
                 files_.readOnly = !files_.readOnly;
+                isHeld_ = input_.flag();
                 break;
             case 6:
                 folder_.missesToCome = static_cast<int>(input_.below(4));
@@ -115,6 +120,7 @@ class World {
 
     FuzzInput input_;
     ManualClock clock_;
+    bool isHeld_ = false;  // by others: command.json cannot be read
     MemoryFiles files_;
     MemoryFolder folder_{files_};
     MemoryLogFile logFile_;

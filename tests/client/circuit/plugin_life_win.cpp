@@ -1,5 +1,6 @@
 #include "tests/client/circuit/plugin_life_win.h"
 #include <array>
+#include <cstdio>
 #include "panel/panel_requests.h"
 #include "tests/client/circuit/flight_plan.h"
 #include "tests/client/dialog_driver_win.h"
@@ -10,6 +11,7 @@
 namespace {
 
 constexpr int kLongerThanAPassMs = 60;
+constexpr int kStuckExit = 4;
 constexpr const wchar_t* kWorkerName = L"hopline_worker.exe";
 constexpr const char* kWorkerNames[kWorkerBesideCount] = {"flying", "silent", "none"};
 constexpr std::int32_t kFrequencies[] = {127850, 121600, 121900, 118275, 124350, 131500, 122800};
@@ -284,6 +286,11 @@ std::vector<std::string> PluginLife::leftovers() {
 }
 
 void PluginLife::unload() {
+    if (isInDialog_) {  // its code is about to go, and whoever waits for it waits for ever
+        std::printf("STUCK    in a dialog that does not close (window %p), after: %s\n",
+                    static_cast<void*>(findDialog()), story().c_str());
+        TerminateProcess(GetCurrentProcess(), kStuckExit);
+    }
     if (hostThread_.joinable()) hostThread_.join();
     crowd_.rest();
     plugin_.unload();

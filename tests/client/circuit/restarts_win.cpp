@@ -176,6 +176,7 @@ class Restarts {
 int main(int argc, char** argv) {
     if (const auto code = runAsNewClient()) return *code;
     SetConsoleOutputCP(CP_UTF8);
+    std::setvbuf(stdout, nullptr, _IONBF, 0);  // what it said before it got stuck or was killed
     const std::string_view mode = argc > 1 ? argv[1] : "";
     const auto count = [&](int usual) { return argc > 2 ? std::atoi(argv[2]) : usual; };
     const std::uint64_t seed = argc > 3 ? std::strtoull(argv[3], nullptr, 10) : systemTickMs();

@@ -52,7 +52,7 @@ void WithheldTime::beat() {
 void WithheldTime::answer() {
     while (true) {
         WaitForSingleObject(asked_, INFINITE);
+        SetEvent(answered_);  // also to the last question: whoever asked it waits
         if (!isLiving_) return;
-        SetEvent(answered_);
     }
 }
