@@ -7,6 +7,13 @@ namespace {
 
 constexpr UINT_PTR kTimer = 1;
 
+// Whether the system is moving a window of this thread.
+bool isThreadDragging() {
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof info;
+    return GetGUIThreadInfo(GetCurrentThreadId(), &info) && (info.flags & GUI_INMOVESIZE) != 0;
+}
+
 }  // namespace
 
 WindowClass::WindowClass(HINSTANCE module, const wchar_t* name) : module_(module), name_(name) {
@@ -80,6 +87,9 @@ bool Window::trackMouseLeave() {
 }
 
 LRESULT Window::dragByCaption(PixelPoint at) {
+    // Each move serves messages until the button is let go, or until it takes the WM_QUIT of a window that was closed
+    // meanwhile. There is only one of those: a move begun within another would leave that one waiting for ever.
+    if (isThreadDragging()) return 0;
     POINT screen = {at.x, at.y};
     ClientToScreen(window_, &screen);
     ReleaseCapture();

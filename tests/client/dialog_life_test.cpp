@@ -15,11 +15,13 @@ class DialogLife : public DialogFixture {
     // Like the host when its user opens the plugin's configuration.
     std::thread configureOnAThread() {
         return std::thread([this] {
+            hostsThreadId = GetCurrentThreadId();
             session.plugin.exports().configure(nullptr, nullptr);
             hasReturned = true;
         });
     }
     std::atomic<bool> hasReturned{false};
+    std::atomic<DWORD> hostsThreadId{0};
 };
 
 TEST_F(DialogLife, IsOneHoweverOftenItIsOpened) {
@@ -116,6 +118,19 @@ TEST_F(DialogLife, AShutdownWaitsAtMostASecondForAThreadOfTheHostsThatHangsInIt)
     EXPECT_LT(tookMs, kMostMs);
     EXPECT_EQ(findDialog(), nullptr);
     ASSERT_TRUE(open());  // once it has left, there is room for the next
+}
+
+TEST_F(DialogLife, IsClosedByAShutdownWhileItIsHeldTwice) {
+    ASSERT_TRUE(session.writeSettings("panel_visible=0\r\n"));
+    ASSERT_TRUE(session.start());
+    std::thread hosts = configureOnAThread();
+    EXPECT_TRUE(becomesOpen());
+    const POINT title = dialog().pointOnTitle();
+    for (int i = 0; i < 2; i++) dialog().post(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(title.x, title.y));
+    session.stop();
+    EXPECT_TRUE(waitFor([&] { return hasReturned.load(); }, kPatienceMs));
+    if (!hasReturned) PostThreadMessageW(hostsThreadId, WM_LBUTTONUP, 0, 0);  // so that a failed test still ends
+    hosts.join();
 }
 
 TEST_F(DialogLife, OpensNoMoreAfterAShutdownUntilTheNextStart) {

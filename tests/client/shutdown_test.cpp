@@ -4,6 +4,7 @@
 #include <thread>
 #include "tests/client/client_session_win.h"
 #include "tests/client/import_patch_win.h"
+#include "tests/client/panel_driver_win.h"
 #include "tests/client/resource_count_win.h"
 
 namespace {
@@ -93,6 +94,24 @@ TEST_F(Shutdown, LeavesNoThreadAndNoWindowOfOurs) {
     EXPECT_EQ(threads.running(), 0);
     for (const wchar_t* window : {L"CorvalisRadioPanel", L"CorvalisTextMessage", L"CorvalisSettingsClass"})
         EXPECT_FALSE(hasWindow(window)) << toUtf8(window);
+}
+
+TEST_F(Shutdown, EndsWhileThePanelIsHeldTwice) {
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.waitUntil(hasPanel));
+    const DWORD thread = GetWindowThreadProcessId(findPanel(), nullptr);
+    const PanelDriver panel(findPanel(), 0);  // GENERAL, the theme of a first start
+    for (int i = 0; i < 2; i++) panel.press(panel.pointOn(kBackground));
+    std::atomic<bool> hasEnded{false};
+    std::thread ending([&] {
+        session.stop();
+        hasEnded = true;
+    });
+    EXPECT_TRUE(waitFor([&] { return hasEnded.load(); }));
+    // So that a failed test still ends.
+    if (!hasEnded) PostThreadMessageW(thread, WM_LBUTTONUP, 0, 0);
+    ending.join();
+    EXPECT_FALSE(hasPanel());
 }
 
 TEST_F(Shutdown, NoHostFunctionIsCalledAfterwards) {
