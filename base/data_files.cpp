@@ -50,10 +50,7 @@ FileResult DataFiles::readBeginning(const std::string& path, std::size_t maxByte
 
 FileResult DataFiles::readKept(const std::string& path, std::string& bytes) {
     std::uint32_t patienceMs = kKeptPatienceMs;
-    const FileResult result = tryAgain(patienceMs, [&] { return readOnce(path, kMaxKeptBytes + 1, bytes); });
-    if (bytes.size() <= kMaxKeptBytes) return result;
-    bytes.resize(kMaxKeptBytes);
-    return result ? FileResult{FileState::kFailed, kTooLargeError} : result;
+    return tryAgain(patienceMs, [&] { return readOnce(path, kWhole, bytes); });
 }
 
 FileResult DataFiles::replace(const std::string& path, std::string_view bytes) {

@@ -26,9 +26,6 @@ struct FileResult {
 inline constexpr int kFileTries = 3;
 // How long a file that people keep is waited for while another program holds it.
 inline constexpr std::uint32_t kKeptPatienceMs = 100;
-// What people keep is a few kilobytes. No more than this is read of a file that is larger: it is none of ours.
-inline constexpr std::size_t kMaxKeptBytes = 1'000'000;
-inline constexpr std::uint32_t kTooLargeError = 223;  // the system's code for a file that is too large
 
 // Where an old file goes before a new one takes its place.
 struct SetAside {
@@ -54,8 +51,7 @@ class DataFiles {
     // kKeptPatienceMs in all (or patienceMs, where 0 is three tries), and the new text is on the disk before it takes
     // the old one's place.
 
-    // [any] If the file could not be read to its end, bytes holds what came before the error. One of more than
-    // kMaxKeptBytes counts as such: kFailed with kTooLargeError, and so many bytes.
+    // [any] If the file could not be read to its end, bytes holds what came before the error.
     FileResult readKept(const std::string& path, std::string& bytes);
 
     // [any] Sets the old file aside first if that is wanted. One that cannot be set aside is not replaced.

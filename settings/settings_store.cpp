@@ -116,7 +116,7 @@ SettingsLoad loadSettings(SettingsStore& store) {
     }
     if (isUnread) text.resize(text.rfind('\n') + 1);  // the whole lines; without any, 0
     if (!found && text.empty() && !store.moduleFolder.empty())
-        store.files.readBeginning(joinPath(store.moduleFolder, kSettingsFile), kMaxKeptBytes, text);
+        store.files.read(joinPath(store.moduleFolder, kSettingsFile), text);
     store.saveDueMs = kNoSaveDue;
     store.isUnsaved = false;
     const Settings loaded = readSettingsText(text);

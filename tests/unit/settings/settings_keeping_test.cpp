@@ -185,34 +185,6 @@ TEST_F(SettingsKeeping, AFileWithAReadErrorHalfWayCountsAsFarAsItsLinesAreWhole)
     EXPECT_EQ(saved().theme, 2);
 }
 
-TEST_F(SettingsKeeping, AHugeFileCountsAsFarAsItsBeginningAndIsKept) {
-    const std::string huge = "theme=2\r\n" + std::string(10'000'000, 'x') + "\r\nopacity=50\r\n";
-    files.put(kFile, huge);
-    EXPECT_EQ(load().error, 223u);
-    EXPECT_EQ(copySettings(store).theme, 2);
-    EXPECT_EQ(copySettings(store).opacity, Settings{}.opacity);
-    EXPECT_LE(files.mostRead, kMaxKeptBytes + 1);
-    click();
-    EXPECT_EQ(files.text(kBackup), huge);
-    EXPECT_EQ(saved().theme, 2);
-}
-
-TEST_F(SettingsKeeping, AFileOfAMegabyteIsReadToItsEnd) {
-    const std::string end = "\r\ntheme=2\r\n";
-    files.put(kFile, std::string(kMaxKeptBytes - end.size(), 'x') + end);
-    EXPECT_TRUE(load());
-    EXPECT_EQ(copySettings(store).theme, 2);
-    click();
-    EXPECT_FALSE(files.has(kBackup));
-}
-
-TEST_F(SettingsKeeping, OfAHugeFileInTheOlderPlaceTheBeginningIsRead) {
-    files.put(kModuleFile, "theme=1\r\n" + std::string(10'000'000, 'x'));
-    EXPECT_EQ(load().state, FileState::kMissing);
-    EXPECT_EQ(copySettings(store).theme, 1);
-    EXPECT_LE(files.mostRead, kMaxKeptBytes);
-}
-
 TEST_F(SettingsKeeping, AnUnreadableFileIsSetAsideAlsoIfTheOlderPlaceHasOne) {
     files.put(kModuleFile, "theme=1\r\n");
     loadUnreadable();
