@@ -132,7 +132,7 @@ void findFiles(const std::string& dataDir, const std::string& programFolder, Dia
     found.log = findFile(inData("hopline_worker.log"), true);
 }
 
-void examineLink(WorkerOptions& options, const MakeTransport& makeTransport, Diagnosis& found) {
+void examineLink(WorkerOptions& options, const LinkWays& ways, Diagnosis& found) {
     found.iniRemarks = applyIni(found.workerIni.bytes, options);
     found.linkKind = describeLink(options);
     found.otherWorkerRuns = found.folderExists && isFolderServed(options.dataDir);
@@ -142,7 +142,7 @@ void examineLink(WorkerOptions& options, const MakeTransport& makeTransport, Dia
     WorkerLog log(file, clock);
     WindowsDataFiles files;
     WindowsFolder folder;
-    const auto link = makeLink(options, files, folder, log, makeTransport, clock.tickMs());
+    const auto link = makeLink(options, files, folder, log, ways, clock.tickMs());
     found.trial = tryLink(*link, clock, [] { Sleep(kTrialPauseMs); });
     const auto lines = splitLines(file.text);
     found.trial->notes.insert(found.trial->notes.begin(), lines.begin(), lines.end());
@@ -183,7 +183,7 @@ std::string save(const std::string& report, const std::string& dataDir) {
 
 }  // namespace
 
-bool diagnose(WorkerOptions options, const std::string& commandLineProblem, const MakeTransport& makeTransport) {
+bool diagnose(WorkerOptions options, const std::string& commandLineProblem, const LinkWays& ways) {
     try {
         Diagnosis found;
         found.commandLineProblem = commandLineProblem;
@@ -197,7 +197,7 @@ bool diagnose(WorkerOptions options, const std::string& commandLineProblem, cons
         findFiles(options.dataDir, programFolder, found);
         // After the files: a worker goes on writing, and a file from the future would count as not used.
         found.nowUnixSeconds = SystemClock().unixSeconds();
-        examineLink(options, makeTransport, found);
+        examineLink(options, ways, found);
         const auto report = composeDiagnosis(found, utf8FromNarrow);
         const auto path = save(report, options.dataDir);
         const auto outcome = path.empty() ? "This report could not be saved." : "Saved as " + utf8FromNarrow(path);

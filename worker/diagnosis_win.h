@@ -7,4 +7,4 @@
 // Uses the options' data folder, otherwise the plugin's own. Saves the report there as corvalis-diagnose.txt or, if
 // that fails, in the folder for temporary files; true if either worked. Takes at most a little more than kLinkTrialMs.
 // commandLineProblem: what was not understood, empty if everything was.
-bool diagnose(WorkerOptions options, const std::string& commandLineProblem, const MakeTransport& makeTransport);
+bool diagnose(WorkerOptions options, const std::string& commandLineProblem, const LinkWays& ways);

@@ -27,17 +27,18 @@ bool parsePort(std::string_view text, std::uint16_t& port) {
 
 }  // namespace
 
-std::optional<HostPort> parseHostPort(std::string_view text) {
-    const auto colon = text.rfind(':');
-    if (colon == std::string_view::npos) return std::nullopt;
+std::optional<HostPort> parseHostPort(std::string_view text, std::uint16_t usualPort) {
+    const bool hasPort = text.find(':') != std::string_view::npos && !text.ends_with(']');
+    if (!hasPort && usualPort == 0) return std::nullopt;
+    const auto colon = hasPort ? text.rfind(':') : text.size();
     auto host = text.substr(0, colon);
     const bool bracketed = host.size() > 2 && host.front() == '[' && host.back() == ']';
     if (bracketed) host = host.substr(1, host.size() - 2);
     if (host.empty() || host.size() > kMaxHostBytes) return std::nullopt;
     if (!std::all_of(host.begin(), host.end(), bracketed ? isIpv6Char : isNameChar)) return std::nullopt;
     if (bracketed && host.find(':') == std::string_view::npos) return std::nullopt;
-    HostPort address{std::string(host), 0};
-    if (!parsePort(text.substr(colon + 1), address.port)) return std::nullopt;
+    HostPort address{std::string(host), usualPort};
+    if (hasPort && !parsePort(text.substr(colon + 1), address.port)) return std::nullopt;
     return address;
 }
 

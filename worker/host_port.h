@@ -12,7 +12,8 @@ struct HostPort {
 };
 
 // [any] Nothing if the text is anything else: no port, an IPv6 address without brackets, a blank, a scheme in front.
-std::optional<HostPort> parseHostPort(std::string_view text);
+// usualPort: where a program listens if the text names no port, "simpc", "[fe80::1]"; 0 = it has to name one.
+std::optional<HostPort> parseHostPort(std::string_view text, std::uint16_t usualPort = 0);
 
 // As parseHostPort reads it.
 std::string hostPortText(const HostPort& address);

@@ -1,4 +1,5 @@
-// main_win.cpp - hopline_worker.exe --data-dir DIR [--watch-pid PID] [--simulate [SCRIPT] | --address HOST:PORT]
+// main_win.cpp - hopline_worker.exe --data-dir DIR [--watch-pid PID]
+//                                   [--simulate [SCRIPT] | [--link KIND] [--address HOST:PORT] [--beacon IPV4:PORT]]
 //            or: hopline_worker.exe --diagnose [--data-dir DIR] [...]: diagnosis_win.h
 // Exit codes: 0 the watched process or the data folder is gone, 1 unexpected failure (in the log), 2 bad command line.
 #include <exception>
@@ -15,6 +16,7 @@
 #include "worker/system_win.h"
 #include "worker/worker_loop.h"
 #include "worker/worker_options.h"
+#include "worker/xplane/udp_datagrams.h"
 
 // Keeps the C runtime from expanding * and ? in our arguments: paths are taken literally.
 extern "C" {
@@ -50,6 +52,11 @@ std::unique_ptr<simconnect::Transport> makeTransport(const std::optional<HostPor
     return std::make_unique<simconnect::PipeTransport>();
 }
 
+LinkWays linkWays() {
+    return {makeTransport,
+            [](const xplane::Endpoint& beacon) { return std::make_unique<xplane::UdpDatagrams>(beacon); }};
+}
+
 // Without memory a pass is lost; the next one may have some.
 PassResult tryPass(WorkerLoop& loop, const Clock& clock) {
     try {
@@ -66,7 +73,7 @@ int runLoop(WorkerLoop& loop, const SimLink& link, WorkerSleep& sleep, const Clo
             log.line("ending: the data folder is gone");
             return kEnded;
         }
-        if (sleep.sleep(result, link.wakeHandle())) {
+        if (sleep.sleep(result, link.wakeHandles())) {
             log.line("ending: the watched process has ended");
             return kEnded;
         }
@@ -115,7 +122,7 @@ int serve(WorkerOptions options, WorkerLog& log, const Clock& clock) {
     WindowsFolder folder;
     readIni(options, files, folder, log);
     log.line(describeOptions(options));
-    const auto link = makeLink(options, files, folder, log, makeTransport, clock.tickMs());
+    const auto link = makeLink(options, files, folder, log, linkWays(), clock.tickMs());
     WorkerLoop loop(options.dataDir, files, folder, *link, log);
     WorkerSleep sleep(watched.get(), options.dataDir);
     return runLoop(loop, *link, sleep, clock, log);
@@ -130,7 +137,7 @@ int main(int argc, char** argv) {
     const bool understood = parseArguments({argv + 1, argv + argc}, options, error);
     options.dataDir = options.dataDir.empty() ? "" : fullPath(options.dataDir);
     options.script = options.script.empty() ? "" : fullPath(options.script);
-    if (options.diagnose) return diagnose(options, error, makeTransport) ? kEnded : kBadArguments;
+    if (options.diagnose) return diagnose(options, error, linkWays()) ? kEnded : kBadArguments;
     if (options.dataDir.empty() || !WindowsFolder::folderExists(options.dataDir)) return kBadArguments;
     leaveCurrentDirectory();
 

@@ -1,6 +1,8 @@
 #include "worker/make_link.h"
+#include "worker/auto_link.h"
 #include "worker/simconnect/simconnect_link.h"
 #include "worker/simulated_aircraft.h"
+#include "worker/xplane/xplane_link.h"
 
 namespace {
 
@@ -34,9 +36,25 @@ FlightScript loadScript(const std::string& path, DataFiles& files, WorkerFolder&
 }  // namespace
 
 std::unique_ptr<SimLink> makeLink(const WorkerOptions& options, DataFiles& files, WorkerFolder& folder, WorkerLog& log,
-                                  const MakeTransport& makeTransport, std::uint64_t nowMs) {
-    if (options.link.value_or(LinkKind::kAuto) == LinkKind::kAuto) {
-        return std::make_unique<simconnect::SimConnectLink>(makeTransport(options.address));
+                                  const LinkWays& ways, std::uint64_t nowMs) {
+    // The links under auto are made again and again, so what makes them keeps all that it needs.
+    const MakeSimLink makeSimConnect = [makeTransport = ways.makeTransport, address = options.address] {
+        return std::make_unique<simconnect::SimConnectLink>(makeTransport(address));
+    };
+    const auto makeXPlane = [makeDatagrams = ways.makeDatagrams,
+                             beacon = options.beacon](const std::optional<HostPort>& address) {
+        return std::make_unique<xplane::XPlaneLink>(makeDatagrams(beacon.value_or(xplane::kBeaconGroup)), address);
+    };
+    switch (options.link.value_or(LinkKind::kAuto)) {
+        case LinkKind::kAuto:
+            return std::make_unique<AutoLink>(std::array<AutoLink::Choice, 2>{
+                {{"SimConnect", makeSimConnect}, {"X-Plane", [makeXPlane] { return makeXPlane(std::nullopt); }}}});
+        case LinkKind::kSimConnect:
+            return makeSimConnect();
+        case LinkKind::kXPlane:
+            return makeXPlane(options.address);
+        case LinkKind::kSimulate:
+            break;
     }
     return std::make_unique<SimulatedAircraft>(loadScript(options.script, files, folder, log), nowMs);
 }

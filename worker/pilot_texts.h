@@ -27,10 +27,12 @@ inline constexpr const char* kDoesNotAnswer = "the simulator does not answer";
 inline constexpr const char* kDoesNotRead = "the simulator does not read what it is told";
 inline constexpr const char* kTakesNoMore = "the simulator takes no more programs";
 inline constexpr const char* kRefusesUser = "the simulator refuses this user's programs";
+// X-Plane is heard, and a version that has a switch there answers nothing.
+inline constexpr const char* kNetworkSwitch = "X-Plane is silent: see Settings, Network";
 inline constexpr std::array kFixedStatuses = {
     kWaitingForSimulator, kConnecting,        kLinkLost,     kInMenu,       kReadingRadios, kNoData,      kFlying,
     kBuiltInAircraft,     kRefusesConnection, kMakesNoSense, kClosesAtOnce, kDoesNotAnswer, kDoesNotRead, kTakesNoMore,
-    kRefusesUser,
+    kRefusesUser,         kNetworkSwitch,
 };
 
 // --- and those that name something ---
@@ -57,6 +59,10 @@ inline constexpr std::array kRadioFaults = {kNotFitted, kUnpowered, kFailed, kNo
 
 // "COM1 unpowered, COM2 not in this aircraft"; empty when nothing keeps either from being used.
 std::string radioFaultsText(std::string_view com1, std::string_view com2);
+
+// "flying, X-Plane 12.2.0", "X-Plane 12.2.0: COM1 unpowered"; without the name where that is too long. faults as
+// radioFaultsText has them.
+std::string radiosText(std::string_view simulator, const std::string& faults);
 
 // --- "ack_message": what became of a command ---
 

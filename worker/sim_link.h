@@ -1,5 +1,7 @@
 // sim_link.h - what the worker talks to: a simulator, or the built-in aircraft. One thread, the worker's only one.
 #pragma once
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -7,7 +9,12 @@
 #include "worker/pilot_texts.h"
 #include "worker/radio_types.h"
 
-inline constexpr std::uint64_t kStutterMs = 1000;  // of silence: longer than between two frames of a slow simulator
+inline constexpr std::uint64_t kStutterMs = 1000;    // of silence: longer than between two frames of a slow simulator
+inline constexpr std::uint64_t kFreshMs = 3000;      // a shorter silence is a stutter, and the last data still counts
+inline constexpr std::uint64_t kFirstReadMs = 1500;  // after that, what has been read must do
+
+// What the system can wait for: event handles, or null where there is none.
+using WakeHandles = std::array<void*, 2>;
 
 class SimLink {
   public:
@@ -32,14 +39,17 @@ class SimLink {
     // Whether the snapshot says how things are, and not just which step is being taken to find out.
     virtual bool isSettled() const { return true; }
 
+    // Whether there is a simulator at the other end, be it in a flight or not.
+    virtual bool isThere() const { return snapshot().ok; }
+
     // The outcome of the last write: seen in a snapshot in time, or not. Returns what the pilot is told about a write
     // that was not seen, behind the name of its slot.
     virtual std::string noteReadback(const RadioWrite&, bool /*seen*/) { return pilot::kRefused; }
 
-    // Something the system can wait for, signalled when a poll would find news: an event handle, or null.
-    virtual void* wakeHandle() const { return nullptr; }
+    // Signalled when a poll would find news.
+    virtual WakeHandles wakeHandles() const { return {}; }
 
-    // How long the link can do without a poll unless its wake handle is signalled; 0 = not at all.
+    // How long the link can do without a poll unless a wake handle is signalled; 0 = not at all.
     virtual std::uint64_t restMs() const { return 0; }
 
     // What the link wants in the log since the last call, one line each.

@@ -107,15 +107,17 @@ WorkerSleep::WorkerSleep(HANDLE watched, const std::string& folder)
       folder_(folder),
       timer_(CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS)) {}
 
-bool WorkerSleep::sleep(const PassResult& pass, HANDLE wake) {
+bool WorkerSleep::sleep(const PassResult& pass, const WakeHandles& wake) {
     const auto ms = folder_.handle() ? pass.quietMs : pass.waitMs;
     LARGE_INTEGER due;
     due.QuadPart = -static_cast<LONGLONG>(ms) * 10000;  // 100 ns, negative: from now
     const bool timed = timer_ && SetWaitableTimer(timer_.get(), &due, 0, nullptr, nullptr, FALSE);
-    HANDLE handles[4];
+    HANDLE handles[3 + std::tuple_size_v<WakeHandles>];
     DWORD count = 0;
     if (watched_) handles[count++] = watched_;
-    if (wake) handles[count++] = wake;
+    for (const HANDLE event : wake) {
+        if (event) handles[count++] = event;
+    }
     const DWORD folderIndex = count;
     if (folder_.handle()) handles[count++] = folder_.handle();
     if (timed) handles[count++] = timer_.get();

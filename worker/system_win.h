@@ -71,8 +71,8 @@ class WorkerSleep {
   public:
     // watched may be null; it is not owned.
     WorkerSleep(HANDLE watched, const std::string& folder);
-    // True if the watched process has ended. wake may be null.
-    bool sleep(const PassResult& pass, HANDLE wake);
+    // True if the watched process has ended.
+    bool sleep(const PassResult& pass, const WakeHandles& wake);
 
   private:
     HANDLE watched_;

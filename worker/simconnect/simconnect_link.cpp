@@ -10,8 +10,6 @@ namespace simconnect {
 
 namespace {
 
-constexpr double kSilence = 0.005;  // a volume below this is 0
-
 // A known value; nothing while it is awaited or if the simulator does not know it.
 std::optional<double> valueOf(const Session& session, std::size_t radio, ComVariable variable) {
     const auto& reading = session.reading(variableOf(radio, variable));
@@ -39,36 +37,10 @@ double toVolume(std::optional<double> percent) {
     return std::clamp(*percent, 0.0, 100.0) / 100.0;
 }
 
-// What a write to the slot would change.
-std::pair<double, double> shown(const RadioReading& radio, RadioSlot slot) {
-    switch (slot) {
-        case kSlotActive:
-            return {radio.active, 0.0};
-        case kSlotStandby:
-            return {radio.standby, 0.0};
-        case kSlotVolume:
-            return {radio.volume, 0.0};
-        case kSlotSwap:
-            return {radio.active, radio.standby};
-    }
-    return {};
-}
-
-std::string shownText(const RadioReading& radio, RadioSlot slot) {
-    if (slot == kSlotVolume) return percentText(radio.volume);
-    return mhzText(slot == kSlotStandby ? radio.standby : radio.active);
-}
-
 std::uint32_t eventData(const RadioWrite& write) {
     if (write.slot == kSlotSwap) return 0;
     const double scale = write.slot == kSlotVolume ? 100.0 : 1000.0;  // percent, Hz
     return static_cast<std::uint32_t>(std::lround(write.value * scale));
-}
-
-bool isReadable(const RadioReading& radio, RadioSlot slot) {
-    if (slot == kSlotVolume) return radio.volume >= 0.0;
-    if (slot == kSlotSwap) return radio.active > 0 && radio.standby > 0;
-    return radio.spacing >= 0 && (slot == kSlotActive ? radio.active : radio.standby) > 0;
 }
 
 }  // namespace
@@ -82,7 +54,6 @@ void SimConnectLink::poll(std::uint64_t nowMs) {
     session_.poll(nowMs);
     for (auto& line : session_.takeNotes()) notes_.push_back(std::move(line));
     learn(nowMs);
-    watchWrites(nowMs);
     snapshot_ = describe(nowMs);
 }
 
@@ -91,11 +62,8 @@ std::uint64_t SimConnectLink::unheardMs(std::uint64_t nowMs) const {
     return dataMs ? nowMs - *dataMs : 0;
 }
 
-void SimConnectLink::watchWrites(std::uint64_t nowMs) {
-    for (auto& written : written_) {
-        written.paused = written.paused || session_.isPaused();
-        written.stuttered = written.stuttered || unheardMs(nowMs) >= kStutterMs;
-    }
+Standstill SimConnectLink::standstill(std::uint64_t nowMs) const {
+    return {session_.isPaused(), unheardMs(nowMs) >= kStutterMs};
 }
 
 bool SimConnectLink::isSettled() const {
@@ -107,20 +75,11 @@ bool SimConnectLink::isSettled() const {
 void SimConnectLink::learn(std::uint64_t nowMs) {
     if (session_.aircraft() != aircraft_) {
         aircraft_ = session_.aircraft();
-        learnt_ = {};
+        learnt_.forget();
     }
-    const bool isLive = !session_.isPaused() && unheardMs(nowMs) < kStutterMs;
     for (std::size_t radio = 0; radio < kRadioCount; radio++) {
-        auto& learnt = learnt_[radio];
         const double volume = toVolume(valueOf(session_, radio, kComVolume));
-        const bool silent = volume >= 0.0 && volume < kSilence && condition(radio).empty() && isLive;
-        if (!silent) {
-            learnt.silentSinceMs = 0;
-        } else if (learnt.silentSinceMs == 0) {
-            learnt.silentSinceMs = nowMs;
-        } else if (nowMs - learnt.silentSinceMs >= kSilentMs) {
-            learnt.staysOnAtZero = true;
-        }
+        learnt_.watch(radio, volume, condition(radio).empty(), standstill(nowMs), nowMs);
     }
 }
 
@@ -162,8 +121,8 @@ RadioReading SimConnectLink::describeRadio(std::size_t radio) const {
     values.volume = static_cast<float>(toVolume(valueOf(session_, radio, kComVolume)));
     for (std::size_t i = 0; i < kSlotCount && fault.empty(); i++) {
         const auto slot = static_cast<RadioSlot>(i);
-        values.writable[i] = isReadable(values, slot) && session_.isKeyEventKnown(keyEventOf(radio, slot)) &&
-                             learnt_[radio].ignored[i] < kIgnoredWrites;
+        values.writable[i] =
+            isReadable(values, slot) && session_.isKeyEventKnown(keyEventOf(radio, slot)) && learnt_.takes(radio, slot);
     }
     return values;
 }
@@ -190,45 +149,15 @@ bool SimConnectLink::write(const RadioWrite& write, std::uint64_t nowMs) {
     const auto& radio = snapshot_.radios[write.radio];
     if (!snapshot_.ok || !radio.writable[write.slot] || !isValueFor(snapshot_, write)) return false;
     const bool isSent = session_.sendKeyEvent(keyEventOf(write.radio, write.slot), eventData(write), nowMs);
-    written_[write.radio] = {radio, session_.question(), session_.isPaused(), unheardMs(nowMs) >= kStutterMs};
+    questions_[write.radio] = session_.question();
+    learnt_.noteWrite(write, radio, standstill(nowMs));
     return isSent;
 }
 
-// Volume goes in whole percent. At 0 a knob that is also the power switch would switch the radio off for good: a radio
-// without power takes no volume. So 1 % is the least, until this radio has been seen to stay on at 0.
-RadioWrite SimConnectLink::adjusted(const RadioWrite& write) const {
-    if (write.slot != kSlotVolume) return write;
-    auto sent = write;
-    const double least = learnt_[write.radio].staysOnAtZero ? 0.0 : 1.0;
-    sent.value = std::max(std::round(write.value * 100.0), least) / 100.0;
-    return sent;
-}
-
-// What the pilot is told if the simulator may not have carried the write out yet; empty if it had its chance.
-std::string_view SimConnectLink::hindrance(const Written& written) const {
-    if (!session_.isAnswered(written.question)) return pilot::kUnchangedUnread;
-    if (written.paused) return pilot::kUnchangedInPause;
-    return written.stuttered ? pilot::kUnchangedInSilence : "";
-}
-
-// Only a slot where nothing moved counts as ignored: an aircraft that rounds to its own steps does obey. A radio that
-// has lost power by now could not, nor could a simulator that stands still.
 std::string SimConnectLink::noteReadback(const RadioWrite& write, bool seen) {
-    auto& ignored = learnt_[write.radio].ignored[write.slot];
-    auto& radio = snapshot_.radios[write.radio];
-    if (seen) ignored = 0;
-    if (seen || !radio.writable[write.slot]) return pilot::kRefused;
-    const auto& written = written_[write.radio];
-    if (shown(radio, write.slot) != shown(written.before, write.slot)) {
-        return pilot::refusedText(shownText(radio, write.slot));
-    }
-    const auto reason = hindrance(written);
-    if (!reason.empty()) return std::string(reason);
-    if (++ignored < kIgnoredWrites) return pilot::kRefused;
-    radio.writable[write.slot] = false;
-    notes_.push_back(slotTitle(write.radio, write.slot) + ": the aircraft has ignored " +
-                     std::to_string(kIgnoredWrites) + " writes; not writable until the aircraft changes");
-    return pilot::kRefusedForGood;
+    const bool isRead = session_.isAnswered(questions_[write.radio]);
+    return learnt_.noteReadback(write, seen, snapshot_.radios[write.radio], isRead ? "" : pilot::kUnchangedUnread,
+                                notes_);
 }
 
 }  // namespace simconnect

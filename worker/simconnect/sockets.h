@@ -1,36 +1,12 @@
-// sockets.h - the few socket calls that a TCP connection needs; none blocks except lookUp.
+// sockets.h - the few socket calls that a TCP connection needs; none blocks.
 // tcp_win.cpp has them for Windows, tcp_posix.cpp for everything else.
 #pragma once
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
-#include "worker/host_port.h"
+#include "worker/net_address.h"
 
 namespace simconnect {
-
-// The system's own form of an address with its port.
-struct NetAddress {
-    alignas(8) std::array<std::byte, 128> bytes{};
-    std::size_t length = 0;
-    int family = 0;
-
-    bool operator==(const NetAddress&) const = default;
-};
-
-// Makes sockets usable in this process for as long as it lives.
-class Sockets {
-  public:
-    Sockets();
-    ~Sockets();  // NOLINT(performance-trivially-destructible): not on Windows
-    Sockets(const Sockets&) = delete;
-    Sockets& operator=(const Sockets&) = delete;
-};
-
-// [any] The addresses of the host, in the order to try them. With literalOnly a name gives none and nothing blocks;
-// otherwise the network is asked, which may take many seconds.
-std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly);
 
 enum class SocketProgress { kPending, kReady, kFailed };
 enum class ConnectProgress { kPending, kReady, kRefused, kFailed };  // Refused: somebody is there, but nobody listens

@@ -1,12 +1,11 @@
 #include <fcntl.h>
-#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <cerrno>
-#include "worker/simconnect/address_list.h"
+#include "worker/simconnect/sockets.h"
 
 namespace simconnect {
 
@@ -25,13 +24,6 @@ ConnectProgress connectFailure(int error) {
 }
 
 }  // namespace
-
-Sockets::Sockets() = default;
-Sockets::~Sockets() = default;
-
-std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly) {
-    return listAddresses(address, literalOnly);
-}
 
 ConnectProgress Socket::startConnect(const NetAddress& address) {
     close();

@@ -1,18 +1,8 @@
 #include "worker/simconnect/tcp_transport.h"
-#include <system_error>
-#include <thread>
 #include <utility>
-#include "base/mutex.h"
 #include "worker/pilot_texts.h"
 
 namespace simconnect {
-
-// The lookup may outlast the transport and even its next connection; the last to let go frees it.
-struct TcpTransport::Lookup {
-    Mutex mutex;  // for one assignment, by the worker's thread or the lookup's own
-    bool done GUARDED_BY(mutex) = false;
-    std::vector<NetAddress> found GUARDED_BY(mutex);
-};
 
 TcpTransport::TcpTransport(HostPort address, AddressLookUp lookUp)
     : address_(std::move(address)), lookUp_(std::move(lookUp)) {}
@@ -28,19 +18,8 @@ void TcpTransport::connect() {
     auto known = lookUp_(address_, true);
     const bool isLiteral = !known.empty();
     turns_.begin(std::move(known));
-    if (isLiteral || lookup_) return;  // the previous connection's lookup may still be running
-    lookup_ = std::make_shared<Lookup>();
-    try {
-        std::thread([lookup = lookup_, lookUp = lookUp_, address = address_] {
-            auto found = lookUp(address, false);
-            const MutexLock lock(lookup->mutex);
-            lookup->found = std::move(found);
-            lookup->done = true;
-        }).detach();
-    } catch (const std::system_error&) {
-        lookup_.reset();
-        end(pilot::noThreadText(address_.host));
-    }
+    // The previous connection's lookup may still be running; its result is taken.
+    if (!isLiteral && !lookup_.begin(address_, lookUp_)) end(pilot::noThreadText(address_.host));
 }
 
 void TcpTransport::close() {
@@ -51,23 +30,16 @@ void TcpTransport::close() {
 
 TransportState TcpTransport::poll(std::uint64_t nowMs) {
     if (!beganMs_) beganMs_ = nowMs;
-    if (state_ == TransportState::kConnecting && lookup_) awaitAddresses(nowMs);
-    if (state_ == TransportState::kConnecting && !lookup_) awaitConnection(nowMs);
+    if (state_ == TransportState::kConnecting && lookup_.isRunning()) awaitAddresses(nowMs);
+    if (state_ == TransportState::kConnecting && !lookup_.isRunning()) awaitConnection(nowMs);
     if (state_ == TransportState::kOpen) flush();
     return state_;
 }
 
 void TcpTransport::awaitAddresses(std::uint64_t nowMs) {
-    std::optional<std::vector<NetAddress>> found;
-    {
-        const MutexLock lock(lookup_->mutex);
-        if (lookup_->done) found = std::move(lookup_->found);
-    }
+    auto found = lookup_.take();
     const bool isUnknown = found ? found->empty() : nowMs - *beganMs_ >= kLookUpLimitMs;
-    if (found) {
-        lookup_.reset();
-        turns_.begin(std::move(*found));
-    }
+    if (found) turns_.begin(std::move(*found));
     if (isUnknown) end(pilot::noSuchComputerText(address_.host));
 }
 

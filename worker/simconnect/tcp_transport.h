@@ -1,24 +1,17 @@
 // tcp_transport.h - a simulator on another computer. Looks the name up on a thread of its own, tries the addresses one
 // after the other (address_turns.h) and keeps what the network cannot take yet.
 #pragma once
-#include <functional>
-#include <memory>
 #include <vector>
-#include "worker/host_port.h"
-#include "worker/simconnect/address_turns.h"
+#include "worker/address_turns.h"
+#include "worker/host_lookup.h"
 #include "worker/simconnect/sockets.h"
 #include "worker/simconnect/transport.h"
 
 namespace simconnect {
 
-inline constexpr std::uint64_t kLookUpLimitMs = 10'000;  // then the name counts as unknown
-
-// Like lookUp (sockets.h). Called on this thread and on one of its own, which may outlast the transport.
-using AddressLookUp = std::function<std::vector<NetAddress>(const HostPort& address, bool literalOnly)>;
-
 class TcpTransport : public Transport {
   public:
-    explicit TcpTransport(HostPort address, AddressLookUp lookUp = simconnect::lookUp);
+    explicit TcpTransport(HostPort address, AddressLookUp lookUp = ::lookUp);
     ~TcpTransport() override;
     TcpTransport(const TcpTransport&) = delete;
     TcpTransport& operator=(const TcpTransport&) = delete;
@@ -32,8 +25,6 @@ class TcpTransport : public Transport {
     void* wakeHandle() const override;
 
   private:
-    struct Lookup;  // shared with the thread that looks the name up
-
     void awaitAddresses(std::uint64_t nowMs);
     void awaitConnection(std::uint64_t nowMs);
     void tryNextAddress(std::uint64_t nowMs);
@@ -43,7 +34,7 @@ class TcpTransport : public Transport {
     HostPort address_;
     AddressLookUp lookUp_;
     Sockets sockets_;  // outlives socket_
-    std::shared_ptr<Lookup> lookup_;
+    HostLookup lookup_;
     std::optional<std::uint64_t> beganMs_;  // the first poll of this connection
     AddressTurns turns_;
     bool someRefused_ = false;    // of the addresses tried for this connection

@@ -1,6 +1,6 @@
 #include <winsock2.h>
 #include <ws2tcpip.h>
-#include "worker/simconnect/address_list.h"
+#include "worker/simconnect/sockets.h"
 
 namespace simconnect {
 
@@ -20,19 +20,6 @@ ConnectProgress connectFailure(int error) {
 }
 
 }  // namespace
-
-Sockets::Sockets() {
-    WSADATA data;
-    WSAStartup(MAKEWORD(2, 2), &data);  // if it fails, so will every call below
-}
-
-Sockets::~Sockets() {
-    WSACleanup();
-}
-
-std::vector<NetAddress> lookUp(const HostPort& address, bool literalOnly) {
-    return listAddresses(address, literalOnly);
-}
 
 // WSAEventSelect makes the socket non-blocking as well.
 ConnectProgress Socket::startConnect(const NetAddress& address) {

@@ -50,10 +50,17 @@ TEST(HostNames, AreMaskedInWhatTheWorkerSaysOfItsOptions) {
     WorkerOptions options;
     std::string error;
     ASSERT_TRUE(parseArguments({"--data-dir", "x", "--address", "simpc:500"}, options, error));
-    EXPECT_EQ(maskHostNames(describeLink(options), kNobody), "link auto, simulator at <host>:500");
+    EXPECT_EQ(maskHostNames(describeLink(options), kNobody),
+              "link auto, simulator at <host>:500 or X-Plane where it is heard");
     EXPECT_EQ(findHostNames(describeLink(options)), Names{"simpc"});
     ASSERT_FALSE(parseArguments({"--data-dir", "x", "--address", "my gaming pc"}, options, error));
     EXPECT_EQ(maskHostNames(error, kNobody), "--address needs an address as in simpc:500 or [fe80::1]:500, not <host>");
+    WorkerOptions xplane;
+    ASSERT_TRUE(parseArguments({"--data-dir", "x", "--link", "xplane", "--address", "simpc"}, xplane, error));
+    EXPECT_EQ(maskHostNames(describeLink(xplane), kNobody), "link xplane, simulator at <host>:49000");
+    EXPECT_EQ(findHostNames(describeLink(xplane)), Names{"simpc"});
+    EXPECT_EQ(maskHostNames("X-Plane 12.2.0 found, simulator at 192.168.1.32:49000", kNobody),
+              "X-Plane 12.2.0 found, simulator at <host>:49000");
 }
 
 TEST(HostNames, AreMaskedWhereAnAddressIsSet) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include "tests/unit/worker/simconnect/fake_simulator.h"
 #include "tests/unit/worker/worker_fakes.h"
+#include "tests/unit/worker/xplane/fake_xplane.h"
 #include "worker/flight_script.h"
 
 namespace {
@@ -16,13 +17,25 @@ struct MakingALink : testing::Test {
     WorkerLog log{logFile, clock};
     WorkerOptions options;
     std::optional<HostPort> address;  // as requested
+    int transports = 0;
+    xplane::Endpoint beacon;             // as requested
+    FakeDatagrams* datagrams = nullptr;  // the latest; the link owns them
 
     std::unique_ptr<SimLink> made() {
-        const auto makeTransport = [this](const std::optional<HostPort>& wanted) {
-            address = wanted;
-            return std::make_unique<FakeTransport>();
-        };
-        auto link = makeLink(options, files, folder, log, makeTransport, 0);
+        const LinkWays ways = {[this](const std::optional<HostPort>& wanted) {
+                                   address = wanted;
+                                   transports++;
+                                   return std::make_unique<FakeTransport>();
+                               },
+                               [this](const xplane::Endpoint& wanted) {
+                                   beacon = wanted;
+                                   auto made = std::make_unique<FakeDatagrams>();
+                                   datagrams = made.get();
+                                   return made;
+                               }};
+        transports = 0;
+        datagrams = nullptr;
+        auto link = makeLink(options, files, folder, log, ways, 0);
         link->poll(0);
         return link;
     }
@@ -48,6 +61,46 @@ TEST_F(MakingALink, LooksForTheSimulatorUnlessToldOtherwise) {
     options.address = HostPort{"simpc", 500};
     made();
     EXPECT_EQ(address, (HostPort{"simpc", 500}));
+}
+
+TEST_F(MakingALink, ListensForXPlaneBesideTheOtherUnderAuto) {
+    const auto link = made();
+    EXPECT_EQ(transports, 1);
+    ASSERT_NE(datagrams, nullptr);
+    EXPECT_EQ(beacon, (xplane::Endpoint{0xEFFF0101, 49707}));
+    EXPECT_EQ(datagrams->listens, 1);
+    EXPECT_TRUE(datagrams->sent.empty());
+    // An address is that of the other simulator.
+    options.address = HostPort{"simpc", 500};
+    options.beacon = xplane::Endpoint{0x7F000001, 5000};
+    const auto addressed = made();
+    EXPECT_EQ(address, (HostPort{"simpc", 500}));
+    EXPECT_EQ(datagrams->listens, 1);
+    EXPECT_EQ(beacon, (xplane::Endpoint{0x7F000001, 5000}));
+    EXPECT_TRUE(datagrams->sent.empty());
+}
+
+TEST_F(MakingALink, LooksForOneSimulatorOnlyIfToldWhich) {
+    options.link = LinkKind::kSimConnect;
+    options.address = HostPort{"simpc", 500};
+    made();
+    EXPECT_EQ(address, (HostPort{"simpc", 500}));
+    EXPECT_EQ(transports, 1);
+    EXPECT_EQ(datagrams, nullptr);
+
+    options.link = LinkKind::kXPlane;
+    options.address.reset();
+    const auto heard = made();
+    EXPECT_EQ(transports, 0);
+    ASSERT_NE(datagrams, nullptr);
+    EXPECT_EQ(datagrams->listens, 1);
+    EXPECT_EQ(heard->snapshot().status, "waiting for the simulator");
+
+    options.address = HostPort{"192.168.1.32", 49000};
+    const auto named = made();
+    EXPECT_EQ(datagrams->listens, 0);
+    ASSERT_EQ(datagrams->sent.size(), 1u);
+    EXPECT_EQ(datagrams->sent[0].first, (xplane::Endpoint{0xC0A80120, 49000}));
 }
 
 TEST_F(MakingALink, FliesTheScript) {

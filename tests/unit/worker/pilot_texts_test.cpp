@@ -27,7 +27,12 @@ std::vector<std::string> allStatuses() {
     all.push_back(pilot::notReachableText(kLongestError));
     all.push_back(pilot::readingFailedText(kLongestError));
     for (const auto com1 : pilot::kRadioFaults) {
-        for (const auto com2 : pilot::kRadioFaults) all.push_back(pilot::radioFaultsText(com1, com2));
+        for (const auto com2 : pilot::kRadioFaults) {
+            const auto faults = pilot::radioFaultsText(com1, com2);
+            all.push_back(faults);
+            for (const auto* name : {"X-Plane", "X-Plane 12.2.0", "X-Plane 99.9.9"})
+                all.push_back(pilot::radiosText(name, faults));
+        }
     }
     return all;
 }
@@ -111,6 +116,14 @@ TEST_F(PilotTexts, EveryAcknowledgementFitsOnThePanelsLine) {
         EXPECT_TRUE(std::any_of(all.begin(), all.end(), [&](const std::string& text) { return text.ends_with(end); }))
             << end;
     }
+}
+
+TEST_F(PilotTexts, TheSimulatorIsNamedWhereThereIsRoom) {
+    EXPECT_EQ(pilot::radiosText("X-Plane 12.2.0", ""), "flying, X-Plane 12.2.0");
+    EXPECT_EQ(pilot::radiosText("X-Plane 12.2.0", "COM1 and COM2 unpowered"),
+              "X-Plane 12.2.0: COM1 and COM2 unpowered");
+    EXPECT_EQ(pilot::radiosText("X-Plane 12.2.0", "COM1 unpowered, COM2 not known"), "COM1 unpowered, COM2 not known");
+    EXPECT_EQ(pilot::radiosText(std::string(60, 'x'), ""), "flying");
 }
 
 TEST_F(PilotTexts, AHostTooLongForTheLineIsCutAndIsStillMasked) {

@@ -52,6 +52,51 @@ TEST(WorkerArguments, ReadsTheAddressOfASimulatorElsewhere) {
     EXPECT_EQ(errorOf({"--data-dir", "d", "--simulate", "a.txt", "--address", "simpc:500"}), both);
 }
 
+TEST(WorkerArguments, ReadTheKindOfSimulator) {
+    EXPECT_EQ(parsed({"--data-dir", "d", "--link", "auto"}).link, LinkKind::kAuto);
+    EXPECT_EQ(parsed({"--data-dir", "d", "--link", "simconnect"}).link, LinkKind::kSimConnect);
+    EXPECT_EQ(parsed({"--data-dir", "d", "--link", "xplane"}).link, LinkKind::kXPlane);
+    EXPECT_EQ(parsed({"--data-dir", "d", "--link", "simulate"}).link, LinkKind::kSimulate);
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--link", "xPlane"}),
+              "--link needs auto, simconnect, xplane or simulate, not xPlane");
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--link"}), "--link needs a value");
+    const auto elsewhere = parsed({"--data-dir", "d", "--address", "simpc", "--link", "xplane"});
+    EXPECT_EQ(elsewhere.link, LinkKind::kXPlane);
+    EXPECT_EQ(elsewhere.address, (HostPort{"simpc", 49000}));
+    EXPECT_EQ(parsed({"--data-dir", "d", "--link", "xplane", "--address", "[::1]:5"}).address, (HostPort{"::1", 5}));
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--link", "simconnect", "--address", "simpc"}),
+              "--address needs an address as in simpc:500 or [fe80::1]:500, not simpc");
+    EXPECT_EQ(errorOf({"--data-dir", "d", "--link", "simulate", "--address", "simpc:500"}),
+              "--simulate and --address exclude each other");
+}
+
+TEST(WorkerArguments, ReadWhereTheBeaconIsSentTo) {
+    EXPECT_EQ(parsed(kPluginArguments).beacon, std::nullopt);
+    EXPECT_EQ(parsed({"--data-dir", "d", "--beacon", "127.0.0.1:5000"}).beacon, (xplane::Endpoint{0x7F000001, 5000}));
+    EXPECT_EQ(parsed({"--data-dir", "d", "--beacon", "239.255.1.1:49707"}).beacon, xplane::kBeaconGroup);
+    for (const std::string bad : {"127.0.0.1", "simpc:500", "[::1]:500", "1.2.3:5", "1.2.3.4.5:5", "1.2.3.256:5",
+                                  "1.2.3.4.:5", "1..3.4:5", "1.2.3.-4:5"}) {
+        EXPECT_EQ(errorOf({"--data-dir", "d", "--beacon", bad}),
+                  "--beacon needs an IPv4 address as in 239.255.1.1:49707, not " + bad);
+    }
+}
+
+TEST(HostPortText, NeedsNoPortWhereThereIsAUsualOne) {
+    const struct {
+        const char* text;
+        HostPort address;
+    } good[] = {{"simpc", {"simpc", 49000}},
+                {"simpc:500", {"simpc", 500}},
+                {"10.0.0.1", {"10.0.0.1", 49000}},
+                {"[fe80::1]", {"fe80::1", 49000}},
+                {"[fe80::1]:500", {"fe80::1", 500}}};
+    for (const auto& row : good) EXPECT_EQ(parseHostPort(row.text, 49000), row.address) << row.text;
+    for (const std::string bad : {"", ":", "simpc:", ":500", "simpc:0", "fe80::1", "[]", "[simpc]", "[::1", "::1]",
+                                  "a b", "simpc/x", "simpc:500:600"}) {
+        EXPECT_EQ(parseHostPort(bad, 49000), std::nullopt) << bad;
+    }
+}
+
 TEST(HostPortText, ReadsNamesAndBothKindsOfAddresses) {
     const struct {
         const char* text;
@@ -125,9 +170,17 @@ TEST(WorkerArguments, ADiagnosisNeedsNoDataFolder) {
 
 TEST(WorkerOptionsText, NamesWhatTheLinkIsSetTo) {
     WorkerOptions options;
-    EXPECT_EQ(describeLink(options), "link auto, simulator on this computer");
+    EXPECT_EQ(describeLink(options), "link auto, simulator on this computer or X-Plane where it is heard");
     options.address = HostPort{"simpc", 500};
-    EXPECT_EQ(describeLink(options), "link auto, simulator at simpc:500");
+    EXPECT_EQ(describeLink(options), "link auto, simulator at simpc:500 or X-Plane where it is heard");
+    options.link = LinkKind::kXPlane;
+    EXPECT_EQ(describeLink(options), "link xplane, simulator at simpc:500");
+    options.address.reset();
+    EXPECT_EQ(describeLink(options), "link xplane, simulator where it is heard");
+    options.beacon = xplane::Endpoint{0x7F000001, 5000};
+    EXPECT_EQ(describeLink(options), "link xplane, simulator where it is heard, listening at 127.0.0.1:5000");
+    options.link = LinkKind::kSimConnect;
+    EXPECT_EQ(describeLink(options), "link simconnect, simulator on this computer");
     options.link = LinkKind::kSimulate;
     EXPECT_EQ(describeLink(options), "link simulate, script none");
     options.script = "a.txt";
@@ -169,6 +222,29 @@ TEST(WorkerIni, ReadsTheAddressOfASimulatorElsewhere) {
     EXPECT_EQ(options.link, LinkKind::kAuto);
 }
 
+TEST(WorkerIni, ReadsTheKindOfSimulatorAndItsAddressInAnyOrder) {
+    for (const std::string text : {"link=xplane\naddress=simpc\n", "address=simpc\nlink=xplane\n"}) {
+        auto options = parsed(kPluginArguments);
+        EXPECT_TRUE(applyIni(text, options).empty());
+        EXPECT_EQ(options.link, LinkKind::kXPlane);
+        EXPECT_EQ(options.address, (HostPort{"simpc", 49000}));
+    }
+    auto options = parsed(kPluginArguments);
+    EXPECT_EQ(
+        applyIni("address=simpc\nlink=simconnect\nbeacon=here\nbeacon=127.0.0.1:5\n", options),
+        (std::vector<std::string>{"worker.ini line 1 ignored: it needs an address as in simpc:500 or [fe80::1]:500",
+                                  "worker.ini line 3 ignored: it needs an IPv4 address as in 239.255.1.1:49707"}));
+    EXPECT_EQ(options.link, LinkKind::kSimConnect);
+    EXPECT_EQ(options.address, std::nullopt);
+    EXPECT_EQ(options.beacon, (xplane::Endpoint{0x7F000001, 5}));
+    // The command line wins, and says what an address may look like.
+    options = parsed({"--data-dir", "d", "--link", "xplane", "--beacon", "127.0.0.1:6"});
+    EXPECT_TRUE(applyIni("link=simconnect\naddress=simpc\nbeacon=127.0.0.1:5\n", options).empty());
+    EXPECT_EQ(options.link, LinkKind::kXPlane);
+    EXPECT_EQ(options.address, (HostPort{"simpc", 49000}));
+    EXPECT_EQ(options.beacon, (xplane::Endpoint{0x7F000001, 6}));
+}
+
 TEST(WorkerIni, LeavesAnAbsoluteOrQuotedPathAlone) {
     for (const std::string path : {"D:\\x.txt", "\\\\server\\share\\x.txt", "\\x.txt", "/x.txt"}) {
         auto options = parsed(kPluginArguments);
@@ -182,7 +258,7 @@ TEST(WorkerIni, RemarksOnEveryLineItIgnores) {
     const auto remarks = applyIni("speed=3\n\nlink=maybe\nscript\nlink=simulate\nlink=auto\n", options);
     const std::vector<std::string> expected = {
         "worker.ini line 1 ignored: it has an unknown key",
-        "worker.ini line 3 ignored: it needs auto or simulate",
+        "worker.ini line 3 ignored: it needs auto, simconnect, xplane or simulate",
         "worker.ini line 4 ignored: it has no =",
     };
     EXPECT_EQ(remarks, expected);

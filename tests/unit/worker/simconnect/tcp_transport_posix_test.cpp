@@ -19,7 +19,6 @@
 
 namespace {
 
-using simconnect::NetAddress;
 using simconnect::TcpTransport;
 using simconnect::TransportState;
 using standin::Loopback;
@@ -61,7 +60,7 @@ class Listener {
 
 std::vector<NetAddress> addressOf(const Listener& listener) {
     const bool is6 = listener.loopback == Loopback::kIPv6;
-    return simconnect::lookUp({is6 ? "::1" : "127.0.0.1", listener.port}, true);
+    return lookUp({is6 ? "::1" : "127.0.0.1", listener.port}, true);
 }
 
 // Clients that connect get no answer, not even a refusal: the queue is full, so the kernel drops their packets.
@@ -229,7 +228,7 @@ TEST(TcpTransport, ASilentAddressBesideOneThatRefusesIsNoProblemWorthAWord) {
 
 // No network leads there, or the computer is off: the system says so at once, and nobody has refused anything.
 TEST(TcpTransport, SaysThatNobodyAnswersWhereTheSystemKnowsNoWay) {
-    const auto broadcast = simconnect::lookUp({"255.255.255.255", 500}, true).at(0);  // no connection leads there
+    const auto broadcast = lookUp({"255.255.255.255", 500}, true).at(0);  // no connection leads there
     Listener refusing;
     refusing.stop();
     const auto problemOf = [](const std::vector<NetAddress>& addresses) {
@@ -292,7 +291,7 @@ TEST(TcpTransport, LooksANameUpWithoutWaitingForIt) {
     // Not with the system's lookup: a machine need not know any name, not even localhost.
     const auto addresses = addressOf(listener);
     TcpTransport transport({"simpc", listener.port}, [=](const HostPort&, bool literalOnly) {
-        if (literalOnly) return std::vector<simconnect::NetAddress>();
+        if (literalOnly) return std::vector<NetAddress>();
         isAnswered.wait_for(std::chrono::seconds(30));
         return addresses;
     });

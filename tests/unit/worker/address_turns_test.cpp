@@ -1,11 +1,7 @@
-#include "worker/simconnect/address_turns.h"
+#include "worker/address_turns.h"
 #include <gtest/gtest.h>
 
 namespace {
-
-using simconnect::AddressTurns;
-using simconnect::kAddressLimitMs;
-using simconnect::NetAddress;
 
 constexpr int kFamily4 = 2;
 constexpr int kFamily6 = 23;

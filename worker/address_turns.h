@@ -5,9 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <vector>
-#include "worker/simconnect/sockets.h"
-
-namespace simconnect {
+#include "worker/net_address.h"
 
 inline constexpr std::uint64_t kAddressLimitMs = 2'000;  // a computer that is there answers well within it
 
@@ -32,5 +30,3 @@ class AddressTurns {
     std::uint64_t turnMs_ = 0;  // when the present one's began
     std::optional<NetAddress> worked_;
 };
-
-}  // namespace simconnect

@@ -1,8 +1,6 @@
-#include "worker/simconnect/address_turns.h"
+#include "worker/address_turns.h"
 #include <algorithm>
 #include <utility>
-
-namespace simconnect {
 
 void AddressTurns::begin(std::vector<NetAddress> addresses) {
     addresses_ = std::move(addresses);
@@ -20,5 +18,3 @@ std::optional<NetAddress> AddressTurns::next(std::uint64_t nowMs) {
 void AddressTurns::noteWorks() {
     if (next_ > 0) worked_ = addresses_[next_ - 1];
 }
-
-}  // namespace simconnect

@@ -4,9 +4,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
-#include "worker/simconnect/sockets.h"
-
-namespace simconnect {
+#include "worker/net_address.h"
 
 struct AddressListCloser {
     void operator()(addrinfo* list) const { freeaddrinfo(list); }
@@ -30,5 +28,3 @@ inline std::vector<NetAddress> listAddresses(const HostPort& address, bool liter
     }
     return found;
 }
-
-}  // namespace simconnect
