@@ -1,6 +1,6 @@
 // native_worker.cpp - the worker's own loop, link and files on this machine, for checks without Windows. Ends when its
 // standard input ends.
-//   native_worker DATA_FOLDER HOST:PORT
+//   native_worker DATA_FOLDER HOST:PORT [xplane]
 #include <poll.h>
 #include <unistd.h>
 #include <algorithm>
@@ -10,9 +10,12 @@
 #include <fstream>
 #include <memory>
 #include <sstream>
+#include <string_view>
 #include "worker/simconnect/simconnect_link.h"
 #include "worker/simconnect/tcp_transport.h"
 #include "worker/worker_loop.h"
+#include "worker/xplane/udp_datagrams.h"
+#include "worker/xplane/xplane_link.h"
 
 namespace {
 
@@ -91,12 +94,18 @@ class PrintedLog : public LogFile {
     bool rotate() override { return true; }
 };
 
+std::unique_ptr<SimLink> makeNativeLink(const HostPort& address, bool isXplane) {
+    if (isXplane) return std::make_unique<xplane::XPlaneLink>(std::make_unique<xplane::UdpDatagrams>(), address);
+    return std::make_unique<simconnect::SimConnectLink>(std::make_unique<simconnect::TcpTransport>(address));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const auto address = argc == 3 ? parseHostPort(argv[2]) : std::nullopt;
-    if (!address) {
-        std::fprintf(stderr, "usage: native_worker DATA_FOLDER HOST:PORT\n");
+    const auto address = argc == 3 || argc == 4 ? parseHostPort(argv[2]) : std::nullopt;
+    const bool isXplane = argc == 4 && std::string_view(argv[3]) == "xplane";
+    if (!address || (argc == 4 && !isXplane)) {
+        std::fprintf(stderr, "usage: native_worker DATA_FOLDER HOST:PORT [xplane]\n");
         return 2;
     }
     NativeFiles files;
@@ -104,8 +113,8 @@ int main(int argc, char** argv) {
     const NativeClock clock;
     PrintedLog file;
     WorkerLog log(file, clock);
-    simconnect::SimConnectLink link(std::make_unique<simconnect::TcpTransport>(*address));
-    WorkerLoop loop(argv[1], files, folder, link, log);
+    const auto link = makeNativeLink(*address, isXplane);
+    WorkerLoop loop(argv[1], files, folder, *link, log);
     pollfd input = {STDIN_FILENO, POLLIN, 0};
     while (true) {
         const auto result = loop.pass(clock.tickMs(), clock.unixSeconds());

@@ -4,6 +4,7 @@
 import { createRequire } from 'node:module';
 import { join, resolve } from 'node:path';
 import { isDeepStrictEqual } from 'node:util';
+import { check, conclude, fly, judge } from './checks.mjs';
 import { flight } from './flight.mjs';
 import { NodePilot, WorkerPilot } from './pilots.mjs';
 import { StandIn, until } from './processes.mjs';
@@ -11,39 +12,15 @@ import { StandIn, until } from './processes.mjs';
 const [binFolder, modulesFolder] = process.argv.slice(2).map((folder) => resolve(folder));
 const library = createRequire(join(modulesFolder, 'package.json'))('node-simconnect');
 
-let passed = 0;
-let failed = 0;
-function check(isGood, title, detail = '') {
-    if (isGood) passed++;
-    else failed++;
-    console.log(`${isGood ? 'ok' : 'FAILED'}  ${title}${isGood || !detail ? '' : ': ' + detail}`);
-}
-
-// What the pilot saw after each step.
-async function fly(pilot, simulator) {
-    const seen = [];
-    for (const step of flight()) {
-        if (step.cockpit) simulator.act(step.cockpit);
-        if (step.write) await pilot.write(...step.write);
-        await until(() => isDeepStrictEqual(pilot.radios(), step.expected), step.title, 2000).catch(() => {});
-        seen.push({ step: step.title, ...structuredClone(pilot.radios()) });
-    }
-    return seen;
-}
-
-function judge(name, seen) {
-    flight().forEach((step, i) => {
-        const { com1, com2 } = seen[i];
-        check(isDeepStrictEqual({ com1, com2 }, step.expected), `${name}: ${step.title}`,
-            `saw ${JSON.stringify({ com1, com2 })}, not ${JSON.stringify(step.expected)}`);
-    });
+function startSimulator(personality) {
+    return new StandIn(join(binFolder, 'stand_in_simulator'), ['--personality', personality, '--tcp', '0']);
 }
 
 async function flyWithNode(personality, protocol, simulatorName) {
-    const simulator = new StandIn(binFolder, personality);
+    const simulator = startSimulator(personality);
     const pilot = new NodePilot(library);
     await pilot.connect(await simulator.port(), protocol);
-    const seen = await fly(pilot, simulator);
+    const seen = await fly(flight, pilot, simulator);
     check(pilot.simulator === simulatorName, `${personality}: names itself`, pilot.simulator);
     check(pilot.simRunning === 1, `${personality}: says at once that a flight is running`);
     check(pilot.exceptions.length === 0, `${personality}: refuses nothing`, JSON.stringify(pilot.exceptions));
@@ -66,10 +43,10 @@ async function expectException(pilot, code, personality, send) {
 }
 
 async function flyWithWorker() {
-    const simulator = new StandIn(binFolder, 'stock');
+    const simulator = startSimulator('stock');
     const pilot = new WorkerPilot(binFolder, await simulator.port());
     await pilot.connect();
-    const seen = await fly(pilot, simulator);
+    const seen = await fly(flight, pilot, simulator);
     check(pilot.refused.length === 0, 'worker: every write acknowledged', pilot.refused.join('; '));
     check(simulator.refusals() === 0, 'worker: is refused nothing', simulator.lines.join('; '));
     pilot.end();
@@ -82,12 +59,11 @@ const [byNode, byNode2024, byWorker] = await Promise.all([
     flyWithNode('stock_2024', 'SunRise', 'SunRise'),
     flyWithWorker(),
 ]);
-judge('node-simconnect', byNode.seen);
-judge('node-simconnect, 2024', byNode2024.seen);
-judge('worker', byWorker.seen);
+judge(flight, 'node-simconnect', byNode.seen);
+judge(flight, 'node-simconnect, 2024', byNode2024.seen);
+judge(flight, 'worker', byWorker.seen);
 check(isDeepStrictEqual(byNode.seen, byWorker.seen), 'the worker and node-simconnect saw the same');
 check(isDeepStrictEqual(byNode.events, byWorker.events), 'the simulator heard the same events from both',
     `${byNode.events.join(', ')} / ${byWorker.events.join(', ')}`);
 console.log(JSON.stringify({ 'node-simconnect': byNode.seen, worker: byWorker.seen }));
-console.log(`${passed} passed, ${failed} failed`);
-process.exitCode = failed === 0 && passed > 0 ? 0 : 1;
+conclude();

@@ -1,5 +1,7 @@
 // flight.mjs - one flight, flown by every client alike: what the cockpit does and what the client writes, and the
 // radios as they must then be seen. Frequencies in kHz, volume 0..1, spacing 0 = 25 kHz, 1 = 8.33 kHz.
+import { planFlight } from './checks.mjs';
+
 const start = {
     com1: { active: 122800, standby: 121500, spacing: 1, volume: 1 },
     com2: { active: 121500, standby: 118000, spacing: 0, volume: 1 },
@@ -20,11 +22,4 @@ const steps = [
     { title: 'and takes COM1 to 25 kHz', cockpit: 'spacing COM1 25', com1: { spacing: 0 } },
 ];
 
-// [{ title, write, cockpit, expected: { com1, com2 } }]
-export function flight() {
-    let radios = start;
-    return steps.map(({ title, write, cockpit, com1, com2 }) => {
-        radios = { com1: { ...radios.com1, ...com1 }, com2: { ...radios.com2, ...com2 } };
-        return { title, write, cockpit, expected: radios };
-    });
-}
+export const flight = planFlight(start, steps);

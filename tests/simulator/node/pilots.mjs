@@ -70,8 +70,9 @@ export class NodePilot {
 }
 
 export class WorkerPilot {
-    constructor(binFolder, port) {
-        this.worker = new Worker(binFolder, port);
+    // link: what native_worker is told beyond the address.
+    constructor(binFolder, port, ...link) {
+        this.worker = new Worker(binFolder, port, ...link);
         this.refused = [];
     }
     async connect() {

@@ -1,4 +1,4 @@
-// processes.mjs - the stand-in simulator and the worker as processes of this machine, and waiting for them.
+// processes.mjs - a stand-in simulator and the worker as processes of this machine, and waiting for them.
 import { spawn } from 'node:child_process';
 import { mkdtempSync, readFileSync, renameSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
@@ -15,10 +15,10 @@ export async function until(condition, what, deadlineMs = 5000) {
 }
 
 export class StandIn {
-    constructor(binFolder, personality) {
+    // program takes actions and reports what its clients do; it says first which port it listens on.
+    constructor(program, programArguments) {
         this.lines = [];
-        this.process = spawn(join(binFolder, 'stand_in_simulator'), ['--personality', personality, '--tcp', '0'],
-            { stdio: ['pipe', 'pipe', 'inherit'] });
+        this.process = spawn(program, programArguments, { stdio: ['pipe', 'pipe', 'inherit'] });
         this.process.on('error', (error) => this.lines.push(String(error)));
         let rest = '';
         this.process.stdout.on('data', (data) => {
@@ -48,11 +48,11 @@ export class StandIn {
 
 // The worker, and the plugin's side of its two files.
 export class Worker {
-    constructor(binFolder, port) {
+    constructor(binFolder, port, ...link) {
         this.folder = mkdtempSync(join(tmpdir(), 'corvalis-check-'));
         this.log = '';
         this.commands = 0;
-        this.process = spawn(join(binFolder, 'native_worker'), [this.folder, `127.0.0.1:${port}`],
+        this.process = spawn(join(binFolder, 'native_worker'), [this.folder, `127.0.0.1:${port}`, ...link],
             { stdio: ['pipe', 'ignore', 'pipe'] });
         this.process.on('error', (error) => (this.log += error));
         this.process.stderr.on('data', (data) => (this.log += data));

@@ -7,13 +7,9 @@
 #include <memory>
 #include <string>
 #include <vector>
-#include "exchange/telemetry_text.h"
 #include "tests/simulator/simulator.h"
-#include "tests/unit/worker/worker_fakes.h"
+#include "tests/unit/simulator/flying_worker.h"
 #include "worker/simconnect/simconnect_link.h"
-#include "worker/worker_loop.h"
-
-inline constexpr std::uint64_t kPassEveryMs = 20;
 
 // The transport of one worker, straight into the simulator.
 class SimulatorLine : public simconnect::Transport {
@@ -56,13 +52,13 @@ class SimulatorLine : public simconnect::Transport {
     std::string waiting_;
 };
 
-class WorkerFlight : public ::testing::Test {
+class WorkerFlight : public FlyingWorker {
   protected:
     void begin(const char* personality) {
-        files.remove("data\\telemetry.json");
+        clearTelemetry();
         simulator = std::make_unique<standin::Simulator>(*standin::findPersonality(personality), clock.tickMs());
         link = std::make_unique<simconnect::SimConnectLink>(std::make_unique<SimulatorLine>(*simulator, clock));
-        loop = std::make_unique<WorkerLoop>("data", files, folder, *link, log);
+        takeOff(*link);
     }
     // Until the radios are read, as after a few frames.
     void beginAndRead(const char* personality) {
@@ -75,30 +71,6 @@ class WorkerFlight : public ::testing::Test {
         EXPECT_TRUE(standin::parseAction(line, action, error) && simulator->act(action, clock.tickMs(), error))
             << error;
     }
-    template <class Condition>
-    bool flyUntil(Condition condition, std::uint64_t ms) {
-        for (std::uint64_t flown = 0; flown < ms; flown += kPassEveryMs) {
-            if (condition()) return true;
-            clock.advance(kPassEveryMs);
-            simulator->advance(clock.tickMs());
-            loop->pass(clock.tickMs(), clock.unixSeconds());
-            judge();
-        }
-        return condition();
-    }
-    void fly(std::uint64_t ms) {
-        flyUntil([] { return false; }, ms);
-    }
-    Telemetry telemetry() { return parseTelemetry(files.text("data\\telemetry.json")); }
-
-    // Writes the command like the plugin and flies until it is acknowledged.
-    Telemetry command(int com, const char* slot, const char* target) {
-        const auto id = "1-" + std::to_string(++commands);
-        files.put("data\\command.json", commandText(id, com, slot, target, clock.unixSeconds()));
-        startedMs = clock.tickMs();
-        EXPECT_TRUE(flyUntil([&] { return telemetry().ackId == id; }, 4500)) << slot;
-        return telemetry();
-    }
     int heard(const std::string& event) {
         for (auto& report : simulator->takeReports()) reports.push_back(report.text);
         return static_cast<int>(std::count_if(reports.begin(), reports.end(), [&](const std::string& text) {
@@ -106,23 +78,15 @@ class WorkerFlight : public ::testing::Test {
         }));
     }
 
-    ManualClock clock;
-    MemoryFiles files;
-    MemoryFolder folder{files};
-    MemoryLogFile logFile;
-    WorkerLog log{logFile, clock};
     std::unique_ptr<standin::Simulator> simulator;
     std::unique_ptr<simconnect::SimConnectLink> link;
-    std::unique_ptr<WorkerLoop> loop;
     std::vector<std::string> reports;
-    std::uint64_t startedMs = 0;    // of the last command
-    std::uint64_t mayLagMs = 1000;  // how far the telemetry may lag behind the simulator
-    bool mayTear = false;           // what one frame says may arrive in two parts
-    int commands = 0;
+    bool mayTear = false;  // what one frame says may arrive in two parts
 
   private:
+    void flySimulators() override { simulator->advance(clock.tickMs()); }
     // What the telemetry shows must have been true in the simulator shortly before.
-    void judge() {
+    void judge() override {
         recent_.push_back(simulator->aircraft());
         if (recent_.size() > mayLagMs / kPassEveryMs) recent_.pop_front();
         const auto shown = telemetry();

@@ -1,14 +1,5 @@
 // worker_flight_test.cpp - the worker in the stand-in simulators and aircraft that behave.
 #include "tests/unit/simulator/worker_flight.h"
-#include <array>
-
-namespace {
-
-std::array<bool, 4> allWritable(bool writable) {
-    return {writable, writable, writable, writable};
-}
-
-}  // namespace
 
 TEST_F(WorkerFlight, InStockReadsWritesAndFollowsTheCockpit) {
     beginAndRead("stock");
