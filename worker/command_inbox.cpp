@@ -27,7 +27,8 @@ std::optional<CommandRequest> CommandInbox::commandIn(double unixSeconds) {
 // The stamp is taken before the text: a file replaced in between is read again on the next pass.
 bool CommandInbox::readNewText(std::uint64_t nowMs) {
     const auto stamp = folder_.stamp(path_);
-    if (!stamp.exists || (stamp == stamp_ && nowMs - lookMs_ < kCommandLookMs)) return false;
+    isQuiet_ = !stamp.exists || (stamp == stamp_ && nowMs - lookMs_ < kCommandLookMs);
+    if (isQuiet_) return false;
     std::string text;
     if (stamp.bytes > kMaxCommandBytes) {
         logProblem("command.json ignored: larger than a command");

@@ -23,6 +23,9 @@ class CommandInbox {
     // The command that has arrived since the last call, if it is to be carried out; it then counts as handled.
     std::optional<CommandRequest> next(std::uint64_t nowMs, double unixSeconds);
 
+    // The last call found nothing new and could read what there was: until the file changes, neither will the next.
+    bool isQuiet() const { return isQuiet_; }
+
   private:
     bool readNewText(std::uint64_t nowMs);
     std::optional<CommandRequest> commandIn(double unixSeconds);  // text_
@@ -38,5 +41,6 @@ class CommandInbox {
     std::string text_;          // last text read: the same text again is not new
     std::string handledId_;
     std::string refusedId_;
+    bool isQuiet_ = false;
     bool problemLogged_ = false;  // until a well-formed command comes
 };

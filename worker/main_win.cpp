@@ -58,25 +58,28 @@ LinkWays linkWays() {
 }
 
 // Without memory a pass is lost; the next one may have some.
-PassResult tryPass(WorkerLoop& loop, const Clock& clock) {
+PassResult tryPass(WorkerLoop& loop, const Clock& clock, PassCause cause) {
     try {
-        return loop.pass(clock.tickMs(), clock.unixSeconds());
+        return loop.pass(clock.tickMs(), clock.unixSeconds(), cause);
     } catch (const std::bad_alloc&) {
         return {.waitMs = kPassMs, .quietMs = kPassMs};
     }
 }
 
 int runLoop(WorkerLoop& loop, const SimLink& link, WorkerSleep& sleep, const Clock& clock, WorkerLog& log) {
+    auto cause = PassCause::kAnything;
     while (true) {
-        const PassResult result = tryPass(loop, clock);
+        const PassResult result = tryPass(loop, clock, cause);
         if (result.folderGone) {
             log.line("ending: the data folder is gone");
             return kEnded;
         }
-        if (sleep.sleep(result, link.wakeHandles())) {
+        const auto woken = sleep.sleep(result, link.wakeHandles());
+        if (!woken) {
             log.line("ending: the watched process has ended");
             return kEnded;
         }
+        cause = *woken;
     }
 }
 

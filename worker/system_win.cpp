@@ -9,6 +9,9 @@ namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr DWORD kHighResolution = 2;  // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION
+// A sleep of this length may end a tick of the system early: then it needs no timer, which costs a system call to set.
+constexpr std::uint64_t kLongSleepMs = 100;
+constexpr std::uint64_t kTickMs = 16;
 
 std::wstring finalPath(const std::string& folder) {
     const auto handle =
@@ -90,11 +93,12 @@ void FolderWatch::begin() {
     begunMs_ = GetTickCount64();
 }
 
-void FolderWatch::watchOn(bool signalled) {
+bool FolderWatch::watchOn(bool signalled) {
     const bool due = GetTickCount64() - begunMs_ >= kFolderCheckMs;
-    if (!due && (!signalled || FindNextChangeNotification(handle_))) return;
+    if (!due && (!signalled || FindNextChangeNotification(handle_))) return signalled;
     end();
     begin();
+    return true;  // nobody watched in between
 }
 
 void FolderWatch::end() {
@@ -107,25 +111,31 @@ WorkerSleep::WorkerSleep(HANDLE watched, const std::string& folder)
       folder_(folder),
       timer_(CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS)) {}
 
-bool WorkerSleep::sleep(const PassResult& pass, const WakeHandles& wake) {
+std::optional<PassCause> WorkerSleep::sleep(const PassResult& pass, const WakeHandles& wake) {
     const auto ms = folder_.handle() ? pass.quietMs : pass.waitMs;
     LARGE_INTEGER due;
     due.QuadPart = -static_cast<LONGLONG>(ms) * 10000;  // 100 ns, negative: from now
-    const bool timed = timer_ && SetWaitableTimer(timer_.get(), &due, 0, nullptr, nullptr, FALSE);
+    const bool timed = ms < kLongSleepMs && timer_ && SetWaitableTimer(timer_.get(), &due, 0, nullptr, nullptr, FALSE);
     HANDLE handles[3 + std::tuple_size_v<WakeHandles>];
     DWORD count = 0;
     if (watched_) handles[count++] = watched_;
+    const DWORD folderIndex = count;
+    if (folder_.handle()) handles[count++] = folder_.handle();
+    const DWORD linkIndex = count;
     for (const HANDLE event : wake) {
         if (event) handles[count++] = event;
     }
-    const DWORD folderIndex = count;
-    if (folder_.handle()) handles[count++] = folder_.handle();
+    const DWORD timerIndex = count;
     if (timed) handles[count++] = timer_.get();
-    const auto timeout = static_cast<DWORD>(timed ? ms + 100 : ms);  // 100 ms more, in case the timer never fires
+    const auto untimedMs = ms < kLongSleepMs ? ms : ms - kTickMs;
+    const auto timeout = static_cast<DWORD>(timed ? ms + 100 : untimedMs);  // 100 ms more: the timer may never fire
     const DWORD result = count > 0 ? WaitForMultipleObjects(count, handles, FALSE, timeout) : WAIT_FAILED;
     if (result == WAIT_FAILED) Sleep(static_cast<DWORD>(ms));
-    folder_.watchOn(folder_.handle() && result == WAIT_OBJECT_0 + folderIndex);
-    return watched_ && result == WAIT_OBJECT_0;
+    if (watched_ && result == WAIT_OBJECT_0) return std::nullopt;
+    // The first one that is signalled counts: if it is the link, the folder was not.
+    const bool isLink = folder_.handle() && result >= WAIT_OBJECT_0 + linkIndex && result < WAIT_OBJECT_0 + timerIndex;
+    const bool mayHaveChanged = folder_.watchOn(folder_.handle() && result == WAIT_OBJECT_0 + folderIndex);
+    return isLink && !mayHaveChanged ? PassCause::kLinkNews : PassCause::kAnything;
 }
 
 FolderClaim::FolderClaim(const std::string& dataDir) : name_(workerMutexName(canonicalPath(dataDir))) {}

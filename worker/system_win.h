@@ -2,6 +2,7 @@
 #pragma once
 #include <windows.h>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include "base/clock_win.h"
 #include "base/handle_win.h"
@@ -53,8 +54,9 @@ class FolderWatch {
 
     // Null if the folder cannot be watched.
     HANDLE handle() const { return handle_; }
-    // After each sleep and before the folder is looked at: a change after this signals again.
-    void watchOn(bool signalled);
+    // After each sleep and before the folder is looked at: a change after this signals again. True if there may have
+    // been one.
+    bool watchOn(bool signalled);
 
   private:
     void begin();
@@ -71,8 +73,8 @@ class WorkerSleep {
   public:
     // watched may be null; it is not owned.
     WorkerSleep(HANDLE watched, const std::string& folder);
-    // True if the watched process has ended.
-    bool sleep(const PassResult& pass, const WakeHandles& wake);
+    // Why it is over; nothing if the watched process has ended.
+    std::optional<PassCause> sleep(const PassResult& pass, const WakeHandles& wake);
 
   private:
     HANDLE watched_;

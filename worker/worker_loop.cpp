@@ -28,15 +28,18 @@ WorkerLoop::WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolde
     inbox_.markHandled(handledBefore(joinPath(dataDir, kTelemetryFile), files, folder));
 }
 
-PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds) {
+PassResult WorkerLoop::pass(std::uint64_t nowMs, double unixSeconds, PassCause cause) {
+    isLookDue_ = isLookDue_ || cause == PassCause::kAnything;
     PassResult result;
     result.folderGone = folderLook_.isGone(nowMs);
     if (result.folderGone) return result;
     link_.poll(nowMs);
     logLink(nowMs);
     handler_.pass(nowMs);
-    if (!handler_.isPending()) {
-        if (auto command = inbox_.next(nowMs, unixSeconds)) handler_.accept(std::move(*command), nowMs);
+    if (isLookDue_ && !handler_.isPending()) {
+        auto command = inbox_.next(nowMs, unixSeconds);
+        isLookDue_ = !inbox_.isQuiet();
+        if (command) handler_.accept(std::move(*command), nowMs);
     }
     const Telemetry telemetry = telemetryOf(link_.snapshot(), handler_.isPending(), handler_.ack());
     writer_.pass(telemetry, nowMs, unixSeconds);

@@ -16,6 +16,12 @@ inline constexpr std::uint64_t kPassMs = 23;
 inline constexpr int kHastyLinkLines = 6;
 inline constexpr std::uint64_t kLastingLinkMs = 1500;  // only one that has lasted so long has a line again
 
+// Why a pass begins.
+enum class PassCause {
+    kAnything,
+    kLinkNews,  // only the link has news: nothing has changed in the folder, which is watched
+};
+
 struct PassResult {
     bool folderGone = false;    // the worker has nothing left to do
     std::uint64_t waitMs = 1;   // 1..kPassMs until the next pass
@@ -27,7 +33,7 @@ class WorkerLoop {
     // Everything handed in outlives the loop. The last acknowledged id in an existing telemetry.json counts as handled.
     WorkerLoop(const std::string& dataDir, DataFiles& files, WorkerFolder& folder, SimLink& link, WorkerLog& log);
 
-    PassResult pass(std::uint64_t nowMs, double unixSeconds);
+    PassResult pass(std::uint64_t nowMs, double unixSeconds, PassCause cause = PassCause::kAnything);
 
   private:
     void logLink(std::uint64_t nowMs);
@@ -36,6 +42,9 @@ class WorkerLoop {
     SimLink& link_;
     WorkerLog& log_;
     CommandInbox inbox_;
+    // For a command: a simulator with news many times a second is no reason to look for a file as often. Holds until a
+    // look has found nothing more.
+    bool isLookDue_ = true;
     CommandHandler handler_;
     TelemetryWriter writer_;
     struct LinkState {

@@ -23,6 +23,7 @@ class MemoryFolder : public WorkerFolder {
         return true;
     }
     FileStamp stamp(const std::string& path) override {
+        stamps++;
         FileStamp stamp;
         stamp.exists = files_.has(path);
         const auto text = files_.text(path);
@@ -35,6 +36,7 @@ class MemoryFolder : public WorkerFolder {
     int missesToCome = 0;  // looks that find no folder though it is there
     bool coarse = false;   // all texts of one length have the same stamp
     int checks = 0;
+    int stamps = 0;
     std::map<std::string, std::uint64_t> pretendBytes;
 
   private:

@@ -270,6 +270,43 @@ TEST(WorkerLoop, RestsOnlyWhileALinkNeedsNoPollAndNoCommandIsPending) {
     EXPECT_EQ(other.pass(clock.tickMs(), clock.unixSeconds()).quietMs, kPassMs);
 }
 
+// A simulator may have news 30 times a second.
+TEST(WorkerLoop, LooksForNoCommandWhenOnlyTheLinkHasNews) {
+    Worker worker("0.3 ignore COM1 swap\n");
+    const auto passFor = [&](PassCause cause) {
+        worker.clock.advance(20);
+        worker.loop.pass(worker.clock.tickMs(), worker.clock.unixSeconds(), cause);
+    };
+    const auto newsUntil = [&](const char* id) {
+        for (int i = 0; i < 200 && worker.telemetry().ackId != id; i++) passFor(PassCause::kLinkNews);
+        return worker.telemetry().ackId == id;
+    };
+    passFor(PassCause::kAnything);
+    const auto before = worker.folder.stamps;
+    worker.command("1-1", 1, "standby", "118005");  // the watched folder would say so
+    for (int i = 0; i < 20; i++) passFor(PassCause::kLinkNews);
+    EXPECT_EQ(worker.folder.stamps, before);
+    EXPECT_NE(worker.telemetry().ackId, "1-1");
+    passFor(PassCause::kAnything);
+    EXPECT_TRUE(newsUntil("1-1"));
+    // One that comes while another is pending is not forgotten.
+    worker.command("1-2", 1, "swap", "0");
+    passFor(PassCause::kAnything);
+    worker.command("1-3", 1, "standby", "118010");
+    passFor(PassCause::kAnything);
+    EXPECT_TRUE(newsUntil("1-2"));
+    EXPECT_TRUE(newsUntil("1-3"));
+    // Nor one that could not be read.
+    worker.files.trouble = [](FileStep, const std::string& path) {
+        return path.ends_with("command.json") ? FileResult{FileState::kHeld, 32} : FileResult{};
+    };
+    worker.command("1-4", 1, "standby", "118015");
+    passFor(PassCause::kAnything);
+    passFor(PassCause::kLinkNews);
+    worker.files.trouble = {};
+    EXPECT_TRUE(newsUntil("1-4"));
+}
+
 TEST(WorkerLoop, WaitsForTheSimulatorWithEverythingElseAlive) {
     ManualClock clock;
     MemoryFiles files;
