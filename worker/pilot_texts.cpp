@@ -50,11 +50,12 @@ std::string radioFaultsText(std::string_view com1, std::string_view com2) {
     return com2.empty() ? text : text + radioName(1) + ' ' + std::string(com2);
 }
 
-std::string radiosText(std::string_view simulator, const std::string& faults) {
-    auto text = faults.empty() ? std::string(kFlying) + ", " : std::string(simulator) + ": ";
+std::string radiosText(std::string_view simulator, const std::string& faults, bool isPaused) {
+    const std::string state = isPaused ? kPaused : kFlying;
+    auto text = faults.empty() ? state + ", " : std::string(simulator) + ": ";
     text += faults.empty() ? simulator : faults;
     if (text.size() <= kMaxPilotBytes) return text;
-    return faults.empty() ? kFlying : faults;
+    return faults.empty() ? state : faults;
 }
 
 std::string refusedText(std::string_view shown) {

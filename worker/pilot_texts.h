@@ -19,6 +19,7 @@ inline constexpr const char* kInMenu = "simulator in menu";
 inline constexpr const char* kReadingRadios = "reading the radios";
 inline constexpr const char* kNoData = "the simulator sends no data";
 inline constexpr const char* kFlying = "flying";
+inline constexpr const char* kPaused = "paused";
 inline constexpr const char* kBuiltInAircraft = "built-in aircraft";
 inline constexpr const char* kRefusesConnection = "the simulator refuses the connection";
 inline constexpr const char* kMakesNoSense = "the simulator's answer makes no sense";
@@ -27,12 +28,13 @@ inline constexpr const char* kDoesNotAnswer = "the simulator does not answer";
 inline constexpr const char* kDoesNotRead = "the simulator does not read what it is told";
 inline constexpr const char* kTakesNoMore = "the simulator takes no more programs";
 inline constexpr const char* kRefusesUser = "the simulator refuses this user's programs";
-// X-Plane is heard, and a version that has a switch there answers nothing.
-inline constexpr const char* kNetworkSwitch = "X-Plane is silent: see Settings, Network";
+// X-Plane is heard but says nothing of its radios; a version that has a switch for that may have been told not to.
+inline constexpr const char* kMenuOrSwitch = "X-Plane silent: menu, or Settings, Network";
+inline constexpr const char* kMenuOrLoading = "X-Plane is silent: loading or in its menu";
 inline constexpr std::array kFixedStatuses = {
-    kWaitingForSimulator, kConnecting,        kLinkLost,     kInMenu,       kReadingRadios, kNoData,      kFlying,
-    kBuiltInAircraft,     kRefusesConnection, kMakesNoSense, kClosesAtOnce, kDoesNotAnswer, kDoesNotRead, kTakesNoMore,
-    kRefusesUser,         kNetworkSwitch,
+    kWaitingForSimulator, kConnecting,        kLinkLost,      kInMenu,       kReadingRadios, kNoData,      kFlying,
+    kBuiltInAircraft,     kRefusesConnection, kMakesNoSense,  kClosesAtOnce, kDoesNotAnswer, kDoesNotRead, kTakesNoMore,
+    kRefusesUser,         kMenuOrSwitch,      kMenuOrLoading,
 };
 
 // --- and those that name something ---
@@ -60,9 +62,9 @@ inline constexpr std::array kRadioFaults = {kNotFitted, kUnpowered, kFailed, kNo
 // "COM1 unpowered, COM2 not in this aircraft"; empty when nothing keeps either from being used.
 std::string radioFaultsText(std::string_view com1, std::string_view com2);
 
-// "flying, X-Plane 12.2.0", "X-Plane 12.2.0: COM1 unpowered"; without the name where that is too long. faults as
-// radioFaultsText has them.
-std::string radiosText(std::string_view simulator, const std::string& faults);
+// "flying, X-Plane 12.2.0", "paused, X-Plane 12.2.0", "X-Plane 12.2.0: COM1 unpowered"; without the name where that is
+// too long. faults as radioFaultsText has them.
+std::string radiosText(std::string_view simulator, const std::string& faults, bool isPaused = false);
 
 // --- "ack_message": what became of a command ---
 

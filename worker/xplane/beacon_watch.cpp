@@ -21,7 +21,7 @@ void BeaconWatch::choose(std::optional<std::uint64_t> dataMs, std::uint64_t nowM
     const bool speaks = chosen_ && dataMs && nowMs - *dataMs < kFreshMs;
     std::erase_if(heard_, [&](const Heard& heard) {
         const bool isKept = speaks && heard.simulator.at == chosen_->at;
-        return nowMs - heard.lastMs >= kFreshMs && !isKept;
+        return nowMs - heard.lastMs >= kBeaconSilenceMs && !isKept;
     });
     const auto find = [&](auto&& wanted) -> std::optional<Simulator> {
         const auto found = std::find_if(heard_.begin(), heard_.end(), wanted);

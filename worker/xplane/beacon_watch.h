@@ -10,9 +10,13 @@
 
 namespace xplane {
 
-inline constexpr std::uint64_t kBeaconMs = 1'000;  // from one beacon to the next, about
+inline constexpr std::uint64_t kBeaconMs = 1'000;    // from one beacon to the next, about
+inline constexpr std::uint64_t kBeaconLookMs = 500;  // from one look for beacons to the next: each is a system call
 // One on another computer must wait until one on this computer would have been heard.
-inline constexpr std::uint64_t kListenFirstMs = 1'200;
+inline constexpr std::uint64_t kListenFirstMs = kBeaconMs + kBeaconLookMs + 100;
+// Two beacons in a row may be lost. Less than kFreshMs: when an X-Plane ends, its last beacon may be read late, and its
+// silence is to be that of one that is gone as soon as its values count as old.
+inline constexpr std::uint64_t kBeaconSilenceMs = kFreshMs - kBeaconLookMs;
 inline constexpr std::size_t kMostHeard = 32;  // more masters on one network are not kept
 
 // An X-Plane that can be asked.

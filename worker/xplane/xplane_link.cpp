@@ -77,7 +77,9 @@ void XPlaneLink::seekByBeacon(std::uint64_t nowMs) {
                              ')');
         }
     }
-    if (!session_.simulator() || nowMs - heardMs_ >= kPollMs) hearBeacons(nowMs);
+    // What wakes us and is left unread for a moment does not wake us again.
+    const bool mayRest = session_.simulator() || datagrams_->wakeHandle();
+    if (!mayRest || !heardMs_ || nowMs - *heardMs_ >= kBeaconLookMs) hearBeacons(nowMs);
     watch_->choose(session_.dataMs(), nowMs);
     follow(watch_->chosen(), true, nowMs);
 }
@@ -155,9 +157,8 @@ std::string XPlaneLink::groundStatus(std::uint64_t nowMs) const {
 std::string XPlaneLink::silentStatus(std::uint64_t nowMs) const {
     if (named_ && session_.hasSpoken()) return pilot::kLinkLost;
     if (named_) return named_->problem().empty() ? pilot::kConnecting : named_->problem();
-    if (session_.hasSpoken()) return pilot::kNoData;
-    if (nowMs - session_.begunMs() < kNoAnswerMs) return pilot::kConnecting;
-    return session_.simulator()->version >= kSwitchVersion ? pilot::kNetworkSwitch : pilot::kDoesNotAnswer;
+    if (!session_.hasSpoken() && nowMs - session_.begunMs() < kNoAnswerMs) return pilot::kConnecting;
+    return session_.simulator()->version >= kSwitchVersion ? pilot::kMenuOrSwitch : pilot::kMenuOrLoading;
 }
 
 SimSnapshot XPlaneLink::describe(std::uint64_t nowMs) const {
@@ -165,7 +166,8 @@ SimSnapshot XPlaneLink::describe(std::uint64_t nowMs) const {
     sim.status = groundStatus(nowMs);
     sim.ok = sim.status.empty();
     if (!sim.ok) return sim;
-    sim.status = pilot::radiosText(name(), pilot::radioFaultsText(condition(0), condition(1)));
+    sim.status =
+        pilot::radiosText(name(), pilot::radioFaultsText(condition(0), condition(1)), standstill(nowMs).isPaused);
     for (std::size_t radio = 0; radio < kRadioCount; radio++) sim.radios[radio] = describeRadio(radio);
     return sim;
 }

@@ -63,7 +63,7 @@ class XPlaneLink : public SimLink {
     std::optional<NamedSimulator> named_;   // if there is an address
     std::optional<BeaconWatch> watch_;      // if not, from the first poll
     std::uint64_t listenDueMs_ = 0;
-    std::uint64_t heardMs_ = 0;  // when it was last looked for beacons
+    std::optional<std::uint64_t> heardMs_;  // when it was last looked for beacons
     bool isListenNoted_ = false;
     Session session_;
     bool hasFlown_ = false;       // has been up

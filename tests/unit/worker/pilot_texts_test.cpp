@@ -120,6 +120,7 @@ TEST_F(PilotTexts, EveryAcknowledgementFitsOnThePanelsLine) {
 
 TEST_F(PilotTexts, TheSimulatorIsNamedWhereThereIsRoom) {
     EXPECT_EQ(pilot::radiosText("X-Plane 12.2.0", ""), "flying, X-Plane 12.2.0");
+    EXPECT_EQ(pilot::radiosText("X-Plane 12.2.0", "", true), "paused, X-Plane 12.2.0");
     EXPECT_EQ(pilot::radiosText("X-Plane 12.2.0", "COM1 and COM2 unpowered"),
               "X-Plane 12.2.0: COM1 and COM2 unpowered");
     EXPECT_EQ(pilot::radiosText("X-Plane 12.2.0", "COM1 unpowered, COM2 not known"), "COM1 unpowered, COM2 not known");

@@ -44,7 +44,7 @@ TEST_F(XPlanesAround, OneOnThisComputerIsTakenAtOnce) {
 
 TEST_F(XPlanesAround, OneElsewhereWaitsUntilOneHereWouldHaveBeenHeard) {
     hear(kOne);
-    nowMs += 1199;
+    nowMs += 1599;
     EXPECT_EQ(chosen(), std::nullopt);
     nowMs += 1;
     EXPECT_EQ(chosen(), kOne);
@@ -71,10 +71,10 @@ TEST_F(XPlanesAround, HelpersAndOtherProgramsAreNotTaken) {
     EXPECT_EQ(chosen(), std::nullopt);
 }
 
-TEST_F(XPlanesAround, OneIsGoneAfterThreeSecondsOfNoBeaconAndNoData) {
+TEST_F(XPlanesAround, OneIsGoneAfterTwoBeaconsThatAreMissingAndThreeSecondsOfNoData) {
     hear(kThis);
     EXPECT_EQ(chosen(), kThis);
-    nowMs += 2999;
+    nowMs += 2499;
     EXPECT_EQ(chosen(), kThis);
     nowMs += 1;
     EXPECT_EQ(chosen(), std::nullopt);

@@ -26,6 +26,7 @@ class FakeDatagrams : public xplane::Datagrams {
     }
     std::uint32_t problem() const override { return listenProblem; }
     std::optional<xplane::Received> receiveBeacon(std::span<std::uint8_t> into) override {
+        beaconLooks++;
         return taken(listens > 0 && listenProblem == 0 ? beacons : nothing_, into);
     }
     std::optional<xplane::Received> receiveAnswer(std::span<std::uint8_t> into) override {
@@ -48,6 +49,7 @@ class FakeDatagrams : public xplane::Datagrams {
     std::deque<Arrived> beacons, answers;
     std::vector<Arrived> sent;
     int listens = 0;
+    int beaconLooks = 0;
     std::uint32_t listenProblem = 0;
     bool isOpen = false;  // our socket
     bool refusesSends = false;
