@@ -2,7 +2,7 @@
 # test.sh - installs what is missing, builds everything and runs all tests: the real DLL in the stand-in voice client
 # and the unit tests under Wine, while the unit tests are built and run under the address and undefined-behaviour
 # sanitizers, those with threads under the thread sanitizer, and without one those that no sanitizer allows; the
-# stand-in simulator; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (1) each on new ones;
+# stand-in simulators; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (1) each on new ones;
 # the documents' links and quotes; the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
 # test.sh --full - the same with every unit test under Wine too, otherwise those whose results depend on the compiler;
 # with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT); with two minutes of soak; and
@@ -153,20 +153,20 @@ fuzz_all() {
     say "fuzz: ${#programs[@]} targets, $inputs new inputs"
 }
 
-# The stand-in simulator, tested with a client that other people wrote, and the worker on the same flight. Needs the
-# network once, for npm.
+# The stand-in simulators, each tested with a client that other people wrote, and the worker on the same flight. Needs
+# the network once, for npm.
 check_simulator() {
-    local log="$logs/simulator.log" good bad
-    tests/simulator/node/check.sh build/asan/bin build/node >"$log" 2>&1
-    read -r good bad < <(sed -nE 's/^([0-9]+) passed, ([0-9]+) failed$/\1 \2/p' "$log" | tail -1)
+    local name=$1 good bad
+    "tests/$name/node/check.sh" build/asan/bin "build/node-$name" >"$logs/$name.log" 2>&1
+    read -r good bad < <(sed -nE 's/^([0-9]+) passed, ([0-9]+) failed$/\1 \2/p' "$logs/$name.log" | tail -1)
     if [ -z "${good:-}" ] || [ "$good" -eq 0 ]; then
-        tail -20 "$log"
-        count 1 "the stand-in simulator was not checked"
+        tail -20 "$logs/$name.log"
+        count 1 "the stand-in $name was not checked"
         return
     fi
     add "$good" "$bad"
-    grep '^FAILED' "$log"
-    say "simulator: $good of $((good + bad)) checks passed"
+    grep '^FAILED' "$logs/$name.log"
+    say "$name: $good of $((good + bad)) checks passed"
 }
 
 # check NAME WHAT COMMAND... - a command that itself says what is wrong, or ends with 77 if it cannot be run.
@@ -185,14 +185,16 @@ check() {
 # What the address sanitizer's build is for; runs and waits more than it computes.
 test_with_asan() {
     run_tests asan 2
-    check_simulator
+    check_simulator simulator
+    check_simulator xplane
     fuzz_all
 }
 
 # What is tested on this machine itself; mostly builds.
 test_natively() {
     # shellcheck disable=SC2046  # words are what is wanted
-    if build asan unit_tests memory_tests stand_in_simulator native_worker $(cd tests/fuzz && echo *_fuzz.cpp | sed 's/\.cpp//g'); then
+    if build asan unit_tests memory_tests stand_in_simulator stand_in_xplane native_worker \
+        $(cd tests/fuzz && echo *_fuzz.cpp | sed 's/\.cpp//g'); then
         test_with_asan &
     fi
     build tsan unit_tests && run_tests tsan 2
