@@ -1,24 +1,25 @@
 #!/usr/bin/env bash
-# run.sh [--full] [--simconnect] - shows the product: installs what is missing, builds, makes the package, flies a short
-# circuit (the real plugin in the stand-in voice client under Wine, its real worker with the built-in aircraft), takes a
-# picture of each window and sends a voice through the radio. out/index.html has it all on one page. Takes a minute once
-# built. Ends with 0 only if all went as it should and the page lacks nothing.
+# run.sh [--full] [--simconnect | --xplane] - shows the product: installs what is missing, builds, makes the package,
+# flies a short circuit (the real plugin in the stand-in voice client under Wine, its real worker with the built-in
+# aircraft), takes a picture of each window and sends a voice through the radio. out/index.html has it all on one page.
+# Takes a minute once built. Ends with 0 only if all went as it should and the page lacks nothing.
 # --full flies as a pilot would, takes every picture there is and sends the own voice through the chain too: some
-# minutes. --simconnect puts the stand-in simulator behind the simulator's pipe in place of the built-in aircraft, and
-# afterwards kills and restarts simulator, worker, plugin and voice client in turn. With CORVALIS_NEW_CLIENT=1 in the
-# environment the voice client is one of today.
+# minutes. In place of the built-in aircraft, --simconnect puts the stand-in simulator behind the simulator's pipe, and
+# --xplane the stand-in X-Plane that announces itself on this computer's network; afterwards either is killed and
+# restarted, and so are worker, plugin and voice client in turn. With CORVALIS_NEW_CLIENT=1 in the environment the voice
+# client is one of today.
 set -euo pipefail
 . "$(dirname "$0")/tools/fixed_layout.sh"
 cd "$(dirname "$0")"
 
 full=()
-simconnect=()
+simulator=()
 for option in "$@"; do
     case "$option" in
         --full) full=(--full) ;;
-        --simconnect) simconnect=(--simconnect) ;;
+        --simconnect | --xplane) simulator=("$option") ;;
         --fast) ;;  # the short circuit, from when the long one was the default
-        *) echo "usage: ./run.sh [--full] [--simconnect]" >&2; exit 2 ;;
+        *) echo "usage: ./run.sh [--full] [--simconnect | --xplane]" >&2; exit 2 ;;
     esac
 done
 
@@ -60,7 +61,7 @@ tools/packages.sh product wine pictures
 SECONDS=0
 step "Building; the package"
 targets=(corvalis_win64 hopline_worker circuit pictures audition_chain)
-[ ${#simconnect[@]} -eq 0 ] || targets+=(restarts)
+[ ${#simulator[@]} -eq 0 ] || targets+=(restarts)
 build "${targets[@]}"
 rm -rf out
 mkdir -p out
@@ -73,7 +74,7 @@ export CORVALIS_WINE_RUNS=1  # the tools below use this screen and this server
 result=0
 
 step "Flying the circuit: $([ ${#full[@]} -gt 0 ] && echo two minutes || echo half a minute)"
-wine build/windows/bin/circuit.exe out "${full[@]}" "${simconnect[@]}" 2>&1 | tr -d '\r' | tee out/timeline.txt ||
+wine build/windows/bin/circuit.exe out "${full[@]}" "${simulator[@]}" 2>&1 | tr -d '\r' | tee out/timeline.txt ||
     result=1
 # What the flight left behind, without the temporary profile around it.
 data=out/appdata/Corvalis
@@ -83,10 +84,11 @@ done
 rm -rf out/appdata
 
 restarts=()
-if [ ${#simconnect[@]} -gt 0 ]; then
+if [ ${#simulator[@]} -gt 0 ]; then
     step "Killing and restarting"
     restarts=(--restarts)
-    wine build/windows/bin/restarts.exe out/restarts 2>&1 | tr -d '\r' | tee out/restarts.txt || result=1
+    wine build/windows/bin/restarts.exe out/restarts "${simulator[@]}" 2>&1 | tr -d '\r' | tee out/restarts.txt ||
+        result=1
     rm -rf out/restarts
 fi
 

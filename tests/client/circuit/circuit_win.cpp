@@ -1,7 +1,8 @@
 // circuit_win.cpp - the demonstration: the real plugin in the stand-in voice client, its real worker with the built-in
-// aircraft or with the stand-in simulator behind the simulator's pipe, flown once round the circuit. Prints and records
-// what happens; exits with 1 if anything did not go as it should.
-//   circuit OUT_FOLDER [--full] [--simconnect]      OUT_FOLDER holds %APPDATA% of the flight, its record and the logs
+// aircraft, with the stand-in simulator behind the simulator's pipe or with the stand-in X-Plane on its port, flown
+// once round the circuit. Prints and records what happens; exits with 1 if anything did not go as it should.
+//   circuit OUT_FOLDER [--full] [--simconnect | --xplane]
+// OUT_FOLDER holds %APPDATA% of the flight, its record and the logs.
 #include <windows.h>
 #include <cstdio>
 #include <cstring>
@@ -21,7 +22,9 @@ namespace {
 
 struct FlightOptions {
     bool isShort = true;
-    bool hasSimulator = false;  // else the worker's own aircraft is flown
+    const FlightSimulator* simulator = nullptr;  // without one the worker's own aircraft is flown
+
+    const char* loss() const { return simulator ? simulator->loss : kBuiltInLoss; }
 };
 
 constexpr std::uint64_t kStillMs = 350;      // a frequency must stand still this long to be followed
@@ -202,13 +205,13 @@ void flyLeg(Flight& f, LegId id) {
     }
 }
 
-void flyLegs(Flight& f, bool isShort, std::uint64_t workerStartMs) {
+void flyLegs(Flight& f, const FlightOptions& options, std::uint64_t workerStartMs) {
     double plannedSeconds = 0.0;
-    for (const Leg& leg : circuitLegs(isShort)) {
+    for (const Leg& leg : circuitLegs(options.isShort, options.loss())) {
         f.watch.note(FlightEvent::kLeg, "", leg.title, std::string("--- ") + leg.title);
         f.legStartMs = systemTickMs();
         flyLeg(f, leg.id);
-        plannedSeconds += leg.seconds(isShort);
+        plannedSeconds += leg.seconds(options.isShort);
         const auto endMs = workerStartMs + static_cast<std::uint64_t>(plannedSeconds * 1000.0);
         // Stays on the frequency for the rest of the leg, a moment less, so that the next leg begins on time.
         if (systemTickMs() + 50 < endMs) f.watch.watchFor(endMs - systemTickMs() - 50);
@@ -248,12 +251,12 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
     const auto dataFolder = appData / "Corvalis";
     std::filesystem::create_directories(dataFolder);
     const auto script = dataFolder / "circuit.txt";
-    writeFile(script, circuitScript(options.isShort));
+    writeFile(script, circuitScript(options.isShort, options.loss()));
     writeFile(dataFolder / "settings.ini", "theme=" + std::to_string(kBoeingTheme) + "\r\n");
     standin::Program simulator;
-    if (!options.hasSimulator) {
+    if (!options.simulator) {
         writeFile(dataFolder / "worker.ini", "link=simulate\nscript=circuit.txt\n");
-    } else if (!simulator.start(standin::besideUs(L"stand_in_simulator.exe", L"--pipe"))) {
+    } else if (!simulator.start(standin::besideUs(options.simulator->program, options.simulator->arguments))) {
         std::printf("The simulator does not start\n");
         return 1;
     }
@@ -272,17 +275,17 @@ int fly(const std::filesystem::path& out, const FlightOptions& options) {
     plugin.exports().init();
     FlightWatch watch(host, plugin, {dataFolder, out / "flight.tsv", kBoeingTheme}, startMs);
     watch.note(FlightEvent::kFlight, options.isShort ? "short" : "full",
-               options.hasSimulator ? "the stand-in simulator" : "the built-in aircraft");
+               options.simulator ? options.simulator->name : "the built-in aircraft");
     watch.note(FlightEvent::kChannel, "", channelTitle(host.ownChannel(kCircuitServer)));
     watch.say("client      plugin started in " + std::to_string(systemTickMs() - startMs) + " ms" +
               (isNewClient() ? " by a 3.6 client" : ""));
     Flight flight{host, watch};
-    if (!options.hasSimulator || takeOff(watch, simulator, script)) flyLegs(flight, options.isShort, systemTickMs());
+    if (!options.simulator || takeOff(watch, simulator, script)) flyLegs(flight, options, systemTickMs());
     watch.note(FlightEvent::kLeg, "", "Shutting down", "--- Shutting down");
     plugin.exports().shutdown();
     plugin.unload();
     writeClientLog(host, out / "client.log");
-    if (options.hasSimulator) writeSimulatorLog(simulator, out / "simulator.log");
+    if (options.simulator) writeSimulatorLog(simulator, out / "simulator.log");
     return reportEnd(host, watch);
 }
 
@@ -293,13 +296,13 @@ int main(int argc, char** argv) {
     if (const auto code = runAsNewClient()) return *code;
     useDevicePixels();
     if (argc < 2) {
-        std::printf("usage: circuit OUT_FOLDER [--full] [--simconnect]\n");
+        std::printf("usage: circuit OUT_FOLDER [--full] [--simconnect | --xplane]\n");
         return 2;
     }
     FlightOptions options;
     for (int i = 2; i < argc; i++) {
         options.isShort = options.isShort && std::strcmp(argv[i], "--full") != 0;
-        options.hasSimulator = options.hasSimulator || std::strcmp(argv[i], "--simconnect") == 0;
+        if (const auto* simulator = findFlightSimulator(argv[i])) options.simulator = simulator;
     }
     return fly(argv[1], options);
 }

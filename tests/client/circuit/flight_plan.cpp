@@ -58,7 +58,14 @@ std::string channelTitle(std::uint64_t channelId) {
     return "channel " + std::to_string(channelId);
 }
 
-std::vector<Leg> circuitLegs(bool isShort) {
+const FlightSimulator* findFlightSimulator(std::string_view option) {
+    for (const auto& row : kFlightSimulators) {
+        if (option == row.option) return &row;
+    }
+    return nullptr;
+}
+
+std::vector<Leg> circuitLegs(bool isShort, const char* loss) {
     // clang-format off
     std::vector<Leg> legs = {
         {LegId::kAtis, "Listening to the ATIS", 0, 12,
@@ -81,17 +88,17 @@ std::vector<Leg> circuitLegs(bool isShort) {
         {LegId::kCompany, "The company never answers; approach is next", 9.0, 16,
             {{0, "tune COM1 active 131.500"}, {5.3, "tune COM1 active 118.275"}}},
         {LegId::kLinkLoss, "The simulator goes away and comes back", 0, 8,
-            {{0, "drop 2"}}},
+            {{0, loss}}},
     };
     // clang-format on
     if (isShort) std::erase_if(legs, [](const Leg& leg) { return leg.shortSeconds == 0; });
     return legs;
 }
 
-std::string circuitScript(bool isShort) {
+std::string circuitScript(bool isShort, const char* loss) {
     std::string script = "# seconds  action\n";
     double start = 0.0;
-    for (const Leg& leg : circuitLegs(isShort)) {
+    for (const Leg& leg : circuitLegs(isShort, loss)) {
         script += std::string("# ") + leg.title + '\n';
         for (const LegAction& action : leg.actions)
             script += formatFixed(start + action.seconds, 2) + ' ' + action.action + '\n';

@@ -3,6 +3,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 #include "tests/client/host_model.h"
 
@@ -28,6 +29,25 @@ std::string channelTitle(std::uint64_t channelId);
 
 enum class LegId { kAtis, kDelivery, kTaxi, kApron, kTower, kNobody, kRadio, kDeparture, kCompany, kLinkLoss };
 
+// A simulator that flies in place of the built-in aircraft, as a process of its own.
+struct FlightSimulator {
+    const char* option;        // that chooses it: "--simconnect"
+    const char* name;          // in the flight's record
+    const wchar_t* program;    // beside ours
+    const wchar_t* arguments;  // with which the worker finds it by itself
+    const char* swapReport;    // it prints this when it is told to swap COM1
+    const char* loss;          // the script's action after which the worker must have missed it
+};
+inline constexpr FlightSimulator kFlightSimulators[] = {
+    {"--simconnect", "the stand-in simulator", L"stand_in_simulator.exe", L"--pipe", " event COM1_RADIO_SWAP",
+     "drop 2"},
+    // Nobody says goodbye over UDP: three seconds of silence are a loss.
+    {"--xplane", "the stand-in X-Plane", L"stand_in_xplane.exe", L"", " command sim/radios/com1_standy_flip", "drop 5"},
+};
+// Null for another option.
+const FlightSimulator* findFlightSimulator(std::string_view option);
+inline constexpr const char* kBuiltInLoss = "drop 2";
+
 // A leg of the circuit; its actions are timed from the leg's start.
 struct LegAction {
     double seconds;
@@ -44,8 +64,8 @@ struct Leg {
 };
 
 // In the order flown. A move counts as confirmed when the plugin looks again 2 s after asking, so a leg that moves the
-// pilot lasts at least 2.4 s.
-std::vector<Leg> circuitLegs(bool isShort);
+// pilot lasts at least 2.4 s. loss: the simulator's.
+std::vector<Leg> circuitLegs(bool isShort, const char* loss);
 
 // The whole flight as one script, counted from its start.
-std::string circuitScript(bool isShort);
+std::string circuitScript(bool isShort, const char* loss);

@@ -1,11 +1,13 @@
 // restarts_win.cpp - kills and restarts simulator, worker, plugin and voice client, one by one and all together in
 // several orders. After each, a frequency tuned in the cockpit must move the pilot to another channel, and at the end
 // the panel's swap must reach the aircraft. Prints a timeline; exits with 1 if anything did not recover.
-//   restarts OUT_FOLDER [ORDERS]              how many of the 24 orders; 6
+//   restarts OUT_FOLDER [ORDERS] [--simconnect | --xplane] [--aside]   ORDERS: how many of the 24; 6
 //   restarts --loads [LOADS [SEED]]           the plugin in this process, again and again; 1000 (loads_win.h)
 //   restarts --shutdowns [MOMENTS [SEED]]     at any moment, each within a second; 500 (shutdowns_win.h)
 //   restarts --untimed-shutdowns [MOMENTS [SEED]]   the same without a limit
 //   restarts --client                         the voice client, as a process of its own
+// --aside keeps X-Plane and its beacon to free ports and tells the worker of them: for a machine on which other workers
+// are tested.
 #include <windows.h>
 #include <algorithm>
 #include <array>
@@ -21,9 +23,11 @@
 #include "tests/client/new_client_win.h"
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
+#include "tests/xplane/sockets.h"
 
 namespace {
 
+constexpr std::uint64_t kGoneMs = 8'000;       // three seconds of silence are a loss
 constexpr std::uint64_t kRecoveryMs = 15'000;  // the worker looks every 5 s at most, the plugin waits up to 2 s to move
 // The plugin looks again after 2 s and then counts a move as confirmed; disturbed before that, it would wait for 5 s.
 constexpr std::uint64_t kConfirmedMs = 2300;
@@ -52,9 +56,23 @@ bool isImage(std::uint32_t processId, const wchar_t* name) {
 
 class Restarts {
   public:
-    explicit Restarts(const std::filesystem::path& out)
-        : appData_(std::filesystem::absolute(out) / "appdata"), environment_(L"APPDATA", appData_.wstring()) {
+    Restarts(const std::filesystem::path& out, const FlightSimulator& kind)
+        : appData_(std::filesystem::absolute(out) / "appdata"),
+          environment_(L"APPDATA", appData_.wstring()),
+          kind_(kind),
+          arguments_(kind.arguments) {
         std::filesystem::create_directories(dataFolder());
+    }
+
+    // X-Plane and its beacon get ports of their own and keep them.
+    void stepAside() {
+        const auto own = xstandin::makeSockets(), beacon = xstandin::makeSockets();
+        const std::string at = "127.0.0.1:";
+        const auto ownPort = at + std::to_string(own->open({xstandin::kLoopback, 0}));
+        const auto beaconPort = at + std::to_string(beacon->open({xstandin::kLoopback, 0}));
+        const auto options = "--listen " + ownPort + " --beacon " + beaconPort;
+        arguments_ = std::wstring(options.begin(), options.end());
+        writeFile(dataFolder() / "worker.ini", "beacon=" + beaconPort + '\n');
     }
 
     void begin() {
@@ -63,7 +81,7 @@ class Restarts {
     }
     void restart(int part) {
         kill(part);
-        check(waitFor([&] { return isGone(part); }, 4000),
+        check(waitFor([&] { return isGone(part); }, kGoneMs),
               std::string(kPartNames[static_cast<std::size_t>(part)]) + " gone");
         start(part);
         expectWorks(std::string(kPartNames[static_cast<std::size_t>(part)]) + " killed and started again");
@@ -81,8 +99,7 @@ class Restarts {
         simulator_.say(std::string("tune COM1 standby ") + next.megahertz);
         waitFor([&] { return telemetryShows(&RadioReading::standby, next); }, kRecoveryMs);
         client_.say("swap");
-        check(waitFor([&] { return hasHeard(" event COM1_RADIO_SWAP"); }, 2000),
-              "the panel's swap reaches the aircraft");
+        check(waitFor([&] { return hasHeard(kind_.swapReport); }, 2000), "the panel's swap reaches the aircraft");
         check(waitFor([&] { return channelIn(client_.lines()) == next.channel; }, kRecoveryMs), "and is followed");
     }
     int end() {
@@ -110,7 +127,7 @@ class Restarts {
     }
     // A started client brings the plugin; a worker started by hand ends itself if there is one already.
     void start(int part) {
-        if (part == kSimulator) simulator_.start(standin::besideUs(L"stand_in_simulator.exe", L"--pipe"));
+        if (part == kSimulator) simulator_.start(standin::besideUs(kind_.program, arguments_));
         if (part == kWorker) startWorker();
         if (part == kPlugin) client_.say("load");
         if (part == kClient) client_.start(standin::besideUs(programName(L"restarts.exe"), L"--client"));
@@ -162,6 +179,8 @@ class Restarts {
 
     const std::filesystem::path appData_;
     const EnvironmentValue environment_;
+    const FlightSimulator& kind_;
+    std::wstring arguments_;  // of the simulator
     standin::Program simulator_;
     standin::Program worker_;
     standin::Program client_;
@@ -185,11 +204,24 @@ int main(int argc, char** argv) {
     if (mode == "--untimed-shutdowns") return runShutdowns(count(500), seed, false);
     if (mode == "--client") return runVoiceClient();
     if (argc < 2) {
-        std::printf("usage: restarts OUT_FOLDER [ORDERS] | --loads [LOADS [SEED]] | --shutdowns [MOMENTS [SEED]]\n");
+        std::printf(
+            "usage: restarts OUT_FOLDER [ORDERS] [--simconnect | --xplane] [--aside] | --loads [LOADS [SEED]] |\n"
+            "       --shutdowns [MOMENTS [SEED]]\n");
         return 2;
     }
-    const int orders = count(6);
-    Restarts restarts(argv[1]);
+    int orders = 6;
+    const FlightSimulator* kind = &kFlightSimulators[0];
+    bool isAside = false;
+    for (int i = 2; i < argc; i++) {
+        if (std::string_view(argv[i]) == "--aside")
+            isAside = true;
+        else if (const auto* simulator = findFlightSimulator(argv[i]))
+            kind = simulator;
+        else
+            orders = std::atoi(argv[i]);
+    }
+    Restarts restarts(argv[1], *kind);
+    if (isAside) restarts.stepAside();
     if (isNewClient()) std::printf("in a 3.6 client\n");
     restarts.begin();
     for (const int part : {kSimulator, kWorker, kPlugin, kClient}) restarts.restart(part);
