@@ -1,14 +1,18 @@
-// worker_bench_win.cpp - how quick the real worker is between the simulator's pipe and the plugin's files, and what it
-// costs: the time from a turn in the cockpit to telemetry.json and from command.json to the simulator's key event,
-// processor time and memory while flying; beside them the worker with its built-in aircraft, and one that waits for a
-// simulator. The simulator is the stand-in, at 30 frames a second, and sends at a frame's end.
-//   worker_bench [ROUNDS [SECONDS]]      100, 20; under Wine: wine build/windows/bin/worker_bench.exe
+// worker_bench_win.cpp - how quick the real worker is between the simulator and the plugin's files, and what it costs:
+// the time from a turn in the cockpit to telemetry.json and from command.json to what the simulator is sent, processor
+// time and memory while flying; beside them the worker with its built-in aircraft, and one that waits for a simulator.
+// The simulator is the stand-in behind its pipe, or with --xplane the stand-in X-Plane on a port of its own; either has
+// 30 frames a second and sends at a frame's end.
+//   worker_bench [ROUNDS [SECONDS]] [--xplane]      100, 20; under Wine: wine build/windows/bin/worker_bench.exe
 #include <windows.h>
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 // psapi.h needs windows.h before it.
@@ -19,6 +23,7 @@
 #include "tests/client/test_machine_win.h"
 #include "tests/simulator/program_win.h"
 #include "tests/simulator/server.h"
+#include "tests/xplane/server.h"
 
 namespace {
 
@@ -123,23 +128,81 @@ void print(const char* title, std::vector<double> ms, int limitMs) {
     std::fflush(stdout);
 }
 
-void measureTelemetry(standin::Server& server, const BenchedWorker& worker, int rounds) {
+// When the simulator last took a write, by its own clock in whole milliseconds, and how many it has taken. Its thread
+// stores, ours loads.
+struct Heard {
+    std::atomic<std::uint64_t> lastMs{0};
+    std::atomic<int> count{0};
+
+    void take(std::uint64_t atMs) {
+        lastMs = atMs;
+        ++count;
+    }
+};
+
+// Either simulator, at work.
+class Simulator {
+  public:
+    virtual ~Simulator() = default;
+    // What the worker is told of it; nullopt if it cannot be started.
+    virtual std::optional<std::wstring> start() = 0;
+    virtual void act(const std::string& line) = 0;
+};
+
+class PipeSimulator : public Simulator {
+  public:
+    explicit PipeSimulator(Heard& heard)
+        : server_(*standin::findPersonality("stock"), [&heard](const standin::Report& report) {
+              if (report.text.find(" event ") != std::string::npos) heard.take(report.atMs);
+          }) {}
+    std::optional<std::wstring> start() override {
+        if (!server_.listenPipe(standin::kSimulatorPipe)) return std::nullopt;
+        server_.start();
+        return L"";
+    }
+    void act(const std::string& line) override {
+        std::string error;
+        server_.act(line, error);
+    }
+
+  private:
+    standin::Server server_;
+};
+
+class XplaneSimulator : public Simulator {
+  public:
+    explicit XplaneSimulator(Heard& heard)
+        : server_(*xstandin::findPersonality("stock_12"), [&heard](const xstandin::Report& report) {
+              if (report.text.find(" write ") != std::string::npos) heard.take(report.atMs);
+          }) {}
+    std::optional<std::wstring> start() override {
+        const auto port = server_.start({});
+        if (port == 0) return std::nullopt;
+        return L" --link xplane --address 127.0.0.1:" + std::to_wstring(port);
+    }
+    void act(const std::string& line) override {
+        std::string error;
+        server_.act(line, error);
+    }
+
+  private:
+    xstandin::Server server_;
+};
+
+void measureTelemetry(Simulator& simulator, const BenchedWorker& worker, int rounds) {
     std::vector<double> delays;
     for (int round = 0; round < rounds; round++) {
         waitUnevenly(round);
         const std::int32_t kHz = 118000 + 25 * (round % 700);
-        std::string error;
         const double start = wallMs();
-        server.act("tune COM1 active " + formatFixed(kHz / 1000.0, 3), error);
+        simulator.act("tune COM1 active " + formatFixed(kHz / 1000.0, 3));
         while (worker.telemetry().radios[0].active != kHz && wallMs() - start < kGiveUpMs) Sleep(1);
         delays.push_back(wallMs() - start);
     }
     print("cockpit to telemetry.json, up to a frame in it", delays, 60);
 }
 
-// The simulator notes its clock in whole milliseconds when a packet arrives; its thread leaves that in heardMs.
-void measureCommands(const BenchedWorker& worker, const std::atomic<std::uint64_t>& heardMs,
-                     const std::atomic<int>& heard, int rounds) {
+void measureCommands(const BenchedWorker& worker, const Heard& heard, int rounds) {
     std::vector<double> delays;
     for (int round = 0; round < rounds; round++) {
         waitUnevenly(round);
@@ -147,41 +210,40 @@ void measureCommands(const BenchedWorker& worker, const std::atomic<std::uint64_
         const std::string text = "{\"id\":\"" + id + "\",\"com\":1,\"slot\":\"standby\",\"target\":" +
                                  std::to_string(118000 + 25 * (round % 700)) +
                                  ",\"created\":" + formatFixed(SystemClock().unixSeconds(), 3) + "}";
-        const int before = heard;
+        const int before = heard.count;
         replaceFile(worker.folder.path / "command.json", text);
         const auto writtenMs = standin::Server::nowMs();
-        const bool isHeard = waitFor([&] { return heard != before; }, kGiveUpMs);
-        delays.push_back(isHeard ? static_cast<double>(heardMs - std::min<std::uint64_t>(heardMs, writtenMs))
+        const bool isHeard = waitFor([&] { return heard.count != before; }, kGiveUpMs);
+        delays.push_back(isHeard ? static_cast<double>(heard.lastMs - std::min<std::uint64_t>(heard.lastMs, writtenMs))
                                  : kGiveUpMs);
         waitFor([&] { return worker.telemetry().ackId == id; }, kGiveUpMs);
     }
-    print("command.json to the simulator's key event", delays, 25);
+    print("command.json to what the simulator is sent", delays, 25);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    const bool isXplane = argc > 1 && std::strcmp(argv[argc - 1], "--xplane") == 0;
+    if (isXplane) argc--;
     const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 100;
     const int seconds = argc > 2 ? std::max(1, std::atoi(argv[2])) : 20;
-    std::atomic<std::uint64_t> heardMs{0};
-    std::atomic<int> heard{0};
-    standin::Server server(*standin::findPersonality("stock"), [&](const standin::Report& report) {
-        if (report.text.find(" event ") == std::string::npos) return;
-        heardMs = report.atMs;
-        ++heard;
-    });
+    Heard heard;
+    std::unique_ptr<Simulator> simulator;
+    if (isXplane)
+        simulator = std::make_unique<XplaneSimulator>(heard);
+    else
+        simulator = std::make_unique<PipeSimulator>(heard);
     BenchedWorker worker;
-    const bool hasStarted = server.listenPipe(standin::kSimulatorPipe) && worker.start(L"");
-    server.start();
-    if (!hasStarted || !worker.waitOk()) {
+    const auto arguments = simulator->start();
+    if (!arguments || !worker.start(*arguments) || !worker.waitOk()) {
         std::printf("The worker does not find the simulator\n");
         return 1;
     }
-    measureTelemetry(server, worker, rounds);
-    measureCommands(worker, heardMs, heard, rounds);
+    measureTelemetry(*simulator, worker, rounds);
+    measureCommands(worker, heard, rounds);
     worker.measure("flying", seconds);
-    std::string error;
-    server.act("drop 600", error);
+    simulator->act("drop 600");
     worker.measure("waiting for a simulator", seconds);
 
     BenchedWorker builtIn;
