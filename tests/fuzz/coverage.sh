@@ -24,6 +24,7 @@ readers=(
     worker/user_names.cpp worker/worker_loop.cpp worker/worker_options.cpp
     worker/simconnect/connection.cpp worker/simconnect/packet_stream.cpp worker/simconnect/packets.cpp
     worker/simconnect/session.cpp worker/simconnect/simconnect_link.cpp
+    worker/xplane/beacon_watch.cpp worker/xplane/packets.cpp worker/xplane/session.cpp worker/xplane/xplane_link.cpp
 )
 
 tools/packages.sh product native test coverage

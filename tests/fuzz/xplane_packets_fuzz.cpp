@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint32_t kHere = 0xC0A80105;
 
-// The input is a row of datagrams, one a pass, each behind two bytes: how long it is, and what it is: bit 0 for the
+// The input is one byte, odd where the pilot has named X-Plane's computer, and a row of datagrams, one a pass, each behind two bytes: how long it is, and what it is: bit 0 for the
 // beacon's socket, not ours; bit 1 from another computer; the others how long until the next, in 50 ms.
 class FuzzDatagrams : public xplane::Datagrams {
   public:
@@ -63,9 +63,11 @@ bool isSound(const RadioReading& radio) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    auto owned = std::make_unique<FuzzDatagrams>(xplane::ByteView(data, size));
+    if (size == 0) return 0;
+    auto owned = std::make_unique<FuzzDatagrams>(xplane::ByteView(data, size).subspan(1));
     auto& datagrams = *owned;
-    xplane::XPlaneLink link(std::move(owned));
+    const auto address = data[0] & 1U ? std::optional(HostPort{"192.168.1.5", 49000}) : std::nullopt;
+    xplane::XPlaneLink link(std::move(owned), address);
     std::uint64_t nowMs = 1000;
     for (int pass = 0; pass < 400; pass++) {
         const auto waitMs = datagrams.arrive();
@@ -78,7 +80,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             if (!sim.ok && !(radio == RadioReading())) std::abort();
         }
         if (sim.status.empty() || sim.status.size() > 44) std::abort();
-        const RadioWrite write = {static_cast<std::size_t>(pass & 1), static_cast<RadioSlot>(pass / 2 % 4), 0.5};
+        const RadioWrite write = {static_cast<std::size_t>(pass & 1), static_cast<RadioSlot>(pass / 2 % 4),
+                                  pass / 2 % 4 == kSlotVolume ? 0.5 : 118'005.0};
         if (link.write(write, nowMs) && pass % 3 == 0) link.noteReadback(write, false);
         link.takeNotes();
     }
