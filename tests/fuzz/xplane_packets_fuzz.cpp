@@ -12,8 +12,9 @@ namespace {
 
 constexpr std::uint32_t kHere = 0xC0A80105;
 
-// The input is one byte, odd where the pilot has named X-Plane's computer, and a row of datagrams, one a pass, each behind two bytes: how long it is, and what it is: bit 0 for the
-// beacon's socket, not ours; bit 1 from another computer; the others how long until the next, in 50 ms.
+// The input is one byte, odd where the pilot has named X-Plane's computer, and a row of datagrams, one a pass, each
+// behind two bytes: how long it is, and what it is: bit 0 for the beacon's socket, not ours; bit 1 from another
+// computer; the others how long until the next, in 50 ms.
 class FuzzDatagrams : public xplane::Datagrams {
   public:
     explicit FuzzDatagrams(xplane::ByteView bytes) : rest_(bytes) {}

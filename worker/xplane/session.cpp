@@ -46,6 +46,7 @@ void Session::begin(const Simulator& simulator, bool isHeard, std::uint64_t nowM
     simulator_ = simulator;
     begunMs_ = nowMs;
     hasSpoken_ = false;
+    answersFromItsPort_ = false;
     aircraft_++;
     noted_.clear();
     probedMs_.reset();
@@ -94,9 +95,14 @@ void Session::receive(std::uint64_t nowMs) {
     }
 }
 
-// Any port: the answers need not come from the one that was asked. On this computer any of its own addresses.
+// The answers need not come from the port that was asked. Once they do, what comes from another is another program's:
+// a second X-Plane goes on answering a worker that was killed, and we ask from that worker's port. On this computer any
+// of its own addresses.
 bool Session::isOurs(const Endpoint& from) {
-    return from.address == simulator_->at.address || (simulator_->isHere && datagrams_.isHere(from.address));
+    if (from.address != simulator_->at.address && !(simulator_->isHere && datagrams_.isHere(from.address)))
+        return false;
+    answersFromItsPort_ = answersFromItsPort_ || from.port == simulator_->at.port;
+    return !answersFromItsPort_ || from.port == simulator_->at.port;
 }
 
 void Session::onValue(std::int32_t index, float value, std::uint64_t nowMs) {

@@ -98,6 +98,7 @@ class Session {
     std::optional<std::uint64_t> dataMs_;
     std::uint64_t speaksSinceMs_ = 0;
     bool hasSpoken_ = false;
+    bool answersFromItsPort_ = false;  // since it begun, at least once
     std::uint32_t aircraft_ = 0;
     std::set<std::string> noted_;  // in this session
     std::vector<std::string> notes_;

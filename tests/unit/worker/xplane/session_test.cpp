@@ -204,6 +204,25 @@ TEST_F(XPlaneSession, TakesAnswersFromAnyPortAndAnyAddressOfItsOwnComputer) {
     EXPECT_EQ(session->value(kTune), other.cockpit["tune"]);
 }
 
+// A second X-Plane on this computer goes on answering a worker that was killed, at the port from which we ask now.
+TEST_F(XPlaneSession, TakesNoOtherPortsAnswersOnceTheOneThatWasAskedAnswers) {
+    begin();
+    sim.answersFrom = {kHere, 49010};
+    sim.cockpit["tune"] = 119'000.0f;
+    fly();
+    EXPECT_EQ(session->value(kTune), 119'000.0);  // perhaps it never answers from the port that was asked
+    sim.answersFrom.reset();
+    sim.cockpit["tune"] = 120'000.0f;
+    fly();
+    for (int i = 0; i < 5; i++) {
+        sim.answersFrom = {kLoopback, 49010};
+        sim.tell(1, 121'000.0f);
+        pass();
+        EXPECT_EQ(session->value(kTune), 120'000.0);
+    }
+    EXPECT_EQ(notes, std::vector<std::string>{"something that X-Plane has not sent was ignored"});
+}
+
 TEST_F(XPlaneSession, IgnoresStrangersAndNonsenseAndSaysSoOnce) {
     begin();
     fly();
