@@ -5,9 +5,9 @@
 # stand-in simulators; the artwork; the fuzz targets on the inputs in the tree, then FUZZ_SECONDS (1) each on new ones;
 # the documents' links and quotes; the formatting. Logs are in build/test-logs. Ends with the sum of all runs.
 # test.sh --full - the same with every unit test under Wine too, otherwise those whose results depend on the compiler;
-# with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT); with two minutes of soak; and
-# with 1,000 loads of the plugin into one process, 500 timed shutdowns and a start and an end for each of their
-# allocations (Long.*).
+# with the client tests a second time as a voice client of today (CORVALIS_NEW_CLIENT); and with two minutes of soak.
+# test.sh --long - 1,000 loads of the plugin into one process, 500 timed shutdowns, and a start and an end for each of
+# their allocations (Long.*), and nothing else: half an hour on a machine with little else to do, as its time limit asks.
 # test.sh --soak MINUTES [--seed N ...] - builds the package and soaks it (tests/soak/soak_win.cpp has the options), and
 # nothing else; build/soak has the figures.
 # test.sh --threads MINUTES - those with threads in random order under the thread sanitizer, and nothing else.
@@ -18,7 +18,7 @@ cd "$(dirname "$0")"
 export LC_ALL=C.UTF-8
 
 windows_tests=(client_tests number_tests restarts)
-windows_without=(-E '^(unit_tests|Long[.])')
+windows_without=(-E '^(unit_tests|Long[.])')  # without --full
 soak_folder=build/soak
 
 # soak MINUTES [OPTION...] - succeeds only after a good verdict. The program ends by itself when it is stuck; twenty-five
@@ -42,9 +42,19 @@ soak_alone() {
     soak "$@"
 }
 
+long_runs() {
+    tools/packages.sh product wine test || return 1
+    { [ -f build/windows/build.ninja ] || cmake --preset windows; } &&
+        cmake --build build/windows --target client_tests restarts || return 1
+    . tools/wine.sh
+    start_wine_slots 1
+    ctest --preset windows -j 1 -R '^Long[.]' --verbose
+}
+
 case "${1:-}" in
     "") ;;
-    --full) windows_tests+=(soak unit_tests); windows_without=() ;;
+    --full) windows_tests+=(soak unit_tests); windows_without=(-E '^Long[.]') ;;
+    --long) long_runs; exit ;;
     --soak)
         [[ "${2:-}" =~ ^[0-9]+(\.[0-9]+)?$ ]] || { echo "usage: ./test.sh --soak MINUTES [--seed N]" >&2; exit 2; }
         soak_alone "${@:2}"
@@ -58,7 +68,7 @@ case "${1:-}" in
         tools/packages.sh product lint && exec tools/lint.sh
         exit 1
         ;;
-    *) echo "usage: ./test.sh [--full | --soak MINUTES | --threads MINUTES | --lint]" >&2; exit 2 ;;
+    *) echo "usage: ./test.sh [--full | --long | --soak MINUTES | --threads MINUTES | --lint]" >&2; exit 2 ;;
 esac
 
 fuzz_seconds=${FUZZ_SECONDS:-1}

@@ -53,7 +53,7 @@ constexpr Column kColumns[] = {
     {"call ms",   "host_call_worst_ms", "ms",     8, 1, kNotJudged, [](const SoakLine& l) { return milliseconds(l.hostCalls.worst()); }},
     {"pass ms",   "poll_gap_worst_ms", "ms",      8, 1, kNotJudged, [](const SoakLine& l) { return milliseconds(l.passGaps.worst()); }},
     {"private M", "private_mib",       "MiB",    10, 2, 2.0,        [](const SoakLine& l) { return mebibytes(l.privateBytes); }},
-    {"heap M",    "heap_mib",          "MiB",     7, 2, 0.15,       [](const SoakLine& l) { return mebibytes(l.heapBytes); }},
+    {"heap M",    "heap_mib",          "MiB",     7, 2, 0.5,        [](const SoakLine& l) { return mebibytes(l.heapBytes); }},
     {"worker M",  "worker_mib",        "MiB",     9, 2, 0.5,        [](const SoakLine& l) { return mebibytes(l.workerBytes); }},
     {"gdi",       "gdi_objects",       "",        5, 0, 5.0,        [](const SoakLine& l) { return static_cast<double>(l.gdiObjects); }},
     {"user",      "user_objects",      "",        5, 0, 2.0,        [](const SoakLine& l) { return static_cast<double>(l.userObjects); }},

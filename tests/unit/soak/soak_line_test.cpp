@@ -124,7 +124,7 @@ TEST(SoakVerdict, SeesSmallLeaksInTwoMinutes) {
         }));
     };
     EXPECT_EQ(leaks(0, 0), Names{});
-    EXPECT_EQ(leaks(7 * 1024, 0), Names{"heap_mib"});
+    EXPECT_EQ(leaks(14 * 1024, 0), Names{"heap_mib"});
     EXPECT_EQ(leaks(0, 2), Names{"handles"});
 }
 
