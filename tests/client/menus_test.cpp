@@ -88,7 +88,7 @@ TEST_F(Menus, ShowPanelSavesTheSettingsWithThePanelVisible) {
     EXPECT_NE(session.settings().find("\r\npanel_visible=1\r\n"), std::string::npos);
     EXPECT_NE(session.settings().find("\r\ntheme=1\r\n"), std::string::npos);
     EXPECT_NE(session.settings().find("\r\npanel_x=-12\r\n"), std::string::npos);
-    EXPECT_FALSE(hasTemporaryFiles(session.dataFolder));
+    EXPECT_FALSE(keepsTemporaryFiles(session.dataFolder));
 }
 
 TEST_F(Menus, UnknownEntriesAreIgnored) {

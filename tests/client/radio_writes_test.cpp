@@ -55,7 +55,7 @@ TEST_F(RadioWrites, AStepBecomesOneCommandOfThisForm) {
     EXPECT_EQ(command,
               "{\"id\":\"" + id + "\",\"com\":1,\"slot\":\"standby\",\"target\":121505,\"created\":" + created + "}");
     EXPECT_EQ(id.rfind(std::to_string(GetCurrentProcessId()) + "-", 0), 0u) << id;
-    EXPECT_FALSE(hasTemporaryFiles(session.dataFolder));
+    EXPECT_FALSE(keepsTemporaryFiles(session.dataFolder));
 }
 
 TEST_F(RadioWrites, CreatedIsTheTimeOfWriting) {

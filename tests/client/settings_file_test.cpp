@@ -103,7 +103,7 @@ TEST_F(SettingsFile, ThatIsReadOnlyIsReadAndASaveThatFailsIsLivedWith) {
         EXPECT_EQ(pauses.ms(), 0u);  // waiting does not help
     }
     EXPECT_EQ(session.settings(), before);
-    EXPECT_FALSE(hasTemporaryFiles(session.dataFolder));
+    EXPECT_FALSE(keepsTemporaryFiles(session.dataFolder));
     EXPECT_EQ(linesWith("Corvalis cannot save settings.ini (error 5)"), 1);
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
     saveByTheMenu();

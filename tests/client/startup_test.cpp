@@ -127,7 +127,7 @@ TEST_F(StartUp, LosesNoTimeOverSoundsThatCannotBeReplacedAndLeavesNoneBesideThem
     lock.release();
     SetFileAttributesW(tail.c_str(), FILE_ATTRIBUTE_NORMAL);
     EXPECT_EQ(readFile(tail) + readFile(alert), "my ownmy own");
-    EXPECT_FALSE(hasTemporaryFiles(session.dataFolder));
+    EXPECT_FALSE(keepsTemporaryFiles(session.dataFolder));
 }
 
 TEST_F(StartUp, LogsThatNoWorkerCouldBeStarted) {

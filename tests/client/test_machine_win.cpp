@@ -1,5 +1,6 @@
 #include "tests/client/test_machine_win.h"
 #include <windows.h>
+#include <algorithm>
 #include <fstream>
 // tlhelp32.h needs windows.h before it.
 #include <tlhelp32.h>
@@ -106,10 +107,14 @@ bool replaceFile(const std::filesystem::path& file, std::string_view bytes) {
     return waitFor([&] { return MoveFileExW(beside.c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING) != 0; });
 }
 
-bool hasTemporaryFiles(const std::filesystem::path& folder) {
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        if (entry.path().extension() == ".tmp") return true;
-    return false;
+bool keepsTemporaryFiles(const std::filesystem::path& folder) {
+    const auto isTemporary = [](const auto& entry) { return entry.path().extension() == ".tmp"; };
+    const auto hasNone = [&] {
+        std::error_code error;
+        const std::filesystem::directory_iterator entries(folder, error);
+        return !error && std::none_of(begin(entries), end(entries), isTemporary);
+    };
+    return !waitFor(hasNone);
 }
 
 std::uintmax_t fileBytes(const std::filesystem::path& file) {
