@@ -49,7 +49,8 @@ std::string readFile(const std::filesystem::path& file);
 bool writeFile(const std::filesystem::path& file, std::string_view bytes);
 // Writes a temporary file and moves it over file, as the other process does; retries while a reader holds it.
 bool replaceFile(const std::filesystem::path& file, std::string_view bytes);
-// Whether a *.tmp stays in folder. One that is there for a moment is a write under way on another of the plugin's threads.
+// Whether a *.tmp stays in folder. One that is there for a moment is a write under way on another of the plugin's
+// threads.
 bool keepsTemporaryFiles(const std::filesystem::path& folder);
 std::uintmax_t fileBytes(const std::filesystem::path& file);  // 0 if there is none
 

@@ -3,10 +3,8 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
-#include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include "worker/xplane/udp_datagrams.h"
+#include "worker/xplane/system_endpoint.h"
 
 namespace xplane {
 
@@ -16,25 +14,10 @@ int descriptorOf(std::intptr_t handle) {
     return static_cast<int>(handle);
 }
 
-sockaddr_in systemForm(const Endpoint& endpoint) {
-    sockaddr_in form{};
-    form.sin_family = AF_INET;
-    form.sin_addr.s_addr = htonl(endpoint.address);
-    form.sin_port = htons(endpoint.port);
-    return form;
-}
-
-Endpoint endpointFrom(const sockaddr_in& form) {
-    return {ntohl(form.sin_addr.s_addr), ntohs(form.sin_port)};
-}
-
 }  // namespace
 
 std::optional<Endpoint> endpointOf(const NetAddress& address) {
-    sockaddr_in form{};
-    if (address.family != AF_INET || address.length < sizeof form) return std::nullopt;
-    std::memcpy(&form, address.bytes.data(), sizeof form);
-    return endpointFrom(form);
+    return endpointFrom(address);
 }
 
 std::uint32_t UdpSocket::open(const Endpoint& at, bool isShared, void* /*event*/) {
@@ -85,13 +68,7 @@ std::vector<std::uint32_t> ownAddresses() {
     std::vector<std::uint32_t> addresses = {INADDR_LOOPBACK};
     ifaddrs* list = nullptr;
     if (getifaddrs(&list) != 0) return addresses;
-    for (const auto* entry = list; entry; entry = entry->ifa_next) {
-        if (!entry->ifa_addr || entry->ifa_addr->sa_family != AF_INET) continue;
-        sockaddr_in form{};
-        std::memcpy(&form, entry->ifa_addr, sizeof form);
-        const auto address = ntohl(form.sin_addr.s_addr);
-        if (std::find(addresses.begin(), addresses.end(), address) == addresses.end()) addresses.push_back(address);
-    }
+    for (const auto* entry = list; entry; entry = entry->ifa_next) addOwnAddress(entry->ifa_addr, addresses);
     freeifaddrs(list);
     return addresses;
 }

@@ -1,8 +1,6 @@
 #include <winsock2.h>
 #include <ws2tcpip.h>
-#include <algorithm>
-#include <cstring>
-#include "worker/xplane/udp_datagrams.h"
+#include "worker/xplane/system_endpoint.h"
 
 namespace xplane {
 
@@ -14,25 +12,10 @@ SOCKET socketOf(std::intptr_t handle) {
     return static_cast<SOCKET>(handle);
 }
 
-sockaddr_in systemForm(const Endpoint& endpoint) {
-    sockaddr_in form{};
-    form.sin_family = AF_INET;
-    form.sin_addr.s_addr = htonl(endpoint.address);
-    form.sin_port = htons(endpoint.port);
-    return form;
-}
-
-Endpoint endpointFrom(const sockaddr_in& form) {
-    return {ntohl(form.sin_addr.s_addr), ntohs(form.sin_port)};
-}
-
 }  // namespace
 
 std::optional<Endpoint> endpointOf(const NetAddress& address) {
-    sockaddr_in form{};
-    if (address.family != AF_INET || address.length < sizeof form) return std::nullopt;
-    std::memcpy(&form, address.bytes.data(), sizeof form);
-    return endpointFrom(form);
+    return endpointFrom(address);
 }
 
 // Without an event it is made non-blocking by hand; WSAEventSelect does it as well.
@@ -107,14 +90,7 @@ std::vector<std::uint32_t> ownAddresses() {
     closesocket(asked);
     if (result != 0) return addresses;
     const auto* list = reinterpret_cast<const SOCKET_ADDRESS_LIST*>(buffer.data());
-    for (int i = 0; i < list->iAddressCount; i++) {
-        const auto& entry = list->Address[i];
-        if (!entry.lpSockaddr || entry.lpSockaddr->sa_family != AF_INET) continue;
-        sockaddr_in form{};
-        std::memcpy(&form, entry.lpSockaddr, sizeof form);
-        const auto address = ntohl(form.sin_addr.s_addr);
-        if (std::find(addresses.begin(), addresses.end(), address) == addresses.end()) addresses.push_back(address);
-    }
+    for (int i = 0; i < list->iAddressCount; i++) addOwnAddress(list->Address[i].lpSockaddr, addresses);
     return addresses;
 }
 
