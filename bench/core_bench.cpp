@@ -8,14 +8,11 @@
 #include <vector>
 #include "audio/tones.h"
 #include "base/number_text.h"
-#include "bridge/poll_loop.h"
 #include "settings/settings_text.h"
-#include "tests/client/host_model.h"
-#include "tests/unit/fakes.h"
+#include "tests/unit/bridge/rig.h"
 
 namespace {
 
-constexpr const char* kFolder = "C:\\Data";
 constexpr std::size_t kFileBytes = 2048;  // the worker's file plus what a talkative worker would add
 constexpr std::size_t kChannels = 2000;
 constexpr double kNow = 1790000000.0;  // ManualClock's wall clock
@@ -141,19 +138,7 @@ struct PassRig {
     TailPlayer tails{functions, settings, clock, "C:/Data/radio_tail.wav", {}};
     VoiceLevels voice;
     PollMemory memory;
-    PollContext context{.host = functions,
-                        .files = files,
-                        .clock = clock,
-                        .dataFolder = kFolder,
-                        .processId = 4242,
-                        .currentServer = server,
-                        .settings = settings,
-                        .radios = radios,
-                        .moves = moves,
-                        .talk = talk,
-                        .tails = tails,
-                        .voice = voice,
-                        .lookAtWorker = [] { return WorkerLife{}; }};
+    PollContext context = pollContextOf(*this);
 };
 
 void passUnchanged(benchmark::State& state) {

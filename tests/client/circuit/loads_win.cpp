@@ -113,7 +113,7 @@ class Loads {
     // From a load to the unload. False if something was left behind; says what.
     bool live() {
         PluginLife life(chance_, crowd_, places_);
-        if (!life.load()) return tell(life, {"it cannot be loaded"});
+        if (!life.load()) return life.leftNothing({"it cannot be loaded"});
         bool isGood = true;
         for (int starts = chance_.oneIn(5) ? 2 : 1; starts > 0; starts--) {
             life.start();
@@ -123,21 +123,15 @@ class Loads {
             }
             life.wait(chance_.below(60));
             life.shutDown();
-            isGood = tell(life, life.leftovers()) && isGood;
+            isGood = life.leftNothing(life.leftovers()) && isGood;
         }
         life.unload();
-        if (GetModuleHandleW(L"corvalis_win64.dll")) isGood = tell(life, {"the DLL"});
+        if (GetModuleHandleW(L"corvalis_win64.dll")) isGood = life.leftNothing({"the DLL"});
         return isGood;
     }
     std::uint64_t hostCalls() const { return crowd_.calls(); }
 
   private:
-    static bool tell(const PluginLife& life, const std::vector<std::string>& leftovers) {
-        for (const std::string& left : leftovers)
-            std::printf("LEFT     %s, after: %s\n", left.c_str(), life.story().c_str());
-        return leftovers.empty();
-    }
-
     Chance chance_;
     const LifePlaces places_;
     HostCrowd crowd_;

@@ -285,6 +285,11 @@ std::vector<std::string> PluginLife::leftovers() {
     return left;
 }
 
+bool PluginLife::leftNothing(const std::vector<std::string>& leftovers) const {
+    for (const std::string& left : leftovers) std::printf("LEFT     %s, after: %s\n", left.c_str(), story().c_str());
+    return leftovers.empty();
+}
+
 void PluginLife::unload() {
     if (isInDialog_) {  // its code is about to go, and whoever waits for it waits for ever
         std::printf("STUCK    in a dialog that does not close (window %p), after: %s\n",

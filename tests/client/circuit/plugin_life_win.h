@@ -51,6 +51,9 @@ class PluginLife {
     std::vector<std::string> leftovers();
     void unload();
 
+    // Whether that is so; else says what was left, and after what.
+    bool leftNothing(const std::vector<std::string>& leftovers) const;
+
     // What was done, in order: "load flying, dialog, hold panel, ...".
     const std::string& story() const { return story_; }
 

@@ -65,7 +65,7 @@ class Shutdowns {
     // A life up to its shutdown. False if something was left behind; says what.
     bool live() {
         PluginLife life(chance_, crowd_, places_);
-        if (!life.load()) return tell(life, {"it cannot be loaded"});
+        if (!life.load()) return life.leftNothing({"it cannot be loaded"});
         life.start();
         // From the very first moment on, in the midst of whatever the last deed has set off.
         for (int deeds = chance_.below(8); deeds > 0; deeds--) {
@@ -74,7 +74,7 @@ class Shutdowns {
         }
         life.wait(chance_.oneIn(2) ? 0 : chance_.below(400));
         shutdowns_.push_back(time(life));
-        const bool isGood = tell(life, life.leftovers());
+        const bool isGood = life.leftNothing(life.leftovers());
         life.unload();
         return isGood;
     }
@@ -93,11 +93,6 @@ class Shutdowns {
         const double ms = static_cast<double>(fineUs() - beganUs) / 1000.0;
         watchdog_.end();
         return {.ms = ms, .withheldMs = withheld_.ms() - withheldMs, .story = life.story()};
-    }
-    static bool tell(const PluginLife& life, const std::vector<std::string>& leftovers) {
-        for (const std::string& left : leftovers)
-            std::printf("LEFT     %s, after: %s\n", left.c_str(), life.story().c_str());
-        return leftovers.empty();
     }
 
     Chance chance_;

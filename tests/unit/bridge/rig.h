@@ -102,6 +102,25 @@ inline std::vector<Command> commandsOf(CommandQueue& queue) {
     return {queue.commands.begin(), queue.commands.end()};
 }
 
+// What a pass works with in a world that has all of it as members; the world outlives it.
+template <class World>
+PollContext pollContextOf(
+    World& world, std::function<WorkerLife()> lookAtWorker = [] { return WorkerLife{}; }) {
+    return {.host = world.functions,
+            .files = world.files,
+            .clock = world.clock,
+            .dataFolder = kFolder,
+            .processId = kHostProcess,
+            .currentServer = world.server,
+            .settings = world.settings,
+            .radios = world.radios,
+            .moves = world.moves,
+            .talk = world.talk,
+            .tails = world.tails,
+            .voice = world.voice,
+            .lookAtWorker = std::move(lookAtWorker)};
+}
+
 // All that the poll loop works on, beside a voice client: own client 5 in the lobby of server 1.
 template <class Files>
 struct PollRigOn {
@@ -164,18 +183,6 @@ struct PollRigOn {
     TailPlayer tails{functions, settings, clock, "C:/Data/radio_tail.wav", {}};
     VoiceLevels voice;
     PollMemory memory;
-    PollContext context{.host = functions,
-                        .files = files,
-                        .clock = clock,
-                        .dataFolder = kFolder,
-                        .processId = kHostProcess,
-                        .currentServer = server,
-                        .settings = settings,
-                        .radios = radios,
-                        .moves = moves,
-                        .talk = talk,
-                        .tails = tails,
-                        .voice = voice,
-                        .lookAtWorker = [this] { return worker; }};
+    PollContext context = pollContextOf(*this, [this] { return worker; });
 };
 using PollRig = PollRigOn<MemoryFiles>;

@@ -50,7 +50,7 @@ bool isWhole(const SimState& state) {
 }
 
 class RandomRooms : public testing::Test {
-  protected:
+  public:
     RandomRooms() {
         for (const std::uint64_t schid : {1U, 2U}) {
             host.addServer(schid, static_cast<std::uint16_t>(4 + schid), 10);
@@ -77,19 +77,7 @@ class RandomRooms : public testing::Test {
     void runPolling() {
         Schedule::begin(seed, 100);
         PollMemory memory;
-        PollContext context{.host = functions,
-                            .files = files,
-                            .clock = clock,
-                            .dataFolder = kFolder,
-                            .processId = kHostProcess,
-                            .currentServer = server,
-                            .settings = settings,
-                            .radios = radios,
-                            .moves = moves,
-                            .talk = talk,
-                            .tails = tails,
-                            .voice = voice,
-                            .lookAtWorker = [] { return WorkerLife{}; }};
+        PollContext context = pollContextOf(*this);
         while (!stopPolling) {
             tryPass(radios, [&] { pollOnce(memory, context); });
             clock.advance(kPollPeriodMs);

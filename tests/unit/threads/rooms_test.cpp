@@ -107,7 +107,7 @@ bool fitsTogether(const SimState& state) {
 }
 
 class RoomsTest : public testing::Test {
-  protected:
+  public:
     RoomsTest() {
         host.addServer(1, 5, 10);
         host.addServer(2, 6, 20);
@@ -126,19 +126,7 @@ class RoomsTest : public testing::Test {
 
     void runPolling(const std::atomic<bool>& stop) {
         PollMemory memory;
-        PollContext context{.host = functions,
-                            .files = files,
-                            .clock = clock,
-                            .dataFolder = kFolder,
-                            .processId = kHostProcess,
-                            .currentServer = server,
-                            .settings = settings,
-                            .radios = radios,
-                            .moves = moves,
-                            .talk = talk,
-                            .tails = tails,
-                            .voice = voice,
-                            .lookAtWorker = [] { return WorkerLife{}; }};
+        PollContext context = pollContextOf(*this);
         while (!stop) {
             pollOnce(memory, context);
             clock.advance(kPollPeriodMs);

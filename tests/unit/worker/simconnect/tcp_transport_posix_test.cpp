@@ -6,14 +6,13 @@
 #include <unistd.h>
 #include <array>
 #include <chrono>
-#include <functional>
 #include <future>
 #include <optional>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 #include "tests/simulator/loopback_address.h"
+#include "tests/unit/worker/becomes.h"
 #include "worker/simconnect/connection.h"
 #include "worker/simconnect/tcp_transport.h"
 
@@ -77,16 +76,6 @@ class SilentListener : public Listener {
 
 // For what happens at once: no time passes.
 constexpr std::uint64_t kNowMs = 5'000;
-
-// Polls until the condition holds; false after half a minute.
-bool becomes(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::yield();
-    }
-    return true;
-}
 
 bool opens(TcpTransport& transport) {
     transport.connect();

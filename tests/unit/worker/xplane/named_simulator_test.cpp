@@ -1,23 +1,12 @@
 #include "worker/xplane/named_simulator.h"
 #include <gtest/gtest.h>
 #include <atomic>
-#include <chrono>
-#include <functional>
-#include <thread>
+#include "tests/unit/worker/becomes.h"
 
 namespace {
 
 using xplane::Endpoint;
 using xplane::NamedSimulator;
-
-bool becomes(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::yield();
-    }
-    return true;
-}
 
 std::vector<NetAddress> addressesOf(std::initializer_list<const char*> hosts) {
     std::vector<NetAddress> all;

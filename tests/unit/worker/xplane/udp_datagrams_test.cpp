@@ -6,6 +6,7 @@
 #include <chrono>
 #include <functional>
 #include <thread>
+#include "tests/unit/worker/becomes.h"
 
 namespace {
 
@@ -17,15 +18,6 @@ using xplane::UdpSocket;
 constexpr std::uint32_t kLocalhost = 0x7F000001;
 constexpr std::uint32_t kNobody = 0xC0000201;  // 192.0.2.1: kept for examples, so not this computer
 using Bytes = std::vector<std::uint8_t>;
-
-bool becomes(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::yield();
-    }
-    return true;
-}
 
 // X-Plane's side: one socket on a port of its own, in a process where sockets are usable.
 class Other {
