@@ -33,6 +33,7 @@ class HostileScreen final : public MessageScreen {
         if (!hasRoom) return nullptr;
         measured = 0;
         return [this](const PageTextStyle& style, std::u16string_view text) {
+            measuredBy = font;
             require(++measured < kMostMeasured, "a page is laid out in good time");
             require(style.size > 0.0f && style.size <= 22.0f, "a font has a size");
             return widthOf(style, text);
@@ -51,6 +52,7 @@ class HostileScreen final : public MessageScreen {
     std::uint32_t dpi = 96;
     std::int32_t width = 620;
     int measured = 0;
+    Font measuredBy = Font::kSensible;  // the page that is shown: a new font alone lays nothing out
 
   private:
     float widthOf(const PageTextStyle& style, std::u16string_view text) {
@@ -180,7 +182,7 @@ class World final : public NewestMessageOpener {
     }
     void checkCursor() const {
         const auto& cursor = model_.cursor();
-        if (!cursor || screen_.font != Font::kSensible) return;
+        if (!cursor || screen_.measuredBy != Font::kSensible) return;
         const UnitRect& rect = cursor->rect;
         require(rect.x >= 20 && rect.x + rect.width <= 600 && rect.y >= 72 && rect.y + rect.height <= 360,
                 "the cursor stands on the page");
