@@ -5,6 +5,7 @@
 #include <algorithm>
 #include "tests/client/resource_count_win.h"
 #include "tests/client/test_machine_win.h"
+#include "tests/soak/own_memory_win.h"
 #include "tests/soak/stopwatch_win.h"
 
 // From ntdll; no header declares them.
@@ -42,6 +43,8 @@ void fillCounts(SoakLine& line, HANDLE worker) {
     const ResourceCount resources = countResources();
     line.privateBytes = resources.privateBytes;
     line.heapBytes = heapBytes();
+    line.ownBytes = OwnMemory::bytes();
+    line.ownBlocks = OwnMemory::blocks();
     line.workerBytes = privateBytesOf(worker);
     line.gdiObjects = resources.gdiObjects;
     line.userObjects = resources.userObjects;
@@ -109,6 +112,8 @@ void ProcessLook::fill(SoakLine& line, std::uint32_t uiThread, std::uint32_t pol
         fillCounts(again, worker_);
         for (auto SoakLine::*const bytes : {&SoakLine::privateBytes, &SoakLine::heapBytes, &SoakLine::workerBytes})
             line.*bytes = std::min(line.*bytes, again.*bytes);
+        for (auto SoakLine::*const own : {&SoakLine::ownBytes, &SoakLine::ownBlocks})
+            line.*own = std::min(line.*own, again.*own);
         for (auto SoakLine::*const count :
              {&SoakLine::gdiObjects, &SoakLine::userObjects, &SoakLine::handles, &SoakLine::threads})
             line.*count = std::min(line.*count, again.*count);

@@ -54,6 +54,8 @@ constexpr Column kColumns[] = {
     {"pass ms",   "poll_gap_worst_ms", "ms",      8, 1, kNotJudged, [](const SoakLine& l) { return milliseconds(l.passGaps.worst()); }},
     {"private M", "private_mib",       "MiB",    10, 2, 2.0,        [](const SoakLine& l) { return mebibytes(l.privateBytes); }},
     {"heap M",    "heap_mib",          "MiB",     7, 2, 0.5,        [](const SoakLine& l) { return mebibytes(l.heapBytes); }},
+    {"own K",     "own_kib",           "KiB",     8, 1, 64.0,       [](const SoakLine& l) { return static_cast<double>(l.ownBytes) / 1024.0; }},
+    {"blocks",    "own_blocks",        "",        8, 0, 50.0,       [](const SoakLine& l) { return static_cast<double>(l.ownBlocks); }},
     {"worker M",  "worker_mib",        "MiB",     9, 2, 0.5,        [](const SoakLine& l) { return mebibytes(l.workerBytes); }},
     {"gdi",       "gdi_objects",       "",        5, 0, 5.0,        [](const SoakLine& l) { return static_cast<double>(l.gdiObjects); }},
     {"user",      "user_objects",      "",        5, 0, 2.0,        [](const SoakLine& l) { return static_cast<double>(l.userObjects); }},

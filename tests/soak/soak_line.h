@@ -24,7 +24,9 @@ struct SoakLine {
     BlockTimes hostCalls;            // the plugin's answers to events
     BlockTimes passGaps;             // between two passes of the poll thread, while connected
     std::uint64_t privateBytes = 0;  // of this process
-    std::uint64_t heapBytes = 0;     // in use
+    std::uint64_t heapBytes = 0;     // in use, by whomever
+    std::int64_t ownBytes = 0;       // of the plugin itself
+    std::int64_t ownBlocks = 0;      // in so many blocks
     std::uint64_t workerBytes = 0;   // private, of the worker's process
     int gdiObjects = 0;
     int userObjects = 0;

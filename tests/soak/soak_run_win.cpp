@@ -2,6 +2,7 @@
 #include <windows.h>
 #include <cstdio>
 #include "base/number_text.h"
+#include "tests/soak/script_probe_win.h"
 #include "tests/soak/soak_world.h"
 #include "tests/soak/stopwatch_win.h"
 
@@ -17,6 +18,16 @@ constexpr std::size_t kTitlesEvery = 30;                  // lines
 
 std::size_t lineCount(const SoakOptions& options) {
     return static_cast<std::size_t>(options.minutes * 60.0 / options.everySeconds) + kFewestLines;
+}
+
+// What this system itself would leak on is left out, or the heap could not be judged.
+Scripts scriptsOfThisSystem() {
+    constexpr double kLeaks = 8.0;  // bytes for each text; a good system's books waver by less
+    const double bytes = bytesKeptForAComplexText();
+    if (bytes < kLeaks) return Scripts::kAll;
+    say("This system's GDI+ keeps " + formatFixed(bytes, 0) +
+        " bytes for each text of a complex script: no strange text has one");
+    return Scripts::kNoComplex;
 }
 
 }  // namespace
@@ -65,12 +76,17 @@ bool SoakRun::start() {
         if (call.function == "getClientSelfVariableAsInt") passes_.onPass(GetCurrentThreadId(), nowNs());
         if (call.function == "logMessage") log_.add(call);
     });
+    const Scripts scripts = scriptsOfThisSystem();
     if (!plugin_.load(productFile("corvalis_win64.dll")) || !plugin_.introduce(host_)) {
         say("The plugin does not load: " + plugin_.error());
         return false;
     }
+    if (!ownMemory_.emplace().isCounting()) {
+        say("The plugin has its memory from elsewhere");
+        return false;
+    }
     plugin_.exports().registerPluginID(kSoakPluginId);
-    server_.emplace(host_, plugin_, passes_, dice_.next());
+    server_.emplace(host_, plugin_, passes_, scripts, dice_.next());
     plugin_.exports().init();
     std::vector<std::uint32_t> workers;
     const bool isComplete = waitFor(

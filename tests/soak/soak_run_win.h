@@ -13,6 +13,7 @@
 #include "tests/soak/answer_watch_win.h"
 #include "tests/soak/audio_crew.h"
 #include "tests/soak/busy_server.h"
+#include "tests/soak/own_memory_win.h"
 #include "tests/soak/pass_watch.h"
 #include "tests/soak/pilot_win.h"
 #include "tests/soak/planted_leak_win.h"
@@ -87,6 +88,7 @@ class SoakRun {
     SystemClock clock_;
     HostModel host_{clock_};
     PluginLibrary plugin_;
+    std::optional<OwnMemory> ownMemory_;
     // In the order of their beginning; each ends before those above it.
     std::optional<BusyServer> server_;
     std::optional<ProcessLook> look_;

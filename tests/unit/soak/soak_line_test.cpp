@@ -14,6 +14,8 @@ std::vector<SoakLine> linesWith(const std::function<void(SoakLine&, int)>& chang
         line.atSeconds = 10.0 * (i + 1);
         line.privateBytes = 100U << 20U;
         line.heapBytes = 20U << 20U;
+        line.ownBytes = 18 << 20;
+        line.ownBlocks = 500;
         line.workerBytes = 5U << 20U;
         line.gdiObjects = 80;
         line.userObjects = 6;
@@ -46,7 +48,7 @@ using Names = std::vector<std::string>;
 TEST(SoakVerdict, OfARunThatStandsStillFindsNothing) {
     const auto lines = linesWith([](SoakLine&, int) {});
     EXPECT_EQ(growing(lines), Names{});
-    EXPECT_EQ(judgeGrowth(lines).size(), 7u);
+    EXPECT_EQ(judgeGrowth(lines).size(), 9u);
 }
 
 TEST(SoakVerdict, NamesWhatGrows) {
@@ -58,6 +60,8 @@ TEST(SoakVerdict, NamesWhatGrows) {
     };
     EXPECT_EQ(grows(&SoakLine::privateBytes, 300'000), Names{"private_mib"});
     EXPECT_EQ(grows(&SoakLine::heapBytes, 150'000), Names{"heap_mib"});
+    EXPECT_EQ(grows(&SoakLine::ownBytes, 20'000), Names{"own_kib"});
+    EXPECT_EQ(grows(&SoakLine::ownBlocks, 20), Names{"own_blocks"});
     EXPECT_EQ(grows(&SoakLine::workerBytes, 150'000), Names{"worker_mib"});
     EXPECT_EQ(grows(&SoakLine::gdiObjects, 1), Names{"gdi_objects"});
     EXPECT_EQ(grows(&SoakLine::userObjects, 1), Names{"user_objects"});
