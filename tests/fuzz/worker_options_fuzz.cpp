@@ -1,5 +1,6 @@
 // worker_options_fuzz.cpp - a command line, one argument a line, and below the first empty line a worker.ini: what is
 // understood can be used, what the command line says stands, and the address is masked wherever it is shown.
+#include <algorithm>
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/text_mutator.h"
 #include "worker/host_names.h"
@@ -8,8 +9,10 @@
 namespace {
 
 constexpr std::string_view kSample =
-    "--data-dir\nC:\\Data\n--watch-pid\n4242\n--simulate\nflight.txt\n--address\nsimpc:500\n--diagnose\n\n"
-    "# remark\n; remark\n[worker]\nlink=auto\nlink = \"simulate\"\naddress=[fe80::1%3]:500\nscript=C:\\flight.txt\n";
+    "--data-dir\nC:\\Data\n--watch-pid\n4242\n--simulate\nflight.txt\n--address\nsimpc:500\n--diagnose\n"
+    "--link\nxplane\n--beacon\n239.255.1.1:49707\n\n"
+    "# remark\n; remark\n[worker]\nlink=auto\nlink = \"simulate\"\naddress=[fe80::1%3]:500\nscript=C:\\flight.txt\n"
+    "link=simconnect\nlink=xplane\nbeacon=127.0.0.1:5000\n";
 
 bool isSame(const std::optional<HostPort>& left, const std::optional<HostPort>& right) {
     if (!left || !right) return left.has_value() == right.has_value();
@@ -18,7 +21,8 @@ bool isSame(const std::optional<HostPort>& left, const std::optional<HostPort>& 
 
 bool isSame(const WorkerOptions& left, const WorkerOptions& right) {
     return left.dataDir == right.dataDir && left.watchPid == right.watchPid && left.link == right.link &&
-           left.script == right.script && isSame(left.address, right.address) && left.diagnose == right.diagnose;
+           left.script == right.script && isSame(left.address, right.address) && left.beacon == right.beacon &&
+           left.diagnose == right.diagnose;
 }
 
 void checkAddress(const HostPort& address) {
@@ -28,7 +32,9 @@ void checkAddress(const HostPort& address) {
 
 void checkShown(const WorkerOptions& options) {
     const auto shown = describeLink(options);
-    require(shown.starts_with("link auto, ") || shown.starts_with("link simulate, "), "the link is described", shown);
+    constexpr std::string_view kBeginnings[] = {"link auto, ", "link simconnect, ", "link xplane, ", "link simulate, "};
+    const bool isNamed = std::ranges::any_of(kBeginnings, [&](auto beginning) { return shown.starts_with(beginning); });
+    require(isNamed, "the link is described", shown);
     if (!options.address || options.link == LinkKind::kSimulate) return;
     for (const auto& name : findHostNames(shown)) require(name == options.address->host, "the host is found", shown);
     const auto masked = maskHostNames(shown, findHostNames(shown));
@@ -40,7 +46,7 @@ void checkCommandLine(const WorkerOptions& options, bool isGood, const std::stri
     if (options.address) checkAddress(*options.address);
     if (!isGood) return;
     require(!options.dataDir.empty() || options.diagnose, "there is a data folder");
-    require(!options.address || options.link == LinkKind::kAuto, "an address means a simulator");
+    require(!options.address || options.link != LinkKind::kSimulate, "an address means a simulator");
 }
 
 void checkIni(std::string_view text, const WorkerOptions& before) {
