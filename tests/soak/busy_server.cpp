@@ -36,6 +36,12 @@ std::string channelName(std::size_t number) {
     }
 }
 
+std::string strangeName(Dice& dice) {
+    std::string name(dice.below(3000), '\0');
+    for (char& byte : name) byte = static_cast<char>(dice.between(1, 255));
+    return name;
+}
+
 constexpr const char* kTexts[] = {
     "CLR TO KJFK VIA SOBRA L980 XAMAB\nINITIAL CLB 5000FT\nSQUAWK 4312",
     "Taxi to holding point K via N7 and L, hold short of runway 25C.",
@@ -47,11 +53,19 @@ constexpr const char* kTexts[] = {
     "https://example.org/a_word_that_never_ends_a_word_that_never_ends_a_word_that_never_ends_a_word_that_never_ends",
 };
 
+std::string textAtRandom(Dice& dice) {
+    std::string text = dice.oneOf(kTexts);
+    if (dice.isOneIn(20)) {
+        while (text.size() < kLongestTextBytes) text += std::string(" ") + dice.oneOf(kTexts);
+    }
+    if (dice.isOneIn(20)) text = strangeName(dice);
+    return text;
+}
+
 }  // namespace
 
-BusyServer::BusyServer(HostModel& host, const PluginLibrary& plugin, PassWatch& passes, Scripts scripts,
-                       std::uint64_t seed)
-    : host_(host), plugin_(plugin), passes_(passes), scripts_(scripts), dice_(seed) {
+BusyServer::BusyServer(HostModel& host, const PluginLibrary& plugin, PassWatch& passes, std::uint64_t seed)
+    : host_(host), plugin_(plugin), passes_(passes), dice_(seed) {
     for (const std::uint64_t schid : kServers) layOut(schid);
     host_.setCurrentServer(kServers[0]);
 }
@@ -122,18 +136,9 @@ void BusyServer::sendText() {
     message.schid = dice_.oneOf(kServers);
     message.targetMode = static_cast<std::uint16_t>(dice_.between(0, 4));
     message.fromClientId = dice_.isOneIn(20) ? kPilot : static_cast<std::uint16_t>(dice_.between(1, kSpeakersEnd));
-    if (dice_.isOneIn(10)) message.fromName = strangeName();
-    message.message = textAtRandom();
+    if (dice_.isOneIn(10)) message.fromName = strangeName(dice_);
+    message.message = textAtRandom(dice_);
     timed([&] { plugin_.deliver(message); });
-}
-
-std::string BusyServer::textAtRandom() {
-    std::string text = dice_.oneOf(kTexts);
-    if (dice_.isOneIn(20)) {
-        while (text.size() < kLongestTextBytes) text += std::string(" ") + dice_.oneOf(kTexts);
-    }
-    if (dice_.isOneIn(20)) text = strangeName();
-    return text;
 }
 
 void BusyServer::happen() {
@@ -206,7 +211,7 @@ void BusyServer::changeChannels() {
     if (!isFrontConnected()) return;
     host_.removeChannel(kServers[front_], kStrangeChannel);
     HostChannel channel{kStrangeChannel, std::nullopt};
-    if (!dice_.isOneIn(4)) channel.name = strangeName();
+    if (!dice_.isOneIn(4)) channel.name = strangeName(dice_);
     host_.addChannel(kServers[front_], channel);
 }
 

@@ -11,14 +11,11 @@
 #include "tests/soak/dice.h"
 #include "tests/soak/pass_watch.h"
 #include "tests/soak/shared_times.h"
-#include "tests/soak/strange_text.h"
-
-inline constexpr std::size_t kLongestName = 3000;  // bytes, of a strange one
 
 class BusyServer {
   public:
-    // Lays out the servers, all connected, the first in front. scripts: of strange names and texts.
-    BusyServer(HostModel& host, const PluginLibrary& plugin, PassWatch& passes, Scripts scripts, std::uint64_t seed);
+    // Lays out the servers, all connected, the first in front.
+    BusyServer(HostModel& host, const PluginLibrary& plugin, PassWatch& passes, std::uint64_t seed);
     ~BusyServer() { stop(); }
     BusyServer(const BusyServer&) = delete;
     BusyServer& operator=(const BusyServer&) = delete;
@@ -54,13 +51,10 @@ class BusyServer {
     void timed(Call call);
     bool isFrontConnected() const { return tabs_[front_].isConnected; }
     std::uint64_t channelAtRandom();
-    std::string strangeName() { return strangeText(dice_, dice_.below(kLongestName), scripts_); }
-    std::string textAtRandom();
 
     HostModel& host_;
     const PluginLibrary& plugin_;
     PassWatch& passes_;
-    const Scripts scripts_;
     Dice dice_;
     std::array<Tab, 3> tabs_;
     std::size_t front_ = 0;

@@ -13,6 +13,8 @@ void* (*gMalloc)(std::size_t bytes) = nullptr;
 void* (*gCalloc)(std::size_t count, std::size_t bytes) = nullptr;
 void* (*gRealloc)(void* block, std::size_t bytes) = nullptr;
 void (*gFree)(void* block) = nullptr;
+void*(WINAPI* gGdipAlloc)(std::size_t bytes) = nullptr;
+void(WINAPI* gGdipFree)(void* block) = nullptr;
 
 std::int64_t sizeOf(void* block) {
     return block ? static_cast<std::int64_t>(_msize(block)) : 0;
@@ -47,6 +49,17 @@ void countedFree(void* block) {
     gFree(block);
 }
 
+void* WINAPI countedGdipAlloc(std::size_t bytes) {
+    void* const block = gGdipAlloc(bytes);
+    gBlocks += block != nullptr;
+    return block;
+}
+
+void WINAPI countedGdipFree(void* block) {
+    gBlocks -= block != nullptr;
+    gGdipFree(block);
+}
+
 template <class Function>
 void keepOriginal(const ImportPatch& patch, Function& function) {
     function = reinterpret_cast<Function>(patch.original());
@@ -59,16 +72,21 @@ OwnMemory::OwnMemory()
     : malloc_(kLibrary, "malloc", reinterpret_cast<void*>(&countedMalloc)),
       calloc_(kLibrary, "calloc", reinterpret_cast<void*>(&countedCalloc)),
       realloc_(kLibrary, "realloc", reinterpret_cast<void*>(&countedRealloc)),
-      free_(kLibrary, "free", reinterpret_cast<void*>(&countedFree)) {
+      free_(kLibrary, "free", reinterpret_cast<void*>(&countedFree)),
+      gdipAlloc_(kLibrary, "GdipAlloc", reinterpret_cast<void*>(&countedGdipAlloc)),
+      gdipFree_(kLibrary, "GdipFree", reinterpret_cast<void*>(&countedGdipFree)) {
     gBytes = gBlocks = 0;
     keepOriginal(malloc_, gMalloc);
     keepOriginal(calloc_, gCalloc);
     keepOriginal(realloc_, gRealloc);
     keepOriginal(free_, gFree);
+    keepOriginal(gdipAlloc_, gGdipAlloc);
+    keepOriginal(gdipFree_, gGdipFree);
 }
 
 bool OwnMemory::isCounting() const {
-    return malloc_.isInPlace() && calloc_.isInPlace() && realloc_.isInPlace() && free_.isInPlace();
+    return malloc_.isInPlace() && calloc_.isInPlace() && realloc_.isInPlace() && free_.isInPlace() &&
+           gdipAlloc_.isInPlace() && gdipFree_.isInPlace();
 }
 
 std::int64_t OwnMemory::bytes() {

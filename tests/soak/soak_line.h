@@ -47,6 +47,7 @@ struct GrowthFinding {
     const char* name = "";
     const char* unit = "";
     GrowthLine line;         // in that unit
+    bool isJudged = true;    // else it never grows
     double allowance = 0.0;  // of certain growth within the samples
     bool grows = false;
 };
@@ -55,10 +56,13 @@ class GrowthRecord {
   public:
     explicit GrowthRecord(std::size_t lines);  // room for so many is taken at once
     void add(const SoakLine& line);
+    // Heap and private bytes are not judged: the system leaks in them.
+    void leaveOutSystemMemory() { isSystemTight_ = false; }
     std::vector<GrowthFinding> judge() const;
 
   private:
     std::vector<std::vector<GrowthSample>> samples_;  // one row per judged column
+    bool isSystemTight_ = true;
 };
 // "handles  slope +0.1 /h, certain ...", one line.
 std::string findingText(const GrowthFinding& finding);

@@ -2,9 +2,9 @@
 #include <windows.h>
 #include <cstdio>
 #include "base/number_text.h"
-#include "tests/soak/script_probe_win.h"
 #include "tests/soak/soak_world.h"
 #include "tests/soak/stopwatch_win.h"
+#include "tests/soak/system_leaks_win.h"
 
 namespace {
 
@@ -18,16 +18,6 @@ constexpr std::size_t kTitlesEvery = 30;                  // lines
 
 std::size_t lineCount(const SoakOptions& options) {
     return static_cast<std::size_t>(options.minutes * 60.0 / options.everySeconds) + kFewestLines;
-}
-
-// What this system itself would leak on is left out, or the heap could not be judged.
-Scripts scriptsOfThisSystem() {
-    constexpr double kLeaks = 8.0;  // bytes for each text; a good system's books waver by less
-    const double bytes = bytesKeptForAComplexText();
-    if (bytes < kLeaks) return Scripts::kAll;
-    say("This system's GDI+ keeps " + formatFixed(bytes, 0) +
-        " bytes for each text of a complex script: no strange text has one");
-    return Scripts::kNoComplex;
 }
 
 }  // namespace
@@ -68,6 +58,8 @@ int SoakRun::run() {
 }
 
 bool SoakRun::start() {
+    progress_.at("a look at the system");
+    lookForSystemLeaks();
     progress_.at("the start");
     std::filesystem::create_directories(dataFolder());
     csv_ << csvTitles() << std::flush;
@@ -76,7 +68,6 @@ bool SoakRun::start() {
         if (call.function == "getClientSelfVariableAsInt") passes_.onPass(GetCurrentThreadId(), nowNs());
         if (call.function == "logMessage") log_.add(call);
     });
-    const Scripts scripts = scriptsOfThisSystem();
     if (!plugin_.load(productFile("corvalis_win64.dll")) || !plugin_.introduce(host_)) {
         say("The plugin does not load: " + plugin_.error());
         return false;
@@ -86,7 +77,7 @@ bool SoakRun::start() {
         return false;
     }
     plugin_.exports().registerPluginID(kSoakPluginId);
-    server_.emplace(host_, plugin_, passes_, scripts, dice_.next());
+    server_.emplace(host_, plugin_, passes_, dice_.next());
     plugin_.exports().init();
     std::vector<std::uint32_t> workers;
     const bool isComplete = waitFor(
@@ -108,6 +99,15 @@ bool SoakRun::start() {
     server_->open();
     crew_.emplace(plugin_.exports(), kServers[0], dice_.next());
     return true;
+}
+
+void SoakRun::lookForSystemLeaks() {
+    const SystemLeaks leaks = findSystemLeaks();
+    if (leaks.areNone()) return;
+    say("This system itself keeps " + formatFixed(leaks.bytesForAText, 0) +
+        " bytes for a text of a complex script and " + formatFixed(leaks.bytesForAThread, 0) +
+        " for a thread whose window was active: memory of the process is shown, the plugin's own is judged");
+    record_.leaveOutSystemMemory();
 }
 
 // From here on times count; what the tour has left in the figures is thrown away with the first look.

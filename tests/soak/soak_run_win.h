@@ -59,6 +59,7 @@ class SoakRun {
   private:
     std::filesystem::path dataFolder() const { return outFolder_ / "appdata" / "Corvalis"; }
     bool start();
+    void lookForSystemLeaks();
     void fly();
     void changeWriter();
     void flyUntil(std::uint64_t timeNs);

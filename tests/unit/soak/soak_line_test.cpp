@@ -60,13 +60,31 @@ TEST(SoakVerdict, NamesWhatGrows) {
     };
     EXPECT_EQ(grows(&SoakLine::privateBytes, 300'000), Names{"private_mib"});
     EXPECT_EQ(grows(&SoakLine::heapBytes, 150'000), Names{"heap_mib"});
-    EXPECT_EQ(grows(&SoakLine::ownBytes, 20'000), Names{"own_kib"});
-    EXPECT_EQ(grows(&SoakLine::ownBlocks, 20), Names{"own_blocks"});
+    EXPECT_EQ(grows(&SoakLine::ownBytes, 40'000), Names{"own_kib"});
+    EXPECT_EQ(grows(&SoakLine::ownBlocks, 100), Names{"own_blocks"});
     EXPECT_EQ(grows(&SoakLine::workerBytes, 150'000), Names{"worker_mib"});
     EXPECT_EQ(grows(&SoakLine::gdiObjects, 1), Names{"gdi_objects"});
     EXPECT_EQ(grows(&SoakLine::userObjects, 1), Names{"user_objects"});
     EXPECT_EQ(grows(&SoakLine::handles, 1), Names{"handles"});
     EXPECT_EQ(grows(&SoakLine::threads, 1), Names{"threads"});
+}
+
+TEST(SoakVerdict, OnALeakingSystemShowsItsMemoryAndJudgesThePluginsOwn) {
+    const auto lines = linesWith([](SoakLine& line, int i) {
+        line.privateBytes += 300'000U * static_cast<unsigned>(i);
+        line.heapBytes += 150'000U * static_cast<unsigned>(i);
+        line.ownBlocks += 100 * i;
+    });
+    GrowthRecord record(lines.size());
+    record.leaveOutSystemMemory();
+    for (const SoakLine& line : lines) record.add(line);
+    for (const GrowthFinding& finding : record.judge()) {
+        const std::string name = finding.name;
+        const bool isSystems = name == "private_mib" || name == "heap_mib";
+        EXPECT_EQ(finding.isJudged, !isSystems) << name;
+        EXPECT_EQ(finding.grows, name == "own_blocks") << name;
+        EXPECT_EQ(findingText(finding).find("shown") != std::string::npos, isSystems) << name;
+    }
 }
 
 TEST(SoakVerdict, AllowsWhatComesAndGoes) {
