@@ -32,10 +32,13 @@ soak() {
     [ "${PIPESTATUS[0]}" -eq 0 ] && grep -q '^Soaked: ' "$soak_folder/soak.txt"
 }
 
+# build_windows TARGET...
+build_windows() {
+    { [ -f build/windows/build.ninja ] || cmake --preset windows; } && cmake --build build/windows --target "$@"
+}
 soak_alone() {
     tools/packages.sh product wine || return 1
-    { [ -f build/windows/build.ninja ] || cmake --preset windows; } &&
-        cmake --build build/windows --target corvalis_win64 hopline_worker soak || return 1
+    build_windows corvalis_win64 hopline_worker soak || return 1
     packaging/check_package.sh "$PWD/build/windows" "$PWD/build/windows/package" || return 1
     . tools/wine.sh
     start_wine
@@ -44,8 +47,7 @@ soak_alone() {
 
 long_runs() {
     tools/packages.sh product wine test || return 1
-    { [ -f build/windows/build.ninja ] || cmake --preset windows; } &&
-        cmake --build build/windows --target client_tests restarts || return 1
+    build_windows client_tests restarts || return 1
     . tools/wine.sh
     start_wine_slots 1
     ctest --preset windows -j 1 -R '^Long[.]' --verbose
