@@ -126,15 +126,25 @@ class Loads {
             isGood = life.leftNothing(life.leftovers()) && isGood;
         }
         life.unload();
+        noteNewObjects(life);
         if (GetModuleHandleW(L"corvalis_win64.dll")) isGood = life.leftNothing({"the DLL"});
         return isGood;
     }
     std::uint64_t hostCalls() const { return crowd_.calls(); }
 
   private:
+    // Which life it was that left one, should the verdict be that they grow. The first uses of a kind leave some, too.
+    void noteNewObjects(const PluginLife& life) {
+        const int objects = countResources().gdiObjects;
+        if (objects > mostObjects_ && mostObjects_ > 0)
+            std::printf("         %+d GDI objects after: %s\n", objects - mostObjects_, life.story().c_str());
+        mostObjects_ = std::max(mostObjects_, objects);
+    }
+
     Chance chance_;
     const LifePlaces places_;
     HostCrowd crowd_;
+    int mostObjects_ = 0;
 };
 
 }  // namespace
