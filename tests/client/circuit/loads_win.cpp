@@ -3,20 +3,20 @@
 #include <array>
 #include <cstdio>
 #include <map>
+#include <span>
 #include <vector>
 #include "tests/client/circuit/plugin_life_win.h"
 #include "tests/client/resource_count_win.h"
+#include "tests/soak/growth.h"
 
 namespace {
 
-// One thing that is counted after an unload. Growth is judged by floors: the least of all counts of a quarter. Whatever
-// the system makes and gives back in its own time lifts single counts; what each load leaves, or each use of a kind,
-// lifts the floor, by as many as there were such loads. A count that may not grow at all has an allowance of 0. What
-// has one may take a step, as heaps do when they ask the system for more, but must not go on rising: it grows if the
-// last half's fitted line does, too.
+// One thing that is counted after an unload. It grows if a line through the last half of the counts certainly rises by
+// more than its allowance: what each load leaves, or each use of a kind, raises it again and again. A single step does
+// not: the system keeps device contexts and pages for the next one who needs them.
 struct Quantity {
     const char* name;
-    double allowance;  // from the second quarter's floor to the last one's, for each load between
+    double allowance;  // for each load
     double (*count)();
 };
 
@@ -36,15 +36,12 @@ const std::array kQuantities = {
 };
 constexpr std::size_t kQuantityCount = kQuantities.size();
 
-struct Sample {
-    int load = 0;
-    std::array<double, kQuantityCount> values{};
-};
+using Counts = std::array<double, kQuantityCount>;
 
-Sample takeSample(int load) {
-    Sample sample{.load = load, .values = {}};
-    for (std::size_t i = 0; i < kQuantityCount; i++) sample.values[i] = kQuantities[i].count();
-    return sample;
+Counts takeCounts() {
+    Counts counts{};
+    for (std::size_t i = 0; i < kQuantityCount; i++) counts[i] = kQuantities[i].count();
+    return counts;
 }
 
 void printTitles() {
@@ -53,46 +50,21 @@ void printTitles() {
     std::printf("\n");
 }
 
-void printSample(const Sample& sample) {
-    std::printf("%8d", sample.load);
-    for (const double value : sample.values) std::printf("%15.0f", value);
+void printCounts(int load, const Counts& counts) {
+    std::printf("%8d", load);
+    for (const double count : counts) std::printf("%15.0f", count);
     std::printf("\n");
     std::fflush(stdout);
 }
 
-// The least count of samples first..last-1.
-double floorOf(const std::vector<Sample>& samples, std::size_t quantity, std::size_t first, std::size_t last) {
-    double least = samples[first].values[quantity];
-    for (std::size_t i = first; i < last; i++) least = std::min(least, samples[i].values[quantity]);
-    return least;
-}
-
-// By least squares over the last half, for 1,000 loads.
-double slopeOf(const std::vector<Sample>& samples, std::size_t quantity) {
-    const std::size_t first = samples.size() / 2;
-    double n = 0, x = 0, y = 0, xx = 0, xy = 0;
-    for (std::size_t i = first; i < samples.size(); i++) {
-        const double load = samples[i].load, value = samples[i].values[quantity];
-        n += 1;
-        x += load;
-        y += value;
-        xx += load * load;
-        xy += load * value;
-    }
-    const double spread = n * xx - x * x;
-    return spread > 0 ? (n * xy - x * y) / spread * 1000.0 : 0.0;
-}
-
-bool judge(const std::vector<Sample>& samples, std::size_t quantity) {
-    const std::size_t quarter = samples.size() / 4;
-    const double before = floorOf(samples, quantity, quarter, 2 * quarter);
-    const double after = floorOf(samples, quantity, samples.size() - quarter, samples.size());
-    const int loads = samples.back().load - samples[quarter].load;
-    const double allowance = kQuantities[quantity].allowance;
-    const double slope = slopeOf(samples, quantity);
-    const bool isGood = after - before <= allowance * loads || (allowance > 0 && slope <= allowance * 1000);
-    std::printf("%-8s %-14s floor %12.0f, then %12.0f; %+.1f for 1,000 loads in the last half's fitted line\n",
-                isGood ? "ok" : "GREW", kQuantities[quantity].name, before, after, slope);
+// samples: by load, instead of by seconds.
+bool judge(const Quantity& quantity, std::span<const GrowthSample> samples) {
+    const GrowthLine line = fitGrowth(lastHalf(samples));
+    const double allowed = quantity.allowance * line.spanSeconds;
+    const bool isGood = line.isKnown && line.certainGrowth() <= allowed;
+    std::printf("%-8s %-14s %12.0f, then %12.0f; by %+.3f a load (%+.3f to %+.3f) in the last %.0f loads\n",
+                isGood ? "ok" : "GREW", quantity.name, samples[samples.size() / 2].value, samples.back().value,
+                line.slope, line.lowest, line.highest, line.spanSeconds);
     return isGood;
 }
 
@@ -158,20 +130,21 @@ int runLoads(int loads, std::uint64_t seed) {
         return 1;
     }
     const int every = std::max(1, loads / 100);
-    std::vector<Sample> samples;
+    std::array<std::vector<GrowthSample>, kQuantityCount> samples;
     std::map<std::string, int> handlesBefore;
     bool isGood = true;
     printTitles();
     for (int load = 1; load <= loads; load++) {
         isGood = lives.live() && isGood;
         if (load % every != 0) continue;
-        samples.push_back(takeSample(load));
-        if (load / every % 5 == 0) printSample(samples.back());
-        if (load == loads / 4 / every * every) handlesBefore = handleTypes();
+        const Counts counts = takeCounts();
+        for (std::size_t i = 0; i < kQuantityCount; i++) samples[i].push_back({static_cast<double>(load), counts[i]});
+        if (load / every % 5 == 0) printCounts(load, counts);
+        if (load == loads / 2 / every * every) handlesBefore = handleTypes();
     }
     std::printf("%llu calls by the host's threads that lived on\n", static_cast<unsigned long long>(lives.hostCalls()));
-    if (samples.size() >= 20) {
-        for (std::size_t i = 0; i < kQuantityCount; i++) isGood = judge(samples, i) && isGood;
+    if (samples[0].size() >= 2 * kFewestSamples) {
+        for (std::size_t i = 0; i < kQuantityCount; i++) isGood = judge(kQuantities[i], samples[i]) && isGood;
         printNewHandles(handlesBefore);
     }
     DestroyWindow(client);
