@@ -2,6 +2,7 @@
 // from what the system and the stand-in client hold in the same heap. [host] Made while the DLL is loaded and none of
 // its threads runs; one at a time.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include "tests/client/import_patch_win.h"
 
@@ -14,6 +15,8 @@ class OwnMemory {
     // can come below 0. [any]
     static std::int64_t bytes();
     static std::int64_t blocks();  // GDI+'s too, whose size nobody tells
+    // A block of so many bytes that counts as the plugin's, for a leak on purpose. Null without memory.
+    static void* takeAsThePlugin(std::size_t bytes);
 
   private:
     ImportPatch malloc_, calloc_, realloc_, free_, gdipAlloc_, gdipFree_;

@@ -1,14 +1,14 @@
 #include "tests/soak/planted_leak_win.h"
 #include <windows.h>
-#include <cstdlib>
 #include <cstring>
+#include "tests/soak/own_memory_win.h"
 
 namespace {
 
 constexpr std::size_t kBytes = 100'000;
 
 void leakMemory() {
-    void* const memory = std::malloc(kBytes);
+    void* const memory = OwnMemory::takeAsThePlugin(kBytes);
     if (memory) std::memset(memory, 0x5A, kBytes);  // a page counts once it has been written to
 }
 

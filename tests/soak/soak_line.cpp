@@ -71,6 +71,11 @@ bool holdsSystemMemory(const Column& column) {
     return title == "private_mib" || title == "heap_mib";
 }
 
+const char* verdictOf(const GrowthFinding& finding) {
+    if (!finding.isJudged) return "shown ";
+    return finding.grows ? "GROWS " : "stands";
+}
+
 // Right-aligned, with a blank before it at least.
 std::string padded(const std::string& text, int width) {
     const auto wanted = static_cast<std::size_t>(width);
@@ -143,11 +148,7 @@ std::string findingText(const GrowthFinding& finding) {
     name.resize(std::max<std::size_t>(name.size() + 1, 14), ' ');
     if (!finding.line.isKnown) return name + "unknown: too few lines";
     const std::string unit = *finding.unit ? std::string(" ") + finding.unit : "";
-    return name +
-           (!finding.isJudged ? "shown "
-            : finding.grows   ? "GROWS "
-                              : "stands") +
-           "  by " + signedText(finding.line.slope * kPerHour, 2) + unit + " an hour (" +
+    return name + verdictOf(finding) + "  by " + signedText(finding.line.slope * kPerHour, 2) + unit + " an hour (" +
            signedText(finding.line.lowest * kPerHour, 2) + " to " + signedText(finding.line.highest * kPerHour, 2) +
            "), in " + formatFixed(finding.line.spanSeconds, 0) + " s certainly by " +
            signedText(finding.line.certainGrowth(), 2) + unit + " of " + formatFixed(finding.allowance, 2) + " allowed";
