@@ -14,7 +14,7 @@ OwnedHandle makeEvent(bool isSet = false) {
     return OwnedHandle(CreateEventW(nullptr, TRUE, isSet, nullptr));
 }
 
-class WorkerSleeps : public testing::Test {
+class WorkerSleepEnds : public testing::Test {
   protected:
     std::optional<PassCause> sleep(const PassResult& pass) { return sleep_.sleep(pass, {news_.get(), nullptr}); }
     void change() const { ASSERT_TRUE(writeFile(folder_.path / "command.json", "{}")); }
@@ -26,8 +26,6 @@ class WorkerSleeps : public testing::Test {
 };
 
 }  // namespace
-
-using WorkerSleepEnds = WorkerSleeps;
 
 TEST_F(WorkerSleepEnds, WithNewsAloneWhereNothingHasChangedInTheFolder) {
     SetEvent(news_.get());

@@ -1,7 +1,6 @@
 #include "tests/soak/soak_line.h"
 #include <algorithm>
 #include <iterator>
-#include <string_view>
 #include "base/number_text.h"
 
 namespace {
@@ -36,6 +35,7 @@ struct Column {
     int decimals;
     double allowance;
     double (*valueOf)(const SoakLine& line);
+    bool holdsSystemMemory = false;
 };
 
 // clang-format off
@@ -54,8 +54,8 @@ constexpr Column kColumns[] = {
     {"ui ms",     "ui_answer_worst_ms", "ms",     7, 1, kNotJudged, [](const SoakLine& l) { return milliseconds(l.uiAnswers.worst()); }},
     {"call ms",   "host_call_worst_ms", "ms",     8, 1, kNotJudged, [](const SoakLine& l) { return milliseconds(l.hostCalls.worst()); }},
     {"pass ms",   "poll_gap_worst_ms", "ms",      8, 1, kNotJudged, [](const SoakLine& l) { return milliseconds(l.passGaps.worst()); }},
-    {"private M", "private_mib",       "MiB",    10, 2, 2.0,        [](const SoakLine& l) { return mebibytes(l.privateBytes); }},
-    {"heap M",    "heap_mib",          "MiB",     7, 2, 0.5,        [](const SoakLine& l) { return mebibytes(l.heapBytes); }},
+    {"private M", "private_mib",       "MiB",    10, 2, 2.0,        [](const SoakLine& l) { return mebibytes(l.privateBytes); }, true},
+    {"heap M",    "heap_mib",          "MiB",     7, 2, 0.5,        [](const SoakLine& l) { return mebibytes(l.heapBytes); }, true},
     {"own K",     "own_kib",           "KiB",     8, 1, 256.0,      [](const SoakLine& l) { return static_cast<double>(l.ownBytes) / 1024.0; }},
     {"blocks",    "own_blocks",        "",        8, 0, 1000.0,      [](const SoakLine& l) { return static_cast<double>(l.ownBlocks); }},
     {"worker M",  "worker_mib",        "MiB",     9, 2, 0.5,        [](const SoakLine& l) { return mebibytes(l.workerBytes); }},
@@ -65,11 +65,6 @@ constexpr Column kColumns[] = {
     {"threads",   "threads",           "",        8, 0, 2.0,        [](const SoakLine& l) { return static_cast<double>(l.threads); }},
 };
 // clang-format on
-
-bool holdsSystemMemory(const Column& column) {
-    const std::string_view title = column.csvTitle;
-    return title == "private_mib" || title == "heap_mib";
-}
 
 const char* verdictOf(const GrowthFinding& finding) {
     if (!finding.isJudged) return "shown ";
@@ -133,7 +128,7 @@ std::vector<GrowthFinding> GrowthRecord::judge() const {
     auto row = samples_.begin();
     for (const Column& column : kColumns) {
         if (column.allowance < 0.0) continue;
-        const bool isJudged = isSystemTight_ || !holdsSystemMemory(column);
+        const bool isJudged = isSystemTight_ || !column.holdsSystemMemory;
         GrowthFinding finding{column.csvTitle, column.unit,      fitGrowth(lastHalf(*row++)),
                               isJudged,        column.allowance, false};
         finding.grows = isJudged && finding.line.certainGrowth() > finding.allowance;

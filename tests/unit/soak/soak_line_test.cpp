@@ -141,12 +141,15 @@ TEST(SoakVerdict, SeesSmallLeaksInTwoMinutes) {
         return growing(linesWith([&](SoakLine& line, int i) {
             line.atSeconds = 5.0 * (i + 1);
             line.isWithSimulator = i / 3 % 2 == 0;
-            line.heapBytes += dice.below(60'000) + bytesPerSecond * 5 * static_cast<unsigned>(i);
+            const std::uint64_t leaked = bytesPerSecond * 5 * static_cast<unsigned>(i);
+            line.heapBytes += dice.below(60'000) + leaked;
+            line.ownBytes += static_cast<std::int64_t>(dice.below(60'000) + leaked);
             line.handles += dice.between(-1, 1) + handlesPerLine * i;
         }));
     };
     EXPECT_EQ(leaks(0, 0), Names{});
-    EXPECT_EQ(leaks(14 * 1024, 0), Names{"heap_mib"});
+    EXPECT_EQ(leaks(7 * 1024, 0), Names{"own_kib"});
+    EXPECT_EQ(leaks(14 * 1024, 0), (Names{"heap_mib", "own_kib"}));
     EXPECT_EQ(leaks(0, 2), Names{"handles"});
 }
 
