@@ -4,7 +4,9 @@
 #include <psapi.h>
 // winternl.h too.
 #include <winternl.h>
+#include <algorithm>
 #include <bit>
+#include <span>
 #include <vector>
 #include "tests/client/test_machine_win.h"
 
@@ -17,7 +19,7 @@ namespace {
 constexpr std::size_t kGdiTablePointer = 0xF8;
 // And at two bitmaps of thread slots, 64 and 1024 of them.
 constexpr std::size_t kSlotBitmapPointers[] = {0x78, 0x238};
-constexpr int kGdiTableRows = 0x10000;
+constexpr std::size_t kGdiTableRows = 0x10000;
 constexpr std::uintptr_t kMostHandle = 0x4000;  // handles are multiples of 4, reused from the lowest
 
 struct GdiTableRow {
@@ -32,12 +34,38 @@ struct GdiTableRow {
 static_assert(sizeof(GdiTableRow) == 24);
 
 // Wine's GetGuiResources answers 0; its table lists this process's objects.
-int countGdiRows() {
+std::span<const GdiTableRow> gdiRows() {
     const auto* block = static_cast<const char*>(RtlGetCurrentPeb());
     const auto* table = *reinterpret_cast<const GdiTableRow* const*>(block + kGdiTablePointer);
-    int count = 0;
-    for (int i = 0; table && i < kGdiTableRows; i++) count += table[i].type != 0;
-    return count;
+    return {table, table ? kGdiTableRows : 0};
+}
+
+bool isInUse(const GdiTableRow& row) {
+    return row.type != 0;
+}
+
+// As the handles of Windows and Wine have it in their bits 16 to 22.
+std::string gdiKindName(std::uint8_t type) {
+    switch (type & 0x7F) {
+        case 0x01:
+            return "device context";
+        case 0x04:
+            return "region";
+        case 0x05:
+            return "surface";
+        case 0x08:
+            return "palette";
+        case 0x09:
+            return "bitmap";
+        case 0x0A:
+            return "font";
+        case 0x10:
+            return "brush";
+        case 0x30:
+            return "pen";
+        default:
+            return "type " + std::to_string(type);
+    }
 }
 
 struct Bitmap {
@@ -70,7 +98,8 @@ std::uint64_t countPrivateBytes() {
 ResourceCount countResources() {
     const auto gdi = static_cast<int>(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS));
     const auto user = static_cast<int>(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS));
-    return {gdi > 0 ? gdi : countGdiRows(), user > 0 ? user : countTopWindows(), handleCount(), countPrivateBytes()};
+    return {gdi > 0 ? gdi : static_cast<int>(std::ranges::count_if(gdiRows(), isInUse)),
+            user > 0 ? user : countTopWindows(), handleCount(), countPrivateBytes()};
 }
 
 std::size_t heapBytes() {
@@ -105,6 +134,14 @@ int fiberSlotCount() {
     for (const DWORD slot : left) FlsFree(slot);
     static const int atFirst = static_cast<int>(left.size());
     return atFirst - static_cast<int>(left.size());
+}
+
+std::map<std::string, int> gdiKinds() {
+    std::map<std::string, int> kinds;
+    for (const GdiTableRow& row : gdiRows()) {
+        if (isInUse(row)) kinds[gdiKindName(row.type)]++;
+    }
+    return kinds;
 }
 
 std::map<std::string, int> handleTypes() {

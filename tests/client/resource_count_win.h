@@ -21,3 +21,5 @@ int threadSlotCount();
 int fiberSlotCount();
 // How many handles of each type this process has: "Event", "Thread".
 std::map<std::string, int> handleTypes();
+// How many GDI objects of each kind: "device context", "font". None where the system has no table of them.
+std::map<std::string, int> gdiKinds();

@@ -13,8 +13,8 @@ namespace {
 
 // One thing that is counted after an unload. It grows if its floor rises, the least of all counts of a quarter: what
 // the system makes and gives back in its own time lifts single counts; what each load leaves, or each use of a kind,
-// lifts the floor. Where the system keeps a store (device contexts for the next window, pages of a whole DLL) the floor
-// takes a step now and then; there it grows if a line through the last half certainly rises, too.
+// lifts the floor. Where the system keeps a store (as many device contexts as were in use at once, pages of a whole
+// DLL) the floor takes a step now and then; there it grows if a line through the last half certainly rises, too.
 struct Quantity {
     const char* name;
     double allowance;  // for each load
@@ -80,12 +80,12 @@ bool judge(const Quantity& quantity, std::span<const GrowthSample> samples) {
     return isGood;
 }
 
-// Which kinds of handles there are more of.
-void printNewHandles(const std::map<std::string, int>& before) {
-    for (const auto& [type, count] : handleTypes()) {
-        const auto was = before.find(type);
-        const int more = count - (was == before.end() ? 0 : was->second);
-        if (more != 0) std::printf("         %+d handles of type %s\n", more, type.c_str());
+// Of which kinds there are more, or fewer.
+void printChanges(const char* what, const std::map<std::string, int>& before, const std::map<std::string, int>& now) {
+    std::map<std::string, int> changes = now;
+    for (const auto& [kind, count] : before) changes[kind] -= count;
+    for (const auto& [kind, change] : changes) {
+        if (change != 0) std::printf("         %+d %s: %s\n", change, what, kind.c_str());
     }
 }
 
@@ -120,15 +120,20 @@ class Loads {
     // Which life it was that left one, should the verdict be that they grow. The first uses of a kind leave some, too.
     void noteNewObjects(const PluginLife& life) {
         const int objects = countResources().gdiObjects;
-        if (objects > mostObjects_ && mostObjects_ > 0)
+        if (objects <= mostObjects_) return;
+        if (mostObjects_ > 0) {
             std::printf("         %+d GDI objects after: %s\n", objects - mostObjects_, life.story().c_str());
-        mostObjects_ = std::max(mostObjects_, objects);
+            printChanges("GDI objects", kindsOfMost_, gdiKinds());
+        }
+        mostObjects_ = objects;
+        kindsOfMost_ = gdiKinds();
     }
 
     Chance chance_;
     const LifePlaces places_;
     HostCrowd crowd_;
-    int mostObjects_ = 0;
+    int mostObjects_ = 0;  // after any life
+    std::map<std::string, int> kindsOfMost_;
 };
 
 }  // namespace
@@ -157,7 +162,7 @@ int runLoads(int loads, std::uint64_t seed) {
     std::printf("%llu calls by the host's threads that lived on\n", static_cast<unsigned long long>(lives.hostCalls()));
     if (samples[0].size() >= 2 * kFewestSamples) {
         for (std::size_t i = 0; i < kQuantityCount; i++) isGood = judge(kQuantities[i], samples[i]) && isGood;
-        printNewHandles(handlesBefore);
+        printChanges("handles", handlesBefore, handleTypes());
     }
     DestroyWindow(client);
     std::printf("\n%s\n", isGood ? "Loads survived" : "Loads FAILED");
