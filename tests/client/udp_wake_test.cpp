@@ -2,19 +2,15 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include "tests/client/test_machine_win.h"
-#include "worker/xplane/udp_datagrams.h"
+#include "tests/unit/worker/xplane/loopback_socket.h"
 
 namespace {
 
-using xplane::Endpoint;
 using xplane::UdpDatagrams;
-using xplane::UdpSocket;
 
-constexpr std::uint32_t kLocalhost = 0x7F000001;
 constexpr DWORD kSoonMs = 20'000;  // only a wait that never ends takes so long
 
 bool wakes(const UdpDatagrams& datagrams) {
@@ -25,25 +21,11 @@ bool isAwake(const UdpDatagrams& datagrams) {
     return WaitForSingleObject(datagrams.wakeHandle(), 0) == WAIT_OBJECT_0;
 }
 
-// Somebody on a port of the loopback that was free.
-struct Somebody {
-    Somebody() {
-        // Not where others begin to look, nor where the system takes its own from.
-        const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
-        port = static_cast<std::uint16_t>(20'000 + ticks / 128 % 10'000);
-        for (; port < 32'000 && socket.open({kLocalhost, port}, false, nullptr) != 0; port++) {
-        }
-    }
-    Sockets sockets;
-    UdpSocket socket;
-    std::uint16_t port = 0;
-};
-
 }  // namespace
 
 TEST(UdpWake, ADatagramOnEitherSocketEndsTheSleepAndTakingThemLetsItSleepAgain) {
-    Somebody xplane;
-    const std::uint16_t beaconPort = Somebody().port;
+    LoopbackSocket xplane;
+    const std::uint16_t beaconPort = freePort();
     UdpDatagrams datagrams({kLocalhost, beaconPort});
     EXPECT_EQ(datagrams.wakeHandle(), nullptr);
     ASSERT_TRUE(datagrams.listen()) << datagrams.problem();
@@ -71,8 +53,8 @@ TEST(UdpWake, ADatagramOnEitherSocketEndsTheSleepAndTakingThemLetsItSleepAgain) 
 }
 
 TEST(UdpWake, WhatIsLeftForTheNextRoundEndsTheSleepAgain) {
-    Somebody xplane;
-    const std::uint16_t beaconPort = Somebody().port;
+    LoopbackSocket xplane;
+    const std::uint16_t beaconPort = freePort();
     UdpDatagrams datagrams({kLocalhost, beaconPort});
     ASSERT_TRUE(datagrams.listen()) << datagrams.problem();
     std::array<std::uint8_t, 64> into;

@@ -3,32 +3,22 @@
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <functional>
 #include <thread>
 #include "tests/unit/worker/becomes.h"
+#include "tests/unit/worker/xplane/loopback_socket.h"
 
 namespace {
 
 using xplane::Endpoint;
 using xplane::Received;
 using xplane::UdpDatagrams;
-using xplane::UdpSocket;
 
-constexpr std::uint32_t kLocalhost = 0x7F000001;
 constexpr std::uint32_t kNobody = 0xC0000201;  // 192.0.2.1: kept for examples, so not this computer
 using Bytes = std::vector<std::uint8_t>;
 
-// X-Plane's side: one socket on a port of its own, in a process where sockets are usable.
-class Other {
-  public:
-    Other() {
-        // Not where others begin to look, nor where the system takes its own from.
-        const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
-        port = static_cast<std::uint16_t>(20'000 + ticks / 128 % 10'000);
-        for (; port < 32'000 && socket.open({kLocalhost, port}, false, nullptr) != 0; port++) {
-        }
-    }
+// X-Plane's side.
+struct Other : LoopbackSocket {
     // The next datagram, and whom it is from.
     Bytes receive(Endpoint& from) {
         Bytes into(2048);
@@ -39,16 +29,7 @@ class Other {
         into.resize(received->bytes);
         return into;
     }
-
-    Sockets sockets;
-    UdpSocket socket;
-    std::uint16_t port = 0;
 };
-
-// A port that nobody has just now.
-std::uint16_t freePort() {
-    return Other().port;
-}
 
 Bytes receivedBy(const std::function<std::optional<Received>(std::span<std::uint8_t>)>& receive, Endpoint& from) {
     Bytes into(64);
