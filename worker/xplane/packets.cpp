@@ -80,7 +80,7 @@ std::string versionText(std::int32_t version) {
     constexpr std::int32_t kThreeNumbers = 120'000;
     constexpr std::int32_t kLeast = 100'000;
     constexpr std::int32_t kMost = 1'000'000;
-    const std::string name = "X-Plane";
+    std::string name = "X-Plane";
     if (version < kLeast || version >= kMost) return name;
     const auto digit = [&](std::int32_t unit) { return std::to_string(version / unit % 10); };
     const auto major = name + ' ' + std::to_string(version / kMajor) + '.' + digit(1000);
