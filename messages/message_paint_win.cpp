@@ -1,6 +1,7 @@
 #include "messages/message_paint_win.h"
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include "base/wide_text_win.h"
 #include "ui/shapes.h"
 #include "ui/text_fonts_win.h"
@@ -110,13 +111,25 @@ std::wstring familyOf(PageFont font) {
     return wideFromUtf8(familyFor(families, kPageSigns));
 }
 
+// What GDI+ has in place of a family that is not there; "" if nothing. By its name, since the object that <gdiplus.h>
+// would give is kept for ever and belongs to the GDI+ of that moment.
+std::wstring genericFamily(PageFont font) {
+    Gdiplus::GpFontFamily* family = nullptr;
+    const auto status = font == PageFont::kMono ? Gdiplus::DllExports::GdipGetGenericFontFamilyMonospace(&family)
+                                                : Gdiplus::DllExports::GdipGetGenericFontFamilySansSerif(&family);
+    if (status != Gdiplus::Ok) return {};
+    WCHAR name[LF_FACESIZE] = {};
+    if (Gdiplus::DllExports::GdipGetFamilyName(family, name, LANG_NEUTRAL) != Gdiplus::Ok) name[0] = L'\0';
+    Gdiplus::DllExports::GdipDeleteFontFamily(family);
+    return name;
+}
+
 std::unique_ptr<Gdiplus::Font> makeFont(const PageTextStyle& style) {
-    const Gdiplus::FontFamily named(familyOf(style.font).c_str());
-    const Gdiplus::FontFamily* generic = style.font == PageFont::kMono ? Gdiplus::FontFamily::GenericMonospace()
-                                                                       : Gdiplus::FontFamily::GenericSansSerif();
-    auto font = std::make_unique<Gdiplus::Font>(named.IsAvailable() ? &named : generic, style.size,
-                                                style.isBold ? Gdiplus::FontStyleBold : Gdiplus::FontStyleRegular,
-                                                Gdiplus::UnitPixel);
+    std::wstring name = familyOf(style.font);
+    if (!Gdiplus::FontFamily(name.c_str()).IsAvailable()) name = genericFamily(style.font);
+    const Gdiplus::FontFamily family(name.c_str());
+    auto font = std::make_unique<Gdiplus::Font>(
+        &family, style.size, style.isBold ? Gdiplus::FontStyleBold : Gdiplus::FontStyleRegular, Gdiplus::UnitPixel);
     return font->IsAvailable() ? std::move(font) : nullptr;
 }
 
@@ -125,6 +138,12 @@ std::unique_ptr<Gdiplus::Font> makeFont(const PageTextStyle& style) {
 RECT pagePixels(const UnitRect& rect, float scale) {
     return {pixelsOf(rect.x, scale), pixelsOf(rect.y, scale), pixelsOf(rect.x + rect.width, scale),
             pixelsOf(rect.y + rect.height, scale)};
+}
+
+// <gdiplus.h> wraps GDI+'s typographic format at its first use and keeps that in a variable of the C++ library's: it
+// would point into a GDI+ that has ended, and stay behind when the DLL goes. The format itself is GDI+'s.
+MessagePainter::~MessagePainter() {
+    Gdiplus::GdiplusBase::operator delete(std::exchange(Gdiplus::_GdipStringFormatCachedGenericTypographic, nullptr));
 }
 
 const Gdiplus::Font* MessagePainter::fontFor(const PageTextStyle& style) {

@@ -11,6 +11,11 @@
 // [ui] Must not outlive the thread's GDI+. What cannot be made (a font, a brush) is left out of the picture.
 class MessagePainter {
   public:
+    MessagePainter() = default;
+    ~MessagePainter();
+    MessagePainter(const MessagePainter&) = delete;
+    MessagePainter& operator=(const MessagePainter&) = delete;
+
     void paint(const MemorySurface& surface, float scale, const std::vector<PageItem>& items);
     const Gdiplus::Font* fontFor(const PageTextStyle& style);
 

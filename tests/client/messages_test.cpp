@@ -3,10 +3,12 @@
 #include <windows.h>
 #include <algorithm>
 #include <atomic>
+#include <utility>
 #include "tests/client/message_test.h"
 #include "tests/client/picture_compare.h"
 #include "tests/client/window_picture_win.h"
 #include "tests/client/window_watch_win.h"
+#include "tests/soak/own_memory_win.h"
 
 namespace {
 
@@ -103,6 +105,24 @@ TEST_F(Messages, TheWindowIsHiddenAtStartAndAsItShouldBe) {
     EXPECT_EQ(rect.right - rect.left, 620);
     EXPECT_EQ(rect.bottom - rect.top, 400);
     EXPECT_EQ(GetWindowThreadProcessId(window, nullptr), GetWindowThreadProcessId(findPanel(), nullptr));
+}
+
+TEST_F(Messages, ThatWereShownLeaveNothingBehindWhenTheDllGoes) {
+    const auto leftAfterALife = [&](bool isPageShown) {
+        EXPECT_TRUE(session.load());
+        const OwnMemory memory;
+        EXPECT_TRUE(memory.isCounting());
+        EXPECT_TRUE(begin());
+        if (isPageShown) {
+            receive("CLEARED TO LAND");
+            EXPECT_TRUE(open());
+        }
+        session.stop();
+        session.plugin.unload();
+        return std::pair(OwnMemory::bytes(), OwnMemory::blocks());
+    };
+    const auto without = leftAfterALife(false);
+    EXPECT_EQ(leftAfterALife(true), without);
 }
 
 TEST_F(Messages, LeaveTheWindowHiddenWhenTheSettingSaysSo) {

@@ -104,9 +104,7 @@ bool SoakRun::start() {
 void SoakRun::lookForSystemLeaks() {
     const SystemLeaks leaks = findSystemLeaks();
     if (leaks.areNone()) return;
-    say("This system itself keeps " + formatFixed(leaks.bytesForAText, 0) +
-        " bytes for a text of a complex script and " + formatFixed(leaks.bytesForAThread, 0) +
-        " for a thread whose window was active: memory of the process is shown, the plugin's own is judged");
+    say(leaks.inWords());
     record_.leaveOutSystemMemory();
 }
 

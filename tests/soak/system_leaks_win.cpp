@@ -1,6 +1,7 @@
 #include "tests/soak/system_leaks_win.h"
 #include <cwchar>
 #include <thread>
+#include "base/number_text.h"
 #include "tests/client/resource_count_win.h"
 #include "ui/gdiplus_win.h"
 
@@ -53,6 +54,12 @@ double bytesForAThread() {
 
 bool SystemLeaks::areNone() const {
     return bytesForAText < kNone && bytesForAThread < kNone;
+}
+
+std::string SystemLeaks::inWords() const {
+    return "This system itself keeps " + formatFixed(bytesForAText, 0) + " bytes for a text of a complex script and " +
+           formatFixed(bytesForAThread, 0) +
+           " for a thread whose window was active: memory of the process is shown, the plugin's own is judged";
 }
 
 SystemLeaks findSystemLeaks() {

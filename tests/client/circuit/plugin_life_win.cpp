@@ -91,7 +91,7 @@ bool PluginLife::load() {
     worker_ = static_cast<WorkerBeside>(chance_.below(kWorkerBesideCount));
     tell(std::string("load ") + kWorkerNames[static_cast<int>(worker_)]);
     writeSettings();
-    if (plugin_.load(places_.dll(worker_)) && plugin_.introduce(host_)) {
+    if (plugin_.load(places_.dll(worker_)) && ownMemory_.emplace().isCounting() && plugin_.introduce(host_)) {
         plugin_.exports().registerPluginID("lives");
         return true;
     }

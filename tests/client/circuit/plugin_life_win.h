@@ -3,6 +3,7 @@
 #pragma once
 #include <windows.h>
 #include <atomic>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -15,6 +16,7 @@
 #include "tests/client/host_model.h"
 #include "tests/client/locked_file_win.h"
 #include "tests/client/test_machine_win.h"
+#include "tests/soak/own_memory_win.h"
 
 // What is beside the DLL: a worker that flies the built-in aircraft, one that never says a word, or none.
 enum class WorkerBeside { kFlying, kSilent, kNone };
@@ -34,6 +36,12 @@ class LifePlaces {
     bool isGood_ = true;
 };
 
+// What the plugin took of the C runtime's and GDI+'s memory while it was loaded, less what it gave back by its end.
+struct MemoryLeft {
+    std::int64_t bytes = 0;
+    std::int64_t blocks = 0;
+};
+
 class PluginLife {
   public:
     PluginLife(Chance& chance, HostCrowd& crowd, const LifePlaces& places);
@@ -50,6 +58,8 @@ class PluginLife {
     // After a shutdown, while the DLL is there: what of the plugin is still at work, in words.
     std::vector<std::string> leftovers();
     void unload();
+    // Once unloaded.
+    MemoryLeft memoryLeft() const { return {OwnMemory::bytes(), OwnMemory::blocks()}; }
 
     // Whether that is so; else says what was left, and after what.
     bool leftNothing(const std::vector<std::string>& leftovers) const;
@@ -97,6 +107,7 @@ class PluginLife {
     SystemClock clock_;
     HostModel host_{clock_};
     PluginLibrary plugin_;
+    std::optional<OwnMemory> ownMemory_;  // counts while the DLL is loaded
     WorkerBeside worker_ = WorkerBeside::kFlying;
     std::int32_t theme_ = 0;
     std::unique_ptr<LockedFile> locked_;   // settings.ini, held by another program
