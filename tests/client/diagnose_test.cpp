@@ -145,11 +145,14 @@ TEST_F(Diagnose, SaysWhatTheLinkWouldSay) {
     const struct {
         const char* action;
         const char* found;
+        bool isEnd = false;
     } rows[] = {{"sim menu", " s: simulator in menu\r\n"},
                 {"sim running", " s: flying\r\n"},
-                {"exit", " s: waiting for the simulator\r\n"}};
+                {"exit", " s: waiting for the simulator\r\n", true}};
     for (const auto& row : rows) {
         ASSERT_TRUE(simulator.act(row.action, error)) << error;
+        // Over, it does not listen any more.
+        ASSERT_TRUE(waitFor([&] { return simulator.isOver() == row.isEnd; }, kPatienceMs));
         const auto outcome =
             run(L"--diagnose --data-dir " + quoted(data) + L" --address 127.0.0.1:" + std::to_wstring(port));
         EXPECT_TRUE(has(outcome.output, row.found)) << outcome.output;

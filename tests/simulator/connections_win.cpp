@@ -118,6 +118,8 @@ class PipeEnd {
 class SocketEnd {
   public:
     SocketEnd(SOCKET socket, long events) : socket_(socket), event_(makeEvent()) {
+        // Or a program that is started now would keep it open after us, and hold up whoever connects.
+        SetHandleInformation(reinterpret_cast<HANDLE>(socket_), HANDLE_FLAG_INHERIT, 0);
         WSAEventSelect(socket_, event_.get(), events);
     }
     ~SocketEnd() { closesocket(socket_); }
