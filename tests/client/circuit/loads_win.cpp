@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 #include "tests/client/circuit/plugin_life_win.h"
 #include "tests/client/resource_count_win.h"
@@ -15,9 +16,9 @@ namespace {
 
 // One thing that is counted after an unload. It grows if its floor rises, the least of all counts of a quarter: what
 // the system makes and gives back in its own time lifts single counts; what each load leaves, or each use of a kind,
-// lifts the floor. Where the system keeps a store (as many device contexts as were ever in use at once,
-// pages of what was used once) the floor takes a step now and then; there it grows if a line through the last half
-// certainly rises, too.
+// lifts the floor. Where the system keeps a store (as many device contexts as were ever in use at once, pages of what
+// was used once) the floor takes a step now and then; there it grows if a line through the last half certainly rises,
+// too.
 struct Quantity {
     const char* name;
     double allowance;  // for each load
@@ -81,11 +82,10 @@ bool judge(const Quantity& quantity, std::span<const GrowthSample> samples, bool
     const bool isLineStill = line.isKnown && line.certainGrowth() <= quantity.allowance * line.spanSeconds;
     const bool isGood = isFloorStill || (quantity.hasStore && isLineStill);
     const bool isJudged = (isSystemGood || !quantity.isOfAllMemory) && samples.back().atSeconds >= quantity.fewestLoads;
+    const char* const verdict = isGood ? "ok" : "GREW";
     std::printf("%-8s %-14s floor %12.0f, then %12.0f; by %+.3f a load (%+.3f to %+.3f) in the last %.0f\n",
-                !isJudged ? "shown"
-                : isGood  ? "ok"
-                          : "GREW",
-                quantity.name, before, after, line.slope, line.lowest, line.highest, line.spanSeconds);
+                isJudged ? verdict : "shown", quantity.name, before, after, line.slope, line.lowest, line.highest,
+                line.spanSeconds);
     return isGood || !isJudged;
 }
 
@@ -140,12 +140,13 @@ class Loads {
     void noteNewObjects(const PluginLife& life) {
         const int objects = countResources().gdiObjects;
         if (objects <= mostObjects_) return;
+        auto kinds = gdiKinds();
         if (mostObjects_ > 0) {
             std::printf("         %+d GDI objects after: %s\n", objects - mostObjects_, life.story().c_str());
-            printChanges("GDI objects", kindsOfMost_, gdiKinds());
+            printChanges("GDI objects", kindsOfMost_, kinds);
         }
         mostObjects_ = objects;
-        kindsOfMost_ = gdiKinds();
+        kindsOfMost_ = std::move(kinds);
     }
 
     Chance chance_;
